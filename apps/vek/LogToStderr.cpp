@@ -1,0 +1,64 @@
+#include "LogToStderr.h"
+
+#include "Console.h"
+
+#include <new>
+
+namespace tool
+{
+
+namespace
+{
+
+void ShowLines(std::wstring_view text)
+{
+    while (!text.empty())
+    {
+        std::size_t const end = text.find(L'\n');
+        std::wstring_view const line = text.substr(0, end);
+        if (!line.empty())
+            Console::Err().Write(Printable(line) + L"\n");
+        text.remove_prefix(end == std::wstring_view::npos ? text.size() : end + 1);
+    }
+}
+
+} // namespace
+
+void LogToStderr::OnLogOutput(int, wchar_t const * text)
+{
+    // The library is told nothing by an exception: a message that there is no memory for is lost.
+    try
+    {
+        if (m_shows)
+            ShowLines(text);
+        else
+            m_kept += text;
+    }
+    catch (std::bad_alloc const &)
+    {
+    }
+}
+
+void LogToStderr::Show(bool keptToo)
+{
+    m_shows = true;
+    if (keptToo)
+        ShowLines(m_kept);
+    m_kept.clear();
+}
+
+Library::Library()
+{
+    auto * const catcher = new LogToStderr;
+    getVekLibKernel()->AddCatchLogOutput(catcher);
+    m_started = VekLibInit();
+    catcher->Show(!m_started);
+    catcher->Release(); // the kernel holds its own reference until VekLibDeinit
+}
+
+Library::~Library()
+{
+    VekLibDeinit();
+}
+
+} // namespace tool

@@ -1,0 +1,153 @@
+#include "XmlCommands.h"
+
+#include "Utf8.h"
+#include "XmlEdit.h"
+#include "XmlShow.h"
+
+#include <CLI/CLI.hpp>
+
+#include <limits>
+#include <memory>
+
+namespace tool
+{
+
+namespace
+{
+
+constexpr char const * ABOUT_EDITING =
+    R"(The new file is written beside the old one, read back and compared, and only then takes its place: after a failure
+nothing has changed. It is UTF-8, one line for each tag.
+
+Kept are elements, attributes and CDATA sections (the first of each element). Text outside CDATA sections, comments and
+processing instructions are NOT kept: a note tells what was lost, and a file that holds text is replaced only with
+--drop-text. Of a document type the element and attribute declarations are kept: attributes with a default value are
+declared as #IMPLIED, content models in the library's simple form, so that --no-dtd is the better choice where a
+validating reader follows. A document type that could not be read again is left out.)";
+
+constexpr char const * ABOUT_PATHS =
+    R"(PATH leads from the root element, whose own name is not part of it, by element names separated by slashes: "a/b" is
+the first b in the first a. "/" or "" is the root itself. Names are found without regard to the case of ASCII letters.)";
+
+/// The arguments of one command, as the parser stores them.
+struct Arguments
+{
+    std::vector<std::string> files;
+    std::string file, target, path, attribute, value;
+    bool create = false;
+    std::size_t depth = std::numeric_limits<std::size_t>::max();
+    EditOptions edit;
+};
+
+CLI::Option * AddText(CLI::App * app, char const * name, std::string & text, char const * description)
+{
+    return app->add_option(name, text, description)->required()->type_name("");
+}
+
+void AddEditing(CLI::App * app, Arguments & arguments)
+{
+    app->add_option("--indent", arguments.edit.save.indentation, "Blanks for each level of depth (3)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 100).description(""));
+    app->add_flag("--no-dtd", arguments.edit.save.noDocumentType, "Leave the document type out");
+    app->add_flag("--drop-text", arguments.edit.dropText, "Replace a file even if text is lost with it");
+}
+
+void AddInfo(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+{
+    CLI::App * const info = xml->add_subcommand("info", "Show what files hold and how fast they are read");
+    info->add_option("FILE", arguments->files, "The files")->required()->type_name("");
+    info->callback(
+        [arguments, &command]
+        {
+            command = [arguments]
+            {
+                std::vector<std::wstring> paths;
+                for (std::string const & file : arguments->files)
+                    paths.push_back(FromUtf8(file));
+                return RunXmlInfo(paths);
+            };
+        });
+}
+
+void AddTree(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+{
+    CLI::App * const tree =
+        xml->add_subcommand("tree", "Show a file's elements, a line each, values as they are stored");
+    AddText(tree, "FILE", arguments->file, "The file");
+    tree->add_option("--depth", arguments->depth, "Levels to show")
+        ->type_name("N")
+        ->check(CLI::Range(1U, 0x7FFFFFFFU).description(""));
+    tree->callback([arguments, &command]
+                   { command = [arguments] { return RunXmlTree(FromUtf8(arguments->file), arguments->depth); }; });
+}
+
+void AddGet(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+{
+    CLI::App * const get = xml->add_subcommand("get", "Print an attribute's value");
+    AddText(get, "FILE", arguments->file, "The file");
+    AddText(get, "PATH", arguments->path, "The way from the root to the element, such as \"a/b\"; \"/\" for the root");
+    AddText(get, "ATTRIBUTE", arguments->attribute, "The attribute's name");
+    get->footer(ABOUT_PATHS);
+    get->callback(
+        [arguments, &command]
+        {
+            command = [arguments]
+            { return RunXmlGet(FromUtf8(arguments->file), FromUtf8(arguments->path), FromUtf8(arguments->attribute)); };
+        });
+}
+
+void AddSet(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+{
+    CLI::App * const set = xml->add_subcommand("set", "Change or add an attribute");
+    AddText(set, "FILE", arguments->file, "The file, replaced unless there is -o");
+    AddText(set, "PATH", arguments->path, "The way from the root to the element, such as \"a/b\"; \"/\" for the root");
+    AddText(set, "ATTRIBUTE", arguments->attribute, "The attribute's name");
+    AddText(set, "VALUE", arguments->value, "The new value; behind \"--\" if it begins with a minus sign");
+    set->add_option("-o,--output", arguments->target, "Write here and leave FILE alone")->type_name("OUT");
+    set->add_flag("--create", arguments->create, "Add the elements of PATH that are missing");
+    AddEditing(set, *arguments);
+    set->footer(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_EDITING);
+    set->callback(
+        [arguments, &command]
+        {
+            command = [arguments]
+            {
+                SetRequest const request{FromUtf8(arguments->file),      FromUtf8(arguments->path),
+                                         FromUtf8(arguments->attribute), FromUtf8(arguments->value),
+                                         FromUtf8(arguments->target),    arguments->create};
+                return RunXmlSet(request, arguments->edit);
+            };
+        });
+}
+
+void AddFormat(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+{
+    CLI::App * const format = xml->add_subcommand("format", "Write a file anew, indented by depth");
+    AddText(format, "IN", arguments->file, "The file to read");
+    AddText(format, "OUT", arguments->target, "The file to write; may be the same");
+    AddEditing(format, *arguments);
+    format->footer(ABOUT_EDITING);
+    format->callback(
+        [arguments, &command]
+        {
+            command = [arguments]
+            { return RunXmlFormat(FromUtf8(arguments->file), FromUtf8(arguments->target), arguments->edit); };
+        });
+}
+
+} // namespace
+
+void AddXmlCommands(CLI::App & app, Command & command)
+{
+    auto const arguments = std::make_shared<Arguments>();
+    CLI::App * const xml = app.add_subcommand("xml", "Read, change and write XML files");
+    xml->require_subcommand(1);
+    AddInfo(xml, arguments, command);
+    AddTree(xml, arguments, command);
+    AddGet(xml, arguments, command);
+    AddSet(xml, arguments, command);
+    AddFormat(xml, arguments, command);
+}
+
+} // namespace tool

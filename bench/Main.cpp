@@ -1,0 +1,33 @@
+// veklib_bench: how fast the library is, beside what it is built on.
+//     veklib_bench [--quick] [FILE]
+// FILE is a real XML file to measure with; without it the MIME database of the machine is taken. Ratios are between
+// figures of one run: absolute ones depend on the machine.
+
+#include "VekLib.h"
+#include "XmlBench.h"
+
+#include <cstdio>
+#include <string_view>
+
+int wmain(int count, wchar_t ** arguments)
+{
+    bench::XmlBenchOptions options;
+    std::string_view const database = VEK_MIME_XML;
+    options.database.assign(database.begin(), database.end());
+    for (int i = 1; i < count; ++i)
+    {
+        if (std::wstring_view(arguments[i]) == L"--quick")
+            options.quick = true;
+        else
+            options.database = arguments[i];
+    }
+    if (!VekLibInit())
+        return 1;
+    bench::Aims aims;
+    bench::MeasureXmlMemory();
+    bool done = bench::MeasureXmlSpeed(options, aims);
+    done = bench::MeasureXmlLinearity(aims) && done;
+    aims.PrintSummary();
+    VekLibDeinit();
+    return done ? 0 : 1;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "VekCore.h"
+
+namespace vek
+{
+
+class EventEntry;
+
+/// The registered events, ordered by the sixteen bytes of their identifiers. The kernel calls it under the event-map
+/// lock.
+class EventMap
+{
+public:
+    EventMap() noexcept = default;
+    EventMap(EventMap const &) = delete;
+    EventMap & operator=(EventMap const &) = delete;
+    ~EventMap();
+
+    /// Adds an event; false when it is there already or there is no memory for it.
+    bool Register(GUID const & id) noexcept;
+    /// Deletes an event; nothing when it is not there.
+    void Unregister(GUID const & id) noexcept;
+    bool IsRegistered(GUID const & id) const noexcept;
+
+private:
+    /// The index of the event, or of the place where it belongs.
+    int Find(GUID const & id, bool & found) const noexcept;
+
+    CVekPointerArray<EventEntry> m_entries;
+};
+
+} // namespace vek

@@ -1,0 +1,264 @@
+#include "core/Kernel.h"
+
+#include "core/EventMap.h"
+#include "core/LogDispatch.h"
+#include "core/ProcessState.h"
+#include "xml/XMLManager.h"
+
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <new>
+
+namespace
+{
+
+constexpr unsigned long long MEGABYTE = 1048576;
+
+MEMORYSTATUSEX MemoryStatus()
+{
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof(status);
+    GlobalMemoryStatusEx(&status);
+    return status;
+}
+
+// Kept: of the number of megabytes only the low 32 bits are printed, as a signed number.
+int LowMegabytes(unsigned long long bytes)
+{
+    return static_cast<int>(bytes / MEGABYTE);
+}
+
+} // namespace
+
+CVekKernel::CVekKernel() = default;
+
+CVekKernel::~CVekKernel() = default;
+
+CVekKernel & CVekKernel::Get() noexcept
+{
+    alignas(CVekKernel) static unsigned char storage[sizeof(CVekKernel)];
+    struct Life
+    {
+        Life()
+        {
+            vek::GetProcessState(); // outlives this
+            new (storage) CVekKernel;
+        }
+        // Kept: unloading forgets the catchers without releasing them; their owners may be gone by then.
+        ~Life() { std::launder(reinterpret_cast<CVekKernel *>(storage))->m_catchers.Clear(); }
+    };
+    static Life const life;
+    return *std::launder(reinterpret_cast<CVekKernel *>(storage));
+}
+
+unsigned int CVekKernel::Release()
+{
+    return VekInterlockedDecrement(m_common.refCount); // never destroyed, whatever a host releases
+}
+
+bool CVekKernel::Init()
+{
+    // Kept: a start that failed stays counted and undoes nothing; the next call counts on and reports success.
+    if (++m_initCount != 1)
+        return true;
+    CoInitialize(nullptr);
+    if (!InitEventMap())
+    {
+        VekLogOutput(0, L"CVekKernel::Init --> Failed to initialize Eventmap");
+        return false;
+    }
+    if (!InitXMLManager())
+    {
+        // Kept: the text lacks its verb.
+        VekLogOutput(0, L"CVekKernel::Init --> Failed to XML Manager");
+        return false;
+    }
+    LARGE_INTEGER frequency{};
+    QueryPerformanceFrequency(&frequency);
+    m_performanceFrequency = static_cast<unsigned long long>(frequency.QuadPart);
+    LogBanner();
+    return true;
+}
+
+bool CVekKernel::InitEventMap()
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    m_eventMap = new (std::nothrow) vek::EventMap;
+    if (m_eventMap)
+        return true;
+    // Kept: "allocated".
+    VekLogOutput(0, L"CVekKernel::InitEventMap --> Failed to allocated eventmap");
+    return false;
+}
+
+bool CVekKernel::InitXMLManager()
+{
+    m_xmlManager.Reset(new (std::nothrow) CVekXMLManager);
+    if (m_xmlManager)
+        return true;
+    VekLogOutput(0, L"CVekKernel::InitXMLManager --> Failed to create XMLManager interface");
+    return false;
+}
+
+void CVekKernel::LogBanner()
+{
+    VekLogOutput(0, L"\n\nVekLib Initialized\n");
+    // Kept: the counter's frequency under the name of a processor clock.
+    VekLogOutput(0, L"   --> CPU speed                   %.4g Mhz", GetCPUSpeed());
+    VekLogOutput(0, L"   --> Total memory in system      %d MB", LowMegabytes(GetTotalPhysicalMemory()));
+    VekLogOutput(0, L"   --> Currently available memory  %d MB\n\n", LowMegabytes(GetAvailablePhysicalMemory()));
+}
+
+void CVekKernel::Deinit()
+{
+    if (m_initCount == 0 || --m_initCount > 0)
+        return;
+    m_xmlManager.Reset(nullptr);
+    ReleaseEventMap();
+    ReleaseCatchers();
+    CoUninitialize();
+    VekLogOutput(0, L"\n\nVekLib Uninitialized\n");
+}
+
+void CVekKernel::ReleaseCatchers()
+{
+    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    // Out of the list first, so that a catcher that reports its own end is not called for it.
+    while (!m_catchers.Empty())
+        m_catchers.TakeFirst()->Release();
+}
+
+void CVekKernel::DispatchLogOutput(int level, wchar_t const * text)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    // By index: a catcher that breaks the rule and removes one leaves no node behind that is walked on from.
+    for (unsigned int i = 0; i < m_catchers.Count(); ++i)
+        m_catchers.At(i)->OnLogOutput(level, text);
+}
+
+void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
+{
+    if (!catcher)
+        return;
+    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    catcher->AddRef();
+    if (!m_catchers.AppendTail(catcher))
+        catcher->Release();
+}
+
+void CVekKernel::RemoveCatchLogOutput(IVekCatchLogOutput * catcher)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    m_catchers.Remove(catcher);
+    // Kept: one Release, however many entries there were, none included; hosts balance it with a single Add.
+    if (catcher)
+        catcher->Release();
+}
+
+bool CVekKernel::RegisterEvent(GUID const & id)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    return m_eventMap && m_eventMap->Register(id);
+}
+
+void CVekKernel::UnregisterEvent(GUID const & id)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    if (m_eventMap)
+        m_eventMap->Unregister(id);
+}
+
+void CVekKernel::ReleaseEventMap()
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    delete m_eventMap;
+    m_eventMap = nullptr;
+}
+
+bool CVekKernel::IsEventRegistered(GUID const & id)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    return m_eventMap && m_eventMap->IsRegistered(id);
+}
+
+// Handlers can't be subscribed yet, so that no event has one.
+bool CVekKernel::FireEvent(GUID const &, CVekEventData *)
+{
+    return false;
+}
+
+bool CVekKernel::AddEventHandler(GUID const &, CVekEventHandler *)
+{
+    return false;
+}
+
+void CVekKernel::RemoveEventHandler(GUID const &, CVekEventHandler *) {}
+
+int CVekKernel::SetDebugOutputLevel(int level)
+{
+    vek::g_debugOutputLevel.store(level, std::memory_order_relaxed);
+    return level;
+}
+
+int CVekKernel::GetDebugOutputLevel()
+{
+    return vek::g_debugOutputLevel.load(std::memory_order_relaxed);
+}
+
+unsigned int CVekKernel::SetBreakOnAllocation(unsigned int number)
+{
+    vek::g_breakOnAllocation.store(number, std::memory_order_relaxed);
+    return number;
+}
+
+unsigned int CVekKernel::GetBreakOnAllocation()
+{
+    return vek::g_breakOnAllocation.load(std::memory_order_relaxed);
+}
+
+unsigned long long CVekKernel::GetPerformanceFrequency()
+{
+    return m_performanceFrequency;
+}
+
+double CVekKernel::GetCPUSpeed()
+{
+    return static_cast<double>(m_performanceFrequency) * 9.5367431640625e-7;
+}
+
+unsigned long long CVekKernel::GetTotalPhysicalMemory()
+{
+    return MemoryStatus().ullTotalPhys;
+}
+
+unsigned long long CVekKernel::GetAvailablePhysicalMemory()
+{
+    return MemoryStatus().ullAvailPhys;
+}
+
+IVekXMLManager * CVekKernel::GetXMLManager()
+{
+    return m_xmlManager.Get();
+}
+
+void vek::DispatchToCatchers(int level, wchar_t const * text)
+{
+    CVekKernel::Get().DispatchLogOutput(level, text);
+}
+
+bool VekLibInit()
+{
+    return CVekKernel::Get().Init();
+}
+
+void VekLibDeinit()
+{
+    CVekKernel::Get().Deinit();
+}
+
+IVekKernel * getVekLibKernel()
+{
+    return &CVekKernel::Get();
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "VekLib.h"
+
+#include "core/PointerList.h"
+#include "core/Ref.h"
+
+class CVekXMLManager;
+
+namespace vek
+{
+class EventMap;
+}
+
+/// The kernel. There is one, which lives as long as the library is loaded.
+class CVekKernel final : public CVekRefCounted<IVekKernel>
+{
+public:
+    /// The kernel, made on first use. When the library is unloaded it forgets its catchers and stays otherwise as it
+    /// is, so that static objects of the program that end later still find a sound one.
+    static CVekKernel & Get() noexcept;
+
+    CVekKernel(CVekKernel const &) = delete;
+    CVekKernel & operator=(CVekKernel const &) = delete;
+    ~CVekKernel() override;
+
+    /// The work of VekLibInit and VekLibDeinit.
+    bool Init();
+    void Deinit();
+    /// Calls every catcher, under the catcher lock.
+    void DispatchLogOutput(int level, wchar_t const * text);
+
+    unsigned int Release() override;
+    IVekThread * CreateThread(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag,
+                              unsigned int tickInterval, unsigned int maxTickCount) override;
+    void ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * thread) override;
+    void PostThreadCommand(CVekThreadCommand * command, IVekThread * thread) override;
+    unsigned long long GetPerformanceFrequency() override;
+    double GetCPUSpeed() override;
+    IVekTimer * CreateTimer() override;
+    IVekMemoryIOStream * CreateMemoryIOStream() override;
+    IVekFileIOStream * CreateFileIOStream() override;
+    IVekCameraUIController * CreateCameraUIController() override;
+    IVekProgressController * CreateProgressController() override;
+    IVekLexer * CreateLexer() override;
+    IVekTokenizer * CreateTokenizer() override;
+    IVekRandomizer * CreateRandomizer() override;
+    int SetDebugOutputLevel(int level) override;
+    int GetDebugOutputLevel() override;
+    void AddCatchLogOutput(IVekCatchLogOutput * catcher) override;
+    void RemoveCatchLogOutput(IVekCatchLogOutput * catcher) override;
+    bool RegisterEvent(GUID const & id) override;
+    void UnregisterEvent(GUID const & id) override;
+    void ReleaseEventMap() override;
+    bool IsEventRegistered(GUID const & id) override;
+    bool FireEvent(GUID const & id, CVekEventData * data) override;
+    bool AddEventHandler(GUID const & id, CVekEventHandler * handler) override;
+    void RemoveEventHandler(GUID const & id, CVekEventHandler * handler) override;
+    unsigned int SetBreakOnAllocation(unsigned int number) override;
+    unsigned int GetBreakOnAllocation() override;
+    unsigned long long GetTotalPhysicalMemory() override;
+    unsigned long long GetAvailablePhysicalMemory() override;
+    IVekXMLManager * GetXMLManager() override;
+    IVekCPUUsage * CreateCPUUsage() override;
+
+private:
+    CVekKernel();
+
+    bool InitEventMap();
+    bool InitXMLManager();
+    void LogBanner();
+    void ReleaseCatchers();
+
+    int m_initCount = 0;
+    vek::PointerList<IVekCatchLogOutput> m_catchers;
+    unsigned long long m_performanceFrequency = 0;
+    vek::EventMap * m_eventMap = nullptr;
+    vek::Ref<CVekXMLManager> m_xmlManager;
+};

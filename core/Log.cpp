@@ -1,0 +1,60 @@
+#include "VekCore.h"
+
+#include "core/LogDispatch.h"
+#include "core/ProcessState.h"
+
+#include <windows.h>
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <wchar.h>
+
+namespace
+{
+
+constexpr size_t BUFFER_SIZE = 4096;
+constexpr size_t LONGEST_TEXT = BUFFER_SIZE - 2; // a newline and the terminator follow
+
+// Formats into the buffer and appends the newline. A longer text is cut; one that the runtime can't format is empty.
+void FormatLine(wchar_t (&buffer)[BUFFER_SIZE], wchar_t const * format, va_list arguments)
+{
+    va_list again;
+    va_copy(again, arguments);
+    int const length = format ? _vsnwprintf(buffer, LONGEST_TEXT, format, arguments) : 0;
+    buffer[LONGEST_TEXT] = L'\0';
+    if (!format || (length < 0 && _vscwprintf(format, again) < 0))
+        buffer[0] = L'\0';
+    va_end(again);
+
+    size_t const end = wcslen(buffer);
+    buffer[end] = L'\n';
+    buffer[end + 1] = L'\0';
+}
+
+} // namespace
+
+void VekLogOutput(int level, wchar_t const * format, ...)
+{
+    if (vek::g_debugOutputLevel.load(std::memory_order_relaxed) < level)
+        return;
+    wchar_t text[BUFFER_SIZE];
+    va_list arguments;
+    va_start(arguments, format);
+    FormatLine(text, format, arguments);
+    va_end(arguments);
+
+    OutputDebugStringW(text);
+    vek::DispatchToCatchers(level, text);
+}
+
+void VekWindowsError()
+{
+    wchar_t * text = nullptr;
+    DWORD const length = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+        GetLastError(), MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<wchar_t *>(&text), 0, nullptr);
+    if (length == 0)
+        return;
+    OutputDebugStringW(text);
+    LocalFree(text);
+}

@@ -1,0 +1,88 @@
+#include "VekCore.h"
+
+#include "core/Pool.h"
+
+#include <limits.h>
+#include <string.h>
+
+#include <bit>
+
+namespace
+{
+
+// The capacity that the array reports grows by its step; the block behind it is the next power of two, so that a step of
+// 1 costs no copy per element.
+size_t BlockSlots(int capacity)
+{
+    return std::bit_ceil(static_cast<size_t>(capacity));
+}
+
+size_t BlockBytes(int capacity)
+{
+    return BlockSlots(capacity) * sizeof(void *);
+}
+
+} // namespace
+
+bool CVekPointerArrayBase::Grow() VEK_NOEXCEPT
+{
+    int const doubled = m_capacity ? m_capacity : 1;
+    int const step = m_growthStep == GROW_DOUBLING ? doubled : (m_growthStep > 1 ? m_growthStep : 1);
+    return step <= INT_MAX - m_capacity && Reserve(m_capacity + step);
+}
+
+bool CVekPointerArrayBase::Reserve(int capacity) VEK_NOEXCEPT
+{
+    constexpr int limit = INT_MAX / static_cast<int>(2 * sizeof(void *));
+    if (capacity <= m_capacity)
+        return true;
+    if (capacity > limit)
+        return false;
+    if (!m_storage || static_cast<size_t>(capacity) > BlockSlots(m_capacity))
+    {
+        auto * const storage = static_cast<void **>(vek::PoolAllocate(BlockBytes(capacity)));
+        if (!storage)
+            return false;
+        if (m_storage)
+        {
+            memcpy(storage, m_storage, static_cast<size_t>(m_count) * sizeof(void *));
+            vek::PoolFree(m_storage, BlockBytes(m_capacity));
+        }
+        m_storage = storage;
+    }
+    m_capacity = capacity;
+    return true;
+}
+
+bool CVekPointerArrayBase::Insert(int index, void * pointer) VEK_NOEXCEPT
+{
+    if (index < 0 || index > m_count || !Append(pointer))
+        return false;
+    memmove(m_storage + index + 1, m_storage + index, static_cast<size_t>(m_count - 1 - index) * sizeof(void *));
+    m_storage[index] = pointer;
+    return true;
+}
+
+void CVekPointerArrayBase::RemoveAt(int index) VEK_NOEXCEPT
+{
+    if (index < 0 || index >= m_count)
+        return;
+    --m_count;
+    memmove(m_storage + index, m_storage + index + 1, static_cast<size_t>(m_count - index) * sizeof(void *));
+}
+
+void CVekPointerArrayBase::Free() VEK_NOEXCEPT
+{
+    if (m_storage)
+        vek::PoolFree(m_storage, BlockBytes(m_capacity));
+    m_storage = nullptr;
+    m_count = 0;
+    m_capacity = 0;
+}
+
+void CVekPointerArrayBase::Swap(CVekPointerArrayBase & other) VEK_NOEXCEPT
+{
+    CVekPointerArrayBase const mine = *this;
+    *this = other;
+    other = mine;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <stddef.h>
+
+namespace vek
+{
+
+/// Allocates a block of the library's own: objects, string blocks and small arrays, served from size classes. Blocks are
+/// aligned to 8 bytes. Null when memory is exhausted. Safe from any thread.
+void * PoolAllocate(size_t size) noexcept;
+
+/// Frees a block of PoolAllocate; the size must be the one it was asked for. Null is ignored.
+void PoolFree(void * block, size_t size) noexcept;
+
+/// The bytes that the pool holds from the system, free blocks included; blocks above the largest class are not counted.
+size_t PoolReservedBytes() noexcept;
+
+} // namespace vek

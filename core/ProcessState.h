@@ -1,0 +1,30 @@
+#pragma once
+
+#include "VekThread.h"
+
+#include <atomic>
+
+namespace vek
+{
+
+/// The level up to which messages are shown. Unguarded, as a host's last setting counts; relaxed accesses cost nothing.
+inline constinit std::atomic<int> g_debugOutputLevel{0};
+
+/// The number of the tracked allocation that stops in the debugger; 0 for none.
+inline constinit std::atomic<unsigned int> g_breakOnAllocation{0};
+
+/// The process-wide locks. They exist from the moment the library is loaded until it is unloaded.
+struct ProcessState
+{
+    /// Orders commands that are waited for, one at a time.
+    CVekMutex threadCommandLock;
+    /// Guards the kernel's list of log catchers.
+    CVekMutex catcherLock;
+    /// Guards the kernel's event map.
+    CVekMutex eventMapLock;
+};
+
+/// The one state; made by the first caller when another static object of the program comes before the library's own.
+ProcessState & GetProcessState() noexcept;
+
+} // namespace vek

@@ -1,0 +1,491 @@
+/// @file
+/// Strings and their conversion, paths, and the variant value.
+///
+/// Text is zero-terminated. The A functions take char, their W twins wchar_t; the library's text type, the T of some
+/// names, is wchar_t. Widening sign-extends each byte, narrowing keeps the low byte: no code pages are involved.
+/// Pointers must not be null unless a comment says so.
+#ifndef VEK_TEXT_H
+#define VEK_TEXT_H
+
+#include "VekExport.h"
+#include "VekMath.h"
+
+#include <stdarg.h>
+#include <stddef.h>
+
+namespace vek
+{
+template <class T>
+struct StringAccess;
+}
+
+// --- free functions over character arrays ---------------------------------------------------------------------------
+
+/// Copies a text, widening or narrowing each character. A null source writes an empty text; a null target does nothing.
+VEK_API void VekStrAtoW(wchar_t * target, char const * source);
+VEK_API void VekStrWtoA(char * target, wchar_t const * source);
+VEK_API void VekStrAtoA(char * target, char const * source);
+VEK_API void VekStrWtoW(wchar_t * target, wchar_t const * source);
+
+/// Copies at most max characters (-1: all; other negatives: none) and a terminator, so the target needs max + 1 places.
+/// The narrow form does nothing when a pointer is null, the wide form doesn't look.
+VEK_API void VekStrCopyA(char * target, char const * source, int max = -1);
+VEK_API void VekStrCopyW(wchar_t * target, wchar_t const * source, int max = -1);
+
+/// Compares two texts, or at most count characters of them (a count below 1 gives 0): -1, 0 or 1. Narrow characters are
+/// compared as signed values, so bytes from 0x80 sort before ASCII. Without case only the letters a-z are folded.
+VEK_API int VekStrCompareA(char const * first, char const * second, bool caseSensitive);
+VEK_API int VekStrCompareW(wchar_t const * first, wchar_t const * second, bool caseSensitive);
+VEK_API int VekStrCompareA(char const * first, char const * second, int count, bool caseSensitive);
+VEK_API int VekStrCompareW(wchar_t const * first, wchar_t const * second, int count, bool caseSensitive);
+
+/// The number of characters before the terminator.
+VEK_API int VekStrLenA(char const * text);
+VEK_API int VekStrLenW(wchar_t const * text);
+
+/// Appends at most max characters (-1: all; other negatives: none) and a terminator.
+VEK_API void VekStrCatA(char * target, char const * source, int max = -1);
+VEK_API void VekStrCatW(wchar_t * target, wchar_t const * source, int max = -1);
+
+/// Formats into a buffer of size characters, terminator included. Returns the number of characters written, or -1 when
+/// the text was cut to fit or could not be formatted; the buffer is terminated whenever size is above 0. The last
+/// argument of the second form is a started argument list (va_list), so a lone argument of type char * needs a cast to
+/// char const *.
+VEK_API int VekStrPrintfA(char * buffer, int size, char const * format, ...);
+VEK_API int VekStrPrintfW(wchar_t * buffer, int size, wchar_t const * format, ...);
+VEK_API int VekStrPrintfA(char * buffer, int size, char const * format, va_list arguments);
+VEK_API int VekStrPrintfW(wchar_t * buffer, int size, wchar_t const * format, va_list arguments);
+
+/// The number of characters the formatted text needs without its terminator; -1 when it can't be formatted.
+VEK_API int VekPrintfLengthA(char const * format, ...);
+VEK_API int VekPrintfLengthW(wchar_t const * format, ...);
+
+/// Changes case in place in a buffer of size characters. Nothing happens when no terminator stands within it.
+VEK_API void VekStrToLowerA(char * text, int size);
+VEK_API void VekStrToLowerW(wchar_t * text, int size);
+VEK_API void VekStrToUpperA(char * text, int size);
+VEK_API void VekStrToUpperW(wchar_t * text, int size);
+
+/// Numbers from text: leading white space is skipped, the scan stops at the first character that doesn't belong, and a
+/// text without a number gives 0. A radix is 2 to 36, or 0 to find it from a prefix; any other gives 0.
+VEK_API int VekStrToIntA(char const * text);
+VEK_API int VekStrToIntW(wchar_t const * text);
+VEK_API unsigned long VekStrToUIntA(char const * text, int radix);
+VEK_API unsigned long VekStrToUIntW(wchar_t const * text, int radix);
+VEK_API double VekStrToFloatA(char const * text);
+VEK_API double VekStrToFloatW(wchar_t const * text);
+
+// --- the string -----------------------------------------------------------------------------------------------------
+
+/// A text that owns its characters: one pointer to them, with length, capacity and grow-by in front of them in the same
+/// block. Always terminated; copies never share. When memory runs out, an operation leaves the string as it is. A text
+/// argument may be part of the string itself. Starts and counts outside the source are cut to it; negative ones mean
+/// nothing to take.
+template <class T>
+class CVekString
+{
+public:
+    /// An empty string.
+    VEK_API CVekString() VEK_NOEXCEPT;
+    /// A copy of a text; null gives an empty string.
+    VEK_API explicit CVekString(T const * text) VEK_NOEXCEPT;
+    /// A copy of exactly length characters, which need no terminator and hold none.
+    VEK_API CVekString(T const * text, int length) VEK_NOEXCEPT;
+    VEK_API CVekString(CVekString const & other) VEK_NOEXCEPT;
+    /// Takes the text over and leaves the other string empty.
+    CVekString(CVekString && other) VEK_NOEXCEPT : m_text(other.m_text) { other.m_text = nullptr; }
+    VEK_API ~CVekString();
+
+    /// As Assign.
+    CVekString & operator=(CVekString const & other) VEK_NOEXCEPT
+    {
+        Assign(other);
+        return *this;
+    }
+    CVekString & operator=(T const * text) VEK_NOEXCEPT
+    {
+        Assign(text);
+        return *this;
+    }
+    /// Exchanges the two texts.
+    CVekString & operator=(CVekString && other) VEK_NOEXCEPT
+    {
+        Swap(other);
+        return *this;
+    }
+
+    /// Moves the text to a block for that many characters. With keep it stays, cut to capacity - 1 characters if need
+    /// be; otherwise the string becomes empty. Capacity 0 gives a fresh empty string. False, with the string unchanged,
+    /// when there is no memory or the capacity is negative.
+    VEK_API bool Reserve(int capacity, bool keep) VEK_NOEXCEPT;
+
+    /// Replaces the contents; null makes the string empty.
+    VEK_API void Assign(T const * text) VEK_NOEXCEPT;
+    VEK_API void Assign(CVekString const & other) VEK_NOEXCEPT;
+    /// Replaces the contents by count characters of the source from start (0: all that follow).
+    VEK_API void AssignPart(T const * text, int start, int count) VEK_NOEXCEPT;
+    VEK_API void AssignPart(CVekString const & other, int start, int count) VEK_NOEXCEPT;
+    /// Appends count characters of the source from start (0: all that follow); null appends nothing.
+    void Append(T const * text, int start = 0, int count = 0) VEK_NOEXCEPT
+    {
+        if (start != 0 || count < 0 || !AppendShort(text, count))
+            AppendAny(text, start, count);
+    }
+    void Append(CVekString const & other) VEK_NOEXCEPT
+    {
+        int const count = other.GetLength();
+        if (count <= 0 || count >= GetCapacity() - GetLength() || count > SHORT_PIECE)
+            return AppendString(other);
+        AppendHere(other.m_text, count);
+    }
+    /// Appends formatted text (printf rules; "%s" is text of the string's own width). Nothing is appended when it can't
+    /// be formatted. An argument may be this string's own text.
+    VEK_API void AppendFormat(T const * format, ...) VEK_NOEXCEPT;
+
+    int GetLength() const VEK_NOEXCEPT { return m_text ? Header()[0] : 0; }
+    /// The number of characters the block was made for.
+    int GetCapacity() const VEK_NOEXCEPT { return m_text ? Header()[1] : 0; }
+    bool IsEmpty() const VEK_NOEXCEPT { return GetLength() == 0; }
+    /// The characters, never null; valid until the string is changed or destroyed.
+    operator T const *() const VEK_NOEXCEPT { return m_text ? m_text : NoText(); }
+
+    /// -1, 0 or 1. The argument is the left operand: the result is negative when it sorts before this string. A null
+    /// argument gives -1, or 0 when this string is empty. Narrow characters are compared as signed values.
+    VEK_API int Compare(T const * text, bool caseSensitive = true) const VEK_NOEXCEPT;
+    VEK_API int Compare(CVekString const & other, bool caseSensitive = true) const VEK_NOEXCEPT;
+
+    /// The index of the first match at or after start, or -1.
+    VEK_API int Find(T const * pattern, int start = 0, bool caseSensitive = true) const VEK_NOEXCEPT;
+    /// The index of the last match that begins at or before start (-1: the last character), or -1.
+    VEK_API int ReverseFind(T const * pattern, int start = -1, bool caseSensitive = true) const VEK_NOEXCEPT;
+    /// The index of the first character at or after start that is any of the set, or -1.
+    VEK_API int FindOneOf(T const * set, int start = 0, bool caseSensitive = true) const VEK_NOEXCEPT;
+    /// The index of the last character at or before start (-1: the last one) that is any of the set, or -1.
+    VEK_API int ReverseFindOneOf(T const * set, int start = -1, bool caseSensitive = true) const VEK_NOEXCEPT;
+
+    /// Moves count characters within the string. When they reach the string's end, the string ends after them at their
+    /// new place. Nothing happens when the block has no room for them there: reserve first.
+    VEK_API void MoveCharacters(int from, int to, int count) VEK_NOEXCEPT;
+
+    /// Exchanges the two texts.
+    void Swap(CVekString & other) VEK_NOEXCEPT
+    {
+        T * const text = m_text;
+        m_text = other.m_text;
+        other.m_text = text;
+    }
+
+private:
+    friend struct vek::StringAccess<T>;
+
+    static constexpr int SHORT_PIECE = 16;
+
+    struct Block
+    {
+        T * text;
+    };
+    explicit CVekString(Block block) VEK_NOEXCEPT : m_text(block.text) {}
+
+    // In front of the characters: length, capacity, grow-by.
+    int * Header() const VEK_NOEXCEPT { return reinterpret_cast<int *>(m_text) - 3; }
+    VEK_API static T const * NoText() VEK_NOEXCEPT;
+
+    // Appends up to count characters (0: all) of a short text that is not the string's own, if there is room.
+    bool AppendShort(T const * text, int count) VEK_NOEXCEPT
+    {
+        if (!m_text || !text || IsOwn(text))
+            return false;
+        int * const header = Header();
+        int const length = header[0];
+        int const room = header[1] - length - 1;
+        int limit = room < SHORT_PIECE ? room : SHORT_PIECE;
+        if (count > 0 && count < limit)
+            limit = count;
+        T * const end = m_text + length;
+        int added = 0;
+        for (; added < limit; ++added)
+        {
+            T const unit = text[added];
+            if (!unit)
+                break;
+            end[added] = unit;
+        }
+        // More than fits, or than is short: the terminator goes back to where the text ended.
+        bool const isAll = (count > 0 && added == count) || !text[added];
+        end[isAll ? added : 0] = 0;
+        if (isAll)
+            header[0] = length + added;
+        return isAll;
+    }
+    void AppendHere(T const * text, int count) VEK_NOEXCEPT
+    {
+        int & length = *Header();
+        T * const end = m_text + length;
+        length += count;
+        for (int i = 0; i < count; ++i)
+            end[i] = text[i];
+        end[count] = 0;
+    }
+    bool IsOwn(T const * text) const VEK_NOEXCEPT
+    {
+        return reinterpret_cast<size_t>(text) - reinterpret_cast<size_t>(m_text) <=
+               static_cast<size_t>(GetLength()) * sizeof(T);
+    }
+    VEK_API void AppendAny(T const * text, int start, int count) VEK_NOEXCEPT;
+    VEK_API void AppendString(CVekString const & other) VEK_NOEXCEPT;
+
+    T * m_text;
+};
+
+/// A string of the target width from a text. When memory runs out, the result is empty and a message is logged.
+VEK_API CVekString<wchar_t> VekCreateStrAtoW(char const * text);
+VEK_API CVekString<char> VekCreateStrWtoA(wchar_t const * text);
+VEK_API CVekString<wchar_t> VekCreateStrTtoW(wchar_t const * text);
+VEK_API CVekString<char> VekCreateStrTtoA(wchar_t const * text);
+VEK_API CVekString<wchar_t> VekCreateStrWtoT(wchar_t const * text);
+VEK_API CVekString<wchar_t> VekCreateStrAtoT(char const * text);
+
+// --- paths and files ------------------------------------------------------------------------------------------------
+// A slash, a backslash or a colon ends a path component. A limit max counts characters without the terminator; -1
+// stands for 1,024.
+
+/// Copies the text after the last separator to out. Returns where it begins in path, or null for an empty path.
+VEK_API char * VekGetFileNameFromPathA(char const * path, char * out, int max = -1);
+VEK_API wchar_t * VekGetFileNameFromPathW(wchar_t const * path, wchar_t * out, int max = -1);
+
+/// Copies the text after the last dot to out; without a dot in the last component that is the whole file name. Returns
+/// where it begins in path, or null for an empty path.
+VEK_API char * VekGetFileExtensionA(char const * path, char * out, int max = -1);
+VEK_API wchar_t * VekGetFileExtensionW(wchar_t const * path, wchar_t * out, int max = -1);
+
+/// Copies the text before the last separator, without its last character, to out: "C:\dir\file.txt" gives "C:\di".
+VEK_API void VekGetFileDirectoryA(char const * path, char * out, int max = -1);
+VEK_API void VekGetFileDirectoryW(wchar_t const * path, wchar_t * out, int max = -1);
+
+/// Copies the path, directory included, without what VekGetFileExtension finds and the character before that.
+VEK_API void VekGetFileNameWithoutExtensionA(char const * path, char * out, int max = -1);
+VEK_API void VekGetFileNameWithoutExtensionW(wchar_t const * path, wchar_t * out, int max = -1);
+
+/// Whether two paths are equal but for case, character by character: separators and "." components count as they stand.
+VEK_API bool VekIsSamePathA(char const * first, char const * second);
+VEK_API bool VekIsSamePathW(wchar_t const * first, wchar_t const * second);
+
+/// The path that leads from one file or directory to another; the attributes are the platform's file attributes. Paths
+/// of 260 characters or more, or without a common root, give false. The array must hold 260 characters and is empty
+/// after a failure; the string is unchanged then.
+VEK_API bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long fromAttributes, wchar_t const * to,
+                                 unsigned long toAttributes);
+VEK_API bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from, unsigned long fromAttributes,
+                                 wchar_t const * to, unsigned long toAttributes);
+
+/// Replaces path by base, a backslash and path, with "." and ".." components resolved, whether or not path is absolute
+/// already. False, with path unchanged, when the joined path has 260 characters or more.
+VEK_API bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base);
+
+/// Opens a file with a mode of fopen; null on failure. The caller closes it with VekFileClose.
+VEK_API _iobuf * VekFileOpenA(char const * name, char const * mode);
+VEK_API _iobuf * VekFileOpenW(wchar_t const * name, wchar_t const * mode);
+VEK_API void VekFileCloseA(_iobuf * file);
+VEK_API void VekFileCloseW(_iobuf * file);
+
+/// Whether the file can be opened for reading.
+VEK_API bool VekFileExistA(char const * name);
+VEK_API bool VekFileExistW(wchar_t const * name);
+
+// --- the variant ----------------------------------------------------------------------------------------------------
+
+/// The types of values. The numbers are part of stored formats.
+enum VEK_DATATYPE : int
+{
+    VEK_DT_UNKNOWN = 0,
+    VEK_DT_BOOL = 1,
+    VEK_DT_UCHAR = 2,
+    VEK_DT_CHAR = 3,
+    VEK_DT_WCHAR = 4,
+    VEK_DT_SHORT = 5,
+    VEK_DT_USHORT = 6,
+    VEK_DT_INT = 7,
+    VEK_DT_UINT = 8,
+    VEK_DT_FLOAT = 9,
+    VEK_DT_DOUBLE = 10,
+    VEK_DT_STRINGA = 11,
+    VEK_DT_STRINGW = 12,
+    VEK_DT_RGBA_UCHAR = 13,
+    VEK_DT_RGBA_FLOAT = 14,
+    VEK_DT_VECTOR4D_INT = 15,
+    VEK_DT_VECTOR4D_FLOAT = 16,
+    VEK_DT_VECTOR4D_DOUBLE = 17,
+    VEK_DT_MATRIX4X4_FLOAT = 18,
+    VEK_DT_MATRIX4X4_DOUBLE = 19,
+    VEK_DT_GUID = 20,
+    VEK_DT_BUFFER = 21
+};
+
+/// The bytes a value of the type takes when stored; 0 for texts, buffers and numbers that are no type.
+VEK_API int VekDataTypeSize(VEK_DATATYPE type);
+
+/// A value of any of the library's types. Its constructor sets the type; assigning a value never changes it.
+///
+/// Copies are shallow for the types 13 to 19 and 21: both variants refer to the same object or buffer, each releases
+/// it, and the target's own is not released first. Keep only one of the copies alive.
+class VEK_API VEK_VARIANT
+{
+public:
+    /// A variant of the type of the value. A failed allocation leaves the types 13 to 19 without their object.
+    VEK_VARIANT(bool value);
+    VEK_VARIANT(unsigned char value);
+    VEK_VARIANT(char value);
+    VEK_VARIANT(wchar_t value);
+    VEK_VARIANT(unsigned short value);
+    VEK_VARIANT(unsigned int value);
+    VEK_VARIANT(short value);
+    VEK_VARIANT(int value);
+    VEK_VARIANT(float value);
+    VEK_VARIANT(double value);
+    VEK_VARIANT(GUID const & value);
+    VEK_VARIANT(CVekRGBA<unsigned char> const & value);
+    VEK_VARIANT(CVekRGBA<float> const & value);
+    VEK_VARIANT(CVekVector4D<int> const & value);
+    VEK_VARIANT(CVekVector4D<float> const & value);
+    VEK_VARIANT(CVekVector4D<double> const & value);
+    VEK_VARIANT(CVekMatrix4x4<float> const & value);
+    VEK_VARIANT(CVekMatrix4x4<double> const & value);
+    VEK_VARIANT(char const * value);
+    VEK_VARIANT(wchar_t const * value);
+    /// A buffer; takes the block over as SetBuffer does.
+    VEK_VARIANT(unsigned char * buffer, int size);
+    /// A variant of that type without a value; the types 13 to 19 get an object.
+    VEK_VARIANT(VEK_DATATYPE type);
+    VEK_VARIANT(VEK_VARIANT const & other);
+    VEK_VARIANT & operator=(VEK_VARIANT const & other);
+
+    virtual ~VEK_VARIANT();
+
+    VEK_DATATYPE GetType() const;
+
+    /// The inline value, read as that type whatever the variant's type is.
+    operator bool &();
+    operator bool const &() const;
+    operator unsigned char &();
+    operator unsigned char const &() const;
+    operator char &();
+    operator char const &() const;
+    operator unsigned short &();
+    operator unsigned short const &() const;
+    operator short &();
+    operator short const &() const;
+    operator int &();
+    operator int const &() const;
+    operator unsigned int &();
+    operator unsigned int const &() const;
+    operator float &();
+    operator float const &() const;
+    operator double &();
+    operator double const &() const;
+    operator GUID &();
+    operator GUID const &() const;
+
+    /// The variant's object. In a variant of another type or without its object it is an object of zeros that belongs
+    /// to no variant.
+    operator CVekRGBA<unsigned char> &();
+    operator CVekRGBA<unsigned char> const &() const;
+    operator CVekRGBA<float> &();
+    operator CVekRGBA<float> const &() const;
+    operator CVekVector4D<int> &();
+    operator CVekVector4D<int> const &() const;
+    operator CVekVector4D<float> &();
+    operator CVekVector4D<float> const &() const;
+    operator CVekVector4D<double> &();
+    operator CVekVector4D<double> const &() const;
+    operator CVekMatrix4x4<float> &();
+    operator CVekMatrix4x4<float> const &() const;
+    operator CVekMatrix4x4<double> &();
+    operator CVekMatrix4x4<double> const &() const;
+
+    /// The narrow or the wide text; empty in a variant of another type.
+    operator CVekString<char> const &() const;
+    operator CVekString<wchar_t> const &() const;
+
+    /// Stores into the inline value; the type stays.
+    VEK_VARIANT & operator=(char value);
+    VEK_VARIANT & operator=(unsigned char value);
+    VEK_VARIANT & operator=(bool value);
+    VEK_VARIANT & operator=(short value);
+    VEK_VARIANT & operator=(unsigned short value);
+    VEK_VARIANT & operator=(wchar_t value);
+    VEK_VARIANT & operator=(int value);
+    VEK_VARIANT & operator=(unsigned int value);
+    VEK_VARIANT & operator=(float value);
+    VEK_VARIANT & operator=(double value);
+    VEK_VARIANT & operator=(GUID const & value);
+
+    /// Copies into the variant's object; nothing happens in a variant of another type or without its object.
+    VEK_VARIANT & operator=(CVekRGBA<unsigned char> const & value);
+    VEK_VARIANT & operator=(CVekRGBA<float> const & value);
+    VEK_VARIANT & operator=(CVekVector4D<int> const & value);
+    VEK_VARIANT & operator=(CVekVector4D<float> const & value);
+    VEK_VARIANT & operator=(CVekVector4D<double> const & value);
+    VEK_VARIANT & operator=(CVekMatrix4x4<float> const & value);
+    VEK_VARIANT & operator=(CVekMatrix4x4<double> const & value);
+
+    /// Assigns the narrow or the wide text; the type stays.
+    VEK_VARIANT & operator=(char const * value);
+    VEK_VARIANT & operator=(wchar_t const * value);
+
+    /// The buffer, which stays the variant's, and its size in bytes; null and 0 without one.
+    unsigned char * GetBuffer();
+    unsigned char const * GetBuffer() const;
+    int GetBufferSize() const;
+
+    /// Releases the buffer and takes the given block of the global allocator (malloc or new) over; always true.
+    bool SetBuffer(unsigned char * buffer, int size);
+    /// Releases the buffer and stores a copy of the bytes. False, without a buffer, for a size below 1, null or no
+    /// memory.
+    bool CopyBuffer(unsigned char const * buffer, int size);
+    /// Releases the buffer or the object of the types 13 to 19 and 21; nothing for the others.
+    void DestroyBuffer();
+
+private:
+    template <class T>
+    T * FindObject() const;
+    template <class T>
+    void MakePlainObject(T const & value);
+    template <class T>
+    void StoreInline(T const & value);
+    template <class T>
+    void StoreObject(T const & value);
+    void CheckLayout();
+
+    VEK_DATATYPE m_type;
+    union InlineValue
+    {
+        alignas(8) unsigned char bytes[16];
+        bool boolValue;
+        unsigned char ucharValue;
+        char charValue;
+        wchar_t wcharValue;
+        short shortValue;
+        unsigned short ushortValue;
+        int intValue;
+        unsigned int uintValue;
+        float floatValue;
+        double doubleValue;
+    } m_value;
+    CVekString<char> m_narrowText;
+    CVekString<wchar_t> m_wideText;
+    int m_bufferSize;
+    union HeapValue
+    {
+        void * any;
+        unsigned char * buffer;
+        CVekRGBA<unsigned char> * rgbaUchar;
+        CVekRGBA<float> * rgbaFloat;
+        CVekVector4D<int> * vector4dInt;
+        CVekVector4D<float> * vector4dFloat;
+        CVekVector4D<double> * vector4dDouble;
+        CVekMatrix4x4<float> * matrix4x4Float;
+        CVekMatrix4x4<double> * matrix4x4Double;
+    } m_heap;
+};
+
+#endif

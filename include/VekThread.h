@@ -1,0 +1,212 @@
+/// @file
+/// Synchronisation objects, scoped locks, and the worker thread's interface.
+#ifndef VEK_THREAD_H
+#define VEK_THREAD_H
+
+#include "VekCore.h"
+#include "VekExport.h"
+
+#include <stdint.h>
+
+/// The base of the synchronisation objects. Waits have no time limit, and every operation answers true whatever the
+/// system said. Copies are shallow: a copy of an object with a handle shares it, and both close it.
+class VEK_API CVekSyncObject
+{
+public:
+    CVekSyncObject() = default;
+    CVekSyncObject(CVekSyncObject const &) {}
+    CVekSyncObject & operator=(CVekSyncObject const &) { return *this; }
+    virtual ~CVekSyncObject();
+
+    /// Waits until the object is free and takes it; true always.
+    virtual bool Lock(void) = 0;
+    /// Gives the object back; true always.
+    virtual bool Unlock(void) = 0;
+    /// The handle that can be waited for, owned by the object; null where there is none.
+    virtual void * GetHandle(void) const = 0;
+};
+
+/// Mutual exclusion within the process; its owning thread may take it again. It has no handle, so that it can't take
+/// part in a CVekMultiLock. A copy holds the bytes of the system's record, which both then delete.
+class VEK_API CVekCriticalSection : public CVekSyncObject
+{
+public:
+    CVekCriticalSection();
+    CVekCriticalSection(CVekCriticalSection const &) = default;
+    CVekCriticalSection & operator=(CVekCriticalSection const &) = default;
+    ~CVekCriticalSection() override;
+
+    bool Lock(void) override;
+    bool Unlock(void) override;
+    void * GetHandle(void) const override;
+
+private:
+    /// The system's critical-section record.
+    uintptr_t m_section[sizeof(void *) == 4 ? 6 : 5];
+};
+
+/// Mutual exclusion with a handle; its owning thread may take it again, and an abandoned one counts as taken.
+class VEK_API CVekMutex : public CVekSyncObject
+{
+public:
+    CVekMutex();
+    CVekMutex(CVekMutex const &) = default;
+    CVekMutex & operator=(CVekMutex const &) = default;
+    ~CVekMutex() override;
+
+    bool Lock(void) override;
+    bool Unlock(void) override;
+    void * GetHandle(void) const override;
+
+private:
+    void * m_handle;
+};
+
+/// A counter of free places: Lock takes one and waits while there is none, Unlock gives one back.
+class VEK_API CVekSemaphore : public CVekSyncObject
+{
+public:
+    /// The maximum comes first, then the count at the start.
+    CVekSemaphore(unsigned int maximumCount, unsigned int initialCount);
+    CVekSemaphore(CVekSemaphore const &) = default;
+    CVekSemaphore & operator=(CVekSemaphore const &) = default;
+    ~CVekSemaphore() override;
+
+    bool Lock(void) override;
+    bool Unlock(void) override;
+    void * GetHandle(void) const override;
+
+private:
+    void * m_handle;
+};
+
+/// A flag that threads wait for, clear at the start. Lock waits until it is set and clears it; Unlock does nothing.
+class VEK_API CVekSignal : public CVekSyncObject
+{
+public:
+    CVekSignal();
+    CVekSignal(CVekSignal const &) = default;
+    CVekSignal & operator=(CVekSignal const &) = default;
+    ~CVekSignal() override;
+
+    bool Lock(void) override;
+    bool Unlock(void) override;
+    void * GetHandle(void) const override;
+
+    /// Sets the flag; true always.
+    virtual bool SetSignal(void);
+    /// Clears the flag; true always.
+    virtual bool ResetSignal(void);
+    /// Lets the threads that wait now go on and leaves the flag clear; true always.
+    virtual bool PulseSignal(void);
+
+private:
+    void * m_handle;
+};
+
+/// Holds one object for a scope: its destructor gives back what Lock took. For use by one thread, on its stack. It does
+/// not own the object; a null object is never touched. A copy believes to hold what its source held.
+class VEK_API CVekSingleLock
+{
+public:
+    CVekSingleLock(CVekSyncObject * object, bool initialLock);
+    CVekSingleLock(CVekSingleLock const &) = default;
+    CVekSingleLock & operator=(CVekSingleLock const &) = default;
+    ~CVekSingleLock();
+
+    /// Locks the object; true always.
+    bool Lock(void);
+    /// Unlocks the object, even if this holder never locked it; true always.
+    bool Unlock(void);
+    /// True between Lock and Unlock.
+    bool IsLocked(void);
+
+private:
+    CVekSyncObject * m_object;
+    bool m_locked;
+};
+
+/// Waits for several objects at once. For use by one thread, on its stack; it does not own the objects. Waiting for any
+/// of them takes the one that ended the wait, and Unlock gives that one back. Waiting for all of them takes them all,
+/// and Unlock gives none back: their owner unlocks them one by one.
+class VEK_API CVekMultiLock
+{
+public:
+    /// The most objects that one lock can hold.
+    static constexpr unsigned int MAX_OBJECTS = 16;
+
+    /// Objects beyond the first 16 are left out. A null entry or an object without handle makes every wait fail at
+    /// once.
+    CVekMultiLock(unsigned int count, CVekSyncObject ** objects, bool waitAll, bool initialLock);
+    CVekMultiLock(CVekMultiLock const &) = default;
+    CVekMultiLock & operator=(CVekMultiLock const &) = default;
+    ~CVekMultiLock();
+
+    /// Waits for one or for all of the objects; true always, after a wait that failed too.
+    bool Lock(void);
+    /// Unlocks the object that ended the wait for any of them; true always.
+    bool Unlock(void);
+    /// True between Lock and Unlock.
+    bool IsLocked(void);
+
+private:
+    bool m_locked;
+    unsigned int m_count;
+    bool m_waitAll;
+    CVekSyncObject * m_objects[MAX_OBJECTS];
+    void * m_handles[MAX_OBJECTS];
+    bool m_acquired[MAX_OBJECTS];
+};
+
+/// A worker thread that runs queued commands and ticks a callback. Created by IVekKernel::CreateThread.
+class IVekThread : public IVekObject
+{
+public:
+    /// Called by a worker once per tick, on the worker's thread. Hosts implement it.
+    class TickCallback : public IVekObject
+    {
+    public:
+        virtual void OnTick(void) = 0;
+    };
+
+    /// Swaps the callback between two ticks and waits until that is done. The worker holds a reference to it; null for
+    /// none.
+    virtual void SetTickCallback(TickCallback * callback) = 0;
+    /// The callback, without adding a reference; null when there is none.
+    VEK_OVERLOADS(virtual TickCallback * GetTickCallback(void) = 0,
+                  virtual TickCallback const * GetTickCallback(void) const = 0)
+    /// The name that debuggers show, owned by the thread object.
+    virtual CVekString<wchar_t> const & GetName(void) const = 0;
+    /// The tick interval that it was created with.
+    virtual unsigned int GetTickInterval(void) = 0;
+    /// The number of ticks after which the worker ends by itself; 0 for no limit.
+    virtual unsigned int GetMaxTickCount(void) = 0;
+    /// The system's handle of the thread, owned by the thread object; null when it does not run.
+    virtual void * GetHandle(void) = 0;
+    /// The system's number of the thread.
+    virtual unsigned int GetThreadID(void) = 0;
+    /// The flag that it was created with.
+    virtual bool GetCreateFlag(void) = 0;
+    /// True when called on the worker itself.
+    virtual bool IsCurrentThread(void) = 0;
+    /// True while the worker's loop runs.
+    virtual bool IsRunning(void) = 0;
+    /// True while there are more calls of Suspend than of Resume.
+    virtual bool IsSuspended(void) = 0;
+    /// Starts the worker; returns the system's result of resuming the new thread (its earlier suspend count).
+    virtual unsigned int Start(void) = 0;
+    /// Suspends the worker, or counts one more suspension; returns the new count.
+    virtual long Suspend(void) = 0;
+    /// Takes one suspension back and lets the worker run on after the last; returns the new count, 0 if there was none.
+    virtual long Resume(void) = 0;
+    /// Asks the worker to end and waits up to 5,000 milliseconds for it; returns the system's wait result.
+    virtual unsigned int Stop(void) = 0;
+    /// Appends a control message: 2 suspends (the parameter is a CVekSignal to set), 3 stops, others are ignored.
+    virtual void PostControlMessage(unsigned int type, void * parameter) = 0;
+    /// Appends a command for the worker to run; adds no reference.
+    virtual void AddCommand(CVekThreadCommand * command) = 0;
+    /// True while there are commands in the queue.
+    virtual bool HasPendingCommands(void) = 0;
+};
+
+#endif

@@ -1,0 +1,433 @@
+/// @file
+/// The XML object model: elements with attributes and CDATA, documents with their DTD, the parser, the writer, and the
+/// manager that creates them all.
+///
+/// Names are matched everywhere without regard to the case of ASCII letters, and the first match wins. A null name matches
+/// only an empty one. A tree of elements is used by one thread at a time; different trees by any number of threads.
+#ifndef VEK_XML_H
+#define VEK_XML_H
+
+#include "VekCore.h"
+#include "VekMath.h"
+#include "VekText.h"
+
+/// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and at
+/// most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes one.
+class IVekXMLElement : public IVekObject
+{
+public:
+    /// The parent that CVekXMLElement::SetParent recorded, not counted; null when none was. AddChild records none.
+    VEK_OVERLOADS(virtual IVekXMLElement * GetParent() = 0, virtual IVekXMLElement const * GetParent() const = 0)
+
+    /// Copies the name; null empties it.
+    virtual void SetName(wchar_t const * name) = 0;
+    virtual CVekString<wchar_t> const & GetName() const = 0;
+
+    virtual int GetNumChildren() const = 0;
+    /// Adds a reference to the child and inserts it before the index; -1, or an index of the last position or beyond,
+    /// appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built. An element of
+    /// a foreign implementation is stored as a null entry. When memory is exhausted nothing is stored, the child's extra
+    /// reference stays, and the index of the last child is returned.
+    virtual int AddChild(IVekXMLElement * child, int index) = 0;
+
+    /// Removes and releases the first child that is the given element or has the given name (silently nothing when there
+    /// is none), or the child at an index (a bad index is logged).
+    VEK_OVERLOADS(virtual void RemoveChild(IVekXMLElement * child) = 0, virtual void RemoveChild(wchar_t const * name) = 0,
+                  virtual void RemoveChild(int index) = 0)
+    virtual void RemoveAllChildren() = 0;
+
+    /// The child at an index, no reference added; null, with a message, for a bad index.
+    VEK_OVERLOADS(virtual IVekXMLElement * GetChild(int index) = 0, virtual IVekXMLElement const * GetChild(int index) const = 0)
+
+    /// The first child of that name, no reference added; null when there is none. The second form can append a new child
+    /// of that name instead.
+    VEK_OVERLOADS(virtual IVekXMLElement const * FindChild(wchar_t const * name) const = 0,
+                  virtual IVekXMLElement * FindChild(wchar_t const * name, bool create) = 0)
+
+    virtual int GetNumAttributes() const = 0;
+    /// Adds an attribute with the value converted to text and escaped; before the index when it names an attribute, else at
+    /// the end. Returns the attribute's index, or -1 when the name is taken (silently), the value's type has no text form
+    /// or memory is exhausted.
+    virtual int AddAttribute(wchar_t const * name, VEK_VARIANT const & value, int index) = 0;
+
+    /// Replaces an attribute's value. By name the text is escaped, and a missing attribute can be added; by index the text
+    /// is stored as it is, unescaped. False when there is no such attribute or the value has no text form.
+    VEK_OVERLOADS(virtual bool SetAttributeValue(wchar_t const * name, VEK_VARIANT const & value, bool add) = 0,
+                  virtual bool SetAttributeValue(int index, VEK_VARIANT const & value) = 0)
+
+    /// Renames the attribute of that name; false when there is none. The form by index refuses every index inside the
+    /// list, with a message, and does nothing for one beyond it: rename by name.
+    VEK_OVERLOADS(virtual bool RenameAttribute(int index, wchar_t const * newName) = 0,
+                  virtual bool RenameAttribute(wchar_t const * name, wchar_t const * newName) = 0)
+
+    /// Both forms refuse to remove an existing attribute, with a message and false; the form by index does nothing and
+    /// returns true for an index beyond the list. RemoveAllAttributes removes.
+    VEK_OVERLOADS(virtual bool RemoveAttribute(wchar_t const * name) = 0, virtual bool RemoveAttribute(int index) = 0)
+    virtual void RemoveAllAttributes() = 0;
+
+    /// The index of the first attribute of that name, or -1.
+    virtual int FindAttributeIndex(wchar_t const * name) const = 0;
+    /// The attribute's name; an empty text for a bad index.
+    virtual CVekString<wchar_t> const & GetAttributeName(int index) const = 0;
+
+    /// Typed reads by name or index. True when the text was converted; components that the text doesn't have are 0. When
+    /// there is no such attribute (a bad index is logged) the default is stored and false returned; a text that is no
+    /// boolean gives false and leaves the output. The text form by name undoes the escaping, the one by index does not. The
+    /// last one returns the stored text itself, an empty one for a bad index.
+    VEK_OVERLOADS(
+        virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, bool & value, bool defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, double & value, double defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, float & value, float defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, float & value, float defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, int & value, int defaultValue) const = 0,
+        virtual bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue) const = 0,
+        virtual bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value, wchar_t const * defaultValue) const = 0,
+        virtual CVekString<wchar_t> const & GetAttributeValue(int index) const = 0)
+
+    /// Stores a copy of the bytes (UTF-16 text) as the element's CDATA section. False when it already has one or memory is
+    /// exhausted. The size is in bytes.
+    virtual bool AddCDATASection(unsigned char const * bytes, int size) = 0;
+    /// In bytes; 0 without a section.
+    virtual int GetCDATASectionSize() const = 0;
+    virtual void RemoveCDATASection() = 0;
+    virtual bool HasCDATASection() const = 0;
+    /// The section's bytes, owned by the element; null without a section.
+    virtual unsigned char const * GetCDATASection() const = 0;
+};
+
+/// What an element declaration or an entry of its content model stands for. The numbers are part of the interface.
+enum VEK_XML_DTD_ENTRYTYPE
+{
+    VEK_XML_DTD_EMPTY = 0,
+    VEK_XML_DTD_ELEMENT = 1,
+    VEK_XML_DTD_ANY = 2,
+    VEK_XML_DTD_MIXED = 3,
+    VEK_XML_DTD_CHOICE = 4,
+    VEK_XML_DTD_SEQUENCE = 5
+};
+
+/// An element declaration of a document type: the element's name, the kind of its content, and the content's entries.
+class IVekXMLDTDRule : public IVekObject
+{
+public:
+    /// One entry of a content model; entries form a tree. A group has an empty name and its members as children.
+    class RuleEntry : public IVekObject
+    {
+    public:
+        virtual CVekString<wchar_t> const & GetName() const = 0;
+        virtual VEK_XML_DTD_ENTRYTYPE GetType() const = 0;
+        /// 0 exactly once, 1 optional, 2 zero or more, 3 one or more.
+        virtual int GetOccurrence() const = 0;
+        virtual int GetNumChildren() const = 0;
+        /// The child at an index, no reference added; null for a bad index.
+        VEK_OVERLOADS(virtual RuleEntry * GetChild(int index) = 0, virtual RuleEntry const * GetChild(int index) const = 0)
+        /// Appends a child (a null name makes a group) and returns its index; -1, with a message, when a child of the same
+        /// name, type and occurrence exists or memory is exhausted.
+        virtual int AddChild(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
+        /// Removes and releases the child; a bad index is logged.
+        virtual void RemoveChild(int index) = 0;
+        virtual void RemoveAllChildren() = 0;
+    };
+
+    virtual CVekString<wchar_t> const & GetName() const = 0;
+    virtual VEK_XML_DTD_ENTRYTYPE GetType() const = 0;
+    virtual int GetNumRuleEntries() const = 0;
+    /// Appends an entry (a null name makes a group) and returns its index; -1, with a message, when an entry of that name
+    /// exists or memory is exhausted.
+    virtual int AddRuleEntry(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
+    /// The entry at an index, no reference added; null for a bad index.
+    VEK_OVERLOADS(virtual RuleEntry * GetRuleEntry(int index) = 0, virtual RuleEntry const * GetRuleEntry(int index) const = 0)
+    /// Removes and releases the entry; a bad index is logged.
+    virtual void RemoveRuleEntry(int index) = 0;
+    virtual void RemoveAllRuleEntries() = 0;
+};
+
+/// The declared attributes of one element of a document type.
+class IVekXMLDTDAttributeList : public IVekObject
+{
+public:
+    /// One declared attribute.
+    class AttributeEntry : public IVekObject
+    {
+    public:
+        virtual CVekString<wchar_t> const & GetName() const = 0;
+        /// The declared type's text, such as "CDATA".
+        virtual CVekString<wchar_t> const & GetType() const = 0;
+        virtual bool IsRequired() const = 0;
+    };
+
+    virtual CVekString<wchar_t> const & GetName() const = 0;
+    virtual int GetNumAttributeEntries() const = 0;
+    /// Appends an entry and returns its index; -1, with a message, when the name is taken or memory is exhausted.
+    virtual int AddAttributeEntry(wchar_t const * name, wchar_t const * type, bool required) = 0;
+    /// Removes and releases the entry; a bad index is logged.
+    virtual void RemoveAttributeEntry(int index) = 0;
+    virtual void RemoveAllAttributeEntries() = 0;
+    /// The entry at an index, no reference added; null for a bad index.
+    VEK_OVERLOADS(virtual AttributeEntry * GetAttributeEntry(int index) = 0,
+                  virtual AttributeEntry const * GetAttributeEntry(int index) const = 0)
+};
+
+/// One XML document: its root element, document type name, encoding name, and DTD.
+class IVekXMLDocument : public IVekObject
+{
+public:
+    /// Copies the name of the document type; always true.
+    virtual bool SetDocumentType(wchar_t const * name) = 0;
+    virtual CVekString<wchar_t> const & GetDocumentType() const = 0;
+    /// Returns true and stores nothing: a document of this library is always "UTF-8".
+    virtual bool SetEncoding(wchar_t const * name) = 0;
+    virtual CVekString<wchar_t> const & GetEncoding() const = 0;
+    /// Takes a reference to the new root and releases the old one; null leaves the document without a root. Always true.
+    virtual bool SetRootElement(IVekXMLElement * element) = 0;
+    /// The root element, no reference added; null when there is none.
+    VEK_OVERLOADS(virtual IVekXMLElement * GetRootElement() = 0, virtual IVekXMLElement const * GetRootElement() const = 0)
+    /// Walks from the root along names separated by slashes or backslashes; the root's own name is not part of the path,
+    /// an empty path is the root, and empty components are skipped. Missing elements can be created on the way. Returns the
+    /// element reached, no reference added; null when the document has no root or an element is missing.
+    virtual IVekXMLElement * FindElementFromPath(wchar_t const * path, bool create) = 0;
+
+    virtual int GetNumDTDRules() const = 0;
+    /// The rule at an index or of a name, no reference added; null when there is none.
+    VEK_OVERLOADS(virtual IVekXMLDTDRule * GetDTDRule(int index) = 0, virtual IVekXMLDTDRule const * GetDTDRule(int index) const = 0)
+    VEK_OVERLOADS(virtual IVekXMLDTDRule * FindDTDRule(wchar_t const * name) = 0,
+                  virtual IVekXMLDTDRule const * FindDTDRule(wchar_t const * name) const = 0)
+    /// Appends a rule and returns its index; -1, with a message, when the name is taken or memory is exhausted.
+    virtual int AddDTDRule(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type) = 0;
+    /// Removes and releases the rule; a bad index is logged.
+    virtual void RemoveDTDRule(int index) = 0;
+    virtual void RemoveAllDTDRules() = 0;
+
+    virtual int GetNumDTDAttributeLists() const = 0;
+    /// The attribute list at an index or of an element's name, no reference added; null when there is none.
+    VEK_OVERLOADS(virtual IVekXMLDTDAttributeList * GetDTDAttributeList(int index) = 0,
+                  virtual IVekXMLDTDAttributeList const * GetDTDAttributeList(int index) const = 0)
+    VEK_OVERLOADS(virtual IVekXMLDTDAttributeList * FindDTDAttributeList(wchar_t const * name) = 0,
+                  virtual IVekXMLDTDAttributeList const * FindDTDAttributeList(wchar_t const * name) const = 0)
+    /// Appends an attribute list and returns its index; -1, with a message, when the name is taken or memory is exhausted.
+    virtual int AddDTDAttributeList(wchar_t const * name) = 0;
+    /// Removes and releases the list; a bad index is logged.
+    virtual void RemoveDTDAttributeList(int index) = 0;
+    virtual void RemoveAllDTDAttributeLists() = 0;
+};
+
+/// Reads XML files into documents. External entities are never opened. One parser may read many files, one at a time.
+class IVekXMLParser : public IVekObject
+{
+public:
+    /// Reads a file of any encoding that its byte order mark or declaration names. Elements and attributes are added to the
+    /// document's root element (made when there is none), which takes the name of the file's outermost element; attribute
+    /// values are stored escaped; text outside CDATA sections is dropped. False, with messages, when the file can't be read
+    /// or is malformed; the document then keeps what was read. A file that merely ends early is not an error here; ask
+    /// CVekXMLParser::IsComplete.
+    virtual bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
+};
+
+/// Writes XML documents, one line for each tag, indented by depth. The encoding is the document's.
+class IVekXMLWriter : public IVekObject
+{
+public:
+    /// The spaces for each level of depth, 3 at first; a negative number is refused with a message.
+    virtual void SetIndentation(int spaces) = 0;
+    virtual int GetIndentation() const = 0;
+    /// Writes the document to a new file; false, with messages, when the document has no root or the file can't be written
+    /// whole.
+    virtual bool WriteXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
+    /// Writes the document to an open stream, at its position; the same failures.
+    virtual bool WriteXML(IVekIOStream * stream, IVekXMLDocument * document) = 0;
+};
+
+/// Creates every XML object, each with one reference that the caller owns; null, with a message, when memory is exhausted.
+/// The kernel has the one manager (IVekKernel::GetXMLManager).
+class IVekXMLManager : public IVekObject
+{
+public:
+    virtual IVekXMLElement * CreateXMLElement() = 0;
+    virtual IVekXMLDocument * CreateXMLDocument() = 0;
+    virtual IVekXMLParser * CreateXMLParser() = 0;
+    virtual IVekXMLWriter * CreateXMLWriter() = 0;
+};
+
+/// One attribute: a name and the text of its value, exactly as stored. The element escapes what is set through it.
+class VEK_API CVekXMLAttribute : public CVekRefCounted<IVekObject>, public CVekPooled
+{
+public:
+    CVekXMLAttribute() = default;
+    /// Makes an attribute from texts of known length, the value stored as it is.
+    CVekXMLAttribute(wchar_t const * name, int nameLength, wchar_t const * value, int valueLength);
+    /// Copies name and value; the copy's count is 1.
+    CVekXMLAttribute(CVekXMLAttribute const & other);
+    /// Copies name and value.
+    CVekXMLAttribute & operator=(CVekXMLAttribute const & other);
+    ~CVekXMLAttribute() override;
+
+    void SetName(wchar_t const * name);
+    CVekString<wchar_t> const & GetName() const { return m_name; }
+    CVekString<wchar_t> const & GetValue() const { return m_value; }
+
+    /// Store the value's text, unescaped; always true. Vectors and colours are four numbers separated by ", "; doubles are
+    /// kept with the precision of "%f", those of a vector with that of a float.
+    bool SetValue(bool value);
+    bool SetValue(int value);
+    bool SetValue(float value);
+    bool SetValue(double value);
+    bool SetValue(CVekRGBA<unsigned char> const & value);
+    bool SetValue(CVekRGBA<float> const & value);
+    bool SetValue(CVekVector4D<int> const & value);
+    bool SetValue(CVekVector4D<float> const & value);
+    bool SetValue(CVekVector4D<double> const & value);
+    bool SetValue(wchar_t const * value);
+
+    /// Read the value's text; true, with what did not match 0. Only a boolean whose text is neither "TRUE" nor "FALSE" (in
+    /// any case) gives false and leaves the output.
+    bool GetValue(bool & value) const;
+    bool GetValue(int & value) const;
+    bool GetValue(float & value) const;
+    /// Read with the precision of a float.
+    bool GetValue(double & value) const;
+    bool GetValue(CVekRGBA<unsigned char> & value) const;
+    bool GetValue(CVekRGBA<float> & value) const;
+    bool GetValue(CVekVector4D<int> & value) const;
+    bool GetValue(CVekVector4D<float> & value) const;
+    /// Read with the precision of floats.
+    bool GetValue(CVekVector4D<double> & value) const;
+
+private:
+    friend class CVekXMLElement;
+
+    CVekString<wchar_t> m_name;
+    CVekString<wchar_t> m_value;
+};
+
+/// The library's XML element. Destruction and RemoveAllChildren work through trees of any depth without recursion.
+class VEK_API CVekXMLElement : public CVekRefCounted<IVekXMLElement>, public CVekPooled
+{
+public:
+    CVekXMLElement();
+    /// Makes an element of that name in one step.
+    CVekXMLElement(wchar_t const * name, int nameLength);
+    /// Shallow, kept: count, parent, children, attributes and CDATA bytes are shared without a reference of the copy's own,
+    /// so that only one of the two may ever be destroyed.
+    CVekXMLElement(CVekXMLElement const & other);
+    /// Shallow as the copy constructor; what the target held is not released.
+    CVekXMLElement & operator=(CVekXMLElement const & other);
+    ~CVekXMLElement() override;
+
+    /// Records the parent, not counted, when none is recorded yet; otherwise logs and keeps the old one.
+    void SetParent(CVekXMLElement * parent);
+
+    IVekXMLElement * GetParent() override;
+    IVekXMLElement const * GetParent() const override;
+    void SetName(wchar_t const * name) override;
+    CVekString<wchar_t> const & GetName() const override;
+    int GetNumChildren() const override;
+    int AddChild(IVekXMLElement * child, int index) override;
+    void RemoveChild(IVekXMLElement * child) override;
+    void RemoveChild(wchar_t const * name) override;
+    void RemoveChild(int index) override;
+    void RemoveAllChildren() override;
+    IVekXMLElement * GetChild(int index) override;
+    IVekXMLElement const * GetChild(int index) const override;
+    IVekXMLElement const * FindChild(wchar_t const * name) const override;
+    IVekXMLElement * FindChild(wchar_t const * name, bool create) override;
+    int GetNumAttributes() const override;
+    int AddAttribute(wchar_t const * name, VEK_VARIANT const & value, int index) override;
+    bool SetAttributeValue(wchar_t const * name, VEK_VARIANT const & value, bool add) override;
+    bool SetAttributeValue(int index, VEK_VARIANT const & value) override;
+    bool RenameAttribute(int index, wchar_t const * newName) override;
+    bool RenameAttribute(wchar_t const * name, wchar_t const * newName) override;
+    bool RemoveAttribute(wchar_t const * name) override;
+    bool RemoveAttribute(int index) override;
+    void RemoveAllAttributes() override;
+    int FindAttributeIndex(wchar_t const * name) const override;
+    CVekString<wchar_t> const & GetAttributeName(int index) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const override;
+    bool GetAttributeValue(int index, bool & value, bool defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const override;
+    bool GetAttributeValue(int index, double & value, double defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, float & value, float defaultValue) const override;
+    bool GetAttributeValue(int index, float & value, float defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const override;
+    bool GetAttributeValue(int index, int & value, int defaultValue) const override;
+    bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value, wchar_t const * defaultValue) const override;
+    CVekString<wchar_t> const & GetAttributeValue(int index) const override;
+    bool AddCDATASection(unsigned char const * bytes, int size) override;
+    int GetCDATASectionSize() const override;
+    void RemoveCDATASection() override;
+    bool HasCDATASection() const override;
+    unsigned char const * GetCDATASection() const override;
+
+private:
+    friend class CVekXMLParser;
+
+    struct Tree;
+
+    void DestrotyChildren(); // Kept: spelled so.
+    void DestroyAttributes();
+    bool VariantToString(VEK_VARIANT const & value, CVekString<wchar_t> & text);
+    void RemoveChildAt(int index);
+    void RemoveSection();
+    template <class T> bool ReadAttribute(int index, T & value, T const & defaultValue) const;
+    template <class T> bool ReadAttribute(wchar_t const * name, T & value, T const & defaultValue) const;
+
+    CVekString<wchar_t> m_name;
+    CVekXMLElement * m_parent = nullptr;
+    CVekPointerArray<CVekXMLElement> m_children;
+    CVekPointerArray<CVekXMLAttribute> m_attributes;
+    unsigned char * m_cdata = nullptr;
+    int m_hasCDATA = 0;
+    int m_cdataSize = 0;
+};
+
+/// The library's XML parser. IVekXMLManager::CreateXMLParser makes one; a host that wants the operations beyond the
+/// interface makes its own.
+class VEK_API CVekXMLParser : public CVekRefCounted<IVekXMLParser>
+{
+public:
+    CVekXMLParser();
+    CVekXMLParser(CVekXMLParser const &) = delete;
+    CVekXMLParser & operator=(CVekXMLParser const &) = delete;
+    ~CVekXMLParser() override;
+
+    bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) override;
+    /// As ParseXMLFile, from bytes in memory, which are only read.
+    bool ParseXMLMemory(void const * bytes, unsigned int size, IVekXMLDocument * document);
+    /// True when the last successful parse met the end of the outermost element: false tells of a file without any element
+    /// or one that ends early.
+    bool IsComplete() const;
+
+    /// @cond internal
+    struct State;
+    /// @endcond
+
+private:
+    template <class Source> bool ParseDocument(IVekXMLDocument * document, Source source);
+
+    State * m_state;
+};
+
+#endif

@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Builds and tests everything: the 32-bit DLL, the 64-bit DLL, and the guarded static build.
+# Details are in build/*.log. Takes the names of presets to test only those.
+cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
+. tools/build-steps.sh
+
+tools/setup.sh < /dev/null || exit 1
+
+presets=("$@")
+[ ${#presets[@]} -gt 0 ] || presets=(win32 win64 win32-guard)
+status=0
+for preset in "${presets[@]}"; do
+    step "build $preset" "build-$preset" configure_and_build "$preset"
+    begin=$SECONDS
+    if ctest --preset "$preset" -j "$(nproc)" > "build/test-$preset.log" 2>&1 < /dev/null; then
+        printf '%-28s ok %4d s\n' "test $preset" $((SECONDS - begin))
+        grep 'tests passed' "build/test-$preset.log"
+    else
+        printf '%-28s FAILED after %d s\n' "test $preset" $((SECONDS - begin))
+        tail -n 200 "build/test-$preset.log"
+        status=1
+    fi
+done
+exit $status

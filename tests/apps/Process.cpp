@@ -1,0 +1,167 @@
+#include "Process.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+namespace apps
+{
+
+namespace
+{
+
+constexpr DWORD LONGEST_RUN = 50000;
+
+std::wstring OwnFolder()
+{
+    wchar_t path[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring const whole = path;
+    return whole.substr(0, whole.find_last_of(L"\\/") + 1);
+}
+
+std::wstring TestFolder()
+{
+    wchar_t path[MAX_PATH] = L"";
+    if (!GetEnvironmentVariableW(L"VEK_TEST_TMP", path, MAX_PATH))
+        GetTempPathW(MAX_PATH, path);
+    return path;
+}
+
+// As the runtime of the started program takes it apart again.
+std::wstring Quoted(std::wstring const & argument)
+{
+    std::wstring text = L"\"";
+    std::size_t backslashes = 0;
+    for (wchar_t const unit : argument)
+    {
+        if (unit == L'"')
+            text.append(backslashes + 1, L'\\');
+        backslashes = unit == L'\\' ? backslashes + 1 : 0;
+        text += unit;
+    }
+    return text.append(backslashes, L'\\') + L"\"";
+}
+
+HANDLE Inheritable(std::wstring const & path)
+{
+    SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, TRUE};
+    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes, CREATE_ALWAYS, 0,
+                       nullptr);
+}
+
+int WaitFor(PROCESS_INFORMATION const & process)
+{
+    DWORD code = static_cast<DWORD>(-1);
+    if (WaitForSingleObject(process.hProcess, LONGEST_RUN) == WAIT_OBJECT_0)
+        GetExitCodeProcess(process.hProcess, &code);
+    else
+        TerminateProcess(process.hProcess, code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return static_cast<int>(code);
+}
+
+std::wstring WorkFolder()
+{
+    std::wstring folder = TestFolder() + L"\\files";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    return folder;
+}
+
+} // namespace
+
+Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const & arguments)
+{
+    std::wstring const path = OwnFolder() + program;
+    std::wstring line = Quoted(path);
+    for (std::wstring const & argument : arguments)
+        line += L" " + Quoted(argument);
+    // Files, not pipes: nobody has to read while the program writes.
+    std::wstring const outPath = TestFolder() + L"\\stdout.txt", errPath = TestFolder() + L"\\stderr.txt";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = Inheritable(outPath);
+    startup.hStdError = Inheritable(errPath);
+    PROCESS_INFORMATION process{};
+    Outcome outcome;
+    bool const started = CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
+                                        WorkFolder().c_str(), &startup, &process) != 0;
+    CloseHandle(startup.hStdOutput);
+    CloseHandle(startup.hStdError);
+    if (started)
+        outcome.code = WaitFor(process);
+    outcome.out = Load(outPath);
+    outcome.err = started ? Load(errPath) : "can't be started";
+    return outcome;
+}
+
+Outcome Vek(std::vector<std::wstring> const & arguments)
+{
+    return RunBeside(L"vek.exe", arguments);
+}
+
+std::wstring MakeFolder()
+{
+    std::wstring const folder = WorkFolder();
+    for (std::wstring const & name : Names(folder))
+    {
+        std::wstring const path = folder + L"\\" + name;
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+        DeleteFileW(path.c_str());
+    }
+    return folder + L"\\";
+}
+
+void Store(std::wstring const & path, std::string const & bytes)
+{
+    if (std::FILE * const file = _wfopen(path.c_str(), L"wb"))
+    {
+        std::fwrite(bytes.data(), 1, bytes.size(), file);
+        std::fclose(file);
+    }
+}
+
+std::string Load(std::wstring const & path)
+{
+    std::string bytes;
+    if (std::FILE * const file = _wfopen(path.c_str(), L"rb"))
+    {
+        char piece[4096];
+        for (std::size_t size; (size = std::fread(piece, 1, sizeof piece, file)) > 0;)
+            bytes.append(piece, size);
+        std::fclose(file);
+    }
+    return bytes;
+}
+
+std::vector<std::wstring> Names(std::wstring const & folder)
+{
+    std::vector<std::wstring> names;
+    WIN32_FIND_DATAW data;
+    HANDLE const search = FindFirstFileW((folder + L"\\*").c_str(), &data);
+    if (search == INVALID_HANDLE_VALUE)
+        return names;
+    do
+    {
+        if (!(data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
+            names.push_back(data.cFileName);
+    } while (FindNextFileW(search, &data));
+    FindClose(search);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::wstring SceneFile()
+{
+    std::string const path = VEK_TEST_DATA "/../../examples/data/scene.xml";
+    return std::wstring(path.begin(), path.end());
+}
+
+} // namespace apps

@@ -1,0 +1,35 @@
+// Runs the programs that stand beside the test program, and gives what they print.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace apps
+{
+
+struct Outcome
+{
+    int code = -1; // of the process; -1 when it could not be run or hung
+    std::string out;
+    std::string err;
+};
+
+/// Runs a program that stands beside the test program.
+Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const & arguments);
+
+/// Runs vek.exe.
+Outcome Vek(std::vector<std::wstring> const & arguments);
+
+/// Empties the folder in which programs are run, for a test's files; ends in a backslash.
+std::wstring MakeFolder();
+
+void Store(std::wstring const & path, std::string const & bytes);
+std::string Load(std::wstring const & path);
+
+/// The names of a folder's files, sorted.
+std::vector<std::wstring> Names(std::wstring const & folder);
+
+/// A file that comes with the examples.
+std::wstring SceneFile();
+
+} // namespace apps

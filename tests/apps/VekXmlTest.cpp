@@ -1,0 +1,226 @@
+// vek xml as its users meet it: good files.
+
+#include "Process.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using apps::MakeFolder;
+using apps::Outcome;
+using apps::SceneFile;
+using apps::Store;
+using apps::Vek;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace
+{
+
+/// The lines of an info, without the file's name and the time.
+std::string Facts(std::wstring const & path)
+{
+    Outcome const outcome = Vek({L"xml", L"info", path});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    std::size_t const begin = outcome.out.find('\n') + 1;
+    return outcome.out.substr(begin, outcome.out.find("  read ") - begin);
+}
+
+std::string Get(std::wstring const & path, std::wstring const & element, std::wstring const & attribute)
+{
+    Outcome const outcome = Vek({L"xml", L"get", path, element, attribute});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    return outcome.out;
+}
+
+TEST(VekXml, InfoCountsTheScene)
+{
+    EXPECT_EQ(Facts(SceneFile()), "  root element      scene\n"
+                                  "  document type     scene\n"
+                                  "  elements          13\n"
+                                  "  attributes        34\n"
+                                  "  CDATA sections    1\n"
+                                  "  DTD rules         8\n"
+                                  "  attribute lists   8\n"
+                                  "  depth             5\n");
+}
+
+TEST(VekXml, InfoOfSeveralFilesGoesOnAfterABadOne)
+{
+    Outcome const outcome = Vek({L"xml", L"info", L"missing.xml", SceneFile()});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("missing.xml"));
+    EXPECT_THAT(outcome.out, HasSubstr("elements          13"));
+}
+
+TEST(VekXml, TreeShowsLevelsAndEscapesWhatHarmsATerminal)
+{
+    EXPECT_EQ(Vek({L"xml", L"tree", SceneFile(), L"--depth", L"2"}).out,
+              "scene name=\"Harbour\" unit=\"m\"\n"
+              "  camera position=\"12.5, -40, 6, 1\" target=\"0, 0, 2, 1\" angle=\"50\"\n"
+              "  light color=\"255, 244, 229, 255\" position=\"-100, -100, 200, 0\" on=\"TRUE\"\n"
+              "  material name=\"water\" color=\"24, 82, 120, 200\" (1 child)\n"
+              "  group name=\"pier\" visible=\"TRUE\" (3 children)\n");
+    std::wstring const folder = MakeFolder();
+    Store(folder + L"hostile.xml", "<a b=\"&#x9B;2J&#x202E;&#9;\xF0\x9F\x98\x80\"><b/></a>");
+    EXPECT_EQ(Vek({L"xml", L"tree", folder + L"hostile.xml"}).out, "a b=\"\\x9B2J\\u202E\\t\xF0\x9F\x98\x80\"\n  b\n");
+    EXPECT_THAT(Vek({L"xml", L"info", L"no\x1B[2J\x202E.xml"}).err, HasSubstr("vek: no\\x1B[2J\\u202E.xml: "));
+}
+
+TEST(VekXml, GetFindsElementsByPath)
+{
+    struct
+    {
+        wchar_t const * path;
+        wchar_t const * attribute;
+        char const * value;
+    } const rows[] = {
+        {L"", L"name", "Harbour\n"},
+        {L"/", L"unit", "m\n"},
+        {L"camera", L"angle", "50\n"},
+        {L"GROUP\\Group//mesh", L"NAME", "\xC3\x89mile & S\xC3\xB8n\n"},
+        {L"group/label", L"text", "Pier's end \xE2\x80\x94 3 < 4 m deep\n"},
+    };
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << "path " << row.value);
+        EXPECT_EQ(Get(SceneFile(), row.path, row.attribute), row.value);
+    }
+}
+
+TEST(VekXml, SetStoresValuesThatComeBack)
+{
+    struct
+    {
+        char const * name;
+        std::wstring value;
+        std::string printed;
+    } const rows[] = {
+        {"markup", L"<a> & 'b' \"c\"", "<a> & 'b' \"c\"\n"},
+        {"beyond the first plane", L"\xD83D\xDE00 \x00E9 \x20AC", "\xF0\x9F\x98\x80 \xC3\xA9 \xE2\x82\xAC\n"},
+        {"white space", L" \ta\r\nb ", " \ta\r\nb \n"},
+        {"empty", L"", "\n"},
+        {"negative number", L"-12.5", "-12.5\n"},
+        {"brackets", L"[a, b]", "[a, b]\n"},
+        {"quotes and backslashes", L"C:\\dir\\\"x\"\\", "C:\\dir\\\"x\"\\\n"},
+    };
+    std::wstring const folder = MakeFolder();
+    std::wstring const file = folder + L"scene \x20AC.xml";
+    Store(file, apps::Load(SceneFile()));
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        Outcome const outcome = Vek({L"xml", L"set", file, L"camera", L"note", row.value});
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.out + outcome.err, "");
+        EXPECT_EQ(Get(file, L"camera", L"note"), row.printed);
+    }
+    EXPECT_EQ(apps::Names(folder).size(), 1U) << "something was left beside the file";
+    EXPECT_THAT(Facts(file), HasSubstr("attributes        35\n"));
+}
+
+TEST(VekXml, SetAddsElementsOnlyWhenAsked)
+{
+    std::wstring const folder = MakeFolder();
+    std::wstring const target = folder + L"new.xml";
+    std::vector<std::wstring> arguments = {L"xml", L"set",  SceneFile(), L"group/buoy/lamp",
+                                           L"on",  L"TRUE", L"-o",       target};
+    Outcome const refused = Vek(arguments);
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_THAT(refused.err, HasSubstr("no element \"group/buoy/lamp\""));
+    arguments.push_back(L"--create");
+    EXPECT_EQ(Vek(arguments).code, 0);
+    EXPECT_EQ(Get(target, L"group/buoy/lamp", L"on"), "TRUE\n");
+}
+
+TEST(VekXml, FormatKeepsTheDocument)
+{
+    std::wstring const folder = MakeFolder();
+    std::wstring const target = folder + L"new.xml";
+    Outcome const outcome = Vek({L"xml", L"format", SceneFile(), target, L"--indent", L"2"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(Facts(target), Facts(SceneFile()));
+    EXPECT_THAT(apps::Load(target), HasSubstr("\n    <group name=\"boats\" visible=\"TRUE\">"));
+    EXPECT_EQ(Vek({L"xml", L"format", target, target, L"--no-dtd"}).code, 0);
+    EXPECT_THAT(apps::Load(target), Not(HasSubstr("<!DOCTYPE")));
+    EXPECT_THAT(apps::Load(target), HasSubstr("<![CDATA[void main()\r\n{"));
+}
+
+TEST(VekXml, FormatReadsWhatTheMimeDatabaseDeclares)
+{
+    std::wstring const folder = MakeFolder();
+    std::string const path = VEK_MIME_XML;
+    std::wstring const source(path.begin(), path.end());
+    Outcome const outcome = Vek({L"xml", L"format", source, folder + L"mime.xml"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("note: written without "));
+    EXPECT_EQ(Facts(folder + L"mime.xml"), Facts(source));
+}
+
+TEST(VekXml, NotesTellWhatWasLost)
+{
+    struct
+    {
+        char const * name;
+        std::string text;
+        char const * note; // in the note of a new file; empty: no note
+        bool inPlace;      // whether the file itself is replaced
+    } const rows[] = {
+        {"nothing", "<?xml version=\"1.0\"?>\n<a> <b c='>'/>\n</a>", "", true},
+        {"text", "<a>tw\xC3\xB6<b/> x</a>", "without 4 characters of text outside CDATA sections\n", false},
+        {"text in UTF-16", std::string("\xFF\xFE<\0a\0>\0x\0<\0/\0a\0>\0", 18), "without 1 character of text", false},
+        {"comments", "<!-- <a>'1 --><a><!----></a>", "without 2 comments\n", true},
+        {"instructions", "<?xml-style x?><a><?b > ?></a>", "without 2 processing instructions\n", true},
+        {"second CDATA section", "<a><![CDATA[<x>]]><![CDATA[]]></a>",
+         "without 1 CDATA section (an element keeps one)\n", false},
+        {"attributes of one name", "<a b=\"1=2\" B='3'/>", "without 1 attribute (an element keeps one of a name",
+         false},
+        {"document type without elements", "<!DOCTYPE a [<!ENTITY e '>'><!-- ' -->]><a/>",
+         "without its document type \"a\"", true},
+        {"document type that can't be read", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>", "left out", true},
+        {"default values",
+         "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a b CDATA '1' c (x|y) #IMPLIED d NOTATION (n) #IMPLIED>]><a/>", "",
+         true},
+    };
+    std::wstring const folder = MakeFolder();
+    std::wstring const file = folder + L"a.xml";
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        Store(file, row.text);
+        Outcome const elsewhere = Vek({L"xml", L"format", file, folder + L"b.xml"});
+        EXPECT_EQ(elsewhere.code, 0);
+        EXPECT_THAT(elsewhere.err, HasSubstr(row.note));
+        EXPECT_EQ(elsewhere.err.find("note: ") == std::string::npos, *row.note == 0) << elsewhere.err;
+        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"z", L"1"}).code, row.inPlace ? 0 : 1);
+        EXPECT_EQ(apps::Load(file) == row.text, !row.inPlace);
+        EXPECT_EQ(Vek({L"xml", L"format", file, file, L"--drop-text"}).code, 0);
+    }
+    EXPECT_EQ(apps::Names(folder).size(), 2U) << "something was left beside the files";
+}
+
+TEST(VekXml, HelpAndVersion)
+{
+    struct
+    {
+        std::vector<std::wstring> arguments;
+        char const * text;
+    } const rows[] = {
+        {{L"--help"}, "vek xml set FILE PATH ATTRIBUTE VALUE"},
+        {{L"xml", L"--help"}, "format"},
+        {{L"xml", L"set", L"--help"}, "--drop-text"},
+        {{L"xml", L"format", L"--help"}, "NOT kept"},
+        {{L"--version"}, "vek 0."},
+    };
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        Outcome const outcome = Vek(row.arguments);
+        EXPECT_EQ(outcome.code, 0);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_THAT(outcome.out, HasSubstr(row.text));
+    }
+}
+
+} // namespace

@@ -1,0 +1,274 @@
+#include "VekLib.h"
+
+#include "support/DebuggerOutput.h"
+#include "support/GuardHeap.h"
+#include "support/LogCapture.h"
+#include "support/RefCountContract.h"
+#include "support/Slots.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cwchar>
+
+namespace
+{
+
+IVekKernel & Kernel()
+{
+    return *getVekLibKernel();
+}
+
+constexpr GUID EVENT = {0x12345678, 0x1234, 0x5678, {1, 2, 3, 4, 5, 6, 7, 8}};
+
+// The banner as it has to be, but for the memory that was available at that moment.
+std::wstring ExpectedBanner(std::wstring const & available)
+{
+    wchar_t text[512];
+    _snwprintf(text, std::size(text),
+               L"\n\nVekLib Initialized\n"
+               L"\n   --> CPU speed                   %.4g Mhz"
+               L"\n   --> Total memory in system      %d MB"
+               L"\n   --> Currently available memory  %s MB\n\n",
+               static_cast<double>(Kernel().GetPerformanceFrequency()) / 1048576.0,
+               static_cast<int>(Kernel().GetTotalPhysicalMemory() >> 20), available.c_str());
+    return text;
+}
+
+std::wstring AvailableIn(std::wstring const & banner)
+{
+    std::wstring const label = L"memory  ";
+    std::size_t const at = banner.find(label);
+    if (at == std::wstring::npos)
+        return L"(no available memory in the banner)";
+    std::size_t const begin = at + label.size();
+    return banner.substr(begin, banner.find(L' ', begin) - begin);
+}
+
+} // namespace
+
+TEST(Kernel, StartsWithTheFirstInitAndStopsWithTheLastDeinit)
+{
+    IVekKernel * const kernel = getVekLibKernel();
+    LogCapture log;
+    EXPECT_EQ(kernel->GetXMLManager(), nullptr);
+    VekLibDeinit();
+    EXPECT_EQ(log.Take(), L"") << "a Deinit without Init does nothing";
+
+    EXPECT_TRUE(VekLibInit());
+    std::wstring const banner = log.Take();
+    EXPECT_EQ(banner, ExpectedBanner(AvailableIn(banner)));
+    EXPECT_GT(std::wcstol(AvailableIn(banner).c_str(), nullptr, 10), 0);
+    EXPECT_TRUE(VekLibInit());
+    EXPECT_EQ(log.Take(), L"") << "a second Init only counts";
+    EXPECT_EQ(getVekLibKernel(), kernel);
+
+    IVekXMLManager * const manager = kernel->GetXMLManager();
+    ASSERT_NE(manager, nullptr);
+    EXPECT_EQ(manager->GetRefCount(), 1u);
+    EXPECT_EQ(kernel->GetXMLManager(), manager);
+
+    VekLibDeinit();
+    EXPECT_EQ(kernel->GetXMLManager(), manager) << "one Init is left";
+    {
+        DebuggerOutput debugger;
+        VekLibDeinit();
+        EXPECT_EQ(debugger.Take(), L"\n\nVekLib Uninitialized\n\n");
+    }
+    EXPECT_EQ(log.Take(), L"") << "the catchers are gone before the closing line";
+    EXPECT_EQ(kernel->GetXMLManager(), nullptr);
+    VekLogOutput(0, L"unheard");
+    VekLibDeinit();
+    EXPECT_EQ(log.Take(), L"");
+    EXPECT_EQ(getVekLibKernel(), kernel);
+}
+
+TEST(Kernel, RepeatsItsBannerWithEveryStart)
+{
+    for (int turn = 0; turn < 3; ++turn)
+    {
+        LogCapture log;
+        ASSERT_TRUE(VekLibInit());
+        EXPECT_EQ(log.Lines().size(), 4u);
+        VekLibDeinit();
+    }
+}
+
+TEST(Kernel, KeptAFailedInitStaysCounted)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP() << "needs the guard heap";
+    struct Row
+    {
+        char const * name;
+        std::size_t failing;
+        wchar_t const * messages;
+    };
+    Row const rows[] = {
+        {"event map", 1,
+         L"CVekKernel::InitEventMap --> Failed to allocated eventmap\n"
+         L"CVekKernel::Init --> Failed to initialize Eventmap"},
+        {"XML manager", 2,
+         L"CVekKernel::InitXMLManager --> Failed to create XMLManager interface\n"
+         L"CVekKernel::Init --> Failed to XML Manager"},
+    };
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        LogCapture log;
+        VekGuard::FailAllocation(row.failing);
+        bool const initialised = VekLibInit();
+        ASSERT_TRUE(VekGuard::FailReset());
+        EXPECT_FALSE(initialised);
+        EXPECT_EQ(log.Take(), row.messages);
+        EXPECT_EQ(Kernel().GetXMLManager(), nullptr);
+        EXPECT_TRUE(VekLibInit()) << "the next only counts";
+        EXPECT_EQ(Kernel().GetXMLManager(), nullptr);
+        EXPECT_EQ(log.Take(), L"");
+        VekLibDeinit();
+        VekLibDeinit();
+    }
+    EXPECT_TRUE(VekLibInit()) << "counted down, it starts again";
+    EXPECT_NE(Kernel().GetXMLManager(), nullptr);
+    VekLibDeinit();
+}
+
+TEST(Kernel, Events)
+{
+    GUID other = EVENT;
+    other.Data4[7] = 9;
+    EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "before Init";
+    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
+    Kernel().UnregisterEvent(EVENT);
+    Kernel().ReleaseEventMap();
+
+    ASSERT_TRUE(VekLibInit());
+    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
+    EXPECT_TRUE(Kernel().RegisterEvent(EVENT));
+    EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "there already";
+    EXPECT_TRUE(Kernel().IsEventRegistered(EVENT));
+    EXPECT_FALSE(Kernel().IsEventRegistered(other));
+    EXPECT_FALSE(Kernel().FireEvent(EVENT, nullptr)) << "no handlers";
+    EXPECT_FALSE(Kernel().FireEvent(other, nullptr));
+    EXPECT_FALSE(Kernel().AddEventHandler(other, nullptr));
+    Kernel().RemoveEventHandler(other, nullptr);
+    Kernel().UnregisterEvent(other);
+    Kernel().UnregisterEvent(EVENT);
+    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
+    EXPECT_TRUE(Kernel().RegisterEvent(EVENT));
+    Kernel().ReleaseEventMap();
+    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
+    EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "after ReleaseEventMap";
+    VekLibDeinit();
+
+    ASSERT_TRUE(VekLibInit());
+    EXPECT_TRUE(Kernel().RegisterEvent(EVENT)) << "a new start brings a new map";
+    VekLibDeinit();
+}
+
+TEST(Kernel, FailsToRegisterWithoutMemory)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP() << "needs the guard heap";
+    ASSERT_TRUE(VekLibInit());
+    VekGuard::FailFrom(1);
+    bool const registered = Kernel().RegisterEvent(EVENT);
+    EXPECT_TRUE(VekGuard::FailReset());
+    EXPECT_FALSE(registered);
+    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
+
+    CVekRefCounted<IVekObject> * const nothing = nullptr; // what a Create operation gives when memory is out
+    VekGuard::FailFrom(1);
+    IVekObject * const memoryStream = Kernel().CreateMemoryIOStream();
+    IVekObject * const fileStream = Kernel().CreateFileIOStream();
+    EXPECT_TRUE(VekGuard::FailReset());
+    EXPECT_EQ(memoryStream, nothing);
+    EXPECT_EQ(fileStream, nothing);
+    VekLibDeinit();
+}
+
+TEST(Kernel, ItsOwnReferencesDestroyNothing)
+{
+    EXPECT_EQ(Kernel().GetRefCount(), 1u);
+    EXPECT_EQ(Kernel().AddRef(), 2u);
+    EXPECT_EQ(Kernel().Release(), 1u);
+    EXPECT_EQ(Kernel().Release(), 0u) << "a host's mistake";
+    EXPECT_EQ(Kernel().AddRef(), 1u);
+}
+
+TEST(Kernel, CreatesStreams)
+{
+    ExpectRefCountContract("memory stream", Kernel().CreateMemoryIOStream());
+    ExpectRefCountContract("file stream", Kernel().CreateFileIOStream());
+}
+
+TEST(Kernel, SlotOrder)
+{
+    IVekKernel * const kernel = getVekLibKernel();
+    ASSERT_TRUE(VekLibInit());
+    EXPECT_EQ(CallSlot<unsigned int>(kernel, 0), 2u);
+    EXPECT_EQ(CallSlot<unsigned int>(kernel, 1), 1u);
+    EXPECT_EQ(CallSlot<unsigned int>(kernel, 2), 1u);
+
+    LARGE_INTEGER frequency;
+    QueryPerformanceFrequency(&frequency);
+    EXPECT_EQ(CallSlot<unsigned long long>(kernel, 6), static_cast<unsigned long long>(frequency.QuadPart));
+    EXPECT_EQ(CallSlot<double>(kernel, 7), static_cast<double>(frequency.QuadPart) / 1048576.0);
+
+    auto * const memoryStream = CallSlot<IVekMemoryIOStream *>(kernel, 9);
+    ASSERT_NE(memoryStream, nullptr);
+    EXPECT_TRUE(memoryStream->Open(nullptr, 0, 7));
+    memoryStream->Release();
+    auto * const fileStream = CallSlot<IVekFileIOStream *>(kernel, 10);
+    ASSERT_NE(fileStream, nullptr);
+    EXPECT_EQ(fileStream->GetFilePath().GetLength(), 0);
+    fileStream->Release();
+
+    EXPECT_EQ(CallSlot<int>(kernel, 16, 3), 3);
+    EXPECT_EQ(CallSlot<int>(kernel, 17), 3);
+    EXPECT_EQ(CallSlot<int>(kernel, 16, 0), 0);
+    {
+        struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
+        {
+            int calls = 0;
+            void OnLogOutput(int, wchar_t const *) override { ++calls; }
+        } catcher;
+        CallSlot(kernel, 18, static_cast<IVekCatchLogOutput *>(&catcher));
+        VekLogOutput(0, L"heard");
+        EXPECT_EQ(catcher.calls, 1);
+        EXPECT_EQ(catcher.GetRefCount(), 2u);
+        CallSlot(kernel, 19, static_cast<IVekCatchLogOutput *>(&catcher));
+        VekLogOutput(0, L"unheard");
+        EXPECT_EQ(catcher.calls, 1);
+        EXPECT_EQ(catcher.GetRefCount(), 1u);
+    }
+
+    EXPECT_TRUE(CallSlot<bool>(kernel, 20, &EVENT));
+    EXPECT_TRUE(CallSlot<bool>(kernel, 23, &EVENT));
+    CallSlot(kernel, 21, &EVENT);
+    EXPECT_FALSE(CallSlot<bool>(kernel, 23, &EVENT));
+    EXPECT_TRUE(CallSlot<bool>(kernel, 20, &EVENT));
+    CallSlot(kernel, 22);
+    EXPECT_FALSE(CallSlot<bool>(kernel, 20, &EVENT));
+    CVekEventData * const noData = nullptr;
+    CVekEventHandler * const noHandler = nullptr;
+    EXPECT_FALSE(CallSlot<bool>(kernel, 24, &EVENT, noData));
+    EXPECT_FALSE(CallSlot<bool>(kernel, 25, &EVENT, noHandler));
+    CallSlot(kernel, 26, &EVENT, noHandler);
+
+    EXPECT_EQ(CallSlot<unsigned int>(kernel, 27, 0xFEDCBA98u), 0xFEDCBA98u);
+    EXPECT_EQ(CallSlot<unsigned int>(kernel, 28), 0xFEDCBA98u);
+    EXPECT_EQ(CallSlot<unsigned int>(kernel, 27, 0u), 0u);
+
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    GlobalMemoryStatusEx(&status);
+    EXPECT_EQ(CallSlot<unsigned long long>(kernel, 29), status.ullTotalPhys);
+    unsigned long long const available = CallSlot<unsigned long long>(kernel, 30);
+    EXPECT_TRUE(available > 0 && available < status.ullTotalPhys) << available;
+
+    EXPECT_EQ(CallSlot<IVekXMLManager *>(kernel, 31), kernel->GetXMLManager());
+    EXPECT_NE(kernel->GetXMLManager(), nullptr);
+    VekLibDeinit();
+}

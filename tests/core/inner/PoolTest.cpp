@@ -1,0 +1,90 @@
+#include "core/Pool.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+struct Block
+{
+    unsigned char * place;
+    std::size_t size;
+    unsigned char mark;
+};
+
+void Check(Block const & block)
+{
+    for (std::size_t i = 0; i < block.size; ++i)
+        ASSERT_EQ(block.place[i], block.mark) << "byte " << i << " of " << block.size;
+}
+
+// Allocates and frees at random, every block filled with a mark of its own, and checks that no block ever touches another.
+void Churn(unsigned seed, int rounds)
+{
+    std::mt19937 random(seed);
+    std::vector<Block> live;
+    for (int i = 0; i < rounds; ++i)
+    {
+        if (live.size() < 50 || (random() % 2 && live.size() < 2000))
+        {
+            std::size_t const size = random() % 10 ? random() % 200 : random() % 9000;
+            Block const block = {static_cast<unsigned char *>(vek::PoolAllocate(size)), size,
+                                 static_cast<unsigned char>(random())};
+            ASSERT_NE(block.place, nullptr);
+            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block.place) % 8, 0U) << size;
+            std::memset(block.place, block.mark, size);
+            live.push_back(block);
+            continue;
+        }
+        std::swap(live[random() % live.size()], live.back());
+        Check(live.back());
+        vek::PoolFree(live.back().place, live.back().size);
+        live.pop_back();
+    }
+    for (Block const & block : live)
+    {
+        Check(block);
+        vek::PoolFree(block.place, block.size);
+    }
+}
+
+TEST(PoolTest, KeepsBlocksApart)
+{
+    Churn(1, 50'000);
+}
+
+TEST(PoolTest, ServesManyThreads)
+{
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < 4; ++i)
+        threads.emplace_back(Churn, 10 + i, 20'000);
+    for (std::thread & thread : threads)
+        thread.join();
+}
+
+TEST(PoolTest, IgnoresNull)
+{
+    vek::PoolFree(nullptr, 16);
+}
+
+#ifndef VEKLIB_GUARD
+TEST(PoolTest, GivesMemoryBackToTheSystem)
+{
+    std::vector<void *> blocks;
+    std::size_t const before = vek::PoolReservedBytes();
+    for (int i = 0; i < 1'000'000; ++i)
+        blocks.push_back(vek::PoolAllocate(64));
+    EXPECT_GE(vek::PoolReservedBytes(), 64'000'000U);
+    for (void * const block : blocks)
+        vek::PoolFree(block, 64);
+    EXPECT_LE(vek::PoolReservedBytes(), before + (65U << 20));
+}
+#endif
+
+} // namespace

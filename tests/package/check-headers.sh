@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Public headers compile alone and in any order, as C++17 without a warning, and bring nothing along:
+# check-headers.sh COMPILER INCLUDE-FOLDER
+set -u
+compiler=$1 folder=$2
+shopt -s nullglob
+headers=("$folder"/*.h)
+[ ${#headers[@]} -gt 0 ] || { echo "no headers in $folder"; exit 1; }
+status=0
+
+for header in "${headers[@]}"; do
+    while read -r included; do
+        case $included in
+            '<stddef.h>' | '<stdarg.h>' | '<stdint.h>') ;;
+            '"'*'"') name=${included//\"/}; [[ $name != */* && -e $folder/$name ]] ||
+                { echo "$(basename "$header") includes $included, which is not a public header"; status=1; } ;;
+            *) echo "$(basename "$header") includes $included, which is not allowed in a public header"; status=1 ;;
+        esac
+    done < <(sed -nE 's/^[[:space:]]*#[[:space:]]*include[[:space:]]*([<"][^>"]*[>"]).*/\1/p' "$header")
+done
+
+compile() {     # description, headers...
+    local what=$1 output
+    shift
+    output=$(printf '#include "%s"\n' "$@" | "$compiler" -x c++ -std=c++17 -Wall -Wextra -Wpedantic -Werror \
+        -Wno-non-virtual-dtor -fsyntax-only -I "$folder" - 2>&1) || { echo "$what does not compile:"; echo "$output"; status=1; }
+}
+names=()
+backwards=()
+for header in "${headers[@]}"; do
+    name=$(basename "$header")
+    names+=("$name")
+    backwards=("$name" ${backwards[@]+"${backwards[@]}"})
+    compile "$name alone" "$name"
+    compile "$name twice" "$name" "$name"
+done
+compile "all in order" "${names[@]}"
+compile "all in reverse order" "${backwards[@]}"
+exit $status

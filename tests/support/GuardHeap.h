@@ -1,0 +1,62 @@
+// A heap for tests that stops overruns and uses after free at the instruction, counts live blocks and lets allocations
+// fail on demand. It replaces malloc and its family in static test programs built with VEKLIB_GUARD; in all other
+// builds these functions exist and do nothing, so that a test can be written once (see VekGuard::Active).
+#pragma once
+
+#include <cstddef>
+
+namespace VekGuard
+{
+#ifdef VEKLIB_GUARD
+
+constexpr bool Active = true;
+
+std::size_t LiveBlocks() noexcept; // uncounted ones (see Uncounted) left out
+std::size_t LiveBytes() noexcept;
+
+// Allocations of the calling thread fail from now on: only the n-th (1 is the next one), or the n-th and all after it.
+void FailAllocation(std::size_t n) noexcept;
+void FailFrom(std::size_t n) noexcept;
+// Ends failing. True when an allocation has failed since it was armed: a loop over n can stop at the first false.
+bool FailReset() noexcept;
+
+// Blocks that the calling thread allocates while one of these lives are not counted: caches that stay for good.
+class Uncounted
+{
+public:
+    Uncounted() noexcept;
+    ~Uncounted();
+    Uncounted(Uncounted const &) = delete;
+    Uncounted & operator=(Uncounted const &) = delete;
+};
+
+#else
+
+constexpr bool Active = false;
+
+inline std::size_t LiveBlocks() noexcept
+{
+    return 0;
+}
+inline std::size_t LiveBytes() noexcept
+{
+    return 0;
+}
+inline void FailAllocation(std::size_t) noexcept {}
+inline void FailFrom(std::size_t) noexcept {}
+inline bool FailReset() noexcept
+{
+    return false;
+}
+
+class Uncounted
+{
+public:
+    Uncounted() noexcept {}
+    ~Uncounted() {}
+    Uncounted(Uncounted const &) = delete;
+    Uncounted & operator=(Uncounted const &) = delete;
+};
+
+#endif
+} // namespace VekGuard

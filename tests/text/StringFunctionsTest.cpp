@@ -1,0 +1,238 @@
+#include "text/TextKit.h"
+
+#include "support/GuardHeap.h"
+#include "support/LogCapture.h"
+
+#include <climits>
+#include <cstdarg>
+
+namespace
+{
+
+template <class T>
+class StringFunctions : public testing::Test
+{
+};
+TYPED_TEST_SUITE(StringFunctions, BothWidths);
+
+TYPED_TEST(StringFunctions, CopyAndCatTakeAtMostMaxCharacters)
+{
+    struct Row
+    {
+        int max;
+        char const * expected;
+    } const rows[] = {{3, "abc"},    {-1, "abcdef"},      {0, ""},  {1, "a"},     {6, "abcdef"},
+                      {7, "abcdef"}, {INT_MAX, "abcdef"}, {-2, ""}, {INT_MIN, ""}};
+    auto const source = Text<TypeParam>("abcdef");
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.max);
+        auto const expected = Text<TypeParam>(row.expected);
+        Buffer<TypeParam> copy(expected.size() + 1);
+        Api<TypeParam>::Copy(copy.data(), source.c_str(), row.max);
+        EXPECT_EQ(copy.Content(), expected);
+        Buffer<TypeParam> joined(expected.size() + 3);
+        Api<TypeParam>::Copy(joined.data(), Text<TypeParam>("xy").c_str(), -1);
+        Api<TypeParam>::Cat(joined.data(), source.c_str(), row.max);
+        EXPECT_EQ(joined.Content(), Text<TypeParam>("xy") + expected);
+    }
+}
+
+TYPED_TEST(StringFunctions, NullRulesOfCopies)
+{
+    Buffer<TypeParam> target(4);
+    Api<TypeParam>::Plain(target.data(), nullptr);
+    EXPECT_EQ(target.Content(), Text<TypeParam>(""));
+    Api<TypeParam>::Plain(nullptr, Text<TypeParam>("abc").c_str());
+    Api<TypeParam>::Plain(nullptr, nullptr);
+    Api<TypeParam>::Plain(target.data(), Text<TypeParam>("abc").c_str());
+    EXPECT_EQ(target.Content(), Text<TypeParam>("abc"));
+}
+
+TYPED_TEST(StringFunctions, Compare)
+{
+    struct Row
+    {
+        char const * first;
+        char const * second;
+        int exact;
+        int noCase;
+        int twoOnly; // at most two characters, without case
+    } const rows[] = {{"abc", "ABD", 1, -1, 0}, {"abc", "ab", 1, 1, 0}, {"ab", "abc", -1, -1, 0}, {"", "", 0, 0, 0},
+                      {"", "a", -1, -1, -1},    {"a", "", 1, 1, 1},     {"Zq", "zQ", -1, 0, 0},   {"b", "a", 1, 1, 1},
+                      {"[", "a", -1, 1, 1}, // folded to upper case, [ is behind A
+                      {"@", "`", -1, -1, -1},   {"{", "[", 1, 1, 1},    {"x1y", "X1Z", 1, -1, 0}};
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << '"' << row.first << "\" and \"" << row.second << '"');
+        auto const first = Text<TypeParam>(row.first), second = Text<TypeParam>(row.second);
+        EXPECT_EQ(Api<TypeParam>::Compare(first.c_str(), second.c_str(), true), row.exact);
+        EXPECT_EQ(Api<TypeParam>::Compare(first.c_str(), second.c_str(), false), row.noCase);
+        EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), 2, false), row.twoOnly);
+        EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), INT_MAX, true), row.exact);
+        for (int count : {0, -1, INT_MIN})
+            EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), count, true), 0) << count;
+    }
+}
+
+TEST(StringFunctionsWidth, DeliberateNarrowCharactersAreComparedSigned)
+{
+    EXPECT_EQ(VekStrCompareA("a\xE9", "az", true), -1);
+    EXPECT_EQ(VekStrCompareW(L"a\x00E9", L"az", true), 1);
+    EXPECT_EQ(VekStrCompareW(L"a\xFFE9", L"az", false), 1);
+    EXPECT_EQ(VekStrCompareA("a\xE9", "a", true), 1) << "the end sorts before any character";
+    EXPECT_EQ(VekStrCompareA("\xE4", "\xC4", false), 1) << "only a-z are folded";
+    EXPECT_EQ(CVekString<char>("a\xE9").Compare("az"), 1);
+    EXPECT_EQ(CVekString<wchar_t>(L"a\x00E9").Compare(L"az"), -1);
+}
+
+TYPED_TEST(StringFunctions, PrintfIsBounded)
+{
+    struct Row
+    {
+        int size;
+        int result;
+        char const * text;
+    } const rows[] = {{9, 8, "abc-0042"}, {100, 8, "abc-0042"}, {8, -1, "abc-004"}, {1, -1, ""}};
+    auto const format = Text<TypeParam>("%s-%04d"), argument = Text<TypeParam>("abc");
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.size);
+        Buffer<TypeParam> buffer(static_cast<size_t>(row.size));
+        EXPECT_EQ(Api<TypeParam>::Printf(buffer.data(), row.size, format.c_str(), argument.c_str(), 42), row.result);
+        EXPECT_EQ(buffer.Content(), Text<TypeParam>(row.text));
+    }
+    for (int size : {0, -1, INT_MIN})
+        EXPECT_EQ(Api<TypeParam>::Printf(nullptr, size, format.c_str(), argument.c_str(), 42), -1) << size;
+    EXPECT_EQ(Api<TypeParam>::PrintfLength(format.c_str(), argument.c_str(), 42), 8);
+    EXPECT_EQ(Api<TypeParam>::PrintfLength(Text<TypeParam>("").c_str()), 0);
+}
+
+int PrintList(wchar_t * buffer, int size, wchar_t const * format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    int const length = VekStrPrintfW(buffer, size, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+TEST(StringFunctionsWidth, PrintfTakesAStartedList)
+{
+    wchar_t buffer[16];
+    EXPECT_EQ(PrintList(buffer, 16, L"%s %d %hs", L"wide", 7, "nar"), 10);
+    EXPECT_STREQ(buffer, L"wide 7 nar");
+}
+
+TYPED_TEST(StringFunctions, CaseIsChangedOnlyInATerminatedBuffer)
+{
+    using Change = void (*)(TypeParam *, int);
+    struct Row
+    {
+        Change change;
+        int size;
+        char const * expected;
+    } const rows[] = {{Api<TypeParam>::ToLower, 6, "ab1_z"},  {Api<TypeParam>::ToUpper, 6, "AB1_Z"},
+                      {Api<TypeParam>::ToUpper, 5, "aB1_z"},  {Api<TypeParam>::ToLower, 0, "aB1_z"},
+                      {Api<TypeParam>::ToLower, -1, "aB1_z"}, {Api<TypeParam>::ToUpper, INT_MIN, "aB1_z"}};
+    for (Row const & row : rows)
+    {
+        auto text = Text<TypeParam>("aB1_z");
+        row.change(text.data(), row.size);
+        EXPECT_EQ(text, Text<TypeParam>(row.expected)) << "row " << &row - rows;
+    }
+}
+
+TYPED_TEST(StringFunctions, Numbers)
+{
+    struct Row
+    {
+        char const * text;
+        int radix;
+        int number;
+        unsigned long unsignedNumber;
+        double real;
+    } const rows[] = {{" \t-12x", 10, -12, static_cast<unsigned long>(-12), -12},
+                      {"0x1f", 0, 0, 31, 0},
+                      {"017", 0, 17, 15, 17},
+                      {"ff", 16, 0, 255, 0},
+                      {"zz", 36, 0, 1295, 0},
+                      {"", 10, 0, 0, 0},
+                      {"4294967295", 10, INT_MAX, 4294967295UL, 4294967295.0},
+                      {"99999999999", 10, INT_MAX, ULONG_MAX, 99999999999.0},
+                      {"1.5e3z", 10, 1, 1, 1500},
+                      {"-.25", 10, 0, 0, -.25},
+                      {"12", 1, 12, 0, 12},
+                      {"12", 37, 12, 0, 12},
+                      {"12", -10, 12, 0, 12}};
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << '"' << row.text << "\" radix " << row.radix);
+        auto const text = Text<TypeParam>(row.text);
+        EXPECT_EQ(Api<TypeParam>::ToInt(text.c_str()), row.number);
+        EXPECT_EQ(Api<TypeParam>::ToUInt(text.c_str(), row.radix), row.unsignedNumber);
+        EXPECT_EQ(Api<TypeParam>::ToFloat(text.c_str()), row.real);
+    }
+    EXPECT_EQ(Api<TypeParam>::Length(Text<TypeParam>("four").c_str()), 4);
+}
+
+TEST(Convert, DeliberateBySignExtensionAndLowByte)
+{
+    wchar_t wide[8];
+    char narrow[8];
+    VekStrAtoW(wide, "a\xE9\x7F\x80");
+    EXPECT_EQ(std::wstring(wide), L"a\xFFE9\x7F\xFF80");
+    VekStrWtoA(narrow, L"\x20AC\x0141z");
+    EXPECT_EQ(std::string(narrow), "\xAC\x41z");
+    VekStrAtoW(wide, nullptr);
+    VekStrWtoA(narrow, nullptr);
+    EXPECT_TRUE(wide[0] == 0 && narrow[0] == 0);
+    VekStrAtoW(nullptr, "a");
+    VekStrWtoA(nullptr, L"a");
+
+    VekStrCopyA(narrow, "keep");
+    VekStrCopyA(narrow, nullptr);
+    VekStrCopyA(nullptr, "x");
+    EXPECT_STREQ(narrow, "keep");
+}
+
+TEST(Convert, CreatesStrings)
+{
+    LogCapture log;
+    EXPECT_EQ(Text(VekCreateStrAtoW("a\xE9")), L"a\xFFE9");
+    EXPECT_EQ(Text(VekCreateStrAtoT("a\xE9")), L"a\xFFE9");
+    EXPECT_EQ(Text(VekCreateStrWtoA(L"\x20ACz")), "\xACz");
+    EXPECT_EQ(Text(VekCreateStrTtoA(L"\x20ACz")), "\xACz");
+    EXPECT_EQ(Text(VekCreateStrTtoW(L"\x20AC")), L"\x20AC");
+    EXPECT_EQ(Text(VekCreateStrWtoT(L"\x20AC")), L"\x20AC");
+    EXPECT_EQ(VekCreateStrWtoA(L"a\x0100z").GetLength(), 1) << "a low byte of 0 ends the text";
+    EXPECT_TRUE(VekCreateStrAtoW("").IsEmpty());
+    EXPECT_EQ(log.Take(), L"");
+}
+
+TEST(Convert, LogsWhenMemoryRunsOut)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP() << "allocations fail on demand in the guarded build only";
+    struct Row
+    {
+        int (*length)();
+        wchar_t const * message;
+    } const rows[] = {
+        {[] { return VekCreateStrAtoW("abc").GetLength(); }, L"VekCreateStrAtoW --> Failed to allocate buffre"},
+        {[] { return VekCreateStrWtoA(L"abc").GetLength(); }, L"VekCreateStrWtoA --> Failed to allocate buffre"},
+        {[] { return VekCreateStrTtoW(L"abc").GetLength(); }, L"VekCreateStrTtoW --> Failed to allocate buffre"},
+        {[] { return VekCreateStrTtoA(L"abc").GetLength(); }, L"VekCreateStrTtoA --> Failed to allocate buffre"},
+        {[] { return VekCreateStrWtoT(L"abc").GetLength(); }, L"VekCreateStrWtoT --> Failed to allocate buffre"},
+        {[] { return VekCreateStrAtoT("abc").GetLength(); }, L"VekCreateStrAtoT --> Failed to allocate buffre"}};
+    for (Row const & row : rows)
+    {
+        LogCapture log;
+        VekGuard::FailAllocation(1);
+        EXPECT_EQ(row.length(), 0);
+        EXPECT_TRUE(VekGuard::FailReset());
+        EXPECT_EQ(log.Take(), row.message);
+    }
+}
+
+} // namespace

@@ -1,0 +1,275 @@
+#include "text/TextKit.h"
+
+#include "support/GuardHeap.h"
+
+#include <guiddef.h>
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+namespace
+{
+
+static_assert(sizeof(VEK_DATATYPE) == 4);
+static_assert(sizeof(VEK_VARIANT) == (sizeof(void *) == 4 ? 40 : 64));
+
+TEST(DataType, Sizes)
+{
+    int const sizes[] = {0,
+                         1,
+                         1,
+                         1,
+                         2,
+                         2,
+                         2,
+                         4,
+                         4,
+                         4,
+                         8,
+                         0,
+                         0,
+                         4,
+                         4 /* kept: not 16 */,
+                         16,
+                         16,
+                         32,
+                         80 /* kept: with the matrix's header */,
+                         144,
+                         16,
+                         0};
+    for (int type = 0; type < 22; ++type)
+        EXPECT_EQ(VekDataTypeSize(static_cast<VEK_DATATYPE>(type)), sizes[type]) << "type " << type;
+    for (int type : {22, -1, INT_MAX, INT_MIN})
+        EXPECT_EQ(VekDataTypeSize(static_cast<VEK_DATATYPE>(type)), 0) << "type " << type;
+}
+
+template <class Matrix>
+Matrix MatrixOf(int first)
+{
+    Matrix matrix;
+    for (int i = 0; i < 16; ++i)
+        matrix.GetElements()[i] = static_cast<std::remove_reference_t<decltype(matrix(0, 0))>>(first + i);
+    return matrix;
+}
+
+// Each type's number, two values, and how a value is read back.
+template <class T, int number>
+struct TypeTraits
+{
+    using Type = T;
+    using Read = T;
+    static constexpr int NUMBER = number;
+    static T Value(bool second) { return second ? T(7) : T(1); }
+};
+struct BoolTraits : TypeTraits<bool, 1>
+{
+    static bool Value(bool second) { return second; }
+};
+struct WideCharacterTraits : TypeTraits<wchar_t, 4>
+{
+    using Read = unsigned short; // there is no operator for wchar_t
+};
+struct GuidTraits : TypeTraits<GUID, 20>
+{
+    static GUID Value(bool second) { return {second ? 7u : 1u, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}; }
+};
+template <class T, int number>
+struct ComponentTraits : TypeTraits<T, number>
+{
+    static T Value(bool second) { return second ? T(1, 2, 3, 4) : T(5, 6, 7, 8); }
+};
+template <class T, int number>
+struct MatrixTraits : TypeTraits<T, number>
+{
+    static T Value(bool second) { return MatrixOf<T>(second ? 100 : 1); }
+};
+
+template <class T>
+std::string Bytes(T const & value)
+{
+    return std::string(reinterpret_cast<char const *>(&value), sizeof value);
+}
+template <class T>
+std::string Bytes(CVekMatrix4x4<T> const & value)
+{
+    return std::string(reinterpret_cast<char const *>(value.GetElements()), 16 * sizeof(T));
+}
+
+template <class Traits>
+class Variant : public testing::Test
+{
+};
+using VariantTypes =
+    testing::Types<BoolTraits, TypeTraits<unsigned char, 2>, TypeTraits<char, 3>, WideCharacterTraits,
+                   TypeTraits<short, 5>, TypeTraits<unsigned short, 6>, TypeTraits<int, 7>, TypeTraits<unsigned int, 8>,
+                   TypeTraits<float, 9>, TypeTraits<double, 10>, ComponentTraits<CVekRGBA<unsigned char>, 13>,
+                   ComponentTraits<CVekRGBA<float>, 14>, ComponentTraits<CVekVector4D<int>, 15>,
+                   ComponentTraits<CVekVector4D<float>, 16>, ComponentTraits<CVekVector4D<double>, 17>,
+                   MatrixTraits<CVekMatrix4x4<float>, 18>, MatrixTraits<CVekMatrix4x4<double>, 19>, GuidTraits>;
+TYPED_TEST_SUITE(Variant, VariantTypes);
+
+TYPED_TEST(Variant, HoldsAndReplacesItsValue)
+{
+    using Read = typename TypeParam::Read;
+    VEK_VARIANT variant(TypeParam::Value(false));
+    EXPECT_EQ(variant.GetType(), TypeParam::NUMBER);
+    EXPECT_EQ(Bytes(static_cast<Read &>(variant)), Bytes(TypeParam::Value(false)));
+    variant = TypeParam::Value(true);
+    EXPECT_EQ(variant.GetType(), TypeParam::NUMBER);
+    VEK_VARIANT const & constant = variant;
+    EXPECT_EQ(Bytes(static_cast<Read const &>(constant)), Bytes(TypeParam::Value(true)));
+    static_cast<Read &>(variant) = static_cast<Read>(TypeParam::Value(false));
+    EXPECT_EQ(Bytes(static_cast<Read const &>(constant)), Bytes(TypeParam::Value(false)));
+    EXPECT_EQ(variant.GetBufferSize(), 0);
+    EXPECT_TRUE(static_cast<CVekString<char> const &>(variant).IsEmpty());
+    EXPECT_TRUE(static_cast<CVekString<wchar_t> const &>(variant).IsEmpty());
+}
+
+TYPED_TEST(Variant, OfATypeAlone)
+{
+    VEK_VARIANT variant(static_cast<VEK_DATATYPE>(TypeParam::NUMBER));
+    EXPECT_EQ(variant.GetType(), TypeParam::NUMBER);
+    bool const hasObject = TypeParam::NUMBER >= 13 && TypeParam::NUMBER <= 19;
+    EXPECT_EQ(variant.GetBuffer() != nullptr, hasObject);
+    variant = TypeParam::Value(true);
+    using Read = typename TypeParam::Read;
+    EXPECT_EQ(Bytes(static_cast<Read &>(variant)), Bytes(TypeParam::Value(true)));
+    variant.DestroyBuffer();
+    EXPECT_EQ(variant.GetBuffer(), nullptr);
+}
+
+// An object type read from, and assigned to, a variant of every other type touches nothing and finds zeros.
+TYPED_TEST(Variant, WithoutAnObjectOfTheTypeReadsZerosAndIgnoresAssignment)
+{
+    using T = typename TypeParam::Type;
+    if constexpr (TypeParam::NUMBER >= 13 && TypeParam::NUMBER <= 19)
+        for (int type = 0; type < 22; ++type)
+        {
+            SCOPED_TRACE(type);
+            VEK_VARIANT variant(static_cast<VEK_DATATYPE>(type));
+            if (type == TypeParam::NUMBER)
+                variant.DestroyBuffer();
+            if (type == VEK_DT_BUFFER)
+                variant.SetBuffer(static_cast<unsigned char *>(malloc(1)), 1);
+            variant = TypeParam::Value(true);
+            static_cast<T &>(variant) = TypeParam::Value(true);
+            EXPECT_EQ(Bytes(static_cast<T const &>(std::as_const(variant))), Bytes(T()));
+        }
+}
+
+// What SetBuffer puts into a variant of an object type is not taken for an object unless it is large enough for one.
+TYPED_TEST(Variant, SurvivesAForeignBlock)
+{
+    using T = typename TypeParam::Type;
+    if constexpr (TypeParam::NUMBER >= 13 && TypeParam::NUMBER <= 19)
+        for (int size : {0, -1, 1, static_cast<int>(sizeof(T))})
+        {
+            SCOPED_TRACE(size);
+            VEK_VARIANT variant(static_cast<VEK_DATATYPE>(TypeParam::NUMBER));
+            void * const block = calloc(1, size > 0 ? static_cast<size_t>(size) : 1);
+            EXPECT_TRUE(variant.SetBuffer(static_cast<unsigned char *>(block), size));
+            EXPECT_EQ(variant.GetBufferSize(), size > 0 ? size : 0);
+            variant = TypeParam::Value(true);
+            EXPECT_EQ(Bytes(static_cast<T &>(variant)).empty(), false);
+            unsigned char const bytes[200] = {};
+            EXPECT_TRUE(variant.CopyBuffer(bytes, 200));
+            EXPECT_EQ(variant.GetBufferSize(), 200);
+        }
+}
+
+TEST(VariantRules, DeliberateAssigningNeverChangesTheType)
+{
+    VEK_VARIANT variant(5);
+    variant = 2.5f;
+    EXPECT_EQ(variant.GetType(), VEK_DT_INT);
+    EXPECT_EQ(static_cast<int>(variant), 0x40200000);
+    variant = L"text";
+    EXPECT_EQ(variant.GetType(), VEK_DT_INT);
+    EXPECT_EQ(Text(static_cast<CVekString<wchar_t> const &>(variant)), L"text");
+    EXPECT_EQ(static_cast<int>(variant), 0x40200000);
+}
+
+TEST(VariantRules, Texts)
+{
+    VEK_VARIANT narrow("abc"), wide(L"xyz"), nothing(static_cast<char const *>(nullptr));
+    EXPECT_EQ(narrow.GetType(), 11);
+    EXPECT_EQ(wide.GetType(), 12);
+    EXPECT_EQ(Text(static_cast<CVekString<char> const &>(narrow)), "abc");
+    EXPECT_TRUE(static_cast<CVekString<wchar_t> const &>(narrow).IsEmpty());
+    EXPECT_EQ(Text(static_cast<CVekString<wchar_t> const &>(wide)), L"xyz");
+    EXPECT_TRUE(static_cast<CVekString<char> const &>(nothing).IsEmpty());
+    VEK_VARIANT const copy(wide);
+    wide = L"other";
+    EXPECT_EQ(Text(static_cast<CVekString<wchar_t> const &>(copy)), L"xyz");
+    narrow = copy;
+    EXPECT_EQ(narrow.GetType(), 12);
+    EXPECT_TRUE(static_cast<CVekString<char> const &>(narrow).IsEmpty());
+}
+
+TEST(VariantRules, Buffer)
+{
+    VEK_VARIANT variant(VEK_DT_BUFFER);
+    unsigned char const bytes[] = {1, 2, 3};
+    EXPECT_EQ(variant.GetBuffer(), nullptr);
+    EXPECT_EQ(variant.GetBufferSize(), 0);
+    EXPECT_FALSE(variant.CopyBuffer(bytes, 0));
+    EXPECT_FALSE(variant.CopyBuffer(bytes, -1));
+    EXPECT_FALSE(variant.CopyBuffer(nullptr, 3));
+    EXPECT_EQ(variant.GetBuffer(), nullptr);
+    ASSERT_TRUE(variant.CopyBuffer(bytes, 3));
+    EXPECT_TRUE(memcmp(variant.GetBuffer(), bytes, 3) == 0 && variant.GetBuffer() != bytes);
+    ASSERT_TRUE(variant.CopyBuffer(variant.GetBuffer() + 1, 2)); // its own bytes
+    EXPECT_TRUE(variant.GetBufferSize() == 2 && memcmp(variant.GetBuffer(), bytes + 1, 2) == 0);
+    EXPECT_FALSE(variant.CopyBuffer(bytes, 0));
+    EXPECT_TRUE(variant.GetBuffer() == nullptr && variant.GetBufferSize() == 0);
+    // A block of this program's own global allocator is freed by the library.
+    auto * const block = static_cast<unsigned char *>(operator new(8));
+    EXPECT_TRUE(variant.SetBuffer(block, 8));
+    EXPECT_TRUE(std::as_const(variant).GetBuffer() == block && variant.GetBufferSize() == 8);
+    VEK_VARIANT const taken(static_cast<unsigned char *>(malloc(5)), 5);
+    EXPECT_TRUE(taken.GetType() == 21 && taken.GetBufferSize() == 5);
+}
+
+TEST(VariantRules, DeliberateCopiesShareTheObject)
+{
+    VEK_VARIANT source(CVekVector4D<int>(1, 2, 3, 4));
+    alignas(VEK_VARIANT) unsigned char memory[2][sizeof(VEK_VARIANT)];
+    // Never destroyed: only one of the copies may live to release the object. Their texts are empty, so that what is
+    // left behind is theirs alone.
+    VekGuard::Uncounted const uncounted;
+    auto * const copy = new (memory[0]) VEK_VARIANT(source);
+    auto * const target = new (memory[1]) VEK_VARIANT(1);
+    *target = source;
+    for (VEK_VARIANT const * one : {copy, target})
+    {
+        EXPECT_EQ(one->GetType(), 15);
+        EXPECT_EQ(one->GetBuffer(), source.GetBuffer());
+    }
+}
+
+TEST(VariantRules, WithoutMemoryThereIsNoObject)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP() << "allocations fail on demand in the guarded build only";
+    VekGuard::FailFrom(1);
+    {
+        VEK_VARIANT variants[] = {VEK_DT_RGBA_FLOAT, VEK_DT_MATRIX4X4_DOUBLE, CVekVector4D<int>(1, 2, 3, 4), L"text",
+                                  "text"};
+        unsigned char const byte = 1;
+        for (VEK_VARIANT & variant : variants)
+        {
+            EXPECT_EQ(variant.GetBuffer(), nullptr);
+            variant = CVekRGBA<float>(1, 2, 3, 4);
+            variant = L"text";
+            EXPECT_FALSE(variant.CopyBuffer(&byte, 1));
+            EXPECT_EQ(static_cast<CVekMatrix4x4<double> &>(variant)(3, 3), 0.0);
+            EXPECT_TRUE(static_cast<CVekString<wchar_t> const &>(variant).IsEmpty());
+        }
+    }
+    EXPECT_TRUE(VekGuard::FailReset());
+}
+
+} // namespace

@@ -1,0 +1,155 @@
+// The searches and scans that read 16 bytes at a time, on memory that ends at a page that can't be read.
+
+#include "text/Scan.h"
+#include "text/Fold.h"
+#include "text/StringAccess.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <string>
+
+namespace
+{
+
+// Two pages, of which the second can't be touched.
+class FencedPage
+{
+public:
+    FencedPage() : m_base(static_cast<char *>(VirtualAlloc(nullptr, 2 * PAGE, MEM_RESERVE, PAGE_NOACCESS)))
+    {
+        VirtualAlloc(m_base, PAGE, MEM_COMMIT, PAGE_READWRITE);
+    }
+    ~FencedPage() { VirtualFree(m_base, 0, MEM_RELEASE); }
+    FencedPage(FencedPage const &) = delete;
+    FencedPage & operator=(FencedPage const &) = delete;
+    template <class T>
+    T * Last(size_t count) const
+    {
+        return reinterpret_cast<T *>(m_base + PAGE) - count;
+    }
+
+private:
+    static constexpr size_t PAGE = 4096;
+    char * m_base;
+};
+
+template <class T>
+class Scan : public testing::Test
+{
+};
+using Widths = testing::Types<char, wchar_t>;
+TYPED_TEST_SUITE(Scan, Widths);
+
+TYPED_TEST(Scan, LengthsEndAtTheTerminatorOrTheBound)
+{
+    FencedPage const page;
+    for (size_t length = 0; length < 80; ++length)
+    {
+        TypeParam * const text = page.Last<TypeParam>(length + 1);
+        std::fill(text, text + length, TypeParam('x'));
+        text[length] = 0;
+        ASSERT_EQ(vek::TextLength(text), length);
+        for (size_t max = 0; max < length + 20; ++max)
+            ASSERT_EQ(vek::BoundedLength(text, max), max < length ? max : length) << length << " bound " << max;
+        text[length] = 'x'; // no terminator at all: the bound is the block's end
+        ASSERT_EQ(vek::BoundedLength(text, length + 1), length + 1);
+    }
+    // A text at an odd address, as a byte stream can hold.
+    auto * const odd = reinterpret_cast<TypeParam *>(page.Last<char>(40 * sizeof(TypeParam) + 1));
+    memset(odd, 'x', 40 * sizeof(TypeParam));
+    TypeParam const zero = 0;
+    memcpy(reinterpret_cast<char *>(odd) + 30 * sizeof(TypeParam), &zero, sizeof zero);
+    EXPECT_EQ(vek::TextLength(odd), 30u);
+}
+
+TEST(Fold, OnlyTheLettersAToZ)
+{
+    wchar_t units[8];
+    for (int first = 0; first < 0x10000; first += 8)
+    {
+        for (int i = 0; i < 8; ++i)
+            units[i] = static_cast<wchar_t>(first + i);
+        __m128i const folded = vek::FoldAscii(_mm_loadu_si128(reinterpret_cast<__m128i const *>(units)));
+        wchar_t results[8];
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(results), folded);
+        for (int i = 0; i < 8; ++i)
+        {
+            int const unit = first + i;
+            wchar_t const expected = static_cast<wchar_t>(unit >= 'a' && unit <= 'z' ? unit - 32 : unit);
+            ASSERT_EQ(results[i], expected);
+            ASSERT_EQ(vek::FoldAscii(static_cast<wchar_t>(unit)), expected);
+        }
+    }
+}
+
+TEST(Fold, EqualsNoCaseAtEveryLengthAndPlace)
+{
+    FencedPage const pageA, pageB;
+    for (int length = 0; length <= 40; ++length)
+    {
+        wchar_t * const a = pageA.Last<wchar_t>(static_cast<size_t>(length));
+        wchar_t * const b = pageB.Last<wchar_t>(static_cast<size_t>(length));
+        for (int i = 0; i < length; ++i)
+        {
+            a[i] = static_cast<wchar_t>(L'a' + i % 26);
+            b[i] = static_cast<wchar_t>((i % 3 ? L'A' : L'a') + i % 26);
+        }
+        ASSERT_TRUE(vek::EqualsNoCase(a, length, b, length)) << length;
+        ASSERT_FALSE(vek::EqualsNoCase(a, length, b, length + 1));
+        for (int i = 0; i < length; ++i)
+        {
+            wchar_t const before = b[i];
+            b[i] = static_cast<wchar_t>(before + 0x100);
+            ASSERT_FALSE(vek::EqualsNoCase(a, length, b, length)) << length << " at " << i;
+            b[i] = before;
+        }
+    }
+    EXPECT_FALSE(vek::EqualsNoCase(L"@", 1, L"`", 1));
+    EXPECT_FALSE(vek::EqualsNoCase(L"[", 1, L"{", 1));
+}
+
+TYPED_TEST(Scan, BlocksHoldTheirCapacityAndGrowInPlaceWithinIt)
+{
+    using Access = vek::StringAccess<TypeParam>;
+    size_t previous = 0;
+    for (int capacity = 0; capacity < 100000; capacity += 1 + capacity / 7)
+    {
+        size_t const needed = 12 + (static_cast<size_t>(capacity) + 1) * sizeof(TypeParam);
+        size_t const bytes = Access::BlockBytes(capacity);
+        ASSERT_TRUE(bytes >= needed && bytes >= previous && bytes <= needed + needed / 2 + 16) << capacity;
+        previous = bytes;
+    }
+    EXPECT_GT(Access::BlockBytes(Access::MAX_CAPACITY), size_t{0x6FFFFFFF});
+    EXPECT_EQ(Access::Allocate(static_cast<size_t>(Access::MAX_CAPACITY) + 1, 0), nullptr);
+
+    CVekString<TypeParam> string;
+    TypeParam * place = Access::Resize(string, 5);
+    ASSERT_NE(place, nullptr);
+    for (int i = 0; i < 5; ++i)
+        place[i] = static_cast<TypeParam>('a' + i);
+    EXPECT_EQ(string.GetLength(), 5);
+    EXPECT_EQ(static_cast<TypeParam const *>(string)[5], TypeParam(0));
+    EXPECT_EQ(Access::Resize(string, SIZE_MAX), nullptr);
+    EXPECT_EQ(string.GetLength(), 5) << "unchanged";
+}
+
+// Text that grows by one character at a time is moved to a new block a few times only, though its capacity grows by
+// one.
+TYPED_TEST(Scan, GrowingByCharactersMovesRarely)
+{
+    CVekString<TypeParam> string;
+    TypeParam const unit[] = {'x', 0};
+    int moves = 0;
+    for (int i = 0; i < 20000; ++i)
+    {
+        TypeParam const * const before = string;
+        string.Append(unit);
+        moves += static_cast<TypeParam const *>(string) != before;
+        ASSERT_EQ(string.GetCapacity(), i + 2);
+    }
+    EXPECT_LT(moves, 80);
+}
+
+} // namespace

@@ -1,0 +1,326 @@
+#include "VekThread.h"
+
+#include "support/Slots.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <atomic>
+#include <new>
+#include <string>
+#include <thread>
+#include <type_traits>
+
+#if defined(__i386__)
+static_assert(sizeof(CVekCriticalSection) == 28 && sizeof(CVekMutex) == 8 && sizeof(CVekSemaphore) == 8 &&
+              sizeof(CVekSignal) == 8 && sizeof(CVekSingleLock) == 8 && sizeof(CVekMultiLock) == 156);
+#endif
+static_assert(std::is_copy_constructible_v<CVekMultiLock> && std::is_copy_assignable_v<CVekCriticalSection>);
+
+namespace
+{
+
+bool IsFree(CVekSyncObject const & object)
+{
+    return WaitForSingleObject(object.GetHandle(), 0) == WAIT_OBJECT_0;
+}
+
+template <class Result>
+Result OnOtherThread(Result (*question)(CVekSyncObject &), CVekSyncObject & object)
+{
+    Result result{};
+    std::thread([&] { result = question(object); }).join();
+    return result;
+}
+
+bool TakeAndGiveBack(CVekSyncObject & object)
+{
+    bool const taken = IsFree(object);
+    if (taken)
+        object.Unlock();
+    return taken;
+}
+
+// Writes down what is called.
+class Recorder : public CVekSyncObject
+{
+public:
+    explicit Recorder(std::string * calls = nullptr, char name = ' ') : m_calls(calls), m_name(name) {}
+    bool Lock() override { return Note('L'); }
+    bool Unlock() override { return Note('U'); }
+    void * GetHandle() const override { return m_signal.GetHandle(); }
+    void Set() { m_signal.SetSignal(); }
+
+private:
+    bool Note(char what)
+    {
+        if (m_calls)
+            *m_calls += {what, m_name, ';'};
+        return false; // the holders don't look
+    }
+    std::string * m_calls;
+    char m_name;
+    CVekSignal m_signal;
+};
+
+} // namespace
+
+TEST(SyncObjects, MutexExcludesOthersAndCountsItsOwner)
+{
+    CVekMutex mutex;
+    EXPECT_TRUE(mutex.Lock());
+    EXPECT_TRUE(mutex.Lock()) << "its owner may take it again";
+    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_TRUE(mutex.Unlock());
+    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_TRUE(mutex.Unlock());
+    EXPECT_TRUE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_TRUE(mutex.Unlock()) << "true always, taken or not";
+
+    std::thread([&] { mutex.Lock(); }).join();
+    EXPECT_TRUE(mutex.Lock()) << "an abandoned mutex counts as taken";
+    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex));
+    mutex.Unlock();
+}
+
+TEST(SyncObjects, CriticalSectionExcludesOthersAndCountsItsOwner)
+{
+    CVekCriticalSection section;
+    EXPECT_EQ(section.GetHandle(), nullptr);
+    EXPECT_TRUE(section.Lock());
+    EXPECT_TRUE(section.Lock());
+    std::atomic<int> stage{0};
+    std::thread other(
+        [&]
+        {
+            stage = 1;
+            section.Lock();
+            stage = 2;
+            section.Unlock();
+        });
+    while (stage == 0)
+        Sleep(1);
+    EXPECT_TRUE(section.Unlock());
+    Sleep(20);
+    EXPECT_EQ(stage, 1) << "taken twice, given back once";
+    EXPECT_TRUE(section.Unlock());
+    other.join();
+    EXPECT_EQ(stage, 2);
+}
+
+TEST(SyncObjects, SemaphoreTakesItsMaximumFirst)
+{
+    CVekSemaphore semaphore(5, 2);
+    EXPECT_TRUE(semaphore.Lock());
+    EXPECT_TRUE(semaphore.Lock());
+    EXPECT_FALSE(IsFree(semaphore)) << "the initial count is the second argument";
+    for (int i = 0; i < 7; ++i)
+        EXPECT_TRUE(semaphore.Unlock()) << "true above the maximum too";
+    int places = 0;
+    while (IsFree(semaphore))
+        ++places;
+    EXPECT_EQ(places, 5) << "the maximum is the first argument";
+
+    CVekSemaphore const impossible(1, 2);
+    EXPECT_EQ(impossible.GetHandle(), nullptr);
+    EXPECT_TRUE(CVekSemaphore(impossible).Lock()) << "a wait that fails answers true";
+}
+
+TEST(SyncObjects, SignalIsConsumedByTheWaiter)
+{
+    CVekSignal signal;
+    EXPECT_FALSE(IsFree(signal)) << "clear at the start";
+    EXPECT_TRUE(signal.SetSignal());
+    EXPECT_TRUE(IsFree(signal));
+    EXPECT_TRUE(IsFree(signal)) << "a wait of the system's leaves it set";
+    EXPECT_TRUE(signal.Unlock());
+    EXPECT_TRUE(IsFree(signal)) << "Unlock does nothing";
+    EXPECT_TRUE(signal.Lock());
+    EXPECT_FALSE(IsFree(signal)) << "Lock clears it";
+    EXPECT_TRUE(signal.Unlock());
+    EXPECT_FALSE(IsFree(signal)) << "Unlock does nothing";
+    signal.SetSignal();
+    EXPECT_TRUE(signal.ResetSignal());
+    EXPECT_FALSE(IsFree(signal));
+    EXPECT_TRUE(signal.PulseSignal());
+    EXPECT_FALSE(IsFree(signal)) << "a pulse leaves it clear";
+}
+
+TEST(SyncObjects, CopiesShareTheHandle)
+{
+    CVekSignal const source;
+    alignas(CVekSignal) unsigned char place[sizeof(CVekSignal)];
+    CVekSignal * const copy = new (place) CVekSignal(source); // never destroyed: it would close the shared handle
+    EXPECT_EQ(copy->GetHandle(), source.GetHandle());
+    copy->SetSignal();
+    EXPECT_TRUE(IsFree(source));
+}
+
+TEST(SyncObjects, SlotOrder)
+{
+    // Slots 0 and 1 are the destructor.
+    CVekMutex mutex;
+    EXPECT_TRUE(CallSlot<bool>(&mutex, 2));
+    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex)) << "slot 2 locks";
+    EXPECT_TRUE(CallSlot<bool>(&mutex, 3));
+    EXPECT_TRUE(OnOtherThread(TakeAndGiveBack, mutex)) << "slot 3 unlocks";
+    EXPECT_EQ(CallSlot<void *>(&mutex, 4), mutex.GetHandle());
+
+    CVekSignal signal;
+    EXPECT_TRUE(CallSlot<bool>(&signal, 5));
+    EXPECT_TRUE(IsFree(signal)) << "slot 5 sets";
+    EXPECT_TRUE(CallSlot<bool>(&signal, 6));
+    EXPECT_FALSE(IsFree(signal)) << "slot 6 resets";
+    signal.SetSignal();
+    EXPECT_TRUE(CallSlot<bool>(&signal, 7));
+    EXPECT_FALSE(IsFree(signal)) << "slot 7 pulses";
+    CallSlot(&signal, 0);
+    EXPECT_EQ(signal.GetHandle(), nullptr) << "slot 0 destroys";
+    new (&signal) CVekSignal;
+}
+
+TEST(SingleLock, CallsItsObject)
+{
+    struct Row
+    {
+        char const * name;
+        bool initialLock;
+        char const * operations;
+        bool lockedAtEnd;
+        char const * calls;
+    };
+    Row const rows[] = {
+        {"nothing asked", false, "", false, ""},
+        {"locked at once", true, "", true, "L ;U ;"},
+        {"locked later", false, "L", true, "L ;U ;"},
+        {"unlocked again", true, "U", false, "L ;U ;"},
+        {"kept: unlocks what it never locked", false, "U", false, "U ;"},
+        {"kept: unlocks as often as asked", true, "UU", false, "L ;U ;U ;"},
+        {"locks twice, gives back once", true, "L", true, "L ;L ;U ;"},
+    };
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        std::string calls;
+        Recorder object(&calls);
+        {
+            CVekSingleLock lock(&object, row.initialLock);
+            EXPECT_EQ(lock.IsLocked(), row.initialLock);
+            for (char const * operation = row.operations; *operation; ++operation)
+                EXPECT_TRUE(*operation == 'L' ? lock.Lock() : lock.Unlock());
+            EXPECT_EQ(lock.IsLocked(), row.lockedAtEnd);
+        }
+        EXPECT_EQ(calls, row.calls);
+    }
+    CVekSingleLock nothing(nullptr, true);
+    EXPECT_TRUE(nothing.IsLocked() && nothing.Unlock());
+}
+
+TEST(MultiLock, WaitingForAnyGivesBackTheOneThatEndedTheWait)
+{
+    for (unsigned int winner = 0; winner < 3; ++winner)
+    {
+        SCOPED_TRACE(winner);
+        std::string calls;
+        Recorder a(&calls, 'a'), b(&calls, 'b'), c(&calls, 'c');
+        Recorder * const all[] = {&a, &b, &c};
+        all[winner]->Set();
+        CVekSyncObject * objects[] = {&a, &b, &c};
+        {
+            CVekMultiLock lock(3, objects, false, false);
+            EXPECT_FALSE(lock.IsLocked());
+            EXPECT_TRUE(lock.Lock());
+            EXPECT_TRUE(lock.IsLocked());
+            EXPECT_EQ(calls, "") << "the wait is the system's";
+            EXPECT_TRUE(lock.Unlock());
+            EXPECT_FALSE(lock.IsLocked());
+        }
+        EXPECT_EQ(calls, std::string("U") + static_cast<char>('a' + winner) + ";");
+        calls.clear();
+        {
+            CVekMultiLock const initially(3, objects, false, true);
+        }
+        EXPECT_EQ(calls, std::string("U") + static_cast<char>('a' + winner) + ";") << "the destructor gives back";
+    }
+}
+
+TEST(MultiLock, DeliberateWaitingForAllGivesNothingBack)
+{
+    CVekMutex first, second;
+    CVekSyncObject * objects[] = {&first, &second};
+    {
+        CVekMultiLock lock(2, objects, true, true);
+        EXPECT_TRUE(lock.IsLocked());
+        EXPECT_TRUE(lock.Unlock());
+        EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, first));
+        lock.Lock();
+    }
+    for (CVekMutex * mutex : {&first, &second})
+    {
+        EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, *mutex)) << "still owned";
+        mutex->Unlock();
+        mutex->Unlock();
+        EXPECT_TRUE(OnOtherThread(TakeAndGiveBack, *mutex));
+    }
+}
+
+TEST(MultiLock, WaitsThatFailAnswerTrueAndHoldNothing)
+{
+    std::string calls;
+    Recorder set(&calls, 's');
+    set.Set();
+    CVekCriticalSection section;
+    struct Row
+    {
+        char const * name;
+        unsigned int count;
+        CVekSyncObject * objects[2];
+    };
+    Row rows[] = {
+        {"no objects", 0, {}},
+        {"a critical section has no handle", 2, {&set, &section}},
+        {"a null object", 2, {&set, nullptr}},
+        {"only null", 1, {}},
+    };
+    for (Row & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        for (bool const waitAll : {false, true})
+        {
+            CVekMultiLock lock(row.count, row.objects, waitAll, true);
+            EXPECT_TRUE(lock.IsLocked());
+            EXPECT_TRUE(lock.Unlock());
+        }
+        EXPECT_EQ(calls, "");
+    }
+    CVekMultiLock noArray(3, nullptr, false, true);
+    EXPECT_TRUE(noArray.Unlock());
+}
+
+TEST(MultiLock, KeepsSixteenObjectsAtMost)
+{
+    std::string calls;
+    Recorder last(&calls, 'p'), beyond(&calls, 'q'), quiet;
+    CVekSyncObject * objects[40];
+    for (CVekSyncObject *& object : objects)
+        object = &beyond;
+    CVekSignal clear[15];
+    for (int i = 0; i < 15; ++i)
+        objects[i] = &clear[i];
+    objects[15] = &last;
+    last.Set();
+    beyond.Set();
+    struct
+    {
+        unsigned char before[64] = {};
+        alignas(CVekMultiLock) unsigned char place[sizeof(CVekMultiLock)] = {};
+        unsigned char after[256] = {};
+    } memory;
+    auto * const lock = new (memory.place) CVekMultiLock(40, objects, false, true);
+    EXPECT_TRUE(lock->Unlock());
+    EXPECT_EQ(calls, "Up;");
+    lock->~CVekMultiLock();
+    for (unsigned char const behind : memory.after)
+        ASSERT_EQ(behind, 0);
+}

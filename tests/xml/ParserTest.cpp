@@ -1,0 +1,283 @@
+#include "VekLib.h"
+
+#include "support/LogCapture.h"
+#include "support/XMLKit.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+constexpr wchar_t PARSE_FAILED[] = L"CVekXMLParser::Parse --> Parse error occured\n";
+
+class ParserTest : public testing::Test
+{
+protected:
+    LibraryScope m_library;
+    LogCapture m_log;
+};
+
+struct TreeRow
+{
+    char const * name;
+    std::string bytes;
+    wchar_t const * tree;
+};
+
+std::string Utf16(std::u16string const & text, bool bigEndian)
+{
+    std::string bytes;
+    for (char16_t const unit : text)
+    {
+        bytes += static_cast<char>(bigEndian ? unit >> 8 : unit);
+        bytes += static_cast<char>(bigEndian ? unit : unit >> 8);
+    }
+    return bytes;
+}
+
+TEST_F(ParserTest, BuildsTheTree)
+{
+    TreeRow const rows[] = {
+        {"outermost element is the root", "<scene/>", L"scene"},
+        {"attributes in order", "<a x='1' y=\"2\"/>", L"a[x=1 y=2]"},
+        {"nested", "<a><b><c/></b><d/></a>", L"a{b{c} d}"},
+        {"text outside CDATA is dropped", "<a>text<b/>more</a>", L"a{b}"},
+        {"CDATA", "<a><![CDATA[x<y&z]]></a>", L"a'x<y&z'"},
+        {"empty CDATA", "<a><![CDATA[]]></a>", L"a''"},
+        {"CDATA beside children", "<a><b/><![CDATA[t]]><c/></a>", L"a't'{b c}"},
+        {"values are stored escaped", "<a v='&lt;&#38;&gt;&quot;&apos;&#10;'/>",
+         L"a[v=&lt;&amp;&gt;&quot;&apos;&lt;EOL&gt;]"},
+        {"names that differ in case are one attribute", "<a Name='1' name='2' NAME='3' b='4'/>", L"a[Name=1 b=4]"},
+        {"entity in a value", "<!DOCTYPE a [<!ENTITY e 'ex'>]><a v='&e;pand'/>", L"a[v=expand]"},
+        {"entity with elements", "<!DOCTYPE a [<!ENTITY e '<b/><c/>'>]><a>&e;</a>", L"a{b c}"},
+        {"default attribute", "<!DOCTYPE a [<!ATTLIST a d CDATA 'v'>]><a/>", L"a[d=v]"},
+        {"comments and instructions", "<?xml version='1.0'?><!-- c --><?pi d?><a><!-- <b/> --></a>", L"a"},
+        {"UTF-8 with mark", "\xEF\xBB\xBF<a v='\xC3\xA9'/>", L"a[v=\u00E9]"},
+        {"UTF-8 beyond the basic plane", "<a v='\xF0\x9F\x98\x80'/>", L"a[v=\xD83D\xDE00]"},
+        {"ISO-8859-1", "<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'/>", L"a[v=\u00E9]"},
+        {"UTF-16 little-endian", Utf16(u"\uFEFF<a v='\u20AC'/>", false), L"a[v=\u20AC]"},
+        {"UTF-16 big-endian", Utf16(u"\uFEFF<a v='\u20AC'/>", true), L"a[v=\u20AC]"},
+        {"deliberate: an unclosed element is no error", "<a><b>", L"a{b}"},
+        {"deliberate: a cut tag is no error", "<a><b/><c at", L"a{b}"},
+        {"deliberate: no element at all is no error", "<!-- nothing -->", L""},
+        {"deliberate: an empty text is no error", "", L""},
+    };
+    for (TreeRow const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        auto const document = NewDocument();
+        EXPECT_TRUE(ParseBytes(row.bytes, document));
+        EXPECT_EQ(TreeText(*document), row.tree);
+        EXPECT_EQ(m_log.Take(), L"");
+    }
+}
+
+struct ErrorRow
+{
+    char const * name;
+    std::string bytes;
+    int code;
+    wchar_t const * text;
+    int line;
+    int column;
+};
+
+TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
+{
+    ErrorRow const rows[] = {
+        {"mismatched tag", "<a>\n <b></a>", 7, L"mismatched tag", 2, 6},
+        {"not XML", "hello <a/>", 2, L"syntax error", 1, 0},
+        {"two roots", "<a/><b/>", 9, L"junk after document element", 1, 4},
+        {"same attribute twice", "<a>\n<b x='1' x='2'/></a>", 8, L"duplicate attribute", 2, 9},
+        {"zero byte", std::string("<a>\0</a>", 8), 4, L"not well-formed (invalid token)", 1, 3},
+        {"only zero bytes", std::string(64, '\0'), 4, L"not well-formed (invalid token)", 1, 0},
+        {"undefined entity", "<a>&nothing;</a>", 11, L"undefined entity", 1, 3},
+        {"lone surrogate in UTF-8", "<a v='\xED\xA0\x80'/>", 4, L"not well-formed (invalid token)", 1, 6},
+        {"lone surrogate in UTF-16", Utf16(u"\uFEFF<a v='\xDC00x'/>", false), 4, L"not well-formed (invalid token)", 1,
+         7},
+        {"reference to a surrogate", "<a v='&#xD800;'/>", 14, L"reference to invalid character number", 1, 6},
+        {"bytes that are not the default encoding", "<a v='\xE9'/>", 4, L"not well-formed (invalid token)", 1, 6},
+        {"lying declaration", "<?xml version='1.0' encoding='UTF-16'?><a/>", 19,
+         L"encoding specified in XML declaration is incorrect", 1, 30},
+        {"unknown encoding", "<?xml version='1.0' encoding='x-none'?><a/>", 18, L"unknown encoding", 1, 30},
+        {"recursive entity", "<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>", 12, L"recursive entity reference", 1, 35},
+    };
+    for (ErrorRow const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        auto const document = NewDocument();
+        EXPECT_FALSE(ParseBytes(row.bytes, document));
+        EXPECT_EQ(m_log.Take(), PARSE_FAILED + std::wstring(L"   Error code ") + std::to_wstring(row.code) + L" " +
+                                    row.text + L"\n\n      at line " + std::to_wstring(row.line) + L", col " +
+                                    std::to_wstring(row.column) +
+                                    L"\n\nCVekXMLParser::ParseXMLFile --> Failed on parsing");
+    }
+}
+
+TEST_F(ParserTest, TellsWhetherTheDocumentIsComplete)
+{
+    struct
+    {
+        char const * bytes;
+        bool complete;
+    } const rows[] = {{"<a/>", true},        {"<a></a>", true}, {"<a/> <!-- cut", true},
+                      {"<a><b></b>", false}, {"", false},       {"<?xml version='1.0'?>", false}};
+    Holder<CVekXMLParser> const parser(new CVekXMLParser);
+    EXPECT_FALSE(parser->IsComplete());
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.bytes);
+        auto const document = NewDocument();
+        EXPECT_TRUE(parser->ParseXMLMemory(row.bytes, static_cast<unsigned int>(strlen(row.bytes)), document));
+        EXPECT_EQ(parser->IsComplete(), row.complete);
+    }
+}
+
+TEST_F(ParserTest, KeepsWhatWasReadBeforeAnError)
+{
+    auto const document = NewDocument();
+    EXPECT_FALSE(ParseBytes("<a><b x='1'/><c></a>", document));
+    EXPECT_EQ(TreeText(*document), L"a{b[x=1] c}");
+}
+
+TEST_F(ParserTest, MergesIntoAnExistingRoot)
+{
+    auto const document = NewDocument();
+    ASSERT_TRUE(ParseBytes("<old Keep='1' both='2'><first/></old>", document));
+    ASSERT_TRUE(ParseBytes("<new BOTH='x' more='3'><second/></new>", document));
+    EXPECT_EQ(TreeText(*document), L"new[Keep=1 both=2 more=3]{first second}");
+}
+
+TEST_F(ParserTest, RefusesASecondSectionInOneElement)
+{
+    auto const document = NewDocument();
+    EXPECT_TRUE(ParseBytes("<a><![CDATA[1]]><![CDATA[2]]></a>", document));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLElement::AddCDATASection --> This Element already has CDATA section");
+    EXPECT_EQ(TreeText(*document), L"a'1'");
+}
+
+TEST_F(ParserTest, ReadsTheDocumentType)
+{
+    auto const document = NewDocument();
+    EXPECT_TRUE(ParseBytes("<!DOCTYPE scene SYSTEM 'not-opened.dtd' [\n"
+                           "<!ELEMENT empty EMPTY><!ELEMENT any ANY><!ELEMENT text (#PCDATA)>\n"
+                           "<!ELEMENT mixed (#PCDATA|a|b)*><!ELEMENT seq (a,b?,c*,d+)><!ELEMENT choice (a|b)>\n"
+                           "<!ELEMENT deep (a,(b|(c,d)+)?,e)*><!ELEMENT seq (other)>\n"
+                           "<!ATTLIST seq id ID #REQUIRED kind (x|y) 'x' note CDATA #IMPLIED fixed CDATA #FIXED 'f'>\n"
+                           "<!ENTITY e 'v'><!NOTATION n SYSTEM 's'><!ENTITY u SYSTEM 'f' NDATA n>\n"
+                           "]><scene/>",
+                           document));
+    EXPECT_STREQ(document->GetDocumentType(), L"scene");
+    EXPECT_EQ(DTDText(*document), L"empty=0{} any=2{} text=3{} mixed=3{a:1:0 b:1:0} seq=5{a:1:0 b:1:1 c:1:2 d:1:3} "
+                                  L"choice=4{a:1:0 b:1:0} deep=5{a:1:0 :4:1(b:1:0 :5:3(c:1:0 d:1:0)) e:1:0} "
+                                  L"seq[id:ID! kind:(x|y) note:CDATA fixed:CDATA!] ");
+    EXPECT_EQ(m_log.Take(), L"CVekXMLDocument::AddDTDRule --> DTD rule with same name already exist");
+}
+
+TEST_F(ParserTest, ReportsDeclarationsThatRepeatAName)
+{
+    auto const document = NewDocument();
+    EXPECT_TRUE(ParseBytes(
+        "<!DOCTYPE a [<!ELEMENT a (b,B,(c|c|d))><!ATTLIST a x CDATA #REQUIRED X CDATA #REQUIRED>]><a/>", document));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLDTDRule::AddRuleEntry --> Entry with same name already exist\n"
+                            L"CVekXMLParser::OnElementDecl --> Failed to add element entry\n"
+                            L"CVekXMLDTDRuleEntry::AddChild --> Name already used c\n"
+                            L"CVekXMLParser::AddChildEntries --> Failed to add element entry\n"
+                            L"CVekXMLDTDAttributeList::AddAttributeEntry --> Entry with same name already exist\n"
+                            L"CVekXMLParser::OnAttlistDecl --> Failed to add new attribute");
+    EXPECT_EQ(DTDText(*document), L"a=5{b:1:0 :4:0(c:1:0 d:1:0)} a[x:CDATA!] ");
+}
+
+TEST_F(ParserTest, NeverOpensExternalEntities)
+{
+    std::wstring const secret = WriteFileBytes(L"secret.dtd", "<!ELEMENT stolen EMPTY><!ENTITY s 'stolen'>");
+    std::string const url(secret.begin(), secret.end());
+    struct
+    {
+        char const * name;
+        std::string bytes;
+    } const rows[] = {
+        {"external subset", "<!DOCTYPE a SYSTEM '" + url + "'><a/>"},
+        {"parameter entity", "<!DOCTYPE a [<!ENTITY % p SYSTEM '" + url + "'>%p;]><a/>"},
+        {"general entity", "<!DOCTYPE a [<!ENTITY g SYSTEM '" + url + "'>]><a>&g;</a>"},
+    };
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        auto const document = NewDocument();
+        EXPECT_TRUE(ParseBytes(row.bytes, document));
+        EXPECT_EQ(TreeText(*document), L"a");
+        EXPECT_EQ(DTDText(*document), L"");
+    }
+}
+
+TEST_F(ParserTest, StopsEntityBombs)
+{
+    std::string bomb = "<!DOCTYPE a [<!ENTITY e0 'aaaaaaaaaaaaaaaa'>";
+    for (int i = 1; i < 12; ++i)
+    {
+        std::string const inner = "&e" + std::to_string(i - 1) + ";";
+        bomb += "<!ENTITY e" + std::to_string(i) + " '";
+        for (int j = 0; j < 10; ++j)
+            bomb += inner;
+        bomb += "'>";
+    }
+    for (std::string const body : {"<a>&e11;</a>", "<a v='&e11;'/>"})
+    {
+        SCOPED_TRACE(body);
+        auto const document = NewDocument();
+        EXPECT_FALSE(ParseBytes(bomb + "]>" + body, document));
+        EXPECT_NE(
+            m_log.Take().find(L"   Error code 43 limit on input amplification factor (from DTD and entities) breached"),
+            std::wstring::npos);
+    }
+}
+
+TEST_F(ParserTest, ReadsFiles)
+{
+    std::wstring const good = WriteFileBytes(L"good.xml", "<a v='1'><b/></a>");
+    Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+    auto const document = NewDocument();
+    EXPECT_TRUE(parser->ParseXMLFile(good.c_str(), document));
+    EXPECT_EQ(TreeText(*document), L"a[v=1]{b}");
+
+    std::wstring const bad = WriteFileBytes(L"bad.xml", "<a><b></a>");
+    auto const other = NewDocument();
+    EXPECT_FALSE(parser->ParseXMLFile(bad.c_str(), other));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLParser::Parse --> Parse error occured\n   Error code 7 mismatched tag\n\n"
+                            L"      at line 1, col 8\n\nCVekXMLParser::ParseXMLFile --> Failed on parsing");
+
+    std::wstring const empty = WriteFileBytes(L"empty.xml", "");
+    auto const third = NewDocument();
+    EXPECT_TRUE(parser->ParseXMLFile(empty.c_str(), third)) << "deliberate: an empty file is no error";
+    EXPECT_EQ(TreeText(*third), L"");
+}
+
+TEST_F(ParserTest, ReportsFilesThatCantBeOpened)
+{
+    Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+    EXPECT_FALSE(parser->ParseXMLFile(L"any.xml", nullptr));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLParser::ParseXMLFile --> Document is NULL");
+
+    wchar_t const * const folder = _wgetenv(L"VEK_TEST_TMP");
+    std::wstring const missing = TemporaryPath(L"missing.xml");
+    std::wstring const paths[] = {missing, folder ? folder : L".", std::wstring(5000, L'x')};
+    for (std::wstring const & path : paths)
+    {
+        SCOPED_TRACE(path.size());
+        auto const document = NewDocument();
+        EXPECT_FALSE(parser->ParseXMLFile(path.c_str(), document));
+        std::wstring const log = m_log.Take();
+        EXPECT_EQ(
+            log.find(L"CVekFileIOStream::Open --> Failed to open file\nCVekXMLParser::Parse --> Failed to open file " +
+                     path.substr(0, 4000)),
+            0U);
+        EXPECT_NE(log.find(L"\nCVekXMLParser::ParseXMLFile --> Failed on parsing"), std::wstring::npos);
+    }
+    EXPECT_FALSE(parser->ParseXMLFile(nullptr, NewDocument()));
+    EXPECT_EQ(m_log.Take(),
+              L"CVekFileIOStream::Open --> Filename is NULL\nCVekXMLParser::Parse --> Failed to open file \n"
+              L"CVekXMLParser::ParseXMLFile --> Failed on parsing");
+}
+
+} // namespace

@@ -1,0 +1,327 @@
+#include "VekLib.h"
+
+#include "support/LogCapture.h"
+#include "support/TestStream.h"
+#include "support/XMLKit.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace
+{
+
+class WriterTest : public testing::Test
+{
+protected:
+    std::string Written(IVekXMLDocument * document, int indentation = 3)
+    {
+        TestStream stream;
+        m_writer->SetIndentation(indentation);
+        EXPECT_TRUE(m_writer->WriteXML(&stream, document));
+        return stream.bytes;
+    }
+
+    LibraryScope m_library;
+    LogCapture m_log;
+    Holder<IVekXMLWriter> m_writer{XMLManager().CreateXMLWriter()};
+};
+
+constexpr char HEADER[] = "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
+
+// A document whose encoding a host decides; everything else is the library's document.
+class HostDocument : public CVekRefCounted<IVekXMLDocument>
+{
+public:
+    explicit HostDocument(wchar_t const * encoding) : m_encoding(encoding), m_inner(NewDocument()) {}
+
+    bool SetDocumentType(wchar_t const * name) override { return m_inner->SetDocumentType(name); }
+    CVekString<wchar_t> const & GetDocumentType() const override { return m_inner->GetDocumentType(); }
+    bool SetEncoding(wchar_t const *) override { return false; }
+    CVekString<wchar_t> const & GetEncoding() const override { return m_encoding; }
+    bool SetRootElement(IVekXMLElement * element) override { return m_inner->SetRootElement(element); }
+    IVekXMLElement * GetRootElement() override { return m_inner->GetRootElement(); }
+    IVekXMLElement const * GetRootElement() const override { return m_inner->GetRootElement(); }
+    IVekXMLElement * FindElementFromPath(wchar_t const *, bool) override { return nullptr; }
+    int GetNumDTDRules() const override { return m_inner->GetNumDTDRules(); }
+    IVekXMLDTDRule * GetDTDRule(int index) override { return m_inner->GetDTDRule(index); }
+    IVekXMLDTDRule const * GetDTDRule(int index) const override { return m_inner->GetDTDRule(index); }
+    IVekXMLDTDRule * FindDTDRule(wchar_t const *) override { return nullptr; }
+    IVekXMLDTDRule const * FindDTDRule(wchar_t const *) const override { return nullptr; }
+    int AddDTDRule(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type) override
+    {
+        return m_inner->AddDTDRule(name, type);
+    }
+    void RemoveDTDRule(int) override {}
+    void RemoveAllDTDRules() override {}
+    int GetNumDTDAttributeLists() const override { return 0; }
+    IVekXMLDTDAttributeList * GetDTDAttributeList(int) override { return nullptr; }
+    IVekXMLDTDAttributeList const * GetDTDAttributeList(int) const override { return nullptr; }
+    IVekXMLDTDAttributeList * FindDTDAttributeList(wchar_t const *) override { return nullptr; }
+    IVekXMLDTDAttributeList const * FindDTDAttributeList(wchar_t const *) const override { return nullptr; }
+    int AddDTDAttributeList(wchar_t const *) override { return -1; }
+    void RemoveDTDAttributeList(int) override {}
+    void RemoveAllDTDAttributeLists() override {}
+
+private:
+    CVekString<wchar_t> m_encoding;
+    Holder<IVekXMLDocument> m_inner;
+};
+
+TEST_F(WriterTest, WritesElements)
+{
+    struct
+    {
+        char const * name;
+        char const * source;
+        char const * written;
+    } const rows[] = {
+        {"root alone", "<a/>", "<a/>\n"},
+        {"attributes", "<a x='1' y='&lt;&quot;'/>", "<a x=\"1\" y=\"&lt;&quot;\"/>\n"},
+        {"children", "<a><b><c/></b><d/></a>", "<a>\n   <b>\n      <c/>\n   </b>\n   <d/>\n</a>\n"},
+        {"CDATA stands at the margin", "<a><b><![CDATA[x\ny]]></b></a>",
+         "<a>\n   <b>\n<![CDATA[x\ny]]>\n   </b>\n</a>\n"},
+        {"CDATA before children", "<a><b/><![CDATA[t]]></a>", "<a>\n<![CDATA[t]]>\n   <b/>\n</a>\n"},
+        {"empty CDATA keeps the tags apart", "<a><![CDATA[]]></a>", "<a>\n</a>\n"},
+        {"two- and three-byte characters", "<a v='\xC3\xA9\xE2\x82\xAC'/>", "<a v=\"\xC3\xA9\xE2\x82\xAC\"/>\n"},
+        {"deliberate: halves of a pair are not combined", "<a v='\xF0\x9F\x98\x80'/>",
+         "<a v=\"\xED\xA0\xBD\xED\xB8\x80\"/>\n"},
+        {"a newline in a value", "<a v='1&#10;2'/>", "<a v=\"1&lt;EOL&gt;2\"/>\n"},
+    };
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        auto const document = NewDocument();
+        ASSERT_TRUE(ParseBytes(row.source, document));
+        EXPECT_EQ(Written(document), std::string(HEADER) + row.written);
+    }
+}
+
+TEST_F(WriterTest, IndentsAsTold)
+{
+    auto const document = NewDocument();
+    ASSERT_TRUE(ParseBytes("<!DOCTYPE a [<!ELEMENT a (b)>]><a><b/></a>", document));
+    EXPECT_EQ(m_writer->GetIndentation(), 3);
+    m_writer->SetIndentation(-1);
+    EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::SetIndentation --> Identation can not be negative -1");
+    EXPECT_EQ(m_writer->GetIndentation(), 3);
+    EXPECT_EQ(Written(document, 0),
+              std::string(HEADER) + "<!DOCTYPE a [\n<!ELEMENT a\n(\n b\n)>\n ]>\n<a>\n<b/>\n</a>\n");
+    EXPECT_EQ(Written(document, 1),
+              std::string(HEADER) + "<!DOCTYPE a [\n <!ELEMENT a\n (\n   b\n )>\n ]>\n<a>\n <b/>\n</a>\n");
+}
+
+TEST_F(WriterTest, WritesTheDocumentType)
+{
+    struct
+    {
+        char const * name;
+        char const * declarations;
+        char const * written;
+    } const rows[] = {
+        {"empty", "<!ELEMENT e EMPTY>", "<!ELEMENT e EMPTY>\n"},
+        {"text", "<!ELEMENT e (#PCDATA)>", "<!ELEMENT e ( #PCDATA )>\n"},
+        {"deliberate: any content is an empty group", "<!ELEMENT e ANY>", "<!ELEMENT e\n(\n)>\n"},
+        {"deliberate: one or more has no mark", "<!ELEMENT e (a,b?,c*,d+)>",
+         "<!ELEMENT e\n(\n a, \n b?, \n c*, \n d\n)>\n"},
+        {"deliberate: a choice reads as a sequence", "<!ELEMENT e (a|b)>", "<!ELEMENT e\n(\n a, \n b\n)>\n"},
+        {"deliberate: a group reads as a choice", "<!ELEMENT e (a,(b,c?)*)>",
+         "<!ELEMENT e\n(\n a, \n ( \n b |\n c? \n )*\n)>\n"},
+        {"groups in groups", "<!ELEMENT e ((a,(b|c)?,d)+,f)>",
+         "<!ELEMENT e\n(\n ( \n a |\n ( \n b |\n c \n )?, \n d \n ), \n f\n)>\n"},
+        {"a group at a group's end", "<!ELEMENT e ((a,(b|c)))>",
+         "<!ELEMENT e\n(\n ( \n a |\n ( \n b |\n c \n )\n )\n)>\n"},
+        {"attributes", "<!ELEMENT e EMPTY><!ATTLIST e id ID #REQUIRED a-name-longer-than-columns CDATA #REQUIRED>",
+         "<!ELEMENT e EMPTY>\n<!ATTLIST e\n id                   ID #REQUIRED\n"
+         " a-name-longer-than-columns CDATA #REQUIRED\n>\n"},
+        {"deliberate: no default of an optional attribute", "<!ELEMENT e EMPTY><!ATTLIST e note CDATA #IMPLIED>",
+         "<!ELEMENT e EMPTY>\n<!ATTLIST e\n note                      CDATA\n>\n"},
+    };
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        auto const document = NewDocument();
+        ASSERT_TRUE(ParseBytes(std::string("<!DOCTYPE e [") + row.declarations + "]><e/>", document));
+        EXPECT_EQ(Written(document, 0), std::string(HEADER) + "<!DOCTYPE e [\n" + row.written + " ]>\n<e/>\n");
+    }
+}
+
+TEST_F(WriterTest, OmitsADocumentTypeWithoutRules)
+{
+    for (char const * const source : {"<!DOCTYPE a><a/>", "<!DOCTYPE a [<!ATTLIST a id ID #REQUIRED>]><a/>"})
+    {
+        SCOPED_TRACE(source);
+        auto const document = NewDocument();
+        ASSERT_TRUE(ParseBytes(source, document));
+        EXPECT_EQ(Written(document), std::string(HEADER) + "<a/>\n");
+    }
+    auto const document = NewDocument();
+    ASSERT_TRUE(ParseBytes("<a/>", document));
+    document->AddDTDRule(L"a", VEK_XML_DTD_EMPTY);
+    EXPECT_EQ(Written(document), std::string(HEADER) + "<a/>\n") << "rules without a document type";
+}
+
+TEST_F(WriterTest, EncodesAsTheDocumentSays)
+{
+    // One character of every length, the last one beyond the basic plane.
+    struct
+    {
+        wchar_t const * encoding;
+        VEK_BYTEORDER order;
+        std::string start;
+        std::string value;
+        wchar_t const * message;
+    } const rows[] = {
+        {L"UTF-8", VEK_BYTEORDER_BIG, "\xEF\xBB\xBF<?", "A\xC3\xA9\xE2\x82\xAC", L""},
+        {L"utf-8", VEK_BYTEORDER_BIG, "\xEF\xBB\xBF<?", "A\xC3\xA9\xE2\x82\xAC", L""},
+        {L"US-ASCII", VEK_BYTEORDER_BIG, "<?", "A\xE9\xAC", L""},
+        {L"ISO-8859-1", VEK_BYTEORDER_BIG, "<?", "A\xE9\xAC", L""},
+        {L"UTF-16", VEK_BYTEORDER_LITTLE, std::string("\xFF\xFE<\0?\0", 6), std::string("\0A\0\xE9\x20\xAC", 6), L""},
+        {L"UTF-32", VEK_BYTEORDER_BIG, "\xEF\xBB\xBF<?", "A\xC3\xA9\xE2\x82\xAC",
+         L"CVekXMLWriter::SetEncodingType --> Encoding not supported UTF-32"},
+    };
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.encoding);
+        Holder<HostDocument> const document(new HostDocument(row.encoding));
+        auto const root = NewElement(L"a");
+        root->AddAttribute(L"v", L"A\u00E9\u20AC", -1);
+        document->SetRootElement(root);
+        Holder<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
+        TestStream stream;
+        stream.streamOrder = row.order;
+        EXPECT_TRUE(writer->WriteXML(&stream, document));
+        EXPECT_EQ(m_log.Take(), row.message);
+        EXPECT_EQ(stream.bytes.substr(0, row.start.size()).find(row.start.substr(0, 2)), 0U);
+        EXPECT_NE(stream.bytes.find(row.value), std::string::npos) << stream.bytes;
+        std::wstring const name = row.encoding;
+        std::string const declared = "encoding=\"" + std::string(name.begin(), name.end()) + "\"";
+        EXPECT_EQ(stream.bytes.find(declared) != std::string::npos, row.order == VEK_BYTEORDER_BIG);
+    }
+}
+
+TEST_F(WriterTest, MarksUtf16ByTheStreamsOrder)
+{
+    struct
+    {
+        VEK_BYTEORDER stream;
+        VEK_BYTEORDER system;
+        std::string start;
+    } const rows[] = {
+        {VEK_BYTEORDER_LITTLE, VEK_BYTEORDER_LITTLE, std::string("\xFF\xFE<\0", 4)},
+        {VEK_BYTEORDER_BIG, VEK_BYTEORDER_LITTLE, std::string("\xFE\xFF\0<", 4)},
+        // deliberate: equal orders reverse nothing, so this mark belies the units
+        {VEK_BYTEORDER_BIG, VEK_BYTEORDER_BIG, std::string("\xFE\xFF<\0", 4)},
+    };
+    Holder<HostDocument> const document(new HostDocument(L"UTF-16"));
+    document->SetRootElement(NewElement(L"a"));
+    for (auto const & row : rows)
+    {
+        SCOPED_TRACE(row.stream * 10 + row.system);
+        TestStream stream;
+        stream.streamOrder = row.stream;
+        stream.systemOrder = row.system;
+        EXPECT_TRUE(m_writer->WriteXML(&stream, document));
+        EXPECT_EQ(stream.bytes.substr(0, 4), row.start);
+    }
+}
+
+TEST_F(WriterTest, WritesFilesThatCanBeReadAgain)
+{
+    char const source[] = "<!DOCTYPE a [<!ELEMENT a (b*,(c|d)?)><!ATTLIST a x CDATA #REQUIRED>]>"
+                          "<a x='&lt;\xE2\x82\xAC'><b><![CDATA[1\n2]]></b></a>";
+    for (wchar_t const * const encoding : {L"UTF-8", L"UTF-16", L"ISO-8859-1"})
+    {
+        SCOPED_TRACE(testing::Message() << encoding);
+        Holder<HostDocument> const document(new HostDocument(encoding));
+        auto const original = NewDocument();
+        ASSERT_TRUE(ParseBytes(source, original));
+        if (std::wstring(encoding) == L"ISO-8859-1")
+            original->GetRootElement()->SetAttributeValue(L"x", L"\u00E9", false);
+        document->SetRootElement(original->GetRootElement());
+        std::wstring const path = TemporaryPath(L"written.xml");
+        ASSERT_TRUE(m_writer->WriteXMLFile(path.c_str(), document));
+        auto const again = NewDocument();
+        Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+        ASSERT_TRUE(parser->ParseXMLFile(path.c_str(), again)) << FileBytes(path);
+        EXPECT_EQ(TreeText(*again), TreeText(*document));
+    }
+}
+
+TEST_F(WriterTest, WritesTextFilesWithCarriageReturns)
+{
+    auto const document = NewDocument();
+    ASSERT_TRUE(ParseBytes("<a><b><![CDATA[1\n2]]></b></a>", document));
+    std::wstring const path = TemporaryPath(L"lines.xml");
+    ASSERT_TRUE(m_writer->WriteXMLFile(path.c_str(), document));
+    std::string expected;
+    for (char const c : std::string(HEADER) + "<a>\n   <b>\n<![CDATA[1\n2]]>\n   </b>\n</a>\n")
+        expected += c == '\n' ? "\r\n" : std::string(1, c);
+    EXPECT_EQ(FileBytes(path), expected);
+}
+
+TEST_F(WriterTest, ReportsWhatCantBeWritten)
+{
+    EXPECT_FALSE(m_writer->WriteXMLFile(L"x.xml", nullptr));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXMLFile --> Document is NULL");
+    TestStream stream;
+    EXPECT_FALSE(m_writer->WriteXML(&stream, nullptr));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXML --> Document is NULL");
+    auto const document = NewDocument();
+    EXPECT_FALSE(m_writer->WriteXMLFile(L"x.xml", document));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXMLFile --> Document has no Element");
+    EXPECT_FALSE(m_writer->WriteXML(&stream, document));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXML --> Document has no Element");
+    document->SetRootElement(NewElement(L"a"));
+    EXPECT_FALSE(m_writer->WriteXMLFile(TemporaryPath(L"no-folder/x.xml").c_str(), document));
+    EXPECT_EQ(m_log.Take(), L"CVekFileIOStream::Open --> Failed to open file\n"
+                            L"CVekXMLWriter::WriteXMLFile --> Failed to write XML");
+    EXPECT_FALSE(m_writer->WriteXML(nullptr, document));
+}
+
+TEST_F(WriterTest, NeverCallsALostByteASuccess)
+{
+    auto const document = NewDocument();
+    auto const root = NewElement(L"a");
+    document->SetRootElement(root);
+    for (int i = 0; i < 3; ++i)
+    {
+        root->FindChild((L"child" + std::to_wstring(i)).c_str(), true)
+            ->AddAttribute(L"long", std::wstring(60000, L'x').c_str(), -1);
+    }
+    TestStream whole;
+    ASSERT_TRUE(m_writer->WriteXML(&whole, document));
+    ASSERT_GE(whole.transfers, 3U);
+    wchar_t const * const last = L"CVekXMLWriter::WriteElement --> Failed to write Element close";
+    for (unsigned int n = 1; n <= whole.transfers; ++n)
+    {
+        SCOPED_TRACE(n);
+        TestStream stream;
+        stream.failFrom = n;
+        EXPECT_FALSE(m_writer->WriteXML(&stream, document));
+        std::wstring const log = m_log.Take();
+        EXPECT_EQ(log, n == whole.transfers ? last
+                                            : L"CVekXMLWriter::WriteElement --> Failed to write Element header\n"
+                                              L"CVekXMLWriter::WriteElement --> Failed to write child Element " +
+                                                  std::to_wstring(n - 1));
+    }
+}
+
+TEST_F(WriterTest, FillsAMemoryStreamToItsLastByte)
+{
+    auto const document = NewDocument();
+    document->SetRootElement(NewElement(L"a"));
+    std::string const expected = std::string(HEADER) + "<a/>\n";
+    auto const size = static_cast<unsigned int>(expected.size());
+    for (unsigned int const room : {size + 1, size, size - 1, 1U})
+    {
+        SCOPED_TRACE(room);
+        Holder<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+        ASSERT_TRUE(stream->Open(nullptr, VEK_IO_WRITE | VEK_IO_READ, room));
+        EXPECT_EQ(m_writer->WriteXML(stream, document), room >= size);
+        std::string const stored(reinterpret_cast<char const *>(stream->GetBuffer()), std::min(room, size));
+        EXPECT_EQ(stored == expected, room >= size);
+    }
+}
+
+} // namespace

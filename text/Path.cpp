@@ -1,0 +1,260 @@
+#include "VekText.h"
+
+#include "text/Scan.h"
+#include "text/StringAccess.h"
+
+#include <windows.h>
+
+#include <shlwapi.h>
+
+namespace
+{
+
+constexpr int defaultLimit = 1024;
+
+int LimitOf(int max)
+{
+    return max == -1 ? defaultLimit : max;
+}
+
+// The index of the last separator (or dot, where asked for), or -1. Nothing before the path is looked at.
+template <class T>
+ptrdiff_t ScanBack(T const * path, size_t length, bool stopAtDot)
+{
+    for (size_t i = length; i-- > 0;)
+        if (path[i] == T('/') || path[i] == T('\\') || path[i] == T(':') || (stopAtDot && path[i] == T('.')))
+            return static_cast<ptrdiff_t>(i);
+    return -1;
+}
+
+template <class T>
+T * TakeLastPart(T const * path, T * out, int max, bool stopAtDot)
+{
+    out[0] = 0;
+    size_t const length = vek::TextLength(path);
+    if (length == 0)
+        return nullptr;
+    T const * const name = path + (ScanBack(path, length, stopAtDot) + 1);
+    vek::CopyBounded(out, name, LimitOf(max));
+    return const_cast<T *>(name);
+}
+
+template <class T>
+T * GetFileName(T const * path, T * out, int max)
+{
+    return TakeLastPart(path, out, max, false);
+}
+
+template <class T>
+T * GetFileExtension(T const * path, T * out, int max)
+{
+    // Kept: without a dot in the last component its whole name is the extension; callers look for the dot themselves.
+    return TakeLastPart(path, out, max, true);
+}
+
+template <class T>
+void GetFileDirectory(T const * path, T * out, int max)
+{
+    out[0] = 0;
+    size_t const length = vek::TextLength(path);
+    ptrdiff_t const separator = ScanBack(path, length, false);
+    if (separator < 1)
+        return;
+    // Kept: one character less than stands before the separator; callers compensate for it.
+    ptrdiff_t const count = separator - 1;
+    int const limit = LimitOf(max);
+    vek::CopyBounded(out, path, limit < count ? (limit < 0 ? 0 : limit) : static_cast<int>(count));
+}
+
+template <class T>
+void GetFileNameWithoutExtension(T const * path, T * out, int max)
+{
+    size_t const length = vek::TextLength(path);
+    out[0] = 0;
+    T extension[defaultLimit + 1] = {};
+    GetFileExtension(path, extension, defaultLimit);
+    size_t const extensionLength = vek::TextLength(extension);
+    int const limit = LimitOf(max);
+    // A bare name without separator and dot is wholly its own extension, and is given whole.
+    if (extensionLength == 0 || extensionLength == length)
+        return vek::CopyBounded(out, path, limit < 0 ? 0 : limit);
+    // Kept: the character before the extension goes too, be it a dot or a separator.
+    size_t const count = length - extensionLength - 1;
+    vek::CopyBounded(out, path, limit < 0 ? 0 : count < static_cast<size_t>(limit) ? static_cast<int>(count) : limit);
+}
+
+template <class T>
+bool IsSamePath(T const * first, T const * second)
+{
+    static constexpr T nothing[1] = {};
+    // Kept: literally character by character; "a/b" and "a\b" are two paths.
+    return vek::CompareTexts(first ? first : nothing, second ? second : nothing, SIZE_MAX, false) == 0;
+}
+
+// The runtime takes a mode of any other form for a fault of the program.
+template <class T>
+bool IsFileMode(T const * mode)
+{
+    if (!mode || (mode[0] != T('r') && mode[0] != T('w') && mode[0] != T('a')))
+        return false;
+    static constexpr char options[] = "+btcnSRTDN ";
+    for (++mode; *mode && *mode != T(','); ++mode)
+    {
+        char const * option = options;
+        while (*option && static_cast<T>(*option) != *mode)
+            ++option;
+        if (!*option)
+            return false;
+    }
+    return true;
+}
+
+template <class T>
+FILE * OpenFile(T const * name, T const * mode)
+{
+    FILE * file = nullptr;
+    if (!name || !IsFileMode(mode) || vek::CharTraits<T>::Open(&file, name, mode) != 0)
+        return nullptr;
+    return file;
+}
+
+void CloseFile(FILE * file)
+{
+    if (file)
+        fclose(file);
+}
+
+template <class T>
+bool FileExists(T const * name)
+{
+    static constexpr T mode[] = {'r', 'b', 0};
+    FILE * const file = OpenFile(name, mode);
+    CloseFile(file);
+    return file != nullptr;
+}
+
+bool FitsPlatformPath(wchar_t const * path)
+{
+    return path && vek::BoundedLength(path, MAX_PATH) < MAX_PATH;
+}
+
+} // namespace
+
+char * VekGetFileNameFromPathA(char const * path, char * out, int max)
+{
+    return GetFileName(path, out, max);
+}
+
+wchar_t * VekGetFileNameFromPathW(wchar_t const * path, wchar_t * out, int max)
+{
+    return GetFileName(path, out, max);
+}
+
+char * VekGetFileExtensionA(char const * path, char * out, int max)
+{
+    return GetFileExtension(path, out, max);
+}
+
+wchar_t * VekGetFileExtensionW(wchar_t const * path, wchar_t * out, int max)
+{
+    return GetFileExtension(path, out, max);
+}
+
+void VekGetFileDirectoryA(char const * path, char * out, int max)
+{
+    GetFileDirectory(path, out, max);
+}
+
+void VekGetFileDirectoryW(wchar_t const * path, wchar_t * out, int max)
+{
+    GetFileDirectory(path, out, max);
+}
+
+void VekGetFileNameWithoutExtensionA(char const * path, char * out, int max)
+{
+    GetFileNameWithoutExtension(path, out, max);
+}
+
+void VekGetFileNameWithoutExtensionW(wchar_t const * path, wchar_t * out, int max)
+{
+    GetFileNameWithoutExtension(path, out, max);
+}
+
+bool VekIsSamePathA(char const * first, char const * second)
+{
+    return IsSamePath(first, second);
+}
+
+bool VekIsSamePathW(wchar_t const * first, wchar_t const * second)
+{
+    return IsSamePath(first, second);
+}
+
+bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long fromAttributes, wchar_t const * to,
+                         unsigned long toAttributes)
+{
+    if (!out)
+        return false;
+    out[0] = 0;
+    if (!FitsPlatformPath(from) || !FitsPlatformPath(to))
+        return false;
+    // The platform's routine writes "..\" for each component of the one path, then the other path, without asking for
+    // room.
+    wchar_t relative[MAX_PATH / 2 * 3 + 2 * MAX_PATH] = {};
+    if (!PathRelativePathToW(relative, from, fromAttributes, to, toAttributes) || !FitsPlatformPath(relative))
+        return false;
+    vek::CopyBounded(out, relative, -1);
+    return true;
+}
+
+bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from, unsigned long fromAttributes,
+                         wchar_t const * to, unsigned long toAttributes)
+{
+    wchar_t relative[MAX_PATH];
+    if (!VekGetRelativePathT(relative, from, fromAttributes, to, toAttributes))
+        return false;
+    out.Assign(relative);
+    return true;
+}
+
+bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base)
+{
+    // Kept: joined with a backslash whether or not one is there already, and whether or not path is absolute.
+    base.Append(L"\\");
+    base.Append(path);
+    wchar_t absolute[MAX_PATH + 4] = {};
+    if (!FitsPlatformPath(base) || !PathCanonicalizeW(absolute, base))
+        return false;
+    path.Assign(absolute);
+    return true;
+}
+
+_iobuf * VekFileOpenA(char const * name, char const * mode)
+{
+    return OpenFile(name, mode);
+}
+
+_iobuf * VekFileOpenW(wchar_t const * name, wchar_t const * mode)
+{
+    return OpenFile(name, mode);
+}
+
+void VekFileCloseA(_iobuf * file)
+{
+    CloseFile(file);
+}
+
+void VekFileCloseW(_iobuf * file)
+{
+    CloseFile(file);
+}
+
+bool VekFileExistA(char const * name)
+{
+    return FileExists(name);
+}
+
+bool VekFileExistW(wchar_t const * name)
+{
+    return FileExists(name);
+}

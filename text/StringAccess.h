@@ -1,0 +1,106 @@
+#pragma once
+
+#include "VekText.h"
+
+#include "core/Pool.h"
+
+#include <bit>
+
+namespace vek
+{
+
+/// What stands in front of a string's characters.
+struct StringHeader
+{
+    int length;
+    int capacity;
+    int growBy;
+};
+static_assert(sizeof(StringHeader) == 12);
+
+/// The inside of CVekString: its blocks, for the string itself and for code that writes a string's characters in place.
+template <class T>
+struct StringAccess
+{
+    static constexpr int MAX_CAPACITY = static_cast<int>((0x70000000 - sizeof(StringHeader)) / sizeof(T) - 1);
+
+    static StringHeader & Header(T * text) noexcept { return reinterpret_cast<StringHeader *>(text)[-1]; }
+
+    /// The size of the block for a capacity. Blocks are rounded up, so that a text that grows by small pieces is not
+    /// copied each time, although its capacity grows by just what is asked for: to 16 bytes, from 128 bytes on by up to
+    /// an eighth, as the pool does anyway, from 8 KB by up to a half, from 1 MB by up to a quarter.
+    static size_t BlockBytes(int capacity) noexcept
+    {
+        size_t const bytes = sizeof(StringHeader) + (static_cast<size_t>(capacity) + 1) * sizeof(T);
+        size_t const parts = bytes <= 8 * 1024 ? 8 : bytes <= 1024 * 1024 ? 2 : 4;
+        size_t const step = bytes <= 128 ? 16 : std::bit_floor(bytes) / parts;
+        return (bytes + step - 1) & ~(step - 1);
+    }
+    /// Makes an empty text of that capacity; null when there is no memory for it.
+    static T * Allocate(size_t capacity, int growBy) noexcept
+    {
+        if (capacity > static_cast<size_t>(MAX_CAPACITY))
+            return nullptr;
+        int const units = static_cast<int>(capacity);
+        auto * const header = static_cast<StringHeader *>(PoolAllocate(BlockBytes(units)));
+        if (!header)
+            return nullptr;
+        *header = {0, units, growBy};
+        T * const text = reinterpret_cast<T *>(header + 1);
+        text[0] = 0;
+        return text;
+    }
+    /// Raises the capacity as far as the text's block has room for it; false when it doesn't.
+    static bool GrowInPlace(T * text, size_t capacity) noexcept
+    {
+        if (!text || capacity > static_cast<size_t>(MAX_CAPACITY))
+            return false;
+        int const units = static_cast<int>(capacity);
+        if (BlockBytes(units) != BlockBytes(Header(text).capacity))
+            return false;
+        Header(text).capacity = units;
+        return true;
+    }
+    static void Free(T * text) noexcept
+    {
+        if (text)
+            PoolFree(&Header(text), BlockBytes(Header(text).capacity));
+    }
+    static void SetLength(T * text, size_t length) noexcept
+    {
+        text[length] = 0;
+        Header(text).length = static_cast<int>(length);
+    }
+
+    static T *& Text(CVekString<T> & string) noexcept { return string.m_text; }
+
+    /// A string of that length whose characters the caller writes at the place given back; an empty string and null
+    /// when there is no memory.
+    static CVekString<T> Make(size_t length, T *& place) noexcept
+    {
+        place = length < static_cast<size_t>(MAX_CAPACITY) ? Allocate(length + 1, 0) : nullptr;
+        if (!place)
+            return CVekString<T>();
+        SetLength(place, length);
+        return CVekString<T>(typename CVekString<T>::Block{place});
+    }
+    /// Gives the string that length and returns the place of its characters, which the caller writes; the old ones are
+    /// lost. Null, with the string unchanged, when there is no memory.
+    static T * Resize(CVekString<T> & string, size_t length) noexcept
+    {
+        T *& text = string.m_text;
+        if (!text || static_cast<size_t>(Header(text).capacity) <= length)
+        {
+            int const growBy = text ? Header(text).growBy : 0;
+            T * const grown = length < static_cast<size_t>(MAX_CAPACITY) ? Allocate(length + 1, growBy) : nullptr;
+            if (!grown)
+                return nullptr;
+            Free(text);
+            text = grown;
+        }
+        SetLength(text, length);
+        return text;
+    }
+};
+
+} // namespace vek

@@ -1,0 +1,4 @@
+#include "VekThread.h"
+
+// Out of line, so that the table has one home.
+CVekSyncObject::~CVekSyncObject() = default;

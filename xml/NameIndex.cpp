@@ -1,0 +1,63 @@
+#include "xml/NameIndex.h"
+
+#include <windows.h>
+
+namespace vek
+{
+
+NameIndex::NameIndex() noexcept
+{
+    // A hostile file must not be able to choose names that share a slot.
+    LARGE_INTEGER counter;
+    QueryPerformanceCounter(&counter);
+    m_seed = static_cast<uint32_t>(counter.QuadPart) * 0x9E3779B1U ^
+             static_cast<uint32_t>(reinterpret_cast<uintptr_t>(this));
+}
+
+bool NameIndex::Add(CVekString<wchar_t> const & name) noexcept
+{
+    if (!name.IsEmpty())
+    {
+        if ((m_order.Size() + 1) * 2 > m_slots.Size() && !Grow())
+            return false;
+        Slot const slot = {Hash(name, name.GetLength()), static_cast<uint32_t>(m_count) + 1};
+        if (!m_order.Append(slot))
+            return false;
+        Place(slot);
+    }
+    ++m_count;
+    return true;
+}
+
+uint32_t NameIndex::Hash(wchar_t const * text, int length) const noexcept
+{
+    uint32_t hash = m_seed;
+    for (int i = 0; i < length; ++i)
+    {
+        hash = (hash ^ static_cast<uint32_t>(FoldAscii(text[i]))) * 0x85EBCA6BU;
+        hash ^= hash >> 15;
+    }
+    return hash;
+}
+
+bool NameIndex::Grow() noexcept
+{
+    size_t const count = m_slots.Empty() ? 64 : m_slots.Size() * 2;
+    if (!m_slots.Reserve(count))
+        return false;
+    m_slots.Clear();
+    memset(m_slots.Extend(count), 0, count * sizeof(Slot));
+    for (size_t i = 0; i < m_order.Size(); ++i)
+        Place(m_order[i]);
+    return true;
+}
+
+void NameIndex::Place(Slot const & slot) noexcept
+{
+    size_t at = slot.hash & Mask();
+    while (m_slots[at].position)
+        at = (at + 1) & Mask();
+    m_slots[at] = slot;
+}
+
+} // namespace vek

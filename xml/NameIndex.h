@@ -1,0 +1,59 @@
+#pragma once
+
+#include "core/Buffer.h"
+#include "xml/XMLNames.h"
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace vek
+{
+
+/// Finds the entries of a long list by name: a table of the hashes of their names, without regard to the case of ASCII
+/// letters. It knows the first entries of the list, as many as were added, in their order.
+class NameIndex
+{
+public:
+    NameIndex() noexcept;
+
+    /// How many entries of the list it knows.
+    int Count() const noexcept { return m_count; }
+    /// Adds the next entry; one without a name is counted, but never found. False when memory is exhausted.
+    bool Add(CVekString<wchar_t> const & name) noexcept;
+
+    /// The first entry for which the predicate, called with its position, is true among those that may have the name;
+    /// -1 when there is none.
+    template <class Predicate>
+    int Find(GivenText const & name, Predicate isMatch) const noexcept
+    {
+        if (m_slots.Empty())
+            return -1;
+        uint32_t const hash = Hash(name.text, name.length);
+        for (size_t at = hash & Mask(); m_slots[at].position; at = (at + 1) & Mask())
+        {
+            int const position = static_cast<int>(m_slots[at].position) - 1;
+            if (m_slots[at].hash == hash && isMatch(position))
+                return position;
+        }
+        return -1;
+    }
+
+private:
+    struct Slot
+    {
+        uint32_t hash;
+        uint32_t position; // from 1; 0 in an empty slot
+    };
+
+    size_t Mask() const noexcept { return m_slots.Size() - 1; }
+    uint32_t Hash(wchar_t const * text, int length) const noexcept;
+    bool Grow() noexcept;
+    void Place(Slot const & slot) noexcept;
+
+    Buffer<Slot> m_slots; // their number is a power of two, at most half of them used; equal names stand in list order
+    Buffer<Slot> m_order; // the used ones in list order
+    int m_count = 0;
+    uint32_t m_seed;
+};
+
+} // namespace vek

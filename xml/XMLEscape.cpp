@@ -1,0 +1,166 @@
+#include "xml/XMLEscape.h"
+
+#include "core/Buffer.h"
+
+#include <emmintrin.h>
+#include <limits.h>
+#include <stdint.h>
+#include <string.h>
+#include <wchar.h>
+
+namespace vek
+{
+namespace
+{
+
+struct Replacement
+{
+    wchar_t character;
+    wchar_t const * text;
+    size_t length;
+};
+
+// In the order of the passes that undo them: "&amp;" first, so that "&amp;lt;" comes back as "<". Kept: hosts' files rely
+// on it.
+constexpr Replacement ENTITIES[] = {
+    {L'&', L"&amp;", 5}, {L'<', L"&lt;", 4}, {L'>', L"&gt;", 4}, {L'\'', L"&apos;", 6}, {L'"', L"&quot;", 6},
+};
+constexpr Replacement ESCAPED_NEWLINE = {L'\n', L"&lt;EOL&gt;", 11};
+constexpr Replacement NEWLINE_MARKER = {L'\n', L"<EOL>", 5};
+
+Replacement const * FindReplacement(wchar_t character) noexcept
+{
+    if (character == L'\n')
+        return &ESCAPED_NEWLINE;
+    for (Replacement const & entity : ENTITIES)
+    {
+        if (entity.character == character)
+            return &entity;
+    }
+    return nullptr;
+}
+
+// One bit pair for each of the eight units that is the terminator or needs escaping.
+unsigned StopMask(__m128i units) noexcept
+{
+    __m128i hits = _mm_cmpeq_epi16(units, _mm_setzero_si128());
+    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, _mm_set1_epi16('\n')));
+    for (Replacement const & entity : ENTITIES)
+        hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(entity.character))));
+    return static_cast<unsigned>(_mm_movemask_epi8(hits));
+}
+
+EscapeMeasure MeasureUnaligned(wchar_t const * text) noexcept
+{
+    EscapeMeasure measure = {0, 0};
+    for (; text[measure.length]; ++measure.length)
+    {
+        Replacement const * const replacement = FindReplacement(text[measure.length]);
+        measure.escapedLength += replacement ? replacement->length : 1;
+    }
+    return measure;
+}
+
+// Replaces every occurrence, front to back; returns the new length.
+size_t ReplaceAll(wchar_t * text, size_t length, Replacement const & what) noexcept
+{
+    size_t written = 0;
+    for (size_t read = 0; read < length;)
+    {
+        if (text[read] == what.text[0] && length - read >= what.length &&
+            memcmp(text + read, what.text, what.length * sizeof(wchar_t)) == 0)
+        {
+            text[written++] = what.character;
+            read += what.length;
+        }
+        else
+            text[written++] = text[read++];
+    }
+    return written;
+}
+
+} // namespace
+
+EscapeMeasure MeasureEscape(wchar_t const * text) noexcept
+{
+    auto const address = reinterpret_cast<uintptr_t>(text);
+    if (address % sizeof(wchar_t) != 0)
+        return MeasureUnaligned(text);
+    // Aligned blocks of 16 bytes never cross into a page that the text does not touch; what lies before the text is
+    // masked out.
+    auto const * block = reinterpret_cast<__m128i const *>(address & ~static_cast<uintptr_t>(15));
+    unsigned mask = StopMask(_mm_load_si128(block)) & (0xFFFFU << (address % 16));
+    size_t extra = 0;
+    for (;; mask = StopMask(_mm_load_si128(++block)))
+    {
+        for (; mask; mask &= mask - 1, mask &= mask - 1)
+        {
+            auto const * const stop = reinterpret_cast<wchar_t const *>(reinterpret_cast<char const *>(block) +
+                                                                        __builtin_ctz(mask));
+            if (!*stop)
+            {
+                auto const length = static_cast<size_t>(stop - text);
+                return {length, length + extra};
+            }
+            extra += FindReplacement(*stop)->length - 1;
+        }
+    }
+}
+
+void Escape(wchar_t const * text, size_t length, wchar_t * place) noexcept
+{
+    for (size_t i = 0; i < length; ++i)
+    {
+        wchar_t const character = text[i];
+        Replacement const * const replacement = character <= L'>' ? FindReplacement(character) : nullptr;
+        if (!replacement)
+        {
+            *place++ = character;
+            continue;
+        }
+        memcpy(place, replacement->text, replacement->length * sizeof(wchar_t));
+        place += replacement->length;
+    }
+}
+
+bool EscapeTo(wchar_t const * text, CVekString<wchar_t> & target) noexcept
+{
+    EscapeMeasure const measure = MeasureEscape(text);
+    if (measure.escapedLength >= INT_MAX / sizeof(wchar_t))
+        return false;
+    Buffer<wchar_t> scratch;
+    wchar_t const * escaped = text;
+    if (measure.escapedLength != measure.length)
+    {
+        wchar_t * const place = scratch.Extend(measure.escapedLength);
+        if (!place)
+            return false;
+        Escape(text, measure.length, place);
+        escaped = place;
+    }
+    auto const length = static_cast<int>(measure.escapedLength);
+    CVekString<wchar_t> stored(escaped, length);
+    if (stored.GetLength() != length)
+        return false;
+    target.Swap(stored);
+    return true;
+}
+
+void Unescape(CVekString<wchar_t> & text) noexcept
+{
+    wchar_t const * const stored = text;
+    auto length = static_cast<size_t>(text.GetLength());
+    if (!stored || (!wmemchr(stored, L'&', length) && !wmemchr(stored, L'<', length)))
+        return;
+    Buffer<wchar_t> scratch;
+    if (!scratch.Append(stored, length))
+        return;
+    for (Replacement const & entity : ENTITIES)
+        length = ReplaceAll(scratch.Data(), length, entity);
+    length = ReplaceAll(scratch.Data(), length, NEWLINE_MARKER);
+    CVekString<wchar_t> plain(scratch.Data(), static_cast<int>(length));
+    if (plain.GetLength() == static_cast<int>(length))
+        text.Swap(plain);
+}
+
+} // namespace vek

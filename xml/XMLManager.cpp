@@ -1,0 +1,42 @@
+#include "xml/XMLManager.h"
+
+#include "xml/XMLDocument.h"
+#include "xml/XMLWriter.h"
+
+#include <new>
+
+namespace
+{
+
+template <class T> T * Created(T * object, wchar_t const * failure)
+{
+    if (!object)
+        VekLogOutput(0, L"%s", failure);
+    return object;
+}
+
+} // namespace
+
+IVekXMLElement * CVekXMLManager::CreateXMLElement()
+{
+    return Created(new (std::nothrow) CVekXMLElement,
+                   L"CVekXMLManager::CreateXMLElement --> Failed to create Element object");
+}
+
+IVekXMLDocument * CVekXMLManager::CreateXMLDocument()
+{
+    return Created(new (std::nothrow) CVekXMLDocument,
+                   L"CVekXMLManager::CreateXMLDocument --> Failed to create Document object");
+}
+
+IVekXMLParser * CVekXMLManager::CreateXMLParser()
+{
+    return Created(new (std::nothrow) CVekXMLParser,
+                   L"CVekXMLManager::CreateXMLParser --> Failed to create parser object");
+}
+
+IVekXMLWriter * CVekXMLManager::CreateXMLWriter()
+{
+    return Created(new (std::nothrow) CVekXMLWriter,
+                   L"CVekXMLManager::CreateXMLWriter --> Failed to create Writer object");
+}

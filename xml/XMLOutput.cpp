@@ -1,0 +1,149 @@
+#include "xml/XMLOutput.h"
+
+#include <emmintrin.h>
+#include <string.h>
+
+#include <algorithm>
+
+namespace vek
+{
+
+XMLOutput::XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept
+    : m_stream(stream), m_memory(dynamic_cast<CVekMemoryIOStream *>(&stream)), m_encoding(encoding),
+      m_plainLimit(encoding == XMLEncoding::UTF8 ? 0x80 : 0x100),
+      m_carriageReturns(newLines == NewLines::CARRIAGE_RETURN_FIRST),
+      m_reversed(stream.GetStreamByteOrder() != stream.GetSystemByteOrder())
+{
+}
+
+void XMLOutput::Text(wchar_t const * text, size_t length) noexcept
+{
+    while (length > 0)
+    {
+        char * const place = Room();
+        if (!place)
+            return;
+        size_t const slice = std::min(length, SLICE);
+        m_used += static_cast<size_t>(Encode(text, slice, place) - place);
+        text += slice;
+        length -= slice;
+    }
+}
+
+void XMLOutput::Spaces(uint64_t count) noexcept
+{
+    static constexpr wchar_t SPACES[] = L"                                                                ";
+    constexpr uint64_t length = sizeof SPACES / sizeof SPACES[0] - 1;
+    for (; count > 0 && !m_failed; count -= std::min(count, length))
+        Text(SPACES, static_cast<size_t>(std::min(count, length)));
+}
+
+void XMLOutput::Bytes(void const * bytes, size_t count) noexcept
+{
+    auto const * source = static_cast<char const *>(bytes);
+    while (count > 0)
+    {
+        char * const place = Room();
+        if (!place)
+            return;
+        size_t const slice = std::min(count, SLICE);
+        memcpy(place, source, slice);
+        m_used += slice;
+        source += slice;
+        count -= slice;
+    }
+}
+
+bool XMLOutput::Finish() noexcept
+{
+    Flush();
+    auto * const file = dynamic_cast<CVekFileIOStream *>(&m_stream);
+    if (file && !m_failed && !file->Flush())
+        m_failed = true;
+    return !m_failed;
+}
+
+char * XMLOutput::Room() noexcept
+{
+    if (m_block.Empty() && !m_block.Extend(BLOCK_BYTES))
+        m_failed = true;
+    else if (BLOCK_BYTES - m_used < SLICE * UNIT_BYTES)
+        Flush();
+    return m_failed ? nullptr : m_block.Data() + m_used;
+}
+
+void XMLOutput::Flush() noexcept
+{
+    if (m_used > 0 && !m_failed && !WriteBlock(m_block.Data(), static_cast<unsigned int>(m_used)))
+        m_failed = true;
+    m_used = 0;
+}
+
+bool XMLOutput::WriteBlock(char const * bytes, unsigned int count) noexcept
+{
+    if (!m_memory)
+        return m_stream.Write(bytes, count, true);
+    // A memory stream refuses a block that reaches its last byte, but takes a single byte there.
+    unsigned int const position = static_cast<unsigned int>(m_memory->GetPosition());
+    if (position + uint64_t{count} != m_memory->GetSize())
+        return m_memory->Write(bytes, count, true);
+    return (count == 1 || m_memory->Write(bytes, count - 1, true)) && m_memory->WriteChar(bytes[count - 1], true);
+}
+
+char * XMLOutput::EncodeUnit(wchar_t unit, char * place) const noexcept
+{
+    if (m_encoding == XMLEncoding::UTF16)
+    {
+        *place++ = static_cast<char>(m_reversed ? unit >> 8 : unit);
+        *place++ = static_cast<char>(m_reversed ? unit : unit >> 8);
+        return place;
+    }
+    if (m_encoding != XMLEncoding::UTF8 || unit < 0x80)
+    {
+        auto const byte = static_cast<char>(unit);
+        if (byte == '\n' && m_carriageReturns)
+            *place++ = '\r';
+        *place++ = byte;
+        return place;
+    }
+    // Kept: the halves of a surrogate pair are not combined; each becomes three bytes of its own.
+    if (unit < 0x800)
+        *place++ = static_cast<char>(0xC0 | (unit >> 6));
+    else
+    {
+        *place++ = static_cast<char>(0xE0 | (unit >> 12));
+        *place++ = static_cast<char>(0x80 | ((unit >> 6) & 0x3F));
+    }
+    *place++ = static_cast<char>(0x80 | (unit & 0x3F));
+    return place;
+}
+
+char * XMLOutput::Encode(wchar_t const * text, size_t length, char * place) const noexcept
+{
+    if (m_encoding == XMLEncoding::UTF16 && !m_reversed)
+    {
+        memcpy(place, text, length * sizeof(wchar_t));
+        return place + length * sizeof(wchar_t);
+    }
+    __m128i const limit = _mm_set1_epi16(static_cast<short>(~(m_plainLimit - 1)));
+    __m128i const newLine = _mm_set1_epi16(m_carriageReturns ? L'\n' : -1);
+    bool const packs = m_encoding != XMLEncoding::UTF16;
+    size_t i = 0;
+    while (i < length)
+    {
+        // Eight plain units become eight bytes at once; the first other unit goes on by itself.
+        for (; packs && length - i >= 8; i += 8, place += 8)
+        {
+            __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(text + i));
+            __m128i const high = _mm_cmpeq_epi16(_mm_and_si128(units, limit), _mm_setzero_si128());
+            if (_mm_movemask_epi8(_mm_andnot_si128(_mm_cmpeq_epi16(units, newLine), high)) != 0xFFFF)
+                break;
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(place), _mm_packus_epi16(units, units));
+        }
+        for (size_t const end = std::min(length, i + 8); i < end; ++i)
+            place = EncodeUnit(text[i], place);
+    }
+    return place;
+}
+
+} // namespace vek

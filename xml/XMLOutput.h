@@ -1,0 +1,69 @@
+#pragma once
+
+#include "VekIO.h"
+
+#include "core/Buffer.h"
+
+#include <stdint.h>
+
+namespace vek
+{
+
+/// The writer's encodings. The numbers are kept: they are the writer's encoding types.
+enum class XMLEncoding : int
+{
+    ASCII = 0,
+    UTF8 = 1,
+    UTF16 = 2,
+    LATIN1 = 3
+};
+
+/// Encodes text for a stream and writes it in large blocks. A failed write is remembered: everything after it fails too, so
+/// that a caller may check once for many pieces.
+class XMLOutput
+{
+public:
+    enum class NewLines
+    {
+        AS_THEY_ARE,
+        CARRIAGE_RETURN_FIRST
+    };
+
+    XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept;
+
+    void Text(wchar_t const * text, size_t length) noexcept;
+    template <size_t N> void Text(wchar_t const (&text)[N]) noexcept { Text(text, N - 1); }
+    void Text(CVekString<wchar_t> const & text) noexcept { Text(text, static_cast<size_t>(text.GetLength())); }
+    void Spaces(uint64_t count) noexcept;
+    /// Bytes that are not encoded, such as a byte order mark.
+    void Bytes(void const * bytes, size_t count) noexcept;
+
+    bool HasFailed() const noexcept { return m_failed; }
+    /// Hands everything to the stream, and what the stream keeps to the system; false when anything was lost.
+    bool Finish() noexcept;
+
+private:
+    // The most text that is encoded between two looks at the buffer, and the most bytes that a unit can become.
+    static constexpr size_t SLICE = 4096;
+    static constexpr size_t UNIT_BYTES = 3;
+    static constexpr size_t BLOCK_BYTES = 64 * 1024;
+
+    /// Makes room for the largest encoding of a slice; null when the output has failed.
+    char * Room() noexcept;
+    void Flush() noexcept;
+    bool WriteBlock(char const * bytes, unsigned int count) noexcept;
+    char * Encode(wchar_t const * text, size_t length, char * place) const noexcept;
+    char * EncodeUnit(wchar_t unit, char * place) const noexcept;
+
+    IVekIOStream & m_stream;
+    CVekMemoryIOStream * m_memory;
+    Buffer<char> m_block;
+    size_t m_used = 0;
+    XMLEncoding m_encoding;
+    wchar_t m_plainLimit; // units below it are one byte as they stand
+    bool m_carriageReturns;
+    bool m_reversed;
+    bool m_failed = false;
+};
+
+} // namespace vek

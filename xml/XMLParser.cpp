@@ -1,0 +1,163 @@
+#include "VekIO.h"
+#include "VekLib.h"
+
+#include "core/Ref.h"
+#include "xml/XMLParserState.h"
+
+#include <limits.h>
+#include <stdlib.h>
+
+#include <new>
+
+namespace
+{
+
+// Kept: bits 1 and 8, binary reading.
+constexpr unsigned int OPEN_MODE = VEK_IO_READ | VEK_IO_BINARY;
+
+struct FileBytes
+{
+    FileBytes() = default;
+    FileBytes(FileBytes const &) = delete;
+    FileBytes & operator=(FileBytes const &) = delete;
+    ~FileBytes() { free(data); }
+
+    char * data = nullptr;
+    int size = 0;
+};
+
+bool ReadFile(wchar_t const * path, FileBytes & bytes)
+{
+    auto const stream = vek::Ref<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
+    if (!stream)
+    {
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to create file io stream");
+        return false;
+    }
+    if (!stream->Open(path, OPEN_MODE, 0))
+    {
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to open file %s", path ? path : L"");
+        return false;
+    }
+    unsigned int const size = stream->GetSize();
+    bytes.data = size < INT_MAX ? static_cast<char *>(malloc(size + size_t{1})) : nullptr;
+    if (!bytes.data)
+    {
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to allocate buffer");
+        return false;
+    }
+    if (size > 0 && !stream->Read(bytes.data, size, true))
+    {
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to read file %s", path);
+        return false;
+    }
+    bytes.data[size] = 0;
+    bytes.size = static_cast<int>(size);
+    return true;
+}
+
+/// The tokenizer and the element stack for the length of one parse.
+class ParseScope
+{
+public:
+    explicit ParseScope(CVekXMLParser::State & state, IVekXMLDocument * document) : m_state(state)
+    {
+        state.document = document;
+        state.expat = XML_ParserCreate(nullptr);
+        if (state.expat)
+            vek::InstallXMLCallbacks(state.expat, &state);
+    }
+    ParseScope(ParseScope const &) = delete;
+    ParseScope & operator=(ParseScope const &) = delete;
+    ~ParseScope()
+    {
+        m_state.stack.Free();
+        m_state.document = nullptr;
+        if (m_state.expat)
+            XML_ParserFree(m_state.expat);
+        m_state.expat = nullptr;
+    }
+
+private:
+    CVekXMLParser::State & m_state;
+};
+
+bool EnsureRootElement(IVekXMLDocument * document)
+{
+    if (document->GetRootElement())
+        return true;
+    auto const root = vek::Ref<IVekXMLElement>::Adopt(new (std::nothrow) CVekXMLElement);
+    return root && document->SetRootElement(root.Get());
+}
+
+} // namespace
+
+CVekXMLParser::CVekXMLParser() : m_state(nullptr) {}
+
+CVekXMLParser::~CVekXMLParser()
+{
+    delete m_state;
+}
+
+bool CVekXMLParser::IsComplete() const
+{
+    return m_state && m_state->complete;
+}
+
+bool CVekXMLParser::ParseXMLFile(wchar_t const * path, IVekXMLDocument * document)
+{
+    return ParseDocument(document, [path](State & state) {
+        FileBytes bytes;
+        return ReadFile(path, bytes) && state.ParseBytes(bytes.data, bytes.size);
+    });
+}
+
+bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXMLDocument * document)
+{
+    return ParseDocument(document, [bytes, size](State & state) {
+        if (size >= INT_MAX || (!bytes && size))
+        {
+            VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to allocate buffer");
+            return false;
+        }
+        return state.ParseBytes(bytes, static_cast<int>(size));
+    });
+}
+
+template <class Source> bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
+{
+    if (!document)
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Document is NULL");
+        return false;
+    }
+    delete m_state; // a fresh state for each document
+    m_state = new (std::nothrow) State;
+    if (!m_state)
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Error creating XML Parser");
+        return false;
+    }
+    ParseScope const scope(*m_state, document);
+    if (!m_state->expat)
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Error creating XML Parser");
+        return false;
+    }
+    if (!EnsureRootElement(document))
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed to create root Element for document");
+        return false;
+    }
+    if (!m_state->PushElement(dynamic_cast<CVekXMLElement *>(document->GetRootElement())))
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed to push Element");
+        return false;
+    }
+    if (!source(*m_state))
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed on parsing");
+        return false;
+    }
+    return true;
+}

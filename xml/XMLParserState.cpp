@@ -1,0 +1,298 @@
+#include "xml/XMLParserState.h"
+
+#include "xml/XMLEscape.h"
+
+#include <limits.h>
+#include <wchar.h>
+
+#include <new>
+
+namespace
+{
+
+// The CDATA buffer's first size and its smallest growth, in bytes.
+constexpr size_t CDATA_RESERVED = 1024;
+
+void XMLCALL OnCharacterDataCB(void * userData, XML_Char const * text, int length);
+
+CVekXMLParser::State * StateOf(void * userData, wchar_t const * callback)
+{
+    if (!userData)
+        VekLogOutput(0, L"CVekXMLParser::%s --> Invalid user data is passed on XML Parser calback", callback);
+    return static_cast<CVekXMLParser::State *>(userData);
+}
+
+void XMLCALL OnStartElementCB(void * userData, XML_Char const * name, XML_Char const ** attributes)
+{
+    if (auto * const state = StateOf(userData, L"OnStartElementCB"))
+        state->OnStartElement(name, attributes);
+}
+
+void XMLCALL OnEndElementCB(void * userData, XML_Char const *)
+{
+    if (auto * const state = StateOf(userData, L"OnEndElementCB"))
+        state->OnEndElement();
+}
+
+void XMLCALL OnStartCdataSectionCB(void * userData)
+{
+    auto * const state = StateOf(userData, L"OnStartCdataSectionCB");
+    if (!state)
+        return;
+    state->OnStartCDATA();
+    // Text outside CDATA sections is dropped: the tokenizer need not even convert it.
+    if (state->inCDATA)
+        XML_SetCharacterDataHandler(state->expat, OnCharacterDataCB);
+}
+
+void XMLCALL OnCharacterDataCB(void * userData, XML_Char const * text, int length)
+{
+    // Kept: this callback and the next report under the name of the one above.
+    if (auto * const state = StateOf(userData, L"OnStartCdataSectionCB"))
+        state->OnCDATA(text, length);
+}
+
+void XMLCALL OnEndCdataSectionCB(void * userData)
+{
+    auto * const state = StateOf(userData, L"OnStartCdataSectionCB");
+    if (!state)
+        return;
+    XML_SetCharacterDataHandler(state->expat, nullptr);
+    state->OnEndCDATA();
+}
+
+void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Char const *, XML_Char const *, int)
+{
+    if (auto * const state = StateOf(userData, L"OnStartDoctypeDeclCB"))
+        state->document->SetDocumentType(name);
+}
+
+void XMLCALL OnEndDoctypeDeclCB(void * userData)
+{
+    StateOf(userData, L"OnEndDoctypeDeclCB");
+}
+
+void XMLCALL OnElementDeclCB(void * userData, XML_Char const * name, XML_Content * model)
+{
+    auto * const state = StateOf(userData, L"OnElementDeclCB");
+    if (!state)
+        return;
+    state->OnElementDecl(name, model);
+    XML_FreeContentModel(state->expat, model);
+}
+
+void XMLCALL OnAttlistDeclCB(void * userData, XML_Char const * element, XML_Char const * attribute,
+                             XML_Char const * type, XML_Char const *, int required)
+{
+    if (auto * const state = StateOf(userData, L"OnAttlistDeclCB"))
+        state->OnAttlistDecl(element, attribute, type, required);
+}
+
+void XMLCALL OnEntityDeclCB(void * userData, XML_Char const *, int, XML_Char const *, int, XML_Char const *,
+                            XML_Char const *, XML_Char const *, XML_Char const *)
+{
+    StateOf(userData, L"OnEntityDeclCB");
+}
+
+void XMLCALL OnUnparsedEntityDeclCB(void * userData, XML_Char const *, XML_Char const *, XML_Char const *,
+                                    XML_Char const *, XML_Char const *)
+{
+    StateOf(userData, L"OnUnparsedEntityDeclCB");
+}
+
+void XMLCALL OnNotationDeclCB(void * userData, XML_Char const *, XML_Char const *, XML_Char const *, XML_Char const *)
+{
+    StateOf(userData, L"OnNotationDeclCB");
+}
+
+} // namespace
+
+void vek::InstallXMLCallbacks(XML_Parser expat, void * userData) noexcept
+{
+    XML_SetUserData(expat, userData);
+    XML_SetElementHandler(expat, OnStartElementCB, OnEndElementCB);
+    XML_SetCdataSectionHandler(expat, OnStartCdataSectionCB, OnEndCdataSectionCB);
+    XML_SetDoctypeDeclHandler(expat, OnStartDoctypeDeclCB, OnEndDoctypeDeclCB);
+    XML_SetElementDeclHandler(expat, OnElementDeclCB);
+    XML_SetAttlistDeclHandler(expat, OnAttlistDeclCB);
+    XML_SetEntityDeclHandler(expat, OnEntityDeclCB);
+    XML_SetUnparsedEntityDeclHandler(expat, OnUnparsedEntityDeclCB);
+    XML_SetNotationDeclHandler(expat, OnNotationDeclCB);
+    XML_SetParamEntityParsing(expat, XML_PARAM_ENTITY_PARSING_ALWAYS);
+    // The document comes in one piece: there is no later piece to wait for.
+    XML_SetReparseDeferralEnabled(expat, XML_FALSE);
+}
+
+CVekXMLParser::State::State()
+{
+    firstElement = true;
+    cdata.Reserve(CDATA_RESERVED); // a failure is met again, and reported, where text is added
+}
+
+bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
+{
+    inCDATA = false;
+    // Kept: the piece is not marked as the last, so that a file that merely ends early is read without an error. Hosts
+    // read files that are still being written.
+    if (XML_Parse(expat, static_cast<char const *>(bytes), size, XML_FALSE) != XML_STATUS_ERROR)
+        return true;
+    XML_Error const code = XML_GetErrorCode(expat);
+    VekLogOutput(0, L"CVekXMLParser::Parse --> Parse error occured");
+    VekLogOutput(0, L"   Error code %d %s\n", static_cast<int>(code), XML_ErrorString(code));
+    VekLogOutput(0, L"      at line %d, col %d\n", static_cast<int>(XML_GetCurrentLineNumber(expat)),
+                 static_cast<int>(XML_GetCurrentColumnNumber(expat)));
+    return false;
+}
+
+bool CVekXMLParser::State::PushElement(CVekXMLElement * element)
+{
+    if (!element)
+    {
+        VekLogOutput(0, L"CVekXMLParser::PushElement --> pElement is NULL");
+        return false;
+    }
+    return stack.Append(element);
+}
+
+void CVekXMLParser::State::Abort()
+{
+    XML_StopParser(expat, XML_FALSE);
+}
+
+void CVekXMLParser::State::OnStartElement(wchar_t const * name, wchar_t const ** attributes)
+{
+    if (stack.Empty())
+        return;
+    CVekXMLElement * const element = BeginElement(name);
+    if (!element || !AddAttributes(element, attributes))
+        Abort();
+}
+
+CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
+{
+    if (firstElement)
+    {
+        // The file's outermost element becomes the document's root itself, not a child of it.
+        firstElement = false;
+        m_names.BeginElement();
+        stack.Back()->SetName(name);
+        return KnowExistingAttributes(stack.Back()) ? stack.Back() : nullptr;
+    }
+    m_names.BeginElement();
+    size_t const length = wcslen(name);
+    auto * const element = length <= INT_MAX ? new CVekXMLElement(name, static_cast<int>(length)) : nullptr;
+    if (!element || element->GetName().GetLength() != static_cast<int>(length))
+    {
+        VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
+        delete element;
+        return nullptr;
+    }
+    if (!stack.Back()->m_children.Append(element))
+    {
+        VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Adding child failed");
+        delete element;
+        return nullptr;
+    }
+    return PushElement(element) ? element : nullptr;
+}
+
+bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const ** attributes)
+{
+    int count = 0;
+    while (attributes[2 * count])
+        ++count;
+    if (count && !element->m_attributes.Reserve(element->m_attributes.GetCount() + count))
+    {
+        VekLogOutput(0, L"CVekXMLElement::AddAttribute --> Failed to add attribute");
+        return false;
+    }
+    for (int i = 0; i < count; ++i)
+    {
+        vek::XMLNameCache::Name const * const name = m_names.Find(attributes[2 * i]);
+        // Names that differ only in case are one name to an element: the first keeps its value.
+        if (name && !m_names.MarkUsed(name->foldedId))
+            continue;
+        CVekXMLAttribute * const attribute = name ? MakeAttribute(*name, attributes[2 * i + 1]) : nullptr;
+        if (!attribute)
+        {
+            VekLogOutput(0, L"CVekXMLElement::AddAttribute --> Failed to allocate new attribute");
+            return false;
+        }
+        element->m_attributes.Append(attribute); // room was made above
+    }
+    return true;
+}
+
+CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value)
+{
+    vek::EscapeMeasure const measure = vek::MeasureEscape(value);
+    if (measure.escapedLength > INT_MAX)
+        return nullptr;
+    if (measure.escapedLength != measure.length)
+    {
+        m_escaped.Clear();
+        wchar_t * const place = m_escaped.Extend(measure.escapedLength);
+        if (!place)
+            return nullptr;
+        vek::Escape(value, measure.length, place);
+        value = place;
+    }
+    auto const nameLength = static_cast<int>(name.length);
+    auto const valueLength = static_cast<int>(measure.escapedLength);
+    auto * const attribute = new CVekXMLAttribute(name.text, nameLength, value, valueLength);
+    if (attribute && attribute->GetName().GetLength() == nameLength && attribute->GetValue().GetLength() == valueLength)
+        return attribute;
+    delete attribute;
+    return nullptr;
+}
+
+bool CVekXMLParser::State::KnowExistingAttributes(CVekXMLElement const * element)
+{
+    for (int i = 0; i < element->m_attributes.GetCount(); ++i)
+    {
+        CVekString<wchar_t> const & name = element->m_attributes[i]->GetName();
+        uint32_t foldedId = 0;
+        if (!m_names.Add(name, static_cast<size_t>(name.GetLength()), foldedId))
+            return false;
+        m_names.MarkUsed(foldedId);
+    }
+    return true;
+}
+
+void CVekXMLParser::State::OnEndElement()
+{
+    if (stack.Empty())
+        return;
+    stack.PopBack();
+    complete = stack.Empty();
+}
+
+void CVekXMLParser::State::OnStartCDATA()
+{
+    if (stack.Empty())
+        return;
+    inCDATA = true;
+    cdata.Clear();
+}
+
+void CVekXMLParser::State::OnCDATA(wchar_t const * text, int length)
+{
+    if (inCDATA && !cdata.Append(reinterpret_cast<unsigned char const *>(text), static_cast<size_t>(length) * sizeof *text))
+    {
+        VekLogOutput(0, L"CVekXMLElement::AddCDATASection --> Failed to allocate memory for CDATA");
+        Abort();
+    }
+}
+
+void CVekXMLParser::State::OnEndCDATA()
+{
+    if (!inCDATA)
+        return;
+    inCDATA = false;
+    CVekXMLElement & element = *stack.Back();
+    bool const isFirst = !element.HasCDATASection();
+    // A second section in one element is refused there, with a message; only a first one that is lost ends the parse.
+    if (cdata.Size() > INT_MAX || (!element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size())) && isFirst))
+        Abort();
+    cdata.Clear();
+}
