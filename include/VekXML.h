@@ -24,10 +24,10 @@ public:
     virtual CVekString<wchar_t> const & GetName() const = 0;
 
     virtual int GetNumChildren() const = 0;
-    /// Adds a reference to the child and inserts it before the index; -1, or an index of the last position or beyond,
-    /// appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built. An element of
-    /// a foreign implementation is stored as a null entry. When memory is exhausted nothing is stored, the child's extra
-    /// reference stays, and the index of the last child is returned.
+    /// Adds a reference to the child and inserts it before the index; a negative index, or one of the last position or
+    /// beyond, appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built. An
+    /// element of a foreign implementation is stored as a null entry. When memory is exhausted nothing is stored, the
+    /// child's extra reference stays, and the index of the last child is returned.
     virtual int AddChild(IVekXMLElement * child, int index) = 0;
 
     /// Removes and releases the first child that is the given element or has the given name (silently nothing when there

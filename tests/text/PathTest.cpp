@@ -68,29 +68,31 @@ TYPED_TEST(Path, DirectoryAndNameWithoutExtension)
         char const * path;
         int max;
         char const * expected;
-    } const rows[] = {{true, "C:\\dir\\file.txt", -1, "C:\\di"}, // deliberate: one character short, all of them
-                      {true, "ab\\c", -1, "a"},
-                      {true, "a\\c", -1, ""},
-                      {true, "C:\\dir\\file.txt", 3, "C:\\"},
-                      {true, "file.txt", -1, ""},
-                      {true, "\\file.txt", -1, ""},
-                      {true, "", -1, ""},
-                      {true, "abcd\\x", 0, ""},
-                      {true, "abcd\\x", -2, ""},
-                      {true, "abcd/", INT_MAX, "abc"},
-                      {false, "dir\\file.txt", -1, "dir\\file"},
-                      {false, "a.b.c", -1, "a.b"},
-                      {false, "dir\\file.txt", 3, "dir"},
-                      {false, "dir\\file", -1, "dir"}, // deliberate: a name without a dot is removed
-                      {false, "\\file", -1, ""},
-                      {false, "dir\\", -1, "dir\\"},
-                      {false, "dir\\x.", -1, "dir\\x."},
-                      {false, "", -1, ""},
-                      {false, "file", -1, "file"},
-                      {false, "file", 2, "fi"},
-                      {false, "a.b", -2, ""},
-                      {false, "file", -2, ""},
-                      {false, "a.b", INT_MAX, "a"}};
+    } const rows[] = {
+        {true, "C:\\dir\\file.txt", -1, "C:\\di"}, // deliberate: one character short, all of them
+        {true, "ab\\c", -1, "a"},
+        {true, "a\\c", -1, ""},
+        {true, "C:\\dir\\file.txt", 3, "C:\\"},
+        {true, "file.txt", -1, ""},
+        {true, "\\file.txt", -1, ""},
+        {true, "", -1, ""},
+        {true, "abcd\\x", 0, ""},
+        {true, "abcd\\x", -2, ""},
+        {true, "abcd/", INT_MAX, "abc"},
+        {false, "dir\\file.txt", -1, "dir\\file"},
+        {false, "a.b.c", -1, "a.b"},
+        {false, "dir\\file.txt", 3, "dir"},
+        {false, "dir\\file", -1, "dir"}, // deliberate: a name without a dot is removed
+        {false, "\\file", -1, ""},
+        {false, "dir\\", -1, "dir\\"},
+        {false, "dir\\x.", -1, "dir\\x."},
+        {false, "", -1, ""},
+        {false, "file", -1, "file"},
+        {false, "file", 2, "fi"},
+        {false, "a.b", -2, ""},
+        {false, "file", -2, ""},
+        {false, "a.b", INT_MAX, "a"},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(testing::Message() << (row.directory ? "directory of " : "without extension ") << row.path
@@ -126,12 +128,14 @@ TYPED_TEST(Path, IsSamePathIsLiteralButForCase)
         char const * first;
         char const * second;
         bool same;
-    } const rows[] = {{"C:\\A\\B", "c:\\a\\b", true},
-                      {"C:/a", "C:\\a", false},
-                      {"a\\.\\b", "a\\b", false},
-                      {"", "", true},
-                      {"a", "", false},
-                      {"a", "a\\", false}};
+    } const rows[] = {
+        {"C:\\A\\B", "c:\\a\\b", true},
+        {"C:/a", "C:\\a", false},
+        {"a\\.\\b", "a\\b", false},
+        {"", "", true},
+        {"a", "", false},
+        {"a", "a\\", false},
+    };
     for (Row const & row : rows)
         EXPECT_EQ(Api<TypeParam>::IsSamePath(Text<TypeParam>(row.first).c_str(), Text<TypeParam>(row.second).c_str()),
                   row.same)
@@ -180,13 +184,15 @@ TEST(PlatformPath, Relative)
         std::wstring to;
         bool result;
         std::wstring expected;
-    } const rows[] = {{L"C:\\a\\b", DIRECTORY, L"C:\\a\\c\\d.txt", true, L"..\\c\\d.txt"},
-                      {L"C:\\a\\b.txt", PLAIN_FILE, L"C:\\a\\d.txt", true, L".\\d.txt"},
-                      {L"C:\\a", DIRECTORY, L"D:\\a", false, L""},
-                      {deep, DIRECTORY, L"C:\\b", false, L""}, // the way back would be longer than the buffer
-                      {deep, DIRECTORY, root, false, L""},
-                      {root + std::wstring(257, L'x'), DIRECTORY, L"C:\\b", false, L""},
-                      {L"C:\\b", DIRECTORY, root + std::wstring(5000, L'x'), false, L""}};
+    } const rows[] = {
+        {L"C:\\a\\b", DIRECTORY, L"C:\\a\\c\\d.txt", true, L"..\\c\\d.txt"},
+        {L"C:\\a\\b.txt", PLAIN_FILE, L"C:\\a\\d.txt", true, L".\\d.txt"},
+        {L"C:\\a", DIRECTORY, L"D:\\a", false, L""},
+        {deep, DIRECTORY, L"C:\\b", false, L""}, // the way back would be longer than the buffer
+        {deep, DIRECTORY, root, false, L""},
+        {root + std::wstring(257, L'x'), DIRECTORY, L"C:\\b", false, L""},
+        {L"C:\\b", DIRECTORY, root + std::wstring(5000, L'x'), false, L""},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(&row - rows);
@@ -213,12 +219,14 @@ TEST(PlatformPath, Absolute)
         wchar_t const * base;
         bool result;
         wchar_t const * expected;
-    } const rows[] = {{L"..\\x", L"C:\\a\\b", true, L"C:\\a\\x"},
-                      {L".\\x\\..\\y", L"C:\\a", true, L"C:\\a\\y"},
-                      {L"C:\\q", L"C:\\a", true, L"C:\\a\\C:\\q"}, // kept: joined although absolute already
-                      {longName.c_str(), L"C:\\a", false, longName.c_str()},
-                      {L"x", longName.c_str(), false, L"x"},
-                      {L"..\\..\\..\\..\\x", L"C:\\a", true, L"C:\\x"}};
+    } const rows[] = {
+        {L"..\\x", L"C:\\a\\b", true, L"C:\\a\\x"},
+        {L".\\x\\..\\y", L"C:\\a", true, L"C:\\a\\y"},
+        {L"C:\\q", L"C:\\a", true, L"C:\\a\\C:\\q"}, // kept: joined although absolute already
+        {longName.c_str(), L"C:\\a", false, longName.c_str()},
+        {L"x", longName.c_str(), false, L"x"},
+        {L"..\\..\\..\\..\\x", L"C:\\a", true, L"C:\\x"},
+    };
     for (Row const & row : rows)
     {
         CVekString<wchar_t> path(row.path);

@@ -21,8 +21,10 @@ TYPED_TEST(StringFunctions, CopyAndCatTakeAtMostMaxCharacters)
     {
         int max;
         char const * expected;
-    } const rows[] = {{3, "abc"},    {-1, "abcdef"},      {0, ""},  {1, "a"},     {6, "abcdef"},
-                      {7, "abcdef"}, {INT_MAX, "abcdef"}, {-2, ""}, {INT_MIN, ""}};
+    } const rows[] = {
+        {3, "abc"},    {-1, "abcdef"},      {0, ""},  {1, "a"},      {6, "abcdef"},
+        {7, "abcdef"}, {INT_MAX, "abcdef"}, {-2, ""}, {INT_MIN, ""},
+    };
     auto const source = Text<TypeParam>("abcdef");
     for (Row const & row : rows)
     {
@@ -58,10 +60,12 @@ TYPED_TEST(StringFunctions, Compare)
         int exact;
         int noCase;
         int twoOnly; // at most two characters, without case
-    } const rows[] = {{"abc", "ABD", 1, -1, 0}, {"abc", "ab", 1, 1, 0}, {"ab", "abc", -1, -1, 0}, {"", "", 0, 0, 0},
-                      {"", "a", -1, -1, -1},    {"a", "", 1, 1, 1},     {"Zq", "zQ", -1, 0, 0},   {"b", "a", 1, 1, 1},
-                      {"[", "a", -1, 1, 1}, // folded to upper case, [ is behind A
-                      {"@", "`", -1, -1, -1},   {"{", "[", 1, 1, 1},    {"x1y", "X1Z", 1, -1, 0}};
+    } const rows[] = {
+        {"abc", "ABD", 1, -1, 0}, {"abc", "ab", 1, 1, 0}, {"ab", "abc", -1, -1, 0},
+        {"", "", 0, 0, 0},        {"", "a", -1, -1, -1},  {"a", "", 1, 1, 1},
+        {"Zq", "zQ", -1, 0, 0},   {"b", "a", 1, 1, 1},    {"[", "a", -1, 1, 1}, // folded to upper case, [ is behind A
+        {"@", "`", -1, -1, -1},   {"{", "[", 1, 1, 1},    {"x1y", "X1Z", 1, -1, 0},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(testing::Message() << '"' << row.first << "\" and \"" << row.second << '"');
@@ -93,7 +97,12 @@ TYPED_TEST(StringFunctions, PrintfIsBounded)
         int size;
         int result;
         char const * text;
-    } const rows[] = {{9, 8, "abc-0042"}, {100, 8, "abc-0042"}, {8, -1, "abc-004"}, {1, -1, ""}};
+    } const rows[] = {
+        {9, 8, "abc-0042"},
+        {100, 8, "abc-0042"},
+        {8, -1, "abc-004"},
+        {1, -1, ""},
+    };
     auto const format = Text<TypeParam>("%s-%04d"), argument = Text<TypeParam>("abc");
     for (Row const & row : rows)
     {
@@ -132,9 +141,11 @@ TYPED_TEST(StringFunctions, CaseIsChangedOnlyInATerminatedBuffer)
         Change change;
         int size;
         char const * expected;
-    } const rows[] = {{Api<TypeParam>::ToLower, 6, "ab1_z"},  {Api<TypeParam>::ToUpper, 6, "AB1_Z"},
-                      {Api<TypeParam>::ToUpper, 5, "aB1_z"},  {Api<TypeParam>::ToLower, 0, "aB1_z"},
-                      {Api<TypeParam>::ToLower, -1, "aB1_z"}, {Api<TypeParam>::ToUpper, INT_MIN, "aB1_z"}};
+    } const rows[] = {
+        {Api<TypeParam>::ToLower, 6, "ab1_z"},  {Api<TypeParam>::ToUpper, 6, "AB1_Z"},
+        {Api<TypeParam>::ToUpper, 5, "aB1_z"},  {Api<TypeParam>::ToLower, 0, "aB1_z"},
+        {Api<TypeParam>::ToLower, -1, "aB1_z"}, {Api<TypeParam>::ToUpper, INT_MIN, "aB1_z"},
+    };
     for (Row const & row : rows)
     {
         auto text = Text<TypeParam>("aB1_z");
@@ -152,19 +163,21 @@ TYPED_TEST(StringFunctions, Numbers)
         int number;
         unsigned long unsignedNumber;
         double real;
-    } const rows[] = {{" \t-12x", 10, -12, static_cast<unsigned long>(-12), -12},
-                      {"0x1f", 0, 0, 31, 0},
-                      {"017", 0, 17, 15, 17},
-                      {"ff", 16, 0, 255, 0},
-                      {"zz", 36, 0, 1295, 0},
-                      {"", 10, 0, 0, 0},
-                      {"4294967295", 10, INT_MAX, 4294967295UL, 4294967295.0},
-                      {"99999999999", 10, INT_MAX, ULONG_MAX, 99999999999.0},
-                      {"1.5e3z", 10, 1, 1, 1500},
-                      {"-.25", 10, 0, 0, -.25},
-                      {"12", 1, 12, 0, 12},
-                      {"12", 37, 12, 0, 12},
-                      {"12", -10, 12, 0, 12}};
+    } const rows[] = {
+        {" \t-12x", 10, -12, static_cast<unsigned long>(-12), -12},
+        {"0x1f", 0, 0, 31, 0},
+        {"017", 0, 17, 15, 17},
+        {"ff", 16, 0, 255, 0},
+        {"zz", 36, 0, 1295, 0},
+        {"", 10, 0, 0, 0},
+        {"4294967295", 10, INT_MAX, 4294967295UL, 4294967295.0},
+        {"99999999999", 10, INT_MAX, ULONG_MAX, 99999999999.0},
+        {"1.5e3z", 10, 1, 1, 1500},
+        {"-.25", 10, 0, 0, -.25},
+        {"12", 1, 12, 0, 12},
+        {"12", 37, 12, 0, 12},
+        {"12", -10, 12, 0, 12},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(testing::Message() << '"' << row.text << "\" radix " << row.radix);
@@ -224,7 +237,8 @@ TEST(Convert, LogsWhenMemoryRunsOut)
         {[] { return VekCreateStrTtoW(L"abc").GetLength(); }, L"VekCreateStrTtoW --> Failed to allocate buffre"},
         {[] { return VekCreateStrTtoA(L"abc").GetLength(); }, L"VekCreateStrTtoA --> Failed to allocate buffre"},
         {[] { return VekCreateStrWtoT(L"abc").GetLength(); }, L"VekCreateStrWtoT --> Failed to allocate buffre"},
-        {[] { return VekCreateStrAtoT("abc").GetLength(); }, L"VekCreateStrAtoT --> Failed to allocate buffre"}};
+        {[] { return VekCreateStrAtoT("abc").GetLength(); }, L"VekCreateStrAtoT --> Failed to allocate buffre"},
+    };
     for (Row const & row : rows)
     {
         LogCapture log;

@@ -67,16 +67,18 @@ TYPED_TEST(String, Reserve)
         bool result;
         char const * text;
         int newCapacity;
-    } const rows[] = {{20, true, true, "abcdef", 20},
-                      {20, false, true, "", 20},
-                      {7, true, true, "abcdef", 7},
-                      {4, true, true, "abc", 4}, // kept: one character less than the capacity
-                      {1, true, true, "", 1},
-                      {0, true, true, "", 0},
-                      {-1, true, false, "abcdef", 7},
-                      {INT_MIN, false, false, "abcdef", 7},
-                      {INT_MAX, true, false, "abcdef", 7},
-                      {INT_MAX - 1, false, false, "abcdef", 7}};
+    } const rows[] = {
+        {20, true, true, "abcdef", 20},
+        {20, false, true, "", 20},
+        {7, true, true, "abcdef", 7},
+        {4, true, true, "abc", 4}, // kept: one character less than the capacity
+        {1, true, true, "", 1},
+        {0, true, true, "", 0},
+        {-1, true, false, "abcdef", 7},
+        {INT_MIN, false, false, "abcdef", 7},
+        {INT_MAX, true, false, "abcdef", 7},
+        {INT_MAX - 1, false, false, "abcdef", 7},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(testing::Message() << row.capacity << (row.keep ? " keep" : ""));
@@ -124,23 +126,25 @@ TYPED_TEST(String, PartsAreCutToTheSource)
         int start;
         int count;
         char const * part;
-    } const rows[] = {{0, 0, "abcdef"},
-                      {2, 0, "cdef"},
-                      {2, 3, "cde"},
-                      {5, 1, "f"},
-                      {5, 100, "f"},
-                      {6, 0, ""},
-                      {6, 1, ""},
-                      {7, 0, ""},
-                      {0, 6, "abcdef"},
-                      {0, 7, "abcdef"},
-                      {0, INT_MAX, "abcdef"},
-                      {3, INT_MAX, "def"},
-                      {INT_MAX, INT_MAX, ""},
-                      {-1, 3, ""},
-                      {INT_MIN, 0, ""},
-                      {0, -1, ""},
-                      {2, INT_MIN, ""}};
+    } const rows[] = {
+        {0, 0, "abcdef"},
+        {2, 0, "cdef"},
+        {2, 3, "cde"},
+        {5, 1, "f"},
+        {5, 100, "f"},
+        {6, 0, ""},
+        {6, 1, ""},
+        {7, 0, ""},
+        {0, 6, "abcdef"},
+        {0, 7, "abcdef"},
+        {0, INT_MAX, "abcdef"},
+        {3, INT_MAX, "def"},
+        {INT_MAX, INT_MAX, ""},
+        {-1, 3, ""},
+        {INT_MIN, 0, ""},
+        {0, -1, ""},
+        {2, INT_MIN, ""},
+    };
     auto const source = Text<TypeParam>("abcdef");
     for (Row const & row : rows)
         for (bool fromString : {false, true})
@@ -224,17 +228,19 @@ TYPED_TEST(String, KeptTheArgumentIsTheLeftOperandOfCompare)
         char const * argument;
         bool caseSensitive;
         int result;
-    } const rows[] = {{"b", "a", true, -1},
-                      {"a", "b", true, 1},
-                      {"a", "A", true, -1},
-                      {"a", "A", false, 0},
-                      {"ab", "a", true, -1},
-                      {"a", "ab", true, 1},
-                      {"", "", true, 0},
-                      {"", nullptr, true, 0},
-                      {"a", nullptr, true, -1},
-                      {"the same beginning of 25 x", "the same beginning of 25 Y", true, -1},
-                      {"the same beginning of 25 x", "the SAME beginning of 25 Y", false, 1}};
+    } const rows[] = {
+        {"b", "a", true, -1},
+        {"a", "b", true, 1},
+        {"a", "A", true, -1},
+        {"a", "A", false, 0},
+        {"ab", "a", true, -1},
+        {"a", "ab", true, 1},
+        {"", "", true, 0},
+        {"", nullptr, true, 0},
+        {"a", nullptr, true, -1},
+        {"the same beginning of 25 x", "the same beginning of 25 Y", true, -1},
+        {"the same beginning of 25 x", "the SAME beginning of 25 Y", false, 1},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(testing::Message() << '"' << row.string << "\" with " << (row.argument ? row.argument : "null"));
@@ -265,39 +271,41 @@ TYPED_TEST(String, FindRows)
         int start;
         bool caseSensitive;
         int result;
-    } const rows[] = {// in "abcABCabc"
-                      {FIND, "abc", 0, true, 0},
-                      {FIND, "abc", 1, true, 6},
-                      {FIND, "abc", 1, false, 3},
-                      {FIND, "", 0, true, -1},
-                      {FIND, nullptr, 0, true, -1},
-                      {FIND, "c", 8, true, 8},
-                      {FIND, "c", 9, true, -1},
-                      {FIND, "a", INT_MAX, true, -1},
-                      {FIND, "a", -5, true, 0},
-                      {FIND, "abcABCabcd", 0, true, -1},
-                      {FIND, "{", 0, false, -1},
-                      {REVERSE, "abc", -1, true, 6},
-                      {REVERSE, "abc", 5, true, 0},
-                      {REVERSE, "ABC", 5, false, 3},
-                      {REVERSE, "abc", 9, true, -1},
-                      {REVERSE, "bc", 8, true, 7},
-                      {REVERSE, "a", -2, true, -1},
-                      {REVERSE, "a", INT_MIN, true, -1},
-                      {REVERSE, "", -1, true, -1},
-                      {REVERSE, "x", -1, true, -1},
-                      {ONE_OF, "CB", 0, true, 4},
-                      {ONE_OF, "CB", 0, false, 1},
-                      {ONE_OF, "c", 9, true, -1},
-                      {ONE_OF, "", 0, true, -1},
-                      {ONE_OF, nullptr, 0, true, -1},
-                      {ONE_OF, "a", INT_MIN, true, 0},
-                      {REVERSE_ONE_OF, "CB", -1, true, 5},
-                      {REVERSE_ONE_OF, "CB", 4, true, 4},
-                      {REVERSE_ONE_OF, "B", 8, false, 7},
-                      {REVERSE_ONE_OF, "a", 9, true, -1},
-                      {REVERSE_ONE_OF, "a", -7, true, -1},
-                      {REVERSE_ONE_OF, "xyz", -1, false, -1}};
+    } const rows[] = {
+        // in "abcABCabc"
+        {FIND, "abc", 0, true, 0},
+        {FIND, "abc", 1, true, 6},
+        {FIND, "abc", 1, false, 3},
+        {FIND, "", 0, true, -1},
+        {FIND, nullptr, 0, true, -1},
+        {FIND, "c", 8, true, 8},
+        {FIND, "c", 9, true, -1},
+        {FIND, "a", INT_MAX, true, -1},
+        {FIND, "a", -5, true, 0},
+        {FIND, "abcABCabcd", 0, true, -1},
+        {FIND, "{", 0, false, -1},
+        {REVERSE, "abc", -1, true, 6},
+        {REVERSE, "abc", 5, true, 0},
+        {REVERSE, "ABC", 5, false, 3},
+        {REVERSE, "abc", 9, true, -1},
+        {REVERSE, "bc", 8, true, 7},
+        {REVERSE, "a", -2, true, -1},
+        {REVERSE, "a", INT_MIN, true, -1},
+        {REVERSE, "", -1, true, -1},
+        {REVERSE, "x", -1, true, -1},
+        {ONE_OF, "CB", 0, true, 4},
+        {ONE_OF, "CB", 0, false, 1},
+        {ONE_OF, "c", 9, true, -1},
+        {ONE_OF, "", 0, true, -1},
+        {ONE_OF, nullptr, 0, true, -1},
+        {ONE_OF, "a", INT_MIN, true, 0},
+        {REVERSE_ONE_OF, "CB", -1, true, 5},
+        {REVERSE_ONE_OF, "CB", 4, true, 4},
+        {REVERSE_ONE_OF, "B", 8, false, 7},
+        {REVERSE_ONE_OF, "a", 9, true, -1},
+        {REVERSE_ONE_OF, "a", -7, true, -1},
+        {REVERSE_ONE_OF, "xyz", -1, false, -1},
+    };
     auto const string = this->Make("abcABCabc");
     for (Row const & row : rows)
     {
@@ -366,28 +374,30 @@ TYPED_TEST(String, MoveCharacters)
         int count;
         char const * text;
         int length;
-    } const rows[] = {// in "abcdef" with a capacity of 10
-                      {0, 3, 2, "abcabf", 6},
-                      {3, 0, 2, "decdef", 6},
-                      {1, 2, 3, "abbcdf", 6},
-                      {2, 1, 3, "acdeef", 6},
-                      {3, 1, 3, "adef", 4},
-                      {2, 4, 4, "abcdcdef", 8},
-                      {2, 6, 4, "abcdefcdef", 10},
-                      {2, 7, 4, "abcdef", 6},
-                      {3, 1, 100, "adef", 4},
-                      {3, 1, INT_MAX, "adef", 4},
-                      {0, 5, 3, "abcdea", 6},
-                      {4, 8, 2, "abcdef", 10},
-                      {2, 2, 3, "abcdef", 6},
-                      {1, 3, 0, "abcdef", 6},
-                      {6, 0, 1, "abcdef", 6},
-                      {-1, 3, 2, "abcdef", 6},
-                      {1, -3, 2, "abcdef", 6},
-                      {1, 3, -2, "abcdef", 6},
-                      {0, INT_MAX, 2, "abcdef", 6},
-                      {INT_MAX, 0, INT_MAX, "abcdef", 6},
-                      {INT_MIN, INT_MIN, INT_MIN, "abcdef", 6}};
+    } const rows[] = {
+        // in "abcdef" with a capacity of 10
+        {0, 3, 2, "abcabf", 6},
+        {3, 0, 2, "decdef", 6},
+        {1, 2, 3, "abbcdf", 6},
+        {2, 1, 3, "acdeef", 6},
+        {3, 1, 3, "adef", 4},
+        {2, 4, 4, "abcdcdef", 8},
+        {2, 6, 4, "abcdefcdef", 10},
+        {2, 7, 4, "abcdef", 6},
+        {3, 1, 100, "adef", 4},
+        {3, 1, INT_MAX, "adef", 4},
+        {0, 5, 3, "abcdea", 6},
+        {4, 8, 2, "abcdef", 10},
+        {2, 2, 3, "abcdef", 6},
+        {1, 3, 0, "abcdef", 6},
+        {6, 0, 1, "abcdef", 6},
+        {-1, 3, 2, "abcdef", 6},
+        {1, -3, 2, "abcdef", 6},
+        {1, 3, -2, "abcdef", 6},
+        {0, INT_MAX, 2, "abcdef", 6},
+        {INT_MAX, 0, INT_MAX, "abcdef", 6},
+        {INT_MIN, INT_MIN, INT_MIN, "abcdef", 6},
+    };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(testing::Message() << row.from << " to " << row.to << " count " << row.count);
