@@ -17,6 +17,7 @@ find_package(expat 2.8.3 CONFIG QUIET PATHS ${VEKLIB_DEPS}/expat-${veklib_arch} 
 if(NOT expat_FOUND)
     message(STATUS "expat: building it here")
     set(EXPAT_CHAR_TYPE wchar_t CACHE STRING "" FORCE)
+    set(EXPAT_CONTEXT_BYTES 0 CACHE STRING "" FORCE)
     set(EXPAT_SHARED_LIBS OFF CACHE BOOL "" FORCE)
     set(EXPAT_ENABLE_INSTALL OFF CACHE BOOL "" FORCE)
     foreach(part TOOLS TESTS EXAMPLES DOCS)

@@ -30,6 +30,7 @@ constexpr uint16_t CLASS_BYTES[] = {8,    16,   24,   32,   40,   48,   56,   64
                                     6144, 8192};
 constexpr size_t CLASS_COUNT = sizeof CLASS_BYTES / sizeof CLASS_BYTES[0];
 constexpr size_t LARGEST = CLASS_BYTES[CLASS_COUNT - 1];
+static_assert(LARGEST == POOL_LARGEST);
 
 struct Region
 {
@@ -51,6 +52,7 @@ struct Chunk
     uint32_t freshOffset; // where the never used rest begins
     uint32_t used;
     Region * region; // in the region's first chunk the region's record follows this header
+    size_t classIndex;
 };
 
 // Blocks of 16 bytes and more that are a multiple of 16 stand at addresses that are one, too.
@@ -195,7 +197,7 @@ void UnlinkOpen(SizeClass & sizeClass, Chunk * chunk) noexcept
         chunk->next->previous = chunk->previous;
 }
 
-Chunk * OpenChunk(SizeClass & sizeClass) noexcept
+Chunk * OpenChunk(SizeClass & sizeClass, size_t classIndex) noexcept
 {
     Chunk * const chunk = g_regions.TakeChunk();
     if (chunk)
@@ -203,6 +205,7 @@ Chunk * OpenChunk(SizeClass & sizeClass) noexcept
         chunk->freeBlocks = nullptr;
         chunk->freshOffset = HEADER_BYTES;
         chunk->used = 0;
+        chunk->classIndex = classIndex;
         LinkOpen(sizeClass, chunk);
     }
     return chunk;
@@ -213,7 +216,7 @@ void * TakeBlock(size_t classIndex) noexcept
     SizeClass & sizeClass = g_classes[classIndex];
     size_t const bytes = CLASS_BYTES[classIndex];
     std::lock_guard const guard(sizeClass.lock);
-    Chunk * const chunk = sizeClass.open ? sizeClass.open : OpenChunk(sizeClass);
+    Chunk * const chunk = sizeClass.open ? sizeClass.open : OpenChunk(sizeClass, classIndex);
     if (!chunk)
         return nullptr;
     void * block = chunk->freeBlocks;
@@ -230,12 +233,12 @@ void * TakeBlock(size_t classIndex) noexcept
     return block;
 }
 
-void GiveBlock(void * block, size_t classIndex) noexcept
+void GiveBlock(void * block) noexcept
 {
-    SizeClass & sizeClass = g_classes[classIndex];
     auto * const chunk = reinterpret_cast<Chunk *>(reinterpret_cast<uintptr_t>(block) & ~(CHUNK_BYTES - 1));
+    SizeClass & sizeClass = g_classes[chunk->classIndex];
     std::lock_guard const guard(sizeClass.lock);
-    bool const wasFull = IsFull(chunk, CLASS_BYTES[classIndex]);
+    bool const wasFull = IsFull(chunk, CLASS_BYTES[chunk->classIndex]);
     chunk->freeBlocks = new (block) FreeBlock{chunk->freeBlocks};
     if (wasFull)
         LinkOpen(sizeClass, chunk);
@@ -266,9 +269,14 @@ void PoolFree(void * block, size_t size) noexcept
     if (!block)
         return;
     if (size - 1 < LARGEST_POOLED)
-        GiveBlock(block, ClassIndex(size));
+        GiveBlock(block);
     else
         free(block);
+}
+
+void PoolFreeObject(void * block, size_t size) noexcept
+{
+    PoolFree(block, size); // a block's class is its chunk's
 }
 
 size_t PoolReservedBytes() noexcept
@@ -290,5 +298,5 @@ void * CVekPooled::operator new(size_t size, std::nothrow_t const &) VEK_NOEXCEP
 
 void CVekPooled::operator delete(void * block, size_t size) VEK_NOEXCEPT
 {
-    vek::PoolFree(block, size);
+    vek::PoolFreeObject(block, size);
 }

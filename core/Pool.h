@@ -12,6 +12,13 @@ void * PoolAllocate(size_t size) noexcept;
 /// Frees a block of PoolAllocate; the size must be the one it was asked for. Null is ignored.
 void PoolFree(void * block, size_t size) noexcept;
 
+/// Frees a block of PoolAllocate that is at least that large, whatever it was asked for: an object that was made in a
+/// larger block. A block above the largest class must be an object of that very size.
+void PoolFreeObject(void * block, size_t size) noexcept;
+
+/// The largest block that the pool serves itself.
+constexpr size_t POOL_LARGEST = 8192;
+
 /// The bytes that the pool holds from the system, free blocks included; blocks above the largest class are not counted.
 size_t PoolReservedBytes() noexcept;
 

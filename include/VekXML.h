@@ -307,6 +307,10 @@ public:
 
 private:
     friend class CVekXMLElement;
+    friend class CVekXMLParser;
+
+    CVekXMLAttribute(CVekString<wchar_t> && name, CVekString<wchar_t> && value);
+    static CVekXMLAttribute * Make(wchar_t const * name, int nameLength, wchar_t const * value, int valueLength);
 
     CVekString<wchar_t> m_name;
     CVekString<wchar_t> m_value;
@@ -386,6 +390,9 @@ private:
 
     struct Tree;
 
+    explicit CVekXMLElement(CVekString<wchar_t> && name);
+    static CVekXMLElement * Make(wchar_t const * name, int nameLength);
+    static CVekXMLAttribute * NewAttribute(wchar_t const * name, wchar_t const * text);
     void DestrotyChildren(); // Kept: spelled so.
     void DestroyAttributes();
     bool VariantToString(VEK_VARIANT const & value, CVekString<wchar_t> & text);

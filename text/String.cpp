@@ -62,7 +62,7 @@ void Store(CVekString<T> & string, T const * source, size_t count, int growBy)
         memmove(text, source, count * sizeof(T));
         return Access<T>::SetLength(text, count);
     }
-    int const keptGrowBy = text ? Access<T>::Header(text).growBy : 0;
+    int const keptGrowBy = Access<T>::GrowBy(text);
     T * const grown = Access<T>::Allocate(static_cast<size_t>(growBy) + count + 1, keptGrowBy);
     if (!grown)
         return;
@@ -83,7 +83,7 @@ void Add(CVekString<T> & string, T const * source, size_t count, int growBy)
         size_t const capacity = static_cast<size_t>(growBy) + length + count + 1;
         if (!Access<T>::GrowInPlace(text, capacity))
         {
-            T * const grown = Access<T>::Allocate(capacity, text ? Access<T>::Header(text).growBy : 0);
+            T * const grown = Access<T>::Allocate(capacity, Access<T>::GrowBy(text));
             if (!grown)
                 return;
             if (text)
@@ -102,8 +102,7 @@ void Add(CVekString<T> & string, T const * source, size_t count, int growBy)
 template <class T>
 int GrowBy(CVekString<T> & string)
 {
-    T * const text = Access<T>::Text(string);
-    return text ? Access<T>::Header(text).growBy : 0;
+    return Access<T>::GrowBy(Access<T>::Text(string));
 }
 
 // A string of its own; when there is no memory for it, an empty one.

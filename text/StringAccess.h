@@ -4,6 +4,9 @@
 
 #include "core/Pool.h"
 
+#include <limits.h>
+#include <string.h>
+
 #include <bit>
 
 namespace vek
@@ -27,13 +30,13 @@ struct StringAccess
     static StringHeader & Header(T * text) noexcept { return reinterpret_cast<StringHeader *>(text)[-1]; }
 
     /// The size of the block for a capacity. Blocks are rounded up, so that a text that grows by small pieces is not
-    /// copied each time, although its capacity grows by just what is asked for: to 16 bytes, from 128 bytes on by up to
-    /// an eighth, as the pool does anyway, from 8 KB by up to a half, from 1 MB by up to a quarter.
+    /// copied each time, although its capacity grows by just what is asked for: to 8 or 16 bytes, from 128 bytes on by up
+    /// to an eighth, as the pool does anyway, from 8 KB by up to a half, from 1 MB by up to a quarter.
     static size_t BlockBytes(int capacity) noexcept
     {
         size_t const bytes = sizeof(StringHeader) + (static_cast<size_t>(capacity) + 1) * sizeof(T);
         size_t const parts = bytes <= 8 * 1024 ? 8 : bytes <= 1024 * 1024 ? 2 : 4;
-        size_t const step = bytes <= 128 ? 16 : std::bit_floor(bytes) / parts;
+        size_t const step = bytes <= 64 ? 8 : bytes <= 128 ? 16 : std::bit_floor(bytes) / parts;
         return (bytes + step - 1) & ~(step - 1);
     }
     /// Makes an empty text of that capacity; null when there is no memory for it.
@@ -53,7 +56,7 @@ struct StringAccess
     /// Raises the capacity as far as the text's block has room for it; false when it doesn't.
     static bool GrowInPlace(T * text, size_t capacity) noexcept
     {
-        if (!text || capacity > static_cast<size_t>(MAX_CAPACITY))
+        if (!text || IsEmbedded(text) || capacity > static_cast<size_t>(MAX_CAPACITY))
             return false;
         int const units = static_cast<int>(capacity);
         if (BlockBytes(units) != BlockBytes(Header(text).capacity))
@@ -63,13 +66,33 @@ struct StringAccess
     }
     static void Free(T * text) noexcept
     {
-        if (text)
+        if (text && !IsEmbedded(text))
             PoolFree(&Header(text), BlockBytes(Header(text).capacity));
     }
     static void SetLength(T * text, size_t length) noexcept
     {
         text[length] = 0;
         Header(text).length = static_cast<int>(length);
+    }
+
+    /// The grow-by that a larger block takes over.
+    static int GrowBy(T * text) noexcept { return text && !IsEmbedded(text) ? Header(text).growBy : 0; }
+
+    /// An object of the library may hold the first block of its string within its own block: one allocation for both. The
+    /// string leaves such a block when it needs a larger one, and never frees it; it must not be handed to another string.
+    static size_t EmbeddedBytes(size_t length) noexcept
+    {
+        return (sizeof(StringHeader) + (length + 1) * sizeof(T) + 3) & ~size_t{3};
+    }
+    /// Makes the block of a text of that length at the place.
+    static CVekString<T> Embed(void * place, T const * source, size_t length) noexcept
+    {
+        auto * const header = static_cast<StringHeader *>(place);
+        *header = {0, static_cast<int>(length), EMBEDDED};
+        T * const text = reinterpret_cast<T *>(header + 1);
+        memcpy(text, source, length * sizeof(T));
+        SetLength(text, length);
+        return CVekString<T>(typename CVekString<T>::Block{text});
     }
 
     static T *& Text(CVekString<T> & string) noexcept { return string.m_text; }
@@ -91,8 +114,7 @@ struct StringAccess
         T *& text = string.m_text;
         if (!text || static_cast<size_t>(Header(text).capacity) <= length)
         {
-            int const growBy = text ? Header(text).growBy : 0;
-            T * const grown = length < static_cast<size_t>(MAX_CAPACITY) ? Allocate(length + 1, growBy) : nullptr;
+            T * const grown = length < static_cast<size_t>(MAX_CAPACITY) ? Allocate(length + 1, GrowBy(text)) : nullptr;
             if (!grown)
                 return nullptr;
             Free(text);
@@ -101,6 +123,11 @@ struct StringAccess
         SetLength(text, length);
         return text;
     }
+
+private:
+    static constexpr int EMBEDDED = INT_MIN; // in place of the grow-by
+
+    static bool IsEmbedded(T * text) noexcept { return Header(text).growBy == EMBEDDED; }
 };
 
 } // namespace vek

@@ -1,6 +1,7 @@
 #include "VekXML.h"
 
 #include "core/Pool.h"
+#include "text/StringAccess.h"
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLNames.h"
@@ -29,6 +30,28 @@ struct CVekXMLElement::Tree
 CVekXMLElement::CVekXMLElement() = default;
 
 CVekXMLElement::CVekXMLElement(wchar_t const * name, int nameLength) : m_name(name, nameLength) {}
+
+CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(static_cast<CVekString<wchar_t> &&>(name)) {}
+
+// Makes an element in one block with a short name; null when memory is exhausted.
+CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
+{
+    using Access = vek::StringAccess<wchar_t>;
+    constexpr int embeddedUnits = 128;
+    auto const units = static_cast<size_t>(nameLength);
+    if (nameLength < embeddedUnits)
+    {
+        void * const block = vek::PoolAllocate(sizeof(CVekXMLElement) + Access::EmbeddedBytes(units));
+        return block ? new (block) CVekXMLElement(
+                           Access::Embed(static_cast<char *>(block) + sizeof(CVekXMLElement), name, units))
+                     : nullptr;
+    }
+    auto * const element = new CVekXMLElement(name, nameLength);
+    if (!element || element->m_name.GetLength() == nameLength)
+        return element;
+    delete element;
+    return nullptr;
+}
 
 CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) = default;
 

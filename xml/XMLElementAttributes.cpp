@@ -26,8 +26,20 @@ CVekString<wchar_t> const & EmptyText()
     return holder.text;
 }
 
+// Copies into a caller's string, whose block is used again; false, with the string unchanged, when memory is exhausted.
+bool CopyText(CVekString<wchar_t> const & stored, CVekString<wchar_t> & value)
+{
+    int const length = stored.GetLength();
+    if (value.GetCapacity() <= length && !value.Reserve(length + 1, false))
+        return false;
+    value.Assign(stored);
+    return true;
+}
+
+} // namespace
+
 // A new attribute whose value is the escaped form of the text; null when memory is exhausted.
-CVekXMLAttribute * NewEscaped(wchar_t const * name, wchar_t const * text)
+CVekXMLAttribute * CVekXMLElement::NewAttribute(wchar_t const * name, wchar_t const * text)
 {
     vek::EscapeMeasure const measure = vek::MeasureEscape(text);
     if (measure.escapedLength >= INT_MAX / sizeof(wchar_t))
@@ -41,25 +53,11 @@ CVekXMLAttribute * NewEscaped(wchar_t const * name, wchar_t const * text)
         vek::Escape(text, measure.length, place);
         text = place;
     }
-    int const length = static_cast<int>(measure.escapedLength);
-    CVekXMLAttribute * const attribute = vek::NewNamed<CVekXMLAttribute>(vek::GivenText(name), text, length);
-    if (!attribute || attribute->GetValue().GetLength() == length)
-        return attribute;
-    delete attribute;
-    return nullptr;
+    vek::GivenText const given(name);
+    return given.length < 0 ? nullptr
+                            : CVekXMLAttribute::Make(given.text, given.length, text,
+                                                     static_cast<int>(measure.escapedLength));
 }
-
-// Copies into a caller's string, whose block is used again; false, with the string unchanged, when memory is exhausted.
-bool CopyText(CVekString<wchar_t> const & stored, CVekString<wchar_t> & value)
-{
-    int const length = stored.GetLength();
-    if (value.GetCapacity() <= length && !value.Reserve(length + 1, false))
-        return false;
-    value.Assign(stored);
-    return true;
-}
-
-} // namespace
 
 int CVekXMLElement::GetNumAttributes() const
 {
@@ -78,7 +76,7 @@ int CVekXMLElement::AddAttribute(wchar_t const * name, VEK_VARIANT const & value
     vek::XMLVariantText text;
     if (!text.Convert(value))
         return -1;
-    CVekXMLAttribute * const attribute = NewEscaped(name, text.Text());
+    CVekXMLAttribute * const attribute = NewAttribute(name, text.Text());
     if (!attribute)
     {
         VekLogOutput(0, L"CVekXMLElement::AddAttribute --> Failed to allocate new attribute");

@@ -180,11 +180,10 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
     }
     m_names.BeginElement();
     size_t const length = wcslen(name);
-    auto * const element = length <= INT_MAX ? new CVekXMLElement(name, static_cast<int>(length)) : nullptr;
-    if (!element || element->GetName().GetLength() != static_cast<int>(length))
+    auto * const element = length <= INT_MAX ? CVekXMLElement::Make(name, static_cast<int>(length)) : nullptr;
+    if (!element)
     {
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
-        delete element;
         return nullptr;
     }
     if (!stack.Back()->m_children.Append(element))
@@ -237,13 +236,8 @@ CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name c
         vek::Escape(value, measure.length, place);
         value = place;
     }
-    auto const nameLength = static_cast<int>(name.length);
-    auto const valueLength = static_cast<int>(measure.escapedLength);
-    auto * const attribute = new CVekXMLAttribute(name.text, nameLength, value, valueLength);
-    if (attribute && attribute->GetName().GetLength() == nameLength && attribute->GetValue().GetLength() == valueLength)
-        return attribute;
-    delete attribute;
-    return nullptr;
+    return CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), value,
+                                  static_cast<int>(measure.escapedLength));
 }
 
 bool CVekXMLParser::State::KnowExistingAttributes(CVekXMLElement const * element)
