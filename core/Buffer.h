@@ -11,7 +11,8 @@ namespace vek
 {
 
 /// A growable array of plain values that reports a failed allocation instead of throwing. Growth doubles.
-template <class T> class Buffer
+template <class T>
+class Buffer
 {
     static_assert(std::is_trivially_copyable_v<T>);
 
@@ -71,7 +72,8 @@ public:
             memcpy(place, values, count * sizeof(T));
         return place != nullptr;
     }
-    /// Adds room for that many values, not initialised, and returns the place of the first; null when there is no memory.
+    /// Adds room for that many values, not initialised, and returns the place of the first; null when there is no
+    /// memory.
     T * Extend(size_t count) noexcept
     {
         if (count > PTRDIFF_MAX / sizeof(T) - m_size || !Reserve(m_size + count + !m_data))

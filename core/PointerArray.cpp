@@ -10,8 +10,8 @@
 namespace
 {
 
-// The capacity that the array reports grows by its step; the block behind it is the next power of two, so that a step of
-// 1 costs no copy per element.
+// The capacity that the array reports grows by its step; the block behind it is the next power of two, so that a step
+// of 1 costs no copy per element.
 size_t BlockSlots(int capacity)
 {
     return std::bit_ceil(static_cast<size_t>(capacity));

@@ -24,10 +24,10 @@ constexpr uint32_t ALL_CHUNKS_FREE = (1U << REGION_CHUNKS) - 1;
 constexpr size_t IDLE_REGIONS_KEPT = 64;
 constexpr size_t GRAIN = 8;
 
-constexpr uint16_t CLASS_BYTES[] = {8,    16,   24,   32,   40,   48,   56,   64,   72,   80,   88,   96,   104,
-                                    112,  120,  128,  144,  160,  176,  192,  208,  224,  240,  256,  320,  384,
-                                    448,  512,  640,  768,  896,  1024, 1280, 1536, 1792, 2048, 2560, 3072, 3584,
-                                    4096, 5120, 6144, 8192};
+constexpr uint16_t CLASS_BYTES[] = {8,    16,   24,   32,   40,   48,   56,   64,   72,   80,   88,
+                                    96,   104,  112,  120,  128,  144,  160,  176,  192,  208,  224,
+                                    240,  256,  320,  384,  448,  512,  640,  768,  896,  1024, 1280,
+                                    1536, 1792, 2048, 2560, 3072, 3584, 4096, 5120, 6144, 8192};
 constexpr size_t CLASS_COUNT = sizeof CLASS_BYTES / sizeof CLASS_BYTES[0];
 constexpr size_t LARGEST = CLASS_BYTES[CLASS_COUNT - 1];
 static_assert(LARGEST == POOL_LARGEST);

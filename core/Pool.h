@@ -5,8 +5,8 @@
 namespace vek
 {
 
-/// Allocates a block of the library's own: objects, string blocks and small arrays, served from size classes. Blocks are
-/// aligned to 8 bytes. Null when memory is exhausted. Safe from any thread.
+/// Allocates a block of the library's own: objects, string blocks and small arrays, served from size classes. Blocks
+/// are aligned to 8 bytes. Null when memory is exhausted. Safe from any thread.
 void * PoolAllocate(size_t size) noexcept;
 
 /// Frees a block of PoolAllocate; the size must be the one it was asked for. Null is ignored.

@@ -4,7 +4,8 @@ namespace vek
 {
 
 /// Holds one reference to a counted object and gives it back at the end of the scope.
-template <class T> class Ref
+template <class T>
+class Ref
 {
 public:
     Ref() noexcept = default;

@@ -5,8 +5,8 @@
 namespace vek
 {
 
-/// A lock for sections of a few instructions; waits by spinning, then by giving the processor away. Not recursive. Made at
-/// compile time, so it may guard what static constructors use.
+/// A lock for sections of a few instructions; waits by spinning, then by giving the processor away. Not recursive. Made
+/// at compile time, so it may guard what static constructors use.
 class SpinLock
 {
 public:

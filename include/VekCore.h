@@ -60,7 +60,8 @@ public:
 
 /// Counts references for an interface: derive from CVekRefCounted<IVekSomething> and write only the interface's own
 /// operations. The virtual destructor follows the interface's operations in the table.
-template <class Interface> class CVekRefCounted : public Interface
+template <class Interface>
+class CVekRefCounted : public Interface
 {
 public:
     CVekRefCounted() = default;
@@ -83,8 +84,8 @@ protected:
     VekObjectCommonData m_common;
 };
 
-/// Gives the classes that derive from it the library's own pool for their objects. `new` of such a class yields null when
-/// memory is exhausted.
+/// Gives the classes that derive from it the library's own pool for their objects. `new` of such a class yields null
+/// when memory is exhausted.
 class VEK_API CVekPooled
 {
 public:
@@ -141,9 +142,10 @@ protected:
     int m_growthStep = 1;
 };
 
-/// An ordered array of pointers with a growth step (1 by default). It owns its storage, which its owner frees with Free,
-/// and none of the objects; it has no destructor, so that objects that hold one can be copied shallowly.
-template <class T> class CVekPointerArray : public CVekPointerArrayBase
+/// An ordered array of pointers with a growth step (1 by default). It owns its storage, which its owner frees with
+/// Free, and none of the objects; it has no destructor, so that objects that hold one can be copied shallowly.
+template <class T>
+class CVekPointerArray : public CVekPointerArrayBase
 {
 public:
     /// The pointer at an index, which must be inside the array.
@@ -166,9 +168,9 @@ public:
     virtual void OnLogOutput(int level, wchar_t const * text) = 0;
 };
 
-/// Formats a message (wide printf rules: "%s" is wide text), appends a newline and sends it to the debugger and to every
-/// registered catcher, in the order of registration. Messages above the debug output level cost nothing. A text longer
-/// than 4,094 characters is cut there.
+/// Formats a message (wide printf rules: "%s" is wide text), appends a newline and sends it to the debugger and to
+/// every registered catcher, in the order of registration. Messages above the debug output level cost nothing. A text
+/// longer than 4,094 characters is cut there.
 VEK_API void VekLogOutput(int level, wchar_t const * format, ...);
 
 /// Sends the system's text for the calling thread's last error to the debugger; nothing when there is no text.

@@ -22,8 +22,8 @@
 #define VEK_NOEXCEPT noexcept
 
 /// Declares a group of virtual operations that share a name, each without its semicolon, in slot order.
-/// One compiler family lays such a group out in the order of declaration, the other in reverse: the macro declares it the
-/// right way round for either, so that both see the same table.
+/// One compiler family lays such a group out in the order of declaration, the other in reverse: the macro declares it
+/// the right way round for either, so that both see the same table.
 #define VEK_OVERLOADS(...) VEK_EXPAND(VEK_OVERLOADS_PICK(__VA_ARGS__, VEK_OV_LIST)(__VA_ARGS__))
 
 /// @cond internal
@@ -39,7 +39,9 @@
 #if defined(_MSC_VER)
 #define VEK_OV_PAIR(first, rest) rest first;
 #else
-#define VEK_OV_PAIR(first, rest) first; rest
+#define VEK_OV_PAIR(first, rest)                                                                                       \
+    first;                                                                                                             \
+    rest
 #endif
 #define VEK_OV1(a) a;
 #define VEK_OV2(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV1(__VA_ARGS__)))
@@ -97,10 +99,15 @@ class CVekEventHandler;
 class CVekEventData;
 class VEK_VARIANT;
 
-template <class T> class CVekString;
-template <class T> class CVekRGBA;
-template <class T> class CVekVector4D;
-template <class T> class CVekMatrix;
-template <class T> class CVekMatrix4x4;
+template <class T>
+class CVekString;
+template <class T>
+class CVekRGBA;
+template <class T>
+class CVekVector4D;
+template <class T>
+class CVekMatrix;
+template <class T>
+class CVekMatrix4x4;
 
 #endif

@@ -2,8 +2,9 @@
 /// The XML object model: elements with attributes and CDATA, documents with their DTD, the parser, the writer, and the
 /// manager that creates them all.
 ///
-/// Names are matched everywhere without regard to the case of ASCII letters, and the first match wins. A null name matches
-/// only an empty one. A tree of elements is used by one thread at a time; different trees by any number of threads.
+/// Names are matched everywhere without regard to the case of ASCII letters, and the first match wins. A null name
+/// matches only an empty one. A tree of elements is used by one thread at a time; different trees by any number of
+/// threads.
 #ifndef VEK_XML_H
 #define VEK_XML_H
 
@@ -11,8 +12,9 @@
 #include "VekMath.h"
 #include "VekText.h"
 
-/// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and at
-/// most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes one.
+/// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and
+/// at most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes
+/// one.
 class IVekXMLElement : public IVekObject
 {
 public:
@@ -25,33 +27,34 @@ public:
 
     virtual int GetNumChildren() const = 0;
     /// Adds a reference to the child and inserts it before the index; a negative index, or one of the last position or
-    /// beyond, appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built. An
-    /// element of a foreign implementation is stored as a null entry. When memory is exhausted nothing is stored, the
-    /// child's extra reference stays, and the index of the last child is returned.
+    /// beyond, appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built.
+    /// An element of a foreign implementation is stored as a null entry. When memory is exhausted nothing is stored,
+    /// the child's extra reference stays, and the index of the last child is returned.
     virtual int AddChild(IVekXMLElement * child, int index) = 0;
 
-    /// Removes and releases the first child that is the given element or has the given name (silently nothing when there
-    /// is none), or the child at an index (a bad index is logged).
-    VEK_OVERLOADS(virtual void RemoveChild(IVekXMLElement * child) = 0, virtual void RemoveChild(wchar_t const * name) = 0,
-                  virtual void RemoveChild(int index) = 0)
+    /// Removes and releases the first child that is the given element or has the given name (silently nothing when
+    /// there is none), or the child at an index (a bad index is logged).
+    VEK_OVERLOADS(virtual void RemoveChild(IVekXMLElement * child) = 0,
+                  virtual void RemoveChild(wchar_t const * name) = 0, virtual void RemoveChild(int index) = 0)
     virtual void RemoveAllChildren() = 0;
 
     /// The child at an index, no reference added; null, with a message, for a bad index.
-    VEK_OVERLOADS(virtual IVekXMLElement * GetChild(int index) = 0, virtual IVekXMLElement const * GetChild(int index) const = 0)
+    VEK_OVERLOADS(virtual IVekXMLElement * GetChild(int index) = 0,
+                  virtual IVekXMLElement const * GetChild(int index) const = 0)
 
-    /// The first child of that name, no reference added; null when there is none. The second form can append a new child
-    /// of that name instead.
+    /// The first child of that name, no reference added; null when there is none. The second form can append a new
+    /// child of that name instead.
     VEK_OVERLOADS(virtual IVekXMLElement const * FindChild(wchar_t const * name) const = 0,
                   virtual IVekXMLElement * FindChild(wchar_t const * name, bool create) = 0)
 
     virtual int GetNumAttributes() const = 0;
-    /// Adds an attribute with the value converted to text and escaped; before the index when it names an attribute, else at
-    /// the end. Returns the attribute's index, or -1 when the name is taken (silently), the value's type has no text form
-    /// or memory is exhausted.
+    /// Adds an attribute with the value converted to text and escaped; before the index when it names an attribute,
+    /// else at the end. Returns the attribute's index, or -1 when the name is taken (silently), the value's type has no
+    /// text form or memory is exhausted.
     virtual int AddAttribute(wchar_t const * name, VEK_VARIANT const & value, int index) = 0;
 
-    /// Replaces an attribute's value. By name the text is escaped, and a missing attribute can be added; by index the text
-    /// is stored as it is, unescaped. False when there is no such attribute or the value has no text form.
+    /// Replaces an attribute's value. By name the text is escaped, and a missing attribute can be added; by index the
+    /// text is stored as it is, unescaped. False when there is no such attribute or the value has no text form.
     VEK_OVERLOADS(virtual bool SetAttributeValue(wchar_t const * name, VEK_VARIANT const & value, bool add) = 0,
                   virtual bool SetAttributeValue(int index, VEK_VARIANT const & value) = 0)
 
@@ -70,35 +73,46 @@ public:
     /// The attribute's name; an empty text for a bad index.
     virtual CVekString<wchar_t> const & GetAttributeName(int index) const = 0;
 
-    /// Typed reads by name or index. True when the text was converted; components that the text doesn't have are 0. When
-    /// there is no such attribute (a bad index is logged) the default is stored and false returned; a text that is no
-    /// boolean gives false and leaves the output. The text form by name undoes the escaping, the one by index does not. The
-    /// last one returns the stored text itself, an empty one for a bad index.
-    VEK_OVERLOADS(
-        virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, bool & value, bool defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, double & value, double defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, float & value, float defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, float & value, float defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, int & value, int defaultValue) const = 0,
-        virtual bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue) const = 0,
-        virtual bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value, wchar_t const * defaultValue) const = 0,
-        virtual CVekString<wchar_t> const & GetAttributeValue(int index) const = 0)
+    /// Typed reads by name or index. True when the text was converted; components that the text doesn't have are 0.
+    /// When there is no such attribute (a bad index is logged) the default is stored and false returned; a text that is
+    /// no boolean gives false and leaves the output. The text form by name undoes the escaping, the one by index does
+    /// not. The last one returns the stored text itself, an empty one for a bad index.
+    VEK_OVERLOADS(virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value,
+                                                 CVekVector4D<double> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, CVekVector4D<double> & value,
+                                                 CVekVector4D<double> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value,
+                                                 CVekVector4D<float> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, CVekVector4D<float> & value,
+                                                 CVekVector4D<float> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value,
+                                                 CVekVector4D<int> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, CVekVector4D<int> & value,
+                                                 CVekVector4D<int> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value,
+                                                 CVekRGBA<float> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, CVekRGBA<float> & value,
+                                                 CVekRGBA<float> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value,
+                                                 CVekRGBA<unsigned char> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value,
+                                                 CVekRGBA<unsigned char> const & defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, bool & value, bool defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, double & value, double defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, float & value, float defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, float & value, float defaultValue) const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, int & value, int defaultValue) const = 0,
+                  virtual bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue)
+                      const = 0,
+                  virtual bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value,
+                                                 wchar_t const * defaultValue) const = 0,
+                  virtual CVekString<wchar_t> const & GetAttributeValue(int index) const = 0)
 
-    /// Stores a copy of the bytes (UTF-16 text) as the element's CDATA section. False when it already has one or memory is
-    /// exhausted. The size is in bytes.
+    /// Stores a copy of the bytes (UTF-16 text) as the element's CDATA section. False when it already has one or memory
+    /// is exhausted. The size is in bytes.
     virtual bool AddCDATASection(unsigned char const * bytes, int size) = 0;
     /// In bytes; 0 without a section.
     virtual int GetCDATASectionSize() const = 0;
@@ -133,9 +147,10 @@ public:
         virtual int GetOccurrence() const = 0;
         virtual int GetNumChildren() const = 0;
         /// The child at an index, no reference added; null for a bad index.
-        VEK_OVERLOADS(virtual RuleEntry * GetChild(int index) = 0, virtual RuleEntry const * GetChild(int index) const = 0)
-        /// Appends a child (a null name makes a group) and returns its index; -1, with a message, when a child of the same
-        /// name, type and occurrence exists or memory is exhausted.
+        VEK_OVERLOADS(virtual RuleEntry * GetChild(int index) = 0,
+                      virtual RuleEntry const * GetChild(int index) const = 0)
+        /// Appends a child (a null name makes a group) and returns its index; -1, with a message, when a child of the
+        /// same name, type and occurrence exists or memory is exhausted.
         virtual int AddChild(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
         /// Removes and releases the child; a bad index is logged.
         virtual void RemoveChild(int index) = 0;
@@ -145,11 +160,12 @@ public:
     virtual CVekString<wchar_t> const & GetName() const = 0;
     virtual VEK_XML_DTD_ENTRYTYPE GetType() const = 0;
     virtual int GetNumRuleEntries() const = 0;
-    /// Appends an entry (a null name makes a group) and returns its index; -1, with a message, when an entry of that name
-    /// exists or memory is exhausted.
+    /// Appends an entry (a null name makes a group) and returns its index; -1, with a message, when an entry of that
+    /// name exists or memory is exhausted.
     virtual int AddRuleEntry(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
     /// The entry at an index, no reference added; null for a bad index.
-    VEK_OVERLOADS(virtual RuleEntry * GetRuleEntry(int index) = 0, virtual RuleEntry const * GetRuleEntry(int index) const = 0)
+    VEK_OVERLOADS(virtual RuleEntry * GetRuleEntry(int index) = 0,
+                  virtual RuleEntry const * GetRuleEntry(int index) const = 0)
     /// Removes and releases the entry; a bad index is logged.
     virtual void RemoveRuleEntry(int index) = 0;
     virtual void RemoveAllRuleEntries() = 0;
@@ -191,18 +207,21 @@ public:
     /// Returns true and stores nothing: a document of this library is always "UTF-8".
     virtual bool SetEncoding(wchar_t const * name) = 0;
     virtual CVekString<wchar_t> const & GetEncoding() const = 0;
-    /// Takes a reference to the new root and releases the old one; null leaves the document without a root. Always true.
+    /// Takes a reference to the new root and releases the old one; null leaves the document without a root. Always
+    /// true.
     virtual bool SetRootElement(IVekXMLElement * element) = 0;
     /// The root element, no reference added; null when there is none.
-    VEK_OVERLOADS(virtual IVekXMLElement * GetRootElement() = 0, virtual IVekXMLElement const * GetRootElement() const = 0)
-    /// Walks from the root along names separated by slashes or backslashes; the root's own name is not part of the path,
-    /// an empty path is the root, and empty components are skipped. Missing elements can be created on the way. Returns the
-    /// element reached, no reference added; null when the document has no root or an element is missing.
+    VEK_OVERLOADS(virtual IVekXMLElement * GetRootElement() = 0,
+                  virtual IVekXMLElement const * GetRootElement() const = 0)
+    /// Walks from the root along names separated by slashes or backslashes; the root's own name is not part of the
+    /// path, an empty path is the root, and empty components are skipped. Missing elements can be created on the way.
+    /// Returns the element reached, no reference added; null when the document has no root or an element is missing.
     virtual IVekXMLElement * FindElementFromPath(wchar_t const * path, bool create) = 0;
 
     virtual int GetNumDTDRules() const = 0;
     /// The rule at an index or of a name, no reference added; null when there is none.
-    VEK_OVERLOADS(virtual IVekXMLDTDRule * GetDTDRule(int index) = 0, virtual IVekXMLDTDRule const * GetDTDRule(int index) const = 0)
+    VEK_OVERLOADS(virtual IVekXMLDTDRule * GetDTDRule(int index) = 0,
+                  virtual IVekXMLDTDRule const * GetDTDRule(int index) const = 0)
     VEK_OVERLOADS(virtual IVekXMLDTDRule * FindDTDRule(wchar_t const * name) = 0,
                   virtual IVekXMLDTDRule const * FindDTDRule(wchar_t const * name) const = 0)
     /// Appends a rule and returns its index; -1, with a message, when the name is taken or memory is exhausted.
@@ -217,7 +236,8 @@ public:
                   virtual IVekXMLDTDAttributeList const * GetDTDAttributeList(int index) const = 0)
     VEK_OVERLOADS(virtual IVekXMLDTDAttributeList * FindDTDAttributeList(wchar_t const * name) = 0,
                   virtual IVekXMLDTDAttributeList const * FindDTDAttributeList(wchar_t const * name) const = 0)
-    /// Appends an attribute list and returns its index; -1, with a message, when the name is taken or memory is exhausted.
+    /// Appends an attribute list and returns its index; -1, with a message, when the name is taken or memory is
+    /// exhausted.
     virtual int AddDTDAttributeList(wchar_t const * name) = 0;
     /// Removes and releases the list; a bad index is logged.
     virtual void RemoveDTDAttributeList(int index) = 0;
@@ -228,11 +248,11 @@ public:
 class IVekXMLParser : public IVekObject
 {
 public:
-    /// Reads a file of any encoding that its byte order mark or declaration names. Elements and attributes are added to the
-    /// document's root element (made when there is none), which takes the name of the file's outermost element; attribute
-    /// values are stored escaped; text outside CDATA sections is dropped. False, with messages, when the file can't be read
-    /// or is malformed; the document then keeps what was read. A file that merely ends early is not an error here; ask
-    /// CVekXMLParser::IsComplete.
+    /// Reads a file of any encoding that its byte order mark or declaration names. Elements and attributes are added to
+    /// the document's root element (made when there is none), which takes the name of the file's outermost element;
+    /// attribute values are stored escaped; text outside CDATA sections is dropped. False, with messages, when the file
+    /// can't be read or is malformed; the document then keeps what was read. A file that merely ends early is not an
+    /// error here; ask CVekXMLParser::IsComplete.
     virtual bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
 };
 
@@ -243,15 +263,15 @@ public:
     /// The spaces for each level of depth, 3 at first; a negative number is refused with a message.
     virtual void SetIndentation(int spaces) = 0;
     virtual int GetIndentation() const = 0;
-    /// Writes the document to a new file; false, with messages, when the document has no root or the file can't be written
-    /// whole.
+    /// Writes the document to a new file; false, with messages, when the document has no root or the file can't be
+    /// written whole.
     virtual bool WriteXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
     /// Writes the document to an open stream, at its position; the same failures.
     virtual bool WriteXML(IVekIOStream * stream, IVekXMLDocument * document) = 0;
 };
 
-/// Creates every XML object, each with one reference that the caller owns; null, with a message, when memory is exhausted.
-/// The kernel has the one manager (IVekKernel::GetXMLManager).
+/// Creates every XML object, each with one reference that the caller owns; null, with a message, when memory is
+/// exhausted. The kernel has the one manager (IVekKernel::GetXMLManager).
 class IVekXMLManager : public IVekObject
 {
 public:
@@ -278,8 +298,8 @@ public:
     CVekString<wchar_t> const & GetName() const { return m_name; }
     CVekString<wchar_t> const & GetValue() const { return m_value; }
 
-    /// Store the value's text, unescaped; always true. Vectors and colours are four numbers separated by ", "; doubles are
-    /// kept with the precision of "%f", those of a vector with that of a float.
+    /// Store the value's text, unescaped; always true. Vectors and colours are four numbers separated by ", "; doubles
+    /// are kept with the precision of "%f", those of a vector with that of a float.
     bool SetValue(bool value);
     bool SetValue(int value);
     bool SetValue(float value);
@@ -291,8 +311,8 @@ public:
     bool SetValue(CVekVector4D<double> const & value);
     bool SetValue(wchar_t const * value);
 
-    /// Read the value's text; true, with what did not match 0. Only a boolean whose text is neither "TRUE" nor "FALSE" (in
-    /// any case) gives false and leaves the output.
+    /// Read the value's text; true, with what did not match 0. Only a boolean whose text is neither "TRUE" nor "FALSE"
+    /// (in any case) gives false and leaves the output.
     bool GetValue(bool & value) const;
     bool GetValue(int & value) const;
     bool GetValue(float & value) const;
@@ -323,8 +343,8 @@ public:
     CVekXMLElement();
     /// Makes an element of that name in one step.
     CVekXMLElement(wchar_t const * name, int nameLength);
-    /// Shallow, kept: count, parent, children, attributes and CDATA bytes are shared without a reference of the copy's own,
-    /// so that only one of the two may ever be destroyed.
+    /// Shallow, kept: count, parent, children, attributes and CDATA bytes are shared without a reference of the copy's
+    /// own, so that only one of the two may ever be destroyed.
     CVekXMLElement(CVekXMLElement const & other);
     /// Shallow as the copy constructor; what the target held is not released.
     CVekXMLElement & operator=(CVekXMLElement const & other);
@@ -358,16 +378,24 @@ public:
     void RemoveAllAttributes() override;
     int FindAttributeIndex(wchar_t const * name) const override;
     CVekString<wchar_t> const & GetAttributeName(int index) const override;
-    bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const override;
-    bool GetAttributeValue(int index, CVekVector4D<double> & value, CVekVector4D<double> const & defaultValue) const override;
-    bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const override;
-    bool GetAttributeValue(int index, CVekVector4D<float> & value, CVekVector4D<float> const & defaultValue) const override;
-    bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value,
+                           CVekVector4D<double> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekVector4D<double> & value,
+                           CVekVector4D<double> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value,
+                           CVekVector4D<float> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekVector4D<float> & value,
+                           CVekVector4D<float> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value,
+                           CVekVector4D<int> const & defaultValue) const override;
     bool GetAttributeValue(int index, CVekVector4D<int> & value, CVekVector4D<int> const & defaultValue) const override;
-    bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value,
+                           CVekRGBA<float> const & defaultValue) const override;
     bool GetAttributeValue(int index, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const override;
-    bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const override;
-    bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value, CVekRGBA<unsigned char> const & defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value,
+                           CVekRGBA<unsigned char> const & defaultValue) const override;
+    bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value,
+                           CVekRGBA<unsigned char> const & defaultValue) const override;
     bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const override;
     bool GetAttributeValue(int index, bool & value, bool defaultValue) const override;
     bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const override;
@@ -377,7 +405,8 @@ public:
     bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const override;
     bool GetAttributeValue(int index, int & value, int defaultValue) const override;
     bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue) const override;
-    bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value, wchar_t const * defaultValue) const override;
+    bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value,
+                           wchar_t const * defaultValue) const override;
     CVekString<wchar_t> const & GetAttributeValue(int index) const override;
     bool AddCDATASection(unsigned char const * bytes, int size) override;
     int GetCDATASectionSize() const override;
@@ -398,8 +427,10 @@ private:
     bool VariantToString(VEK_VARIANT const & value, CVekString<wchar_t> & text);
     void RemoveChildAt(int index);
     void RemoveSection();
-    template <class T> bool ReadAttribute(int index, T & value, T const & defaultValue) const;
-    template <class T> bool ReadAttribute(wchar_t const * name, T & value, T const & defaultValue) const;
+    template <class T>
+    bool ReadAttribute(int index, T & value, T const & defaultValue) const;
+    template <class T>
+    bool ReadAttribute(wchar_t const * name, T & value, T const & defaultValue) const;
 
     CVekString<wchar_t> m_name;
     CVekXMLElement * m_parent = nullptr;
@@ -423,8 +454,8 @@ public:
     bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) override;
     /// As ParseXMLFile, from bytes in memory, which are only read.
     bool ParseXMLMemory(void const * bytes, unsigned int size, IVekXMLDocument * document);
-    /// True when the last successful parse met the end of the outermost element: false tells of a file without any element
-    /// or one that ends early.
+    /// True when the last successful parse met the end of the outermost element: false tells of a file without any
+    /// element or one that ends early.
     bool IsComplete() const;
 
     /// @cond internal
@@ -432,7 +463,8 @@ public:
     /// @endcond
 
 private:
-    template <class Source> bool ParseDocument(IVekXMLDocument * document, Source source);
+    template <class Source>
+    bool ParseDocument(IVekXMLDocument * document, Source source);
 
     State * m_state;
 };

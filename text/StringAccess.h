@@ -30,8 +30,8 @@ struct StringAccess
     static StringHeader & Header(T * text) noexcept { return reinterpret_cast<StringHeader *>(text)[-1]; }
 
     /// The size of the block for a capacity. Blocks are rounded up, so that a text that grows by small pieces is not
-    /// copied each time, although its capacity grows by just what is asked for: to 8 or 16 bytes, from 128 bytes on by up
-    /// to an eighth, as the pool does anyway, from 8 KB by up to a half, from 1 MB by up to a quarter.
+    /// copied each time, although its capacity grows by just what is asked for: to 8 or 16 bytes, from 128 bytes on by
+    /// up to an eighth, as the pool does anyway, from 8 KB by up to a half, from 1 MB by up to a quarter.
     static size_t BlockBytes(int capacity) noexcept
     {
         size_t const bytes = sizeof(StringHeader) + (static_cast<size_t>(capacity) + 1) * sizeof(T);
@@ -78,8 +78,9 @@ struct StringAccess
     /// The grow-by that a larger block takes over.
     static int GrowBy(T * text) noexcept { return text && !IsEmbedded(text) ? Header(text).growBy : 0; }
 
-    /// An object of the library may hold the first block of its string within its own block: one allocation for both. The
-    /// string leaves such a block when it needs a larger one, and never frees it; it must not be handed to another string.
+    /// An object of the library may hold the first block of its string within its own block: one allocation for both.
+    /// The string leaves such a block when it needs a larger one, and never frees it; it must not be handed to another
+    /// string.
     static size_t EmbeddedBytes(size_t length) noexcept
     {
         return (sizeof(StringHeader) + (length + 1) * sizeof(T) + 3) & ~size_t{3};

@@ -1,18 +1,7 @@
 #include "xml/NameIndex.h"
 
-#include <windows.h>
-
 namespace vek
 {
-
-NameIndex::NameIndex() noexcept
-{
-    // A hostile file must not be able to choose names that share a slot.
-    LARGE_INTEGER counter;
-    QueryPerformanceCounter(&counter);
-    m_seed = static_cast<uint32_t>(counter.QuadPart) * 0x9E3779B1U ^
-             static_cast<uint32_t>(reinterpret_cast<uintptr_t>(this));
-}
 
 bool NameIndex::Add(CVekString<wchar_t> const & name) noexcept
 {
@@ -20,24 +9,13 @@ bool NameIndex::Add(CVekString<wchar_t> const & name) noexcept
     {
         if ((m_order.Size() + 1) * 2 > m_slots.Size() && !Grow())
             return false;
-        Slot const slot = {Hash(name, name.GetLength()), static_cast<uint32_t>(m_count) + 1};
+        Slot const slot = {m_hash(name, static_cast<size_t>(name.GetLength())), static_cast<uint32_t>(m_count) + 1};
         if (!m_order.Append(slot))
             return false;
         Place(slot);
     }
     ++m_count;
     return true;
-}
-
-uint32_t NameIndex::Hash(wchar_t const * text, int length) const noexcept
-{
-    uint32_t hash = m_seed;
-    for (int i = 0; i < length; ++i)
-    {
-        hash = (hash ^ static_cast<uint32_t>(FoldAscii(text[i]))) * 0x85EBCA6BU;
-        hash ^= hash >> 15;
-    }
-    return hash;
 }
 
 bool NameIndex::Grow() noexcept

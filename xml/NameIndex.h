@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Buffer.h"
+#include "xml/NameHash.h"
 #include "xml/XMLNames.h"
 
 #include <stddef.h>
@@ -14,8 +15,6 @@ namespace vek
 class NameIndex
 {
 public:
-    NameIndex() noexcept;
-
     /// How many entries of the list it knows.
     int Count() const noexcept { return m_count; }
     /// Adds the next entry; one without a name is counted, but never found. False when memory is exhausted.
@@ -26,9 +25,9 @@ public:
     template <class Predicate>
     int Find(GivenText const & name, Predicate isMatch) const noexcept
     {
-        if (m_slots.Empty())
+        if (m_slots.Empty() || name.length < 0)
             return -1;
-        uint32_t const hash = Hash(name.text, name.length);
+        uint32_t const hash = m_hash(name.text, static_cast<size_t>(name.length));
         for (size_t at = hash & Mask(); m_slots[at].position; at = (at + 1) & Mask())
         {
             int const position = static_cast<int>(m_slots[at].position) - 1;
@@ -46,14 +45,13 @@ private:
     };
 
     size_t Mask() const noexcept { return m_slots.Size() - 1; }
-    uint32_t Hash(wchar_t const * text, int length) const noexcept;
     bool Grow() noexcept;
     void Place(Slot const & slot) noexcept;
 
     Buffer<Slot> m_slots; // their number is a power of two, at most half of them used; equal names stand in list order
     Buffer<Slot> m_order; // the used ones in list order
     int m_count = 0;
-    uint32_t m_seed;
+    NameHash m_hash;
 };
 
 } // namespace vek

@@ -40,9 +40,8 @@ CVekXMLAttribute * CVekXMLAttribute::Make(wchar_t const * name, int nameLength, 
         auto * const block = static_cast<char *>(
             vek::PoolAllocate(sizeof(CVekXMLAttribute) + nameBytes + Access::EmbeddedBytes(valueUnits)));
         char * const texts = block + sizeof(CVekXMLAttribute);
-        return block ? new (static_cast<void *>(block))
-                           CVekXMLAttribute(Access::Embed(texts, name, nameUnits),
-                                            Access::Embed(texts + nameBytes, value, valueUnits))
+        return block ? new (static_cast<void *>(block)) CVekXMLAttribute(
+                           Access::Embed(texts, name, nameUnits), Access::Embed(texts + nameBytes, value, valueUnits))
                      : nullptr;
     }
     auto * const attribute = new CVekXMLAttribute(name, nameLength, value, valueLength);

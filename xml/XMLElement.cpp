@@ -42,9 +42,10 @@ CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
     if (nameLength < embeddedUnits)
     {
         void * const block = vek::PoolAllocate(sizeof(CVekXMLElement) + Access::EmbeddedBytes(units));
-        return block ? new (block) CVekXMLElement(
-                           Access::Embed(static_cast<char *>(block) + sizeof(CVekXMLElement), name, units))
-                     : nullptr;
+        return block
+                   ? new (block)
+                         CVekXMLElement(Access::Embed(static_cast<char *>(block) + sizeof(CVekXMLElement), name, units))
+                   : nullptr;
     }
     auto * const element = new CVekXMLElement(name, nameLength);
     if (!element || element->m_name.GetLength() == nameLength)

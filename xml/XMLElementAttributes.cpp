@@ -54,9 +54,9 @@ CVekXMLAttribute * CVekXMLElement::NewAttribute(wchar_t const * name, wchar_t co
         text = place;
     }
     vek::GivenText const given(name);
-    return given.length < 0 ? nullptr
-                            : CVekXMLAttribute::Make(given.text, given.length, text,
-                                                     static_cast<int>(measure.escapedLength));
+    return given.length < 0
+               ? nullptr
+               : CVekXMLAttribute::Make(given.text, given.length, text, static_cast<int>(measure.escapedLength));
 }
 
 int CVekXMLElement::GetNumAttributes() const

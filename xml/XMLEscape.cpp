@@ -20,8 +20,8 @@ struct Replacement
     size_t length;
 };
 
-// In the order of the passes that undo them: "&amp;" first, so that "&amp;lt;" comes back as "<". Kept: hosts' files rely
-// on it.
+// In the order of the passes that undo them: "&amp;" first, so that "&amp;lt;" comes back as "<". Kept: hosts' files
+// rely on it.
 constexpr Replacement ENTITIES[] = {
     {L'&', L"&amp;", 5}, {L'<', L"&lt;", 4}, {L'>', L"&gt;", 4}, {L'\'', L"&apos;", 6}, {L'"', L"&quot;", 6},
 };
@@ -95,8 +95,8 @@ EscapeMeasure MeasureEscape(wchar_t const * text) noexcept
     {
         for (; mask; mask &= mask - 1, mask &= mask - 1)
         {
-            auto const * const stop = reinterpret_cast<wchar_t const *>(reinterpret_cast<char const *>(block) +
-                                                                        __builtin_ctz(mask));
+            auto const * const stop =
+                reinterpret_cast<wchar_t const *>(reinterpret_cast<char const *>(block) + __builtin_ctz(mask));
             if (!*stop)
             {
                 auto const length = static_cast<size_t>(stop - text);

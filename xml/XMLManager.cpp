@@ -8,7 +8,8 @@
 namespace
 {
 
-template <class T> T * Created(T * object, wchar_t const * failure)
+template <class T>
+T * Created(T * object, wchar_t const * failure)
 {
     if (!object)
         VekLogOutput(0, L"%s", failure);

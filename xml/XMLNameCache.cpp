@@ -5,8 +5,6 @@
 #include <limits.h>
 #include <wchar.h>
 
-#include <windows.h>
-
 namespace vek
 {
 namespace
@@ -14,7 +12,8 @@ namespace
 
 constexpr size_t FIRST_SLOTS = 64;
 
-template <class T> bool MakeSlots(Buffer<T> & slots, size_t count) noexcept
+template <class T>
+bool MakeSlots(Buffer<T> & slots, size_t count) noexcept
 {
     slots.Clear();
     T * const place = slots.Extend(count);
@@ -24,14 +23,6 @@ template <class T> bool MakeSlots(Buffer<T> & slots, size_t count) noexcept
 }
 
 } // namespace
-
-XMLNameCache::XMLNameCache() noexcept
-{
-    // A hostile file must not be able to choose names that share a slot.
-    LARGE_INTEGER counter;
-    QueryPerformanceCounter(&counter);
-    m_seed = static_cast<uint32_t>(counter.QuadPart) * 0x9E3779B1U ^ static_cast<uint32_t>(reinterpret_cast<uintptr_t>(this));
-}
 
 size_t XMLNameCache::PointerSlot(wchar_t const * text) const noexcept
 {
@@ -62,7 +53,7 @@ bool XMLNameCache::Add(wchar_t const * text, size_t length, uint32_t & foldedId)
 {
     if (length > INT_MAX || ((m_folded.Size() + 1) * 2 > m_foldedSlots.Size() && !GrowFolded()))
         return false;
-    uint32_t const hash = Hash(text, length);
+    uint32_t const hash = m_hash(text, length);
     size_t slot = hash & (m_foldedSlots.Size() - 1);
     for (; m_foldedSlots[slot]; slot = (slot + 1) & (m_foldedSlots.Size() - 1))
     {
@@ -89,8 +80,7 @@ bool XMLNameCache::MarkUsed(uint32_t foldedId) noexcept
 bool XMLNameCache::GrowPointers() noexcept
 {
     Buffer<Name> old;
-    if (!old.Append(m_names.Data(), m_names.Size()) ||
-        !MakeSlots(m_names, old.Size() ? old.Size() * 2 : FIRST_SLOTS))
+    if (!old.Append(m_names.Data(), m_names.Size()) || !MakeSlots(m_names, old.Size() ? old.Size() * 2 : FIRST_SLOTS))
         return false;
     for (size_t i = 0; i < old.Size(); ++i)
     {
@@ -116,17 +106,6 @@ bool XMLNameCache::GrowFolded() noexcept
         m_foldedSlots[slot] = static_cast<uint32_t>(i + 1);
     }
     return true;
-}
-
-uint32_t XMLNameCache::Hash(wchar_t const * text, size_t length) const noexcept
-{
-    uint32_t hash = m_seed;
-    for (size_t i = 0; i < length; ++i)
-    {
-        hash = (hash ^ static_cast<uint32_t>(FoldAscii(text[i]))) * 0x85EBCA6BU;
-        hash ^= hash >> 15;
-    }
-    return hash;
 }
 
 } // namespace vek

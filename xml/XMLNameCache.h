@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Buffer.h"
+#include "xml/NameHash.h"
 
 #include <stddef.h>
 #include <stdint.h>
@@ -8,14 +9,12 @@
 namespace vek
 {
 
-/// The attribute names of one parse. The tokenizer hands out the same pointer for each known name, so that a name's length
-/// and its identity without regard to case are found by address; an element that repeats a name is seen in one step,
-/// however many attributes it has.
+/// The attribute names of one parse. The tokenizer hands out the same pointer for each known name, so that a name's
+/// length and its identity without regard to case are found by address; an element that repeats a name is seen in one
+/// step, however many attributes it has.
 class XMLNameCache
 {
 public:
-    XMLNameCache() noexcept;
-
     /// A known name; valid until the next call of Find or Add.
     struct Name
     {
@@ -24,7 +23,8 @@ public:
         uint32_t foldedId;
     };
 
-    /// The name at that address, measured on first sight; the text must stay where it is. Null when memory is exhausted.
+    /// The name at that address, measured on first sight; the text must stay where it is. Null when memory is
+    /// exhausted.
     Name const * Find(wchar_t const * text) noexcept;
     /// The identity of a name that does not come from the tokenizer; false when memory is exhausted.
     bool Add(wchar_t const * text, size_t length, uint32_t & foldedId) noexcept;
@@ -45,7 +45,6 @@ private:
 
     bool GrowPointers() noexcept;
     bool GrowFolded() noexcept;
-    uint32_t Hash(wchar_t const * text, size_t length) const noexcept;
     size_t PointerSlot(wchar_t const * text) const noexcept;
 
     Buffer<Name> m_names; // an open-addressing table, its size a power of two; an empty slot has no text
@@ -53,7 +52,7 @@ private:
     Buffer<Folded> m_folded;
     Buffer<uint32_t> m_foldedSlots; // likewise; an empty slot is 0, others index m_folded from 1
     uint32_t m_element = 0;
-    uint32_t m_seed;
+    NameHash m_hash;
 };
 
 } // namespace vek

@@ -18,8 +18,8 @@ enum class XMLEncoding : int
     LATIN1 = 3
 };
 
-/// Encodes text for a stream and writes it in large blocks. A failed write is remembered: everything after it fails too, so
-/// that a caller may check once for many pieces.
+/// Encodes text for a stream and writes it in large blocks. A failed write is remembered: everything after it fails
+/// too, so that a caller may check once for many pieces.
 class XMLOutput
 {
 public:
@@ -32,7 +32,11 @@ public:
     XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept;
 
     void Text(wchar_t const * text, size_t length) noexcept;
-    template <size_t N> void Text(wchar_t const (&text)[N]) noexcept { Text(text, N - 1); }
+    template <size_t N>
+    void Text(wchar_t const (&text)[N]) noexcept
+    {
+        Text(text, N - 1);
+    }
     void Text(CVekString<wchar_t> const & text) noexcept { Text(text, static_cast<size_t>(text.GetLength())); }
     void Spaces(uint64_t count) noexcept;
     /// Bytes that are not encoded, such as a byte order mark.

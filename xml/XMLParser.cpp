@@ -106,25 +106,30 @@ bool CVekXMLParser::IsComplete() const
 
 bool CVekXMLParser::ParseXMLFile(wchar_t const * path, IVekXMLDocument * document)
 {
-    return ParseDocument(document, [path](State & state) {
-        FileBytes bytes;
-        return ReadFile(path, bytes) && state.ParseBytes(bytes.data, bytes.size);
-    });
+    return ParseDocument(document,
+                         [path](State & state)
+                         {
+                             FileBytes bytes;
+                             return ReadFile(path, bytes) && state.ParseBytes(bytes.data, bytes.size);
+                         });
 }
 
 bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXMLDocument * document)
 {
-    return ParseDocument(document, [bytes, size](State & state) {
-        if (size >= INT_MAX || (!bytes && size))
-        {
-            VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to allocate buffer");
-            return false;
-        }
-        return state.ParseBytes(bytes, static_cast<int>(size));
-    });
+    return ParseDocument(document,
+                         [bytes, size](State & state)
+                         {
+                             if (size >= INT_MAX || (!bytes && size))
+                             {
+                                 VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to allocate buffer");
+                                 return false;
+                             }
+                             return state.ParseBytes(bytes, static_cast<int>(size));
+                         });
 }
 
-template <class Source> bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
+template <class Source>
+bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
 {
     if (!document)
     {

@@ -7,12 +7,18 @@ VEK_XML_DTD_ENTRYTYPE EntryType(XML_Content const & model)
 {
     switch (model.type)
     {
-    case XML_CTYPE_EMPTY: return VEK_XML_DTD_EMPTY;
-    case XML_CTYPE_ANY: return VEK_XML_DTD_ANY;
-    case XML_CTYPE_MIXED: return VEK_XML_DTD_MIXED;
-    case XML_CTYPE_CHOICE: return VEK_XML_DTD_CHOICE;
-    case XML_CTYPE_SEQ: return VEK_XML_DTD_SEQUENCE;
-    default: return VEK_XML_DTD_ELEMENT;
+    case XML_CTYPE_EMPTY:
+        return VEK_XML_DTD_EMPTY;
+    case XML_CTYPE_ANY:
+        return VEK_XML_DTD_ANY;
+    case XML_CTYPE_MIXED:
+        return VEK_XML_DTD_MIXED;
+    case XML_CTYPE_CHOICE:
+        return VEK_XML_DTD_CHOICE;
+    case XML_CTYPE_SEQ:
+        return VEK_XML_DTD_SEQUENCE;
+    default:
+        return VEK_XML_DTD_ELEMENT;
     }
 }
 
@@ -20,10 +26,14 @@ int Occurrence(XML_Content const & model)
 {
     switch (model.quant)
     {
-    case XML_CQUANT_OPT: return 1;
-    case XML_CQUANT_REP: return 2;
-    case XML_CQUANT_PLUS: return 3;
-    default: return 0;
+    case XML_CQUANT_OPT:
+        return 1;
+    case XML_CQUANT_REP:
+        return 2;
+    case XML_CQUANT_PLUS:
+        return 3;
+    default:
+        return 0;
     }
 }
 

@@ -271,7 +271,8 @@ void CVekXMLParser::State::OnStartCDATA()
 
 void CVekXMLParser::State::OnCDATA(wchar_t const * text, int length)
 {
-    if (inCDATA && !cdata.Append(reinterpret_cast<unsigned char const *>(text), static_cast<size_t>(length) * sizeof *text))
+    if (inCDATA &&
+        !cdata.Append(reinterpret_cast<unsigned char const *>(text), static_cast<size_t>(length) * sizeof *text))
     {
         VekLogOutput(0, L"CVekXMLElement::AddCDATASection --> Failed to allocate memory for CDATA");
         Abort();

@@ -84,13 +84,18 @@ public:
     bool Scanf(char const *, ...) override { return false; }
 
 private:
-    template <class T> T Get(bool advance)
+    template <class T>
+    T Get(bool advance)
     {
         T value{};
         Read(&value, sizeof value, advance);
         return value;
     }
-    template <class T> bool Put(T value, bool advance) { return Write(&value, sizeof value, advance); }
+    template <class T>
+    bool Put(T value, bool advance)
+    {
+        return Write(&value, sizeof value, advance);
+    }
 
     std::size_t m_position = 0;
 };

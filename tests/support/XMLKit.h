@@ -3,13 +3,14 @@
 
 #include "VekLib.h"
 
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
 // Holds one reference.
-template <class T> class Holder
+template <class T>
+class Holder
 {
 public:
     explicit Holder(T * object) : m_object(object) {}

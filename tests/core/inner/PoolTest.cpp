@@ -24,7 +24,8 @@ void Check(Block const & block)
         ASSERT_EQ(block.place[i], block.mark) << "byte " << i << " of " << block.size;
 }
 
-// Allocates and frees at random, every block filled with a mark of its own, and checks that no block ever touches another.
+// Allocates and frees at random, every block filled with a mark of its own, and checks that no block ever touches
+// another.
 void Churn(unsigned seed, int rounds)
 {
     std::mt19937 random(seed);

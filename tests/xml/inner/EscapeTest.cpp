@@ -13,7 +13,8 @@ std::wstring ReplacedAll(std::wstring text, wchar_t const * from, wchar_t const 
 {
     std::wstring const pattern = from;
     std::wstring const replacement = to;
-    for (std::size_t at = text.find(pattern); at != std::wstring::npos; at = text.find(pattern, at + replacement.size()))
+    for (std::size_t at = text.find(pattern); at != std::wstring::npos;
+         at = text.find(pattern, at + replacement.size()))
         text.replace(at, pattern.size(), replacement);
     return text;
 }
