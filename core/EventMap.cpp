@@ -46,9 +46,14 @@ void EventMap::Unregister(GUID const & id) noexcept
 
 bool EventMap::IsRegistered(GUID const & id) const noexcept
 {
+    return Get(id) != nullptr;
+}
+
+EventEntry * EventMap::Get(GUID const & id) const noexcept
+{
     bool found;
-    Find(id, found);
-    return found;
+    int const index = Find(id, found);
+    return found ? m_entries[index] : nullptr;
 }
 
 int EventMap::Find(GUID const & id, bool & found) const noexcept

@@ -8,7 +8,7 @@ namespace vek
 class EventEntry;
 
 /// The registered events, ordered by the sixteen bytes of their identifiers. The kernel calls it under the event-map
-/// lock.
+/// lock. Handlers may call the kernel while an event ends: an entry is out of the map before it is deleted.
 class EventMap
 {
 public:
@@ -22,6 +22,8 @@ public:
     /// Deletes an event; nothing when it is not there.
     void Unregister(GUID const & id) noexcept;
     bool IsRegistered(GUID const & id) const noexcept;
+    /// The event's entry; null when it is not there.
+    EventEntry * Get(GUID const & id) const noexcept;
 
 private:
     /// The index of the event, or of the place where it belongs.

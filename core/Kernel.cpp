@@ -157,45 +157,6 @@ void CVekKernel::RemoveCatchLogOutput(IVekCatchLogOutput * catcher)
         catcher->Release();
 }
 
-bool CVekKernel::RegisterEvent(GUID const & id)
-{
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
-    return m_eventMap && m_eventMap->Register(id);
-}
-
-void CVekKernel::UnregisterEvent(GUID const & id)
-{
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
-    if (m_eventMap)
-        m_eventMap->Unregister(id);
-}
-
-void CVekKernel::ReleaseEventMap()
-{
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
-    delete m_eventMap;
-    m_eventMap = nullptr;
-}
-
-bool CVekKernel::IsEventRegistered(GUID const & id)
-{
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
-    return m_eventMap && m_eventMap->IsRegistered(id);
-}
-
-// Handlers can't be subscribed yet, so that no event has one.
-bool CVekKernel::FireEvent(GUID const &, CVekEventData *)
-{
-    return false;
-}
-
-bool CVekKernel::AddEventHandler(GUID const &, CVekEventHandler *)
-{
-    return false;
-}
-
-void CVekKernel::RemoveEventHandler(GUID const &, CVekEventHandler *) {}
-
 int CVekKernel::SetDebugOutputLevel(int level)
 {
     vek::g_debugOutputLevel.store(level, std::memory_order_relaxed);

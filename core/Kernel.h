@@ -9,8 +9,9 @@ class CVekXMLManager;
 
 namespace vek
 {
+class EventEntry;
 class EventMap;
-}
+} // namespace vek
 
 /// The kernel. There is one, which lives as long as the library is loaded.
 class CVekKernel final : public CVekRefCounted<IVekKernel>
@@ -70,6 +71,8 @@ private:
     bool InitXMLManager();
     void LogBanner();
     void ReleaseCatchers();
+    /// The event's entry, under the event-map lock; null when there is none.
+    vek::EventEntry * FindEvent(GUID const & id) const;
 
     int m_initCount = 0;
     vek::PointerList<IVekCatchLogOutput> m_catchers;

@@ -1,7 +1,22 @@
 // The kernel as the factory of services.
 #include "core/Kernel.h"
 
+#include "thread/Thread.h"
+
 #include <new>
+
+IVekThread * CVekKernel::CreateThread(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag,
+                                      unsigned int tickInterval, unsigned int maxTickCount)
+{
+    auto thread = vek::Ref<CVekThread>::Adopt(new (std::nothrow)
+                                                  CVekThread(name, callback, createFlag, tickInterval, maxTickCount));
+    return thread && thread->IsUsable() ? thread.Detach() : nullptr;
+}
+
+IVekTimer * CVekKernel::CreateTimer()
+{
+    return new (std::nothrow) CVekTimer;
+}
 
 IVekMemoryIOStream * CVekKernel::CreateMemoryIOStream()
 {
@@ -13,28 +28,27 @@ IVekFileIOStream * CVekKernel::CreateFileIOStream()
     return new (std::nothrow) CVekFileIOStream;
 }
 
+IVekProgressController * CVekKernel::CreateProgressController()
+{
+    return new (std::nothrow) CVekProgressController;
+}
+
+IVekRandomizer * CVekKernel::CreateRandomizer()
+{
+    return new (std::nothrow) CVekRandomizer;
+}
+
+IVekCPUUsage * CVekKernel::CreateCPUUsage()
+{
+    auto * const usage = new (std::nothrow) CVekCPUUsage;
+    if (!usage)
+        VekLogOutput(0, L"CVekKernel::CreateCPUUsage --> Failed to create CPU usage interface");
+    return usage;
+}
+
 // The services below are not there yet: creating one fails as it does when memory is exhausted.
 
-IVekThread * CVekKernel::CreateThread(wchar_t const *, IVekThread::TickCallback *, bool, unsigned int, unsigned int)
-{
-    return nullptr;
-}
-
-void CVekKernel::ExecuteThreadCommand(CVekThreadCommand *, IVekThread *) {}
-
-void CVekKernel::PostThreadCommand(CVekThreadCommand *, IVekThread *) {}
-
-IVekTimer * CVekKernel::CreateTimer()
-{
-    return nullptr;
-}
-
 IVekCameraUIController * CVekKernel::CreateCameraUIController()
-{
-    return nullptr;
-}
-
-IVekProgressController * CVekKernel::CreateProgressController()
 {
     return nullptr;
 }
@@ -46,16 +60,5 @@ IVekLexer * CVekKernel::CreateLexer()
 
 IVekTokenizer * CVekKernel::CreateTokenizer()
 {
-    return nullptr;
-}
-
-IVekRandomizer * CVekKernel::CreateRandomizer()
-{
-    return nullptr;
-}
-
-IVekCPUUsage * CVekKernel::CreateCPUUsage()
-{
-    VekLogOutput(0, L"CVekKernel::CreateCPUUsage --> Failed to create CPU usage interface");
     return nullptr;
 }

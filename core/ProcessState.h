@@ -13,6 +13,11 @@ inline constinit std::atomic<int> g_debugOutputLevel{0};
 /// The number of the tracked allocation that stops in the debugger; 0 for none.
 inline constinit std::atomic<unsigned int> g_breakOnAllocation{0};
 
+/// The address of the tracked block that stops in the debugger when it is made, and whether blocks are tracked at all.
+/// Set by hand in a debugger only.
+inline constinit std::atomic<void *> g_breakOnAddress{nullptr};
+inline constinit std::atomic<bool> g_trackingSuspended{false};
+
 /// The process-wide locks. They exist from the moment the library is loaded until it is unloaded.
 struct ProcessState
 {

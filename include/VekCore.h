@@ -1,5 +1,6 @@
 /// @file
-/// The base of every reference-counted object, the pointer array, log output and error reporting.
+/// The base of every reference-counted object, the pointer array and the linked list, log output and error reporting,
+/// tracked memory, events, progress, randomizer, CPU usage and timer.
 #ifndef VEK_CORE_H
 #define VEK_CORE_H
 
@@ -199,6 +200,371 @@ public:
     virtual ~CVekException();
     /// Tells the user; does nothing here.
     virtual void ReportError();
+};
+
+// --- intrusive list
+// ---------------------------------------------------------------------------------------------------
+
+/// The links that an element of a CVekDirectLinkedList carries. Elements offer them as GetPrev, SetPrev, GetNext,
+/// SetNext.
+template <class T>
+struct VekDirectLinkedListPtr
+{
+    T * previous = nullptr;
+    T * next = nullptr;
+};
+
+template <class Pointer>
+class CVekDirectLinkedList;
+
+/// A doubly linked list of elements that carry their own links: it never allocates, and an element is in at most one
+/// list at a time.
+template <class T>
+class CVekDirectLinkedList<T *>
+{
+public:
+    CVekDirectLinkedList() = default;
+    CVekDirectLinkedList(CVekDirectLinkedList const &) = delete;
+    CVekDirectLinkedList & operator=(CVekDirectLinkedList const &) = delete;
+    /// Unlinks the elements without deleting them.
+    virtual ~CVekDirectLinkedList() { RemoveAll(false); }
+
+    /// Destroys one element that is in no list; null is ignored.
+    virtual void DeleteElement(T * element) { delete element; }
+
+    T * GetHead() const { return m_head; }
+    T * GetTail() const { return m_tail; }
+    unsigned int GetCount() const { return m_count; }
+
+    /// Appends an element that is in no list. Its next link is left as it is.
+    void AddTail(T * element)
+    {
+        if (m_tail)
+        {
+            m_tail->SetNext(element);
+            element->SetPrev(m_tail);
+        }
+        else
+            m_head = element;
+        m_tail = element;
+        ++m_count;
+    }
+    /// Takes the first element out, its links cleared; null when the list is empty.
+    T * RemoveHead()
+    {
+        T * const element = m_head;
+        if (!element)
+            return nullptr;
+        m_head = element->GetNext();
+        if (m_head)
+            m_head->SetPrev(nullptr);
+        else
+            m_tail = nullptr;
+        Detach(element);
+        return element;
+    }
+    /// Takes an element of this list out, its links cleared. One that is in no list is left alone.
+    void Remove(T * element)
+    {
+        T * const previous = element->GetPrev();
+        if (!previous)
+        {
+            if (element == m_head)
+                RemoveHead();
+            return;
+        }
+        T * const next = element->GetNext();
+        previous->SetNext(next);
+        if (next)
+            next->SetPrev(previous);
+        else
+            m_tail = previous;
+        Detach(element);
+    }
+    /// Takes all elements out and, if told so, deletes them. Takes time in proportion to their number.
+    void RemoveAll(bool deleteElements)
+    {
+        while (T * const element = RemoveHead())
+        {
+            if (deleteElements)
+                DeleteElement(element);
+        }
+    }
+
+private:
+    void Detach(T * element)
+    {
+        element->SetPrev(nullptr);
+        element->SetNext(nullptr);
+        --m_count;
+    }
+
+    T * m_head = nullptr;
+    T * m_tail = nullptr;
+    unsigned int m_count = 0;
+};
+
+// --- tracked memory
+// ---------------------------------------------------------------------------------------------------
+
+/// Allocates a block that the library tracks with its size, the file-name part of a source file (null: "Unknown File")
+/// and a line. Null, without a message, when memory is exhausted. The block is aligned as malloc's and is freed with
+/// VekDeallocMemory. Safe from any thread.
+VEK_API unsigned char * VekAllocMemory(unsigned int size, wchar_t const * file, int line);
+VEK_API unsigned char * VekAllocMemory(unsigned int size, char const * file, int line);
+
+/// Frees a block; true when it was a tracked one. Any other pointer goes to the runtime's free. File and line are not
+/// used. Safe from any thread.
+VEK_API bool VekDeallocMemory(void * pointer, wchar_t const * file, int line);
+VEK_API bool VekDeallocMemory(void * pointer, char const * file, int line);
+
+// --- events
+// -----------------------------------------------------------------------------------------------------------
+
+class CVekEventHandlerContainer;
+
+/// The base of what hosts send with an event.
+class VEK_API CVekEventData
+{
+public:
+    CVekEventData() = default;
+    CVekEventData(CVekEventData const &) = default;
+    CVekEventData & operator=(CVekEventData const &) = default;
+    virtual ~CVekEventData();
+};
+
+/// Receives an event. Hosts derive from it, subscribe it with IVekKernel::AddEventHandler, and may group it with others
+/// in a container. Subscribed to at most one event at a time, as often as it was added.
+class VEK_API CVekEventHandler : public CVekRefCounted<IVekObject>
+{
+public:
+    CVekEventHandler();
+    /// Copies every field, the count included.
+    CVekEventHandler(CVekEventHandler const &) = default;
+    CVekEventHandler & operator=(CVekEventHandler const &) = default;
+    ~CVekEventHandler() override;
+
+    /// Called by the kernel once it is subscribed: remembers the event.
+    virtual void OnSubscribed(GUID const & id);
+    /// Called by the kernel once it is unsubscribed: forgets the event and leaves its container.
+    virtual void OnUnsubscribed();
+    /// Called for each event that is fired; true when the handler dealt with it. The data belongs to whoever fires. The
+    /// handler may fire, subscribe and unsubscribe here, itself and its container included, and unregister the event:
+    /// each handler that is still subscribed is then called once for each of its subscriptions that the event had when
+    /// it was fired. It keeps a reference to itself during the call.
+    virtual bool OnEvent(CVekEventData * data) = 0;
+
+    /// Makes the container its own, not counted. Null forgets it and unsubscribes the handler from its event.
+    void SetContainer(CVekEventHandlerContainer * container);
+    CVekEventHandlerContainer * GetContainer() const { return m_container; }
+    /// The event that it is subscribed to; {00000000-0000-0000-C000-000000000046} when to none.
+    GUID const & GetEvent() const;
+
+private:
+    alignas(4) unsigned char m_event[16]; // a GUID
+    CVekEventHandlerContainer * m_container;
+};
+
+/// Keeps event handlers together and unsubscribes and releases them with its own end.
+class VEK_API CVekEventHandlerContainer : public CVekRefCounted<IVekObject>
+{
+public:
+    CVekEventHandlerContainer();
+    CVekEventHandlerContainer(CVekEventHandlerContainer const &) = delete;
+    CVekEventHandlerContainer & operator=(CVekEventHandlerContainer const &) = delete;
+    ~CVekEventHandlerContainer() override;
+
+    /// Takes over the caller's reference and returns the handler; null, with the reference released, when memory is
+    /// exhausted.
+    CVekEventHandler * Add(CVekEventHandler * handler);
+    /// Unsubscribes and releases a handler of this container; nothing for another.
+    void Remove(CVekEventHandler * handler);
+    /// Does so with every handler.
+    void RemoveAll();
+
+private:
+    void RemoveEach();
+
+    CVekPointerArray<CVekEventHandler> m_handlers;
+};
+
+// --- progress
+// ---------------------------------------------------------------------------------------------------------
+
+/// Tracks the progress of nested tasks in percent and reports it to a callback. Used by one thread at a time.
+class IVekProgressController : public IVekObject
+{
+public:
+    /// Shows the progress; hosts implement it.
+    class Callback : public IVekObject
+    {
+    public:
+        /// Called with each change: the current task's progress and the share of the whole that ended tasks have
+        /// finished, both in percent, the current task's name (valid during the call), and the controller's parameter.
+        /// False asks the working code to stop.
+        virtual bool OnProgress(double taskProgress, double finishedShare, wchar_t const * taskName, int param) = 0;
+    };
+
+    /// Begins a task within the current one. The share is the task's part of it, in percent; the step is what Progress
+    /// adds when it is given a negative amount; the parameter is only kept. The first task of a run clears the flags.
+    virtual void BeginTask(wchar_t const * name, double share, double step, int param) = 0;
+    /// Ends the current task at 100 percent; nothing when there is none.
+    virtual void EndTask() = 0;
+    /// Adds to the current task's progress, up to 100; a negative amount adds the task's step.
+    virtual void Progress(double amount) = 0;
+    /// Asks the working code to stop.
+    virtual void Cancel() = 0;
+    /// True once the run is cancelled, by Cancel or by the callback.
+    virtual bool IsCancelled() = 0;
+    virtual void Completed() = 0;
+    /// True once the last task has ended.
+    virtual bool IsCompleted() = 0;
+    /// Takes a reference to the callback and gives back that to the old one; null for none.
+    virtual void SetCallback(Callback * callback) = 0;
+    /// The callback, no reference added.
+    VEK_OVERLOADS(virtual Callback * GetCallback() = 0, virtual Callback const * GetCallback() const = 0)
+    /// The value that is handed to the callback.
+    virtual void SetParam(int param) = 0;
+};
+
+/// The library's progress controller; IVekKernel::CreateProgressController makes one.
+class VEK_API CVekProgressController : public CVekRefCounted<IVekProgressController>
+{
+public:
+    CVekProgressController();
+    CVekProgressController(CVekProgressController const &) = delete;
+    CVekProgressController & operator=(CVekProgressController const &) = delete;
+    ~CVekProgressController() override;
+
+    void BeginTask(wchar_t const * name, double share, double step, int param) override;
+    void EndTask() override;
+    void Progress(double amount) override;
+    void Cancel() override;
+    bool IsCancelled() override;
+    void Completed() override;
+    bool IsCompleted() override;
+    void SetCallback(Callback * callback) override;
+    Callback * GetCallback() override;
+    Callback const * GetCallback() const override;
+    void SetParam(int param) override;
+
+private:
+    struct Task;
+
+    Task * Current() const;
+    void Report(Task & task);
+    void RemoveTask(int index);
+
+    Callback * m_callback;
+    bool m_completed;
+    bool m_cancelled;
+    double m_finishedShare;
+    int m_param;
+    CVekPointerArray<Task> m_tasks;
+    int m_lostTasks;
+};
+
+/// Begins a task for a scope and ends it with the scope. It holds no reference to the controller; null is ignored.
+class VEK_API CVekProgressBegin
+{
+public:
+    CVekProgressBegin(IVekProgressController * controller, wchar_t const * name, double share, double step, int param);
+    CVekProgressBegin(CVekProgressBegin const &) = delete;
+    CVekProgressBegin & operator=(CVekProgressBegin const &) = delete;
+    virtual ~CVekProgressBegin();
+
+private:
+    IVekProgressController * m_controller;
+};
+
+// --- randomizer, CPU usage, timer
+// ---------------------------------------------------------------------------------------
+
+/// A source of random values. All randomizers share the runtime's one sequence, which each new one seeds with the time.
+class IVekRandomizer : public IVekObject
+{
+public:
+    /// A value between the two, both included; they may be in either order.
+    virtual float GetRandomValue(float low, float high) = 0;
+};
+
+/// Measures this process's share of the processors' time.
+class IVekCPUUsage : public IVekObject
+{
+public:
+    /// Measures anew when more than a second has passed since the last measurement. The time is the caller's, in
+    /// seconds, of any clock that never goes back; the first call only remembers it.
+    virtual void Update(double now) = 0;
+    /// The last measured share, in percent from 0 to 100.
+    virtual double GetUsage() = 0;
+};
+
+/// A stopwatch.
+class IVekTimer : public IVekObject
+{
+public:
+    /// Starts anew from now; true unless the system has no performance counter.
+    virtual bool Start() = 0;
+    /// Clears the running flag; the elapsed time goes on growing.
+    virtual void Stop() = 0;
+    virtual bool IsRunning() = 0;
+    /// The time since Start in seconds; the library must be initialised.
+    virtual double GetElapsedSeconds() = 0;
+    /// The same in counts of the performance counter.
+    virtual long long GetElapsedTicks() = 0;
+    /// That many events a second since Start; the count itself when no time has passed, 0 for no events.
+    virtual double GetRate(int count) = 0;
+};
+
+/// The library's randomizer; IVekKernel::CreateRandomizer makes one.
+class VEK_API CVekRandomizer : public CVekRefCounted<IVekRandomizer>
+{
+public:
+    CVekRandomizer();
+    ~CVekRandomizer() override;
+
+    float GetRandomValue(float low, float high) override;
+};
+
+/// The library's CPU-usage meter; IVekKernel::CreateCPUUsage makes one.
+class VEK_API CVekCPUUsage : public CVekRefCounted<IVekCPUUsage>
+{
+public:
+    CVekCPUUsage();
+    ~CVekCPUUsage() override;
+
+    void Update(double now) override;
+    double GetUsage() override;
+
+private:
+    void Measure();
+
+    double m_lastUpdate = 0.0;
+    double m_usage = 0.0;
+    unsigned long long m_systemIdle = 0;
+    unsigned long long m_systemKernel = 0;
+    unsigned long long m_systemUser = 0;
+    unsigned long long m_processKernel = 0;
+    unsigned long long m_processUser = 0;
+};
+
+/// The library's stopwatch; IVekKernel::CreateTimer makes one.
+class VEK_API CVekTimer : public CVekRefCounted<IVekTimer>
+{
+public:
+    CVekTimer();
+    ~CVekTimer() override;
+
+    bool Start() override;
+    void Stop() override;
+    bool IsRunning() override;
+    double GetElapsedSeconds() override;
+    long long GetElapsedTicks() override;
+    double GetRate(int count) override;
+
+private:
+    bool m_running = false;
+    long long m_start = 0;
 };
 
 #endif

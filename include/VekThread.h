@@ -1,10 +1,11 @@
 /// @file
-/// Synchronisation objects, scoped locks, and the worker thread's interface.
+/// Synchronisation objects, scoped locks, worker threads and their commands, wait cursor and current directory.
 #ifndef VEK_THREAD_H
 #define VEK_THREAD_H
 
 #include "VekCore.h"
 #include "VekExport.h"
+#include "VekText.h"
 
 #include <stdint.h>
 
@@ -207,6 +208,80 @@ public:
     virtual void AddCommand(CVekThreadCommand * command) = 0;
     /// True while there are commands in the queue.
     virtual bool HasPendingCommands(void) = 0;
+};
+
+/// A piece of work for a worker thread. Hosts derive from it and write Execute. By default it is released once it has
+/// run.
+class VEK_API CVekThreadCommand : public CVekRefCounted<IVekObject>
+{
+public:
+    explicit CVekThreadCommand(bool autoDelete = true);
+    /// Copy every field as it is, the count and the links included.
+    CVekThreadCommand(CVekThreadCommand const &) = default;
+    CVekThreadCommand & operator=(CVekThreadCommand const &) = default;
+    ~CVekThreadCommand() override;
+
+    /// Runs Execute, then sets the end signal if there is one, then releases the command if it deletes itself; Execute
+    /// may still decide that.
+    virtual void Launch();
+    /// The work itself.
+    virtual void Execute() = 0;
+
+    /// The links of the list of commands that it is queued in.
+    void SetPrev(CVekThreadCommand * command) { m_links.previous = command; }
+    void SetNext(CVekThreadCommand * command) { m_links.next = command; }
+    CVekThreadCommand * GetPrev() { return m_links.previous; }
+    CVekThreadCommand const * GetPrev() const { return m_links.previous; }
+    CVekThreadCommand * GetNext() { return m_links.next; }
+    CVekThreadCommand const * GetNext() const { return m_links.next; }
+
+    /// The signal to be set once the command has run, not owned; null for none.
+    void SetEndSignal(CVekSignal * signal) { m_endSignal = signal; }
+    CVekSignal * GetEndSignal(void) const { return m_endSignal; }
+    bool IsAutoDelete(void) const { return m_autoDelete; }
+
+protected:
+    /// Whether it is released once it has run.
+    void SetAutoDelete(bool autoDelete) { m_autoDelete = autoDelete; }
+
+private:
+    VekDirectLinkedListPtr<CVekThreadCommand> m_links;
+    bool m_autoDelete;
+    CVekSignal * m_endSignal;
+};
+
+/// The pseudo-handle of the calling thread, which need not be closed.
+VEK_API void * VekGetCurrentThread(void);
+/// The system's number of the calling thread.
+VEK_API unsigned int VekGetCurrentThreadID(void);
+
+/// Shows the wait cursor for a scope. Its end destroys the cursor that it loaded, a shared one of the system.
+class VEK_API CVekWaitCursor
+{
+public:
+    CVekWaitCursor();
+    /// Copy both cursors as they are.
+    CVekWaitCursor(CVekWaitCursor const &) = default;
+    CVekWaitCursor & operator=(CVekWaitCursor const &) = default;
+    virtual ~CVekWaitCursor();
+
+private:
+    void * m_waitCursor;
+    void * m_previousCursor;
+};
+
+/// Changes the current directory for a scope and puts the earlier one back at its end.
+class VEK_API CVekSetCurrentDirectory
+{
+public:
+    /// Null changes nothing now.
+    explicit CVekSetCurrentDirectory(wchar_t const * directory);
+    CVekSetCurrentDirectory(CVekSetCurrentDirectory const &) = default;
+    CVekSetCurrentDirectory & operator=(CVekSetCurrentDirectory const &) = default;
+    virtual ~CVekSetCurrentDirectory();
+
+private:
+    CVekString<wchar_t> m_saved;
 };
 
 #endif

@@ -11,7 +11,7 @@ floor_of() {
         core/Kernel* | core/Factory* | core/Startup* | core/StartUp* | core/DllMain* | core/Main* | core/Entry* | core/VekLib*) floor=4 ;;
         xml/* | io/* | lexer/*) floor=3 ;;
         core/Memory* | core/Event* | core/Progress* | core/Timer* | core/Random* | core/CPU* | core/Cpu*) floor=2 ;;
-        thread/Worker* | thread/Command* | thread/Scoped* | thread/Thread*) floor=2 ;;
+        thread/Worker* | thread/Thread* | thread/MemberFunctor* | thread/CurrentThread* | thread/WaitCursor* | thread/SetCurrent*) floor=2 ;;
         text/* | math/*) floor=1 ;;
         *) floor=0 ;;
     esac

@@ -1,0 +1,60 @@
+// The kernel's events. Every operation holds the event-map lock for its whole duration; the owning thread may take it
+// again, so that handlers may call these operations.
+#include "core/Kernel.h"
+
+#include "core/EventEntry.h"
+#include "core/EventMap.h"
+#include "core/ProcessState.h"
+
+bool CVekKernel::RegisterEvent(GUID const & id)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    return m_eventMap && m_eventMap->Register(id);
+}
+
+void CVekKernel::UnregisterEvent(GUID const & id)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    if (m_eventMap)
+        m_eventMap->Unregister(id);
+}
+
+void CVekKernel::ReleaseEventMap()
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    vek::EventMap * const map = m_eventMap;
+    m_eventMap = nullptr; // handlers that call the kernel while they are unsubscribed find no map
+    delete map;
+}
+
+bool CVekKernel::IsEventRegistered(GUID const & id)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    return FindEvent(id) != nullptr;
+}
+
+bool CVekKernel::FireEvent(GUID const & id, CVekEventData * data)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    vek::EventEntry * const entry = FindEvent(id);
+    return entry && entry->Fire(data);
+}
+
+bool CVekKernel::AddEventHandler(GUID const & id, CVekEventHandler * handler)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    vek::EventEntry * const entry = FindEvent(id);
+    return entry && handler && entry->AddHandler(handler);
+}
+
+void CVekKernel::RemoveEventHandler(GUID const & id, CVekEventHandler * handler)
+{
+    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    if (vek::EventEntry * const entry = FindEvent(id))
+        entry->RemoveHandler(handler);
+}
+
+vek::EventEntry * CVekKernel::FindEvent(GUID const & id) const
+{
+    return m_eventMap ? m_eventMap->Get(id) : nullptr;
+}

@@ -1,0 +1,307 @@
+#include "thread/Worker.h"
+
+#include "core/Ref.h"
+
+#include <windows.h>
+
+namespace vek
+{
+namespace
+{
+
+// Kept: a tiny stack is asked for, which the system rounds up to its minimum.
+constexpr SIZE_T STACK_SIZE = 16;
+constexpr DWORD STOP_MILLISECONDS = 5000;
+constexpr DWORD RESUME_FAILED = static_cast<DWORD>(-1);
+
+DWORD WINAPI WorkerEntry(void * parameter)
+{
+    auto const worker = Ref<Worker>::Adopt(static_cast<Worker *>(parameter));
+    worker->Run();
+    return 0;
+}
+
+/// Closes a handle of its own with the scope.
+class HandleScope
+{
+public:
+    explicit HandleScope(HANDLE handle) : m_handle(handle) {}
+    HandleScope(HandleScope const &) = delete;
+    HandleScope & operator=(HandleScope const &) = delete;
+    ~HandleScope()
+    {
+        if (m_handle)
+            CloseHandle(m_handle);
+    }
+    HANDLE Get() const { return m_handle; }
+
+private:
+    HANDLE m_handle;
+};
+
+} // namespace
+
+Worker::Worker(wchar_t const * threadName, IVekThread::TickCallback * callback, bool flag, unsigned int interval,
+               unsigned int maximum)
+    : name(threadName), createFlag(flag), tickInterval(interval), maxTickCount(maximum), m_callback(callback)
+{
+    if (callback)
+        callback->AddRef();
+}
+
+Worker::~Worker()
+{
+    UnlinkCommands();
+    UnlinkMessages();
+    if (m_handle)
+        CloseHandle(m_handle);
+    SwapCallback(nullptr);
+}
+
+unsigned int Worker::Start()
+{
+    CVekSingleLock const lock(&m_stateLock, true);
+    // Kept: a second start is not refused; the first thread goes on without being known.
+    if (m_handle)
+        CloseHandle(m_handle);
+    m_hasEnded = false;
+    AddRef(); // the thread's own
+    DWORD id = 0;
+    m_handle = ::CreateThread(nullptr, STACK_SIZE, WorkerEntry, this, CREATE_SUSPENDED, &id);
+    m_threadID = id;
+    if (m_handle)
+        return ::ResumeThread(m_handle);
+    Release();
+    return RESUME_FAILED;
+}
+
+void * Worker::GetHandle()
+{
+    CVekSingleLock const lock(&m_stateLock, true);
+    return IsAtRest() ? nullptr : m_handle;
+}
+
+void * Worker::DuplicateHandle()
+{
+    CVekSingleLock const lock(&m_stateLock, true);
+    HANDLE copy = nullptr;
+    if (!IsAtRest())
+        ::DuplicateHandle(GetCurrentProcess(), m_handle, GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return copy;
+}
+
+unsigned int Worker::Stop()
+{
+    if (IsSuspended())
+        Resume();
+    return StopAndWait();
+}
+
+unsigned int Worker::StopAndWait()
+{
+    // Before the message: a worker that meets it at once has no handle any more.
+    HandleScope const thread(DuplicateHandle());
+    Post(MESSAGE_STOP, nullptr);
+    if (IsCurrentThread())
+        return WAIT_TIMEOUT; // it can't see its own end
+    return WaitForSingleObject(thread.Get(), STOP_MILLISECONDS);
+}
+
+void Worker::Leave()
+{
+    if (GetHandle())
+    {
+        m_mustNotPark = true;
+        m_suspendCount = 0;
+        Unpark();
+        StopAndWait();
+    }
+    m_abandoned = true;
+    UnlinkCommands();
+}
+
+// --- suspension
+// -------------------------------------------------------------------------------------------------------
+
+long Worker::Suspend()
+{
+    if (IsCurrentThread())
+    {
+        // It can't wait for itself: it suspends itself once it is back in its loop.
+        long const count = ++m_suspendCount;
+        m_parkLater = true;
+        return count;
+    }
+    // Of several threads one waits for the acknowledgement and the others for that one.
+    CVekSingleLock const lock(&m_suspendLock, true);
+    if (m_suspendCount > 0)
+        return ++m_suspendCount;
+    HandleScope const thread(DuplicateHandle());
+    if (thread.Get())
+    {
+        SuspendAndWait(thread.Get());
+        return ++m_suspendCount;
+    }
+    long const count = ++m_suspendCount;
+    m_parkLater = true; // should it be started yet
+    return count;
+}
+
+void Worker::SuspendAndWait(void * thread)
+{
+    CVekSignal signal;
+    if (!signal.GetHandle())
+        return;                                                           // there is nothing to wait for
+    ThreadMessage message = {nullptr, nullptr, MESSAGE_SUSPEND, &signal}; // not of the ring, which may be reused
+    Append(message);
+    HANDLE const handles[] = {signal.GetHandle(), thread};
+    WaitForMultipleObjects(2, handles, FALSE, INFINITE);
+    // A worker that ended has not met it: it must not stay in the queue.
+    CVekSingleLock const lock(&m_messageLock, true);
+    m_messages.Remove(&message);
+    m_messageCount = m_messages.GetCount();
+}
+
+long Worker::Resume()
+{
+    // Of several threads that take back the last suspension one lets the worker go on.
+    long count = m_suspendCount;
+    do
+    {
+        if (count <= 0)
+            return 0;
+    } while (!m_suspendCount.compare_exchange_weak(count, count - 1));
+    if (count == 1)
+        Unpark();
+    return count - 1;
+}
+
+void Worker::Unpark()
+{
+    HandleScope const thread(DuplicateHandle());
+    for (;;)
+    {
+        bool const isParking = m_isParking;
+        DWORD const count = ::ResumeThread(thread.Get());
+        if (count == RESUME_FAILED || count == 1 || (count == 0 && !isParking))
+            return;
+        if (count == 0)
+            Sleep(0); // it has acknowledged, but not yet suspended itself
+    }
+}
+
+// --- queues
+// -----------------------------------------------------------------------------------------------------------
+
+void Worker::Append(ThreadMessage & message)
+{
+    CVekSingleLock const lock(&m_messageLock, true);
+    m_messages.AddTail(&message);
+    m_messageCount = m_messages.GetCount();
+}
+
+void Worker::Post(unsigned int type, void * parameter)
+{
+    CVekSingleLock const lock(&m_messageLock, true);
+    ThreadMessage & message = m_ring[m_writeIndex];
+    m_writeIndex = (m_writeIndex + 1) % RING_SIZE;
+    // Kept: the ring is not checked for overflow; a record that is still queued carries the new message, at the end.
+    m_messages.Remove(&message);
+    message.type = type;
+    message.parameter = parameter;
+    m_messages.AddTail(&message);
+    m_messageCount = m_messages.GetCount();
+}
+
+bool Worker::TakeMessage(ThreadMessage & message)
+{
+    CVekSingleLock const lock(&m_messageLock, true);
+    ThreadMessage const * const head = m_messages.RemoveHead();
+    m_messageCount = m_messages.GetCount();
+    if (head)
+        message = *head;
+    return head != nullptr;
+}
+
+void Worker::UnlinkMessages()
+{
+    CVekSingleLock const lock(&m_messageLock, true);
+    m_messages.RemoveAll(false);
+    m_messageCount = 0;
+}
+
+void Worker::AddCommand(CVekThreadCommand * command)
+{
+    CVekSingleLock const lock(&m_commandLock, true);
+    // A copied command carries its source's links, and one that is queued already must not be queued twice.
+    if (command->GetPrev() || command->GetNext() || m_commands.GetHead() == command)
+    {
+        CVekThreadCommand const * queued = m_commands.GetHead();
+        while (queued && queued != command)
+            queued = queued->GetNext();
+        if (queued)
+            return;
+        command->SetPrev(nullptr);
+        command->SetNext(nullptr);
+    }
+    m_commands.AddTail(command);
+    m_commandCount = m_commands.GetCount();
+}
+
+CVekThreadCommand * Worker::TakeCommand()
+{
+    CVekSingleLock const lock(&m_commandLock, true);
+    CVekThreadCommand * const command = m_commands.RemoveHead();
+    m_commandCount = m_commands.GetCount();
+    return command;
+}
+
+void Worker::WaitForCommand(CVekThreadCommand * command, CVekSignal & signal)
+{
+    // A worker that has not started may yet be: its end can't be waited for, only looked for.
+    constexpr DWORD LOOK_MILLISECONDS = 10;
+    for (bool hasEnded = false; !hasEnded;)
+    {
+        HandleScope const thread(DuplicateHandle());
+        HANDLE const handles[] = {signal.GetHandle(), thread.Get()};
+        hasEnded = m_hasEnded;
+        DWORD const result = thread.Get() ? WaitForMultipleObjects(2, handles, FALSE, INFINITE)
+                                          : WaitForSingleObject(handles[0], hasEnded ? 0 : LOOK_MILLISECONDS);
+        if (result == WAIT_OBJECT_0)
+            return;
+        hasEnded = hasEnded || thread.Get();
+    }
+    // It ended without running the command, which must not stay in the queue.
+    CVekSingleLock const lock(&m_commandLock, true);
+    m_commands.Remove(command);
+    m_commandCount = m_commands.GetCount();
+}
+
+void Worker::UnlinkCommands()
+{
+    CVekSingleLock const lock(&m_commandLock, true);
+    m_commands.RemoveAll(false);
+    m_commandCount = 0;
+}
+
+// --- the callback
+// -----------------------------------------------------------------------------------------------------
+
+void Worker::SwapCallback(IVekThread::TickCallback * callback)
+{
+    if (callback)
+        callback->AddRef();
+    if (IVekThread::TickCallback * const old = m_callback.exchange(callback))
+        old->Release();
+}
+
+bool Worker::SwapCallbackAtRest(IVekThread::TickCallback * callback)
+{
+    CVekSingleLock const lock(&m_stateLock, true); // nobody starts it meanwhile
+    if (!IsAtRest())
+        return false;
+    SwapCallback(callback);
+    return true;
+}
+
+} // namespace vek

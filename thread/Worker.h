@@ -1,0 +1,107 @@
+#pragma once
+
+#include "VekThread.h"
+
+#include "thread/ThreadMessage.h"
+
+#include <atomic>
+
+namespace vek
+{
+
+/// What a thread object and its operating-system thread share: the queues, the callback and the state. It is counted,
+/// so that a worker inside a long call outlives its thread object safely.
+class Worker : public CVekRefCounted<IVekObject>
+{
+public:
+    Worker(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag, unsigned int tickInterval,
+           unsigned int maxTickCount);
+    Worker(Worker const &) = delete;
+    Worker & operator=(Worker const &) = delete;
+    ~Worker() override;
+
+    CVekString<wchar_t> const name;
+    bool const createFlag;
+    unsigned int const tickInterval;
+    unsigned int const maxTickCount;
+
+    /// The operations of IVekThread.
+    unsigned int Start();
+    long Suspend();
+    long Resume();
+    unsigned int Stop();
+    void Post(unsigned int type, void * parameter);
+    void AddCommand(CVekThreadCommand * command);
+    bool HasPendingCommands() const { return m_commandCount != 0; }
+    bool IsSuspended() const { return m_suspendCount > 0; }
+    bool IsRunning() const { return m_running; }
+    bool IsCurrentThread() const { return VekGetCurrentThreadID() == m_threadID && !m_hasEnded; }
+    void * GetHandle();
+    unsigned int GetThreadID() const { return m_threadID; }
+    IVekThread::TickCallback * GetCallback() const { return m_callback; }
+
+    /// Swaps the callback, on the worker.
+    void SwapCallback(IVekThread::TickCallback * callback);
+    /// Swaps the callback of a worker that has not started or has ended; false for any other.
+    bool SwapCallbackAtRest(IVekThread::TickCallback * callback);
+    /// Waits until the command has set the signal, or the worker has ended without running it.
+    void WaitForCommand(CVekThreadCommand * command, CVekSignal & signal);
+    /// The end of the thread object: stops the worker, which leaves its loop after a long call all the same.
+    void Leave();
+
+    /// The loop, on the worker's thread.
+    void Run();
+
+private:
+    static constexpr unsigned int RING_SIZE = 256;
+
+    void NameThread() const;
+    void RunCommands();
+    /// True when a stop message was met.
+    bool HandleMessages();
+    /// Suspends the worker's own thread once the signal is set.
+    void Park(CVekSignal * signal);
+    void Tick(IVekTimer * timer);
+    bool IsTickDue(IVekTimer * timer) const;
+    void EndRun();
+    void UnlinkMessages();
+    void ReleaseCommands();
+
+    /// Lets the thread go on, or not suspend itself if it is about to.
+    void Unpark();
+    void SuspendAndWait(void * thread);
+    unsigned int StopAndWait();
+    bool IsAtRest() const { return !m_handle || m_hasEnded; }
+    /// A handle of the caller's own to the thread, to wait for; null when it does not run.
+    void * DuplicateHandle();
+    void Append(ThreadMessage & message);
+    bool TakeMessage(ThreadMessage & message);
+    CVekThreadCommand * TakeCommand();
+    void UnlinkCommands();
+
+    std::atomic<IVekThread::TickCallback *> m_callback;
+    std::atomic<unsigned int> m_threadID = 0;
+    std::atomic<bool> m_running = false;
+    std::atomic<bool> m_hasEnded = false;
+    std::atomic<bool> m_abandoned = false; // the thread object is gone: leave the loop
+    std::atomic<bool> m_mustNotPark = false;
+    std::atomic<bool> m_isParking = false; // from before the acknowledgement to after the suspension
+    std::atomic<bool> m_parkLater = false; // suspended by itself or before its start
+    std::atomic<long> m_suspendCount = 0;
+
+    CVekCriticalSection m_suspendLock; // held by who waits for the acknowledgement
+    CVekCriticalSection m_stateLock;   // guards the handle
+    void * m_handle = nullptr;
+
+    CVekCriticalSection m_messageLock;
+    CVekDirectLinkedList<ThreadMessage *> m_messages;
+    std::atomic<unsigned int> m_messageCount = 0;
+    ThreadMessage m_ring[RING_SIZE] = {};
+    unsigned int m_writeIndex = 0;
+
+    CVekCriticalSection m_commandLock;
+    CVekDirectLinkedList<CVekThreadCommand *> m_commands;
+    std::atomic<unsigned int> m_commandCount = 0;
+};
+
+} // namespace vek
