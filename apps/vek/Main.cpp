@@ -23,6 +23,7 @@ constexpr char const * OVERVIEW =
   vek xml get FILE PATH ATTRIBUTE            an attribute's value
   vek xml set FILE PATH ATTRIBUTE VALUE      change or add an attribute, in place or with -o OUT
   vek xml format IN OUT [--indent N]         write a file anew, indented
+  vek xml check DIR... [--jobs N]            which XML files of folders are bad, and where
 
 "vek xml set --help" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 

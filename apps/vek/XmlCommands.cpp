@@ -1,13 +1,16 @@
 #include "XmlCommands.h"
 
 #include "Utf8.h"
+#include "XmlCheck.h"
 #include "XmlEdit.h"
 #include "XmlShow.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
+#include <thread>
 
 namespace tool
 {
@@ -35,6 +38,8 @@ struct Arguments
     std::vector<std::string> files;
     std::string file, target, path, attribute, value;
     bool create = false;
+    bool onlyBad = false;
+    int jobs = 0;
     std::size_t depth = std::numeric_limits<std::size_t>::max();
     EditOptions edit;
 };
@@ -136,6 +141,30 @@ void AddFormat(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Com
         });
 }
 
+void AddCheck(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+{
+    CLI::App * const check = xml->add_subcommand("check", "Read all XML files of folders and tell which are bad");
+    check->add_option("DIR", arguments->files, "The folders; a file stands for itself")->required()->type_name("");
+    check->add_option("--jobs", arguments->jobs, "Worker threads (as many as processors)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 64).description(""));
+    check->add_flag("--bad", arguments->onlyBad, "Print bad files only");
+    check->footer("Files are known by their names: .xml, .xsd, .xsl, .xslt, .svg, .rng, .xhtml and .ui. Ctrl-C stops.");
+    check->callback(
+        [arguments, &command]
+        {
+            command = [arguments]
+            {
+                std::vector<std::wstring> folders;
+                for (std::string const & folder : arguments->files)
+                    folders.push_back(FromUtf8(folder));
+                int const processors = static_cast<int>(std::thread::hardware_concurrency());
+                return RunXmlCheck(folders, arguments->jobs ? arguments->jobs : std::clamp(processors, 1, 64),
+                                   arguments->onlyBad);
+            };
+        });
+}
+
 } // namespace
 
 void AddXmlCommands(CLI::App & app, Command & command)
@@ -148,6 +177,7 @@ void AddXmlCommands(CLI::App & app, Command & command)
     AddGet(xml, arguments, command);
     AddSet(xml, arguments, command);
     AddFormat(xml, arguments, command);
+    AddCheck(xml, arguments, command);
 }
 
 } // namespace tool

@@ -1,6 +1,8 @@
 #include "XmlShow.h"
 
 #include "Console.h"
+#include "Interrupt.h"
+#include "ProgressBar.h"
 #include "XmlCount.h"
 #include "XmlFile.h"
 
@@ -88,10 +90,24 @@ bool ShowInfo(std::wstring const & path)
 
 int RunXmlInfo(std::vector<std::wstring> const & paths)
 {
+    Interrupt const interrupt;
+    Held<IVekProgressController> const progress(getVekLibKernel()->CreateProgressController());
+    Held<ProgressBar> const bar(new ProgressBar);
+    if (!progress)
+        return Fail(L"info", L"out of memory");
+    progress->SetCallback(bar.get());
+    CVekProgressBegin const task(progress.get(), L"reading", 100.0, 100.0 / static_cast<double>(paths.size()), 0);
     int code = EXIT_DONE;
     for (std::wstring const & path : paths)
+    {
+        if (progress->IsCancelled())
+            return Fail(L"info", L"stopped by Ctrl-C");
+        bar->Hide();
         if (!ShowInfo(path))
             code = EXIT_FAILED;
+        progress->Progress(-1.0);
+    }
+    bar->Hide();
     return code;
 }
 
