@@ -96,7 +96,7 @@ int RunXmlInfo(std::vector<std::wstring> const & paths)
     if (!progress)
         return Fail(L"info", L"out of memory");
     progress->SetCallback(bar.get());
-    CVekProgressBegin const task(progress.get(), L"reading", 100.0, 100.0 / static_cast<double>(paths.size()), 0);
+    progress->BeginTask(L"reading", 100.0, 100.0 / static_cast<double>(paths.size()), 0);
     int code = EXIT_DONE;
     for (std::wstring const & path : paths)
     {
@@ -107,6 +107,7 @@ int RunXmlInfo(std::vector<std::wstring> const & paths)
             code = EXIT_FAILED;
         progress->Progress(-1.0);
     }
+    progress->EndTask();
     bar->Hide();
     return code;
 }
