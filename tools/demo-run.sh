@@ -95,6 +95,12 @@ run 1 xml get scene.xml camera colour
 run 1 xml format scene.xml no/such/folder/scene.xml
 run 2 xml get scene.xml
 
+say "== Which files of a folder are bad? Worker threads read the machine's files, and those above"
+run 1 xml check . --jobs 2
+if [ -d /usr/share/mime ]; then
+    run 0 xml check 'Z:/usr/share/mime' --bad
+fi
+
 if [ $failures != 0 ]; then
     say "demo: $failures of these steps did not end as they should"
     exit 1
