@@ -1,6 +1,7 @@
 #include "xml/XMLEscape.h"
 
 #include "core/Buffer.h"
+#include "text/StringAccess.h"
 
 #include <emmintrin.h>
 #include <limits.h>
@@ -148,19 +149,15 @@ bool EscapeTo(wchar_t const * text, CVekString<wchar_t> & target) noexcept
 
 void Unescape(CVekString<wchar_t> & text) noexcept
 {
-    wchar_t const * const stored = text;
     auto length = static_cast<size_t>(text.GetLength());
-    if (!stored || (!wmemchr(stored, L'&', length) && !wmemchr(stored, L'<', length)))
+    if (!wmemchr(text, L'&', length) && !wmemchr(text, L'<', length))
         return;
-    Buffer<wchar_t> scratch;
-    if (!scratch.Append(stored, length))
-        return;
+    // The text only gets shorter: it stays in its block.
+    wchar_t * const characters = StringAccess<wchar_t>::Text(text);
     for (Replacement const & entity : ENTITIES)
-        length = ReplaceAll(scratch.Data(), length, entity);
-    length = ReplaceAll(scratch.Data(), length, NEWLINE_MARKER);
-    CVekString<wchar_t> plain(scratch.Data(), static_cast<int>(length));
-    if (plain.GetLength() == static_cast<int>(length))
-        text.Swap(plain);
+        length = ReplaceAll(characters, length, entity);
+    length = ReplaceAll(characters, length, NEWLINE_MARKER);
+    StringAccess<wchar_t>::SetLength(characters, length);
 }
 
 } // namespace vek
