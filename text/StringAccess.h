@@ -21,6 +21,37 @@ struct StringHeader
 };
 static_assert(sizeof(StringHeader) == 12);
 
+/// Copies a piece of text that is usually short: a call of the runtime's memcpy costs more than its work then.
+inline void CopyShort(void * target, void const * source, size_t bytes) noexcept
+{
+    auto * const to = static_cast<char *>(target);
+    auto const * const from = static_cast<char const *>(source);
+    if (bytes > 64)
+        memcpy(to, from, bytes);
+    else if (bytes >= 16)
+    {
+        // Pieces of fixed size, which the compiler copies in place; the last one may overlap the one before.
+        for (size_t i = 0; i + 16 < bytes; i += 16)
+            memcpy(to + i, from + i, 16);
+        memcpy(to + bytes - 16, from + bytes - 16, 16);
+    }
+    else if (bytes >= 8)
+    {
+        memcpy(to, from, 8);
+        memcpy(to + bytes - 8, from + bytes - 8, 8);
+    }
+    else if (bytes >= 4)
+    {
+        memcpy(to, from, 4);
+        memcpy(to + bytes - 4, from + bytes - 4, 4);
+    }
+    else
+    {
+        for (size_t i = 0; i < bytes; ++i)
+            to[i] = from[i];
+    }
+}
+
 /// The inside of CVekString: its blocks, for the string itself and for code that writes a string's characters in place.
 template <class T>
 struct StringAccess
@@ -91,7 +122,7 @@ struct StringAccess
         auto * const header = static_cast<StringHeader *>(place);
         *header = {0, static_cast<int>(length), EMBEDDED};
         T * const text = reinterpret_cast<T *>(header + 1);
-        memcpy(text, source, length * sizeof(T));
+        CopyShort(text, source, length * sizeof(T));
         SetLength(text, length);
         return CVekString<T>(typename CVekString<T>::Block{text});
     }
