@@ -7,6 +7,11 @@
 namespace vek
 {
 
+AddressTable::~AddressTable()
+{
+    free(m_allocated);
+}
+
 size_t AddressTable::Home(void const * address) const noexcept
 {
     auto const bits = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(address));

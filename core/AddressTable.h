@@ -6,14 +6,14 @@ namespace vek
 {
 
 /// A set of addresses for the look-up of a tracked block: open addressing, with a few slots of its own; larger ones are
-/// allocated, by doubling, and given back when they are mostly empty. Not locked. It has no destructor, so that one of
-/// static life can be asked to the very end.
+/// allocated, by doubling, and given back when they are mostly empty. Not locked.
 class AddressTable
 {
 public:
     constexpr AddressTable() noexcept = default;
     AddressTable(AddressTable const &) = delete;
     AddressTable & operator=(AddressTable const &) = delete;
+    ~AddressTable();
 
     /// Adds an address that is not in the set; false when there is no memory for it.
     bool Add(void * address) noexcept;
@@ -23,6 +23,7 @@ public:
 private:
     static constexpr size_t OWN_SLOTS = 32;
 
+    void ** Slots() noexcept { return m_allocated ? m_allocated : m_own; }
     size_t Home(void const * address) const noexcept;
     void Put(void * address) noexcept;
     bool Resize(size_t slotCount) noexcept;
@@ -31,8 +32,6 @@ private:
     void ** m_allocated = nullptr;
     size_t m_slotCount = OWN_SLOTS; // a power of two; an empty slot is null
     size_t m_count = 0;
-
-    void ** Slots() noexcept { return m_allocated ? m_allocated : m_own; }
 };
 
 } // namespace vek

@@ -1,11 +1,25 @@
 #include "VekCore.h"
 
+#include "core/ProcessState.h"
 #include "core/Ref.h"
+
+namespace
+{
+
+/// The kernel calls the container of a handler under the event-map lock, from any thread.
+class EventLock : CVekSingleLock
+{
+public:
+    EventLock() : CVekSingleLock(&vek::GetProcessState().eventMapLock, true) {}
+};
+
+} // namespace
 
 CVekEventHandlerContainer::CVekEventHandlerContainer() = default;
 
 CVekEventHandlerContainer::~CVekEventHandlerContainer()
 {
+    EventLock const lock;
     RemoveEach();
     m_handlers.Free();
 }
@@ -14,6 +28,7 @@ CVekEventHandler * CVekEventHandlerContainer::Add(CVekEventHandler * handler)
 {
     if (!handler)
         return nullptr;
+    EventLock const lock;
     if (!m_handlers.Append(handler))
     {
         handler->Release();
@@ -25,6 +40,7 @@ CVekEventHandler * CVekEventHandlerContainer::Add(CVekEventHandler * handler)
 
 void CVekEventHandlerContainer::Remove(CVekEventHandler * handler)
 {
+    EventLock const lock;
     int const before = m_handlers.GetCount();
     for (int i = before; i-- > 0;)
     {
@@ -41,6 +57,7 @@ void CVekEventHandlerContainer::Remove(CVekEventHandler * handler)
 
 void CVekEventHandlerContainer::RemoveAll()
 {
+    EventLock const lock;
     auto const self = vek::Ref<CVekEventHandlerContainer>::Share(this);
     RemoveEach();
 }

@@ -10,29 +10,37 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <atomic>
+#include <new>
+
 namespace
 {
 
-/// What guards the buckets of one stripe, and the addresses in them.
-struct alignas(64) Stripe
-{
-    vek::SpinLock lock;
-    bool isComplete = true; // false once an address could not be added: then the buckets are walked
-    vek::AddressTable addresses;
-};
-constexpr size_t STRIPE_COUNT = 64;
-
-// They outlive the system, so that a block that is freed later is still known.
-constinit Stripe g_stripes[STRIPE_COUNT];
-
-// Null before and after the system's life: then blocks are plain ones.
+// Null before and after the system's life: then new blocks are plain ones.
 constinit std::atomic<CVekMemorySystem *> g_alive{nullptr};
+
+// Guards the buckets, their tables and the counters.
+constinit vek::SpinLock g_guard;
+
+// The buckets outlive the system: a static object that ends later frees a block that is still known. Zeros are empty
+// ones, for what is freed before the system is made.
+alignas(CVekMemorySystem::Bucket) constinit unsigned char g_buckets[CVekMemorySystem::BUCKET_COUNT]
+                                                                   [sizeof(CVekMemorySystem::Bucket)] = {};
+
+// A bucket with more blocks is not walked: it has a table of their addresses, or null when there was no memory for it.
+constexpr unsigned int MOST_WALKED = 8;
+constinit vek::AddressTable * g_tables[CVekMemorySystem::BUCKET_COUNT] = {};
 
 CVekMemorySystem g_system;
 
-Stripe & StripeOf(void const * data) noexcept
+size_t IndexOf(void const * data) noexcept
 {
-    return g_stripes[(reinterpret_cast<uintptr_t>(data) >> 4) % STRIPE_COUNT];
+    return reinterpret_cast<uintptr_t>(data) % CVekMemorySystem::BUCKET_COUNT;
+}
+
+CVekMemorySystem::Bucket & BucketAt(size_t index) noexcept
+{
+    return *reinterpret_cast<CVekMemorySystem::Bucket *>(g_buckets[index]);
 }
 
 void StoreFileName(CVekMemoryBlock & block, wchar_t const * file) noexcept
@@ -42,9 +50,12 @@ void StoreFileName(CVekMemoryBlock & block, wchar_t const * file) noexcept
 
 void StoreFileName(CVekMemoryBlock & block, char const * file) noexcept
 {
-    char name[CVekMemoryBlock::FILE_NAME_SIZE];
-    VekGetFileNameFromPathA(file, name, CVekMemoryBlock::FILE_NAME_SIZE - 1);
-    VekStrAtoW(block.m_fileName, name);
+    char none;
+    char const * const name = VekGetFileNameFromPathA(file, &none, 0);
+    size_t i = 0;
+    for (; name && name[i] && i < CVekMemoryBlock::FILE_NAME_SIZE - 1; ++i)
+        block.m_fileName[i] = static_cast<wchar_t>(name[i]);
+    block.m_fileName[i] = 0;
 }
 
 void BreakWhereAskedFor(CVekMemoryBlock const & block) noexcept
@@ -57,10 +68,23 @@ void BreakWhereAskedFor(CVekMemoryBlock const & block) noexcept
         __debugbreak();
 }
 
-bool IsInBucket(CVekDirectLinkedList<CVekMemoryBlock *> const & bucket, void const * data) noexcept
+vek::AddressTable * MakeTable(CVekMemorySystem::Bucket const & bucket) noexcept
+{
+    auto * const table = new (std::nothrow) vek::AddressTable;
+    for (CVekMemoryBlock const * block = table ? bucket.GetHead() : nullptr; block; block = block->GetNext())
+    {
+        if (table->Add(block->m_data))
+            continue;
+        delete table;
+        return nullptr;
+    }
+    return table;
+}
+
+bool IsInBucket(CVekMemorySystem::Bucket const & bucket, void const * data) noexcept
 {
     CVekMemoryBlock const * block = bucket.GetHead();
-    while (block && block->m_data != data)
+    while (block && block + 1 != data)
         block = block->GetNext();
     return block != nullptr;
 }
@@ -84,6 +108,8 @@ void CVekDirectLinkedList<CVekMemoryBlock *>::DeleteElement(CVekMemoryBlock * bl
 
 CVekMemorySystem::CVekMemorySystem()
 {
+    for (unsigned int i = 0; i < m_bucketCount; ++i)
+        new (g_buckets[i]) Bucket;
     g_alive.store(this, std::memory_order_relaxed);
 }
 
@@ -98,10 +124,30 @@ CVekMemorySystem * CVekMemorySystem::Get() noexcept
     return g_alive.load(std::memory_order_relaxed);
 }
 
+CVekMemorySystem::Bucket const & CVekMemorySystem::GetBucket(unsigned int index) const
+{
+    return BucketAt(index);
+}
+
 template <class T>
 unsigned char * CVekMemorySystem::Allocate(unsigned int size, T const * file, int line) noexcept
 {
-    CVekSingleLock const guard(&m_lock, true);
+    m_lock.Lock();
+    CVekMemoryBlock * const block = MakeBlock(size, file, line);
+    if (block)
+    {
+        BreakWhereAskedFor(*block);
+        g_guard.lock();
+        Insert(*block);
+        g_guard.unlock();
+    }
+    m_lock.Unlock();
+    return block ? block->m_data : nullptr;
+}
+
+template <class T>
+CVekMemoryBlock * CVekMemorySystem::MakeBlock(unsigned int size, T const * file, int line) noexcept
+{
     if (size > SIZE_MAX - sizeof(CVekMemoryBlock))
         return nullptr;
     auto * const block = static_cast<CVekMemoryBlock *>(malloc(sizeof(CVekMemoryBlock) + size));
@@ -116,49 +162,61 @@ unsigned char * CVekMemorySystem::Allocate(unsigned int size, T const * file, in
         memcpy(block->m_fileName, L"Unknown File", sizeof L"Unknown File");
     block->m_line = line;
     block->m_data = reinterpret_cast<unsigned char *>(block + 1);
-    BreakWhereAskedFor(*block);
-    Insert(block);
-    unsigned int const bytes = m_currentBytes += size;
-    unsigned int const blocks = ++m_currentBlocks;
-    m_peakBytes = bytes > m_peakBytes ? bytes : m_peakBytes;
-    m_peakBlocks = blocks > m_peakBlocks ? blocks : m_peakBlocks;
-    return block->m_data;
+    return block;
 }
 
-CVekDirectLinkedList<CVekMemoryBlock *> & CVekMemorySystem::BucketOf(void const * data) noexcept
+void CVekMemorySystem::Insert(CVekMemoryBlock & block) noexcept
 {
-    return m_buckets[reinterpret_cast<uintptr_t>(data) & (BUCKET_COUNT - 1)];
+    size_t const index = IndexOf(block.m_data);
+    Bucket & bucket = BucketAt(index);
+    bucket.AddTail(&block);
+    if (bucket.GetCount() > MOST_WALKED)
+    {
+        vek::AddressTable *& table = g_tables[index];
+        if (!table && bucket.GetCount() % MOST_WALKED == 1) // now and then, should there be no memory
+            table = MakeTable(bucket);
+        else if (table && !table->Add(block.m_data))
+        {
+            delete table;
+            table = nullptr;
+        }
+    }
+    m_currentBytes += block.m_size;
+    if (m_currentBytes > m_peakBytes)
+        m_peakBytes = m_currentBytes;
+    if (++m_currentBlocks > m_peakBlocks)
+        m_peakBlocks = m_currentBlocks;
 }
 
-void CVekMemorySystem::Insert(CVekMemoryBlock * block) noexcept
+CVekMemoryBlock * CVekMemorySystem::Take(void * data) noexcept
 {
-    Stripe & stripe = StripeOf(block->m_data);
-    stripe.lock.lock();
-    BucketOf(block->m_data).AddTail(block);
-    if (!stripe.addresses.Add(block->m_data))
-        stripe.isComplete = false;
-    stripe.lock.unlock();
+    size_t const index = IndexOf(data);
+    Bucket & bucket = BucketAt(index);
+    vek::AddressTable *& table = g_tables[index];
+    if (bucket.GetCount() == 0 || !(table ? table->Remove(data) : IsInBucket(bucket, data)))
+        return nullptr;
+    CVekMemoryBlock * const block = static_cast<CVekMemoryBlock *>(data) - 1; // only now is it known to be one
+    bucket.Remove(block);
+    if (table && bucket.GetCount() <= MOST_WALKED / 2)
+    {
+        delete table;
+        table = nullptr;
+    }
+    m_currentBytes -= block->m_size;
+    --m_currentBlocks;
+    return block;
 }
 
 bool CVekMemorySystem::Deallocate(void * pointer) noexcept
 {
-    CVekMemorySystem * const system = Get();
-    Stripe & stripe = StripeOf(pointer);
-    stripe.lock.lock();
-    // Only what is known to be tracked has a record in front of it.
-    bool const isTracked = stripe.addresses.Remove(pointer) ||
-                           (!stripe.isComplete && system && IsInBucket(system->BucketOf(pointer), pointer));
-    CVekMemoryBlock * const block = isTracked ? static_cast<CVekMemoryBlock *>(pointer) - 1 : nullptr;
-    if (isTracked && system)
-        system->BucketOf(pointer).Remove(block);
-    stripe.lock.unlock();
-    if (isTracked && system)
-    {
-        system->m_currentBytes -= block->m_size;
-        --system->m_currentBlocks;
-    }
-    free(isTracked ? block : pointer);
-    return isTracked && system;
+    // With very many blocks nothing of this is in a cache: record and bucket are fetched at once.
+    __builtin_prefetch(reinterpret_cast<void *>(reinterpret_cast<uintptr_t>(pointer) - sizeof(CVekMemoryBlock)), 1);
+    __builtin_prefetch(&BucketAt(IndexOf(pointer)), 1);
+    g_guard.lock();
+    CVekMemoryBlock * const block = Take(pointer);
+    g_guard.unlock();
+    free(block ? block : pointer);
+    return block != nullptr;
 }
 
 unsigned char * VekAllocMemory(unsigned int size, wchar_t const * file, int line)
@@ -173,10 +231,10 @@ unsigned char * VekAllocMemory(unsigned int size, char const * file, int line)
 
 bool VekDeallocMemory(void * pointer, wchar_t const *, int)
 {
-    return CVekMemorySystem::Deallocate(pointer);
+    return g_system.Deallocate(pointer);
 }
 
 bool VekDeallocMemory(void * pointer, char const *, int)
 {
-    return CVekMemorySystem::Deallocate(pointer);
+    return g_system.Deallocate(pointer);
 }

@@ -4,17 +4,16 @@
 
 #include "core/MemoryBlock.h"
 
-#include <atomic>
-
 /// The tracked allocator. There is one, which lives as long as the library is loaded.
 ///
 /// A bucket holds the live blocks whose data address has its index as low 16 bits. Allocation takes the system's lock
-/// for its whole duration, deallocation takes none (kept: a thread that stopped in the debugger within an allocation
-/// holds up no other's deallocation); the buckets are guarded in stripes, for a few instructions at a time.
+/// for its whole duration, deallocation does not (kept: a thread that stopped in the debugger within an allocation
+/// holds up no other's deallocation); buckets and counters are guarded for a few instructions at a time.
 class CVekMemorySystem
 {
 public:
     static constexpr unsigned int BUCKET_COUNT = 65536;
+    using Bucket = CVekDirectLinkedList<CVekMemoryBlock *>;
 
     CVekMemorySystem();
     CVekMemorySystem(CVekMemorySystem const &) = delete;
@@ -23,14 +22,14 @@ public:
 
     /// The system; null before its construction and after its destruction.
     static CVekMemorySystem * Get() noexcept;
-    /// Frees a block; true for a tracked one, while there is a system. Any other pointer goes to free.
-    static bool Deallocate(void * pointer) noexcept;
 
     /// A tracked block; the file may be null.
     template <class T>
     unsigned char * Allocate(unsigned int size, T const * file, int line) noexcept;
+    /// Frees a block; true for a tracked one. Any other pointer goes to free. May be called after the destruction.
+    bool Deallocate(void * pointer) noexcept;
 
-    CVekDirectLinkedList<CVekMemoryBlock *> const & GetBucket(unsigned int index) const { return m_buckets[index]; }
+    Bucket const & GetBucket(unsigned int index) const;
     unsigned int GetNextNumber() const { return m_nextNumber; }
     unsigned int GetCurrentBytes() const { return m_currentBytes; }
     unsigned int GetPeakBytes() const { return m_peakBytes; }
@@ -38,16 +37,18 @@ public:
     unsigned int GetPeakBlocks() const { return m_peakBlocks; }
 
 private:
-    CVekDirectLinkedList<CVekMemoryBlock *> & BucketOf(void const * data) noexcept;
-    void Insert(CVekMemoryBlock * block) noexcept;
+    template <class T>
+    CVekMemoryBlock * MakeBlock(unsigned int size, T const * file, int line) noexcept;
+    void Insert(CVekMemoryBlock & block) noexcept;
+    /// Unlinks the block with that data address; null when there is none.
+    CVekMemoryBlock * Take(void * data) noexcept;
 
     CVekMutex m_mutex; // kept: no operation takes it
     CVekCriticalSection m_lock;
     unsigned int m_bucketCount = BUCKET_COUNT;
-    CVekDirectLinkedList<CVekMemoryBlock *> m_buckets[BUCKET_COUNT];
     unsigned int m_nextNumber = 0;
-    std::atomic<unsigned int> m_currentBytes = 0;
+    unsigned int m_currentBytes = 0;
     unsigned int m_peakBytes = 0;
-    std::atomic<unsigned int> m_currentBlocks = 0;
+    unsigned int m_currentBlocks = 0;
     unsigned int m_peakBlocks = 0;
 };

@@ -365,7 +365,7 @@ private:
     CVekEventHandlerContainer * m_container;
 };
 
-/// Keeps event handlers together and unsubscribes and releases them with its own end.
+/// Keeps event handlers together and unsubscribes and releases them with its own end. Safe from any thread.
 class VEK_API CVekEventHandlerContainer : public CVekRefCounted<IVekObject>
 {
 public:

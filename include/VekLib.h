@@ -21,7 +21,9 @@ public:
     /// means none.
     virtual IVekThread * CreateThread(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag,
                                       unsigned int tickInterval, unsigned int maxTickCount) = 0;
-    /// Runs a command on a worker and waits for its end; one command at a time in the whole process.
+    /// Runs a command on a worker and waits for its end; one command at a time in the whole process. Called on the
+    /// worker itself it runs it at once. Returns without it when the worker has ended or ends first; a command that
+    /// deletes itself is then released.
     virtual void ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * thread) = 0;
     /// Queues a command on a worker and returns at once; called on the worker itself it runs the command.
     virtual void PostThreadCommand(CVekThreadCommand * command, IVekThread * thread) = 0;
@@ -57,7 +59,7 @@ public:
     virtual bool FireEvent(GUID const & id, CVekEventData * data) = 0;
     /// Subscribes a handler and holds a reference to it; false when the event is not registered.
     virtual bool AddEventHandler(GUID const & id, CVekEventHandler * handler) = 0;
-    /// Removes every subscription of the handler to the event and releases it once.
+    /// Removes every subscription of the handler to the event and releases it once; nothing when it has none.
     virtual void RemoveEventHandler(GUID const & id, CVekEventHandler * handler) = 0;
     /// Sets the number of the tracked allocation that stops in the debugger, 0 for none; returns it.
     virtual unsigned int SetBreakOnAllocation(unsigned int number) = 0;

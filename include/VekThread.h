@@ -170,15 +170,16 @@ public:
         virtual void OnTick(void) = 0;
     };
 
-    /// Swaps the callback between two ticks and waits until that is done. The worker holds a reference to it; null for
-    /// none.
+    /// Swaps the callback, between two ticks of a worker that runs, and waits until that is done. The worker holds a
+    /// reference to it; null for none.
     virtual void SetTickCallback(TickCallback * callback) = 0;
     /// The callback, without adding a reference; null when there is none.
     VEK_OVERLOADS(virtual TickCallback * GetTickCallback(void) = 0,
                   virtual TickCallback const * GetTickCallback(void) const = 0)
     /// The name that debuggers show, owned by the thread object.
     virtual CVekString<wchar_t> const & GetName(void) const = 0;
-    /// The tick interval that it was created with.
+    /// The tick interval that it was created with: 0 ticks with every turn of the loop, any other in the first turn and
+    /// then whenever more than that many thousand seconds have passed.
     virtual unsigned int GetTickInterval(void) = 0;
     /// The number of ticks after which the worker ends by itself; 0 for no limit.
     virtual unsigned int GetMaxTickCount(void) = 0;
@@ -196,15 +197,19 @@ public:
     virtual bool IsSuspended(void) = 0;
     /// Starts the worker; returns the system's result of resuming the new thread (its earlier suspend count).
     virtual unsigned int Start(void) = 0;
-    /// Suspends the worker, or counts one more suspension; returns the new count.
+    /// Suspends the worker and waits until it has met the suspension, or has ended; or counts one more suspension.
+    /// Returns the new count. On the worker itself it takes effect once the loop is reached again.
     virtual long Suspend(void) = 0;
     /// Takes one suspension back and lets the worker run on after the last; returns the new count, 0 if there was none.
     virtual long Resume(void) = 0;
-    /// Asks the worker to end and waits up to 5,000 milliseconds for it; returns the system's wait result.
+    /// Takes one suspension back, asks the worker to end and waits up to 5,000 milliseconds for it; returns the
+    /// system's wait result: 0 when it has ended, 258 when not yet, 0xFFFFFFFF when there was nothing to wait for. On
+    /// the worker itself it does not wait.
     virtual unsigned int Stop(void) = 0;
-    /// Appends a control message: 2 suspends (the parameter is a CVekSignal to set), 3 stops, others are ignored.
+    /// Appends a control message: 2 suspends (the parameter is a CVekSignal to set; such a suspension is not counted),
+    /// 3 stops, others are ignored. Of more than 256 that are not handled yet the oldest are lost.
     virtual void PostControlMessage(unsigned int type, void * parameter) = 0;
-    /// Appends a command for the worker to run; adds no reference.
+    /// Appends a command for the worker to run; adds no reference. One that is queued here already stays where it is.
     virtual void AddCommand(CVekThreadCommand * command) = 0;
     /// True while there are commands in the queue.
     virtual bool HasPendingCommands(void) = 0;

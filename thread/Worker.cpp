@@ -271,10 +271,18 @@ void Worker::WaitForCommand(CVekThreadCommand * command, CVekSignal & signal)
             return;
         hasEnded = hasEnded || thread.Get();
     }
-    // It ended without running the command, which must not stay in the queue.
+    // It ended without running the command, which must not stay in the queue and is treated as the worker's end does.
+    if (RemoveCommand(command) && command->IsAutoDelete())
+        command->Release();
+}
+
+bool Worker::RemoveCommand(CVekThreadCommand * command)
+{
     CVekSingleLock const lock(&m_commandLock, true);
+    unsigned int const before = m_commands.GetCount();
     m_commands.Remove(command);
     m_commandCount = m_commands.GetCount();
+    return m_commandCount != before;
 }
 
 void Worker::UnlinkCommands()

@@ -77,6 +77,7 @@ private:
     void Append(ThreadMessage & message);
     bool TakeMessage(ThreadMessage & message);
     CVekThreadCommand * TakeCommand();
+    bool RemoveCommand(CVekThreadCommand * command);
     void UnlinkCommands();
 
     std::atomic<IVekThread::TickCallback *> m_callback;

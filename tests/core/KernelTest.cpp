@@ -225,6 +225,35 @@ TEST(Kernel, SlotOrder)
     EXPECT_EQ(fileStream->GetFilePath().GetLength(), 0);
     fileStream->Release();
 
+    auto * const thread =
+        CallSlot<IVekThread *>(kernel, 3, L"name", static_cast<IVekThread::TickCallback *>(nullptr), true, 7u, 9u);
+    ASSERT_NE(thread, nullptr);
+    EXPECT_STREQ(thread->GetName(), L"name");
+    EXPECT_TRUE(thread->GetCreateFlag());
+    EXPECT_EQ(thread->GetTickInterval(), 7u);
+    EXPECT_EQ(thread->GetMaxTickCount(), 9u);
+    CVekThreadCommand * const noCommand = nullptr;
+    CallSlot(kernel, 4, noCommand, thread);
+    struct Command final : CVekThreadCommand
+    {
+        Command() : CVekThreadCommand(false) {}
+        void Execute() override {}
+    } command;
+    CallSlot(kernel, 5, static_cast<CVekThreadCommand *>(&command), thread);
+    EXPECT_TRUE(thread->HasPendingCommands());
+    thread->Release();
+    for (int const slot : {8, 12, 15, 32})
+    {
+        auto * const service = CallSlot<IVekObject *>(kernel, slot);
+        ASSERT_NE(service, nullptr) << slot;
+        bool const isOfItsKind = slot == 8    ? dynamic_cast<IVekTimer *>(service) != nullptr
+                                 : slot == 12 ? dynamic_cast<IVekProgressController *>(service) != nullptr
+                                 : slot == 15 ? dynamic_cast<IVekRandomizer *>(service) != nullptr
+                                              : dynamic_cast<IVekCPUUsage *>(service) != nullptr;
+        EXPECT_TRUE(isOfItsKind) << slot;
+        service->Release();
+    }
+
     EXPECT_EQ(CallSlot<int>(kernel, 16, 3), 3);
     EXPECT_EQ(CallSlot<int>(kernel, 17), 3);
     EXPECT_EQ(CallSlot<int>(kernel, 16, 0), 0);
@@ -251,11 +280,20 @@ TEST(Kernel, SlotOrder)
     EXPECT_TRUE(CallSlot<bool>(kernel, 20, &EVENT));
     CallSlot(kernel, 22);
     EXPECT_FALSE(CallSlot<bool>(kernel, 20, &EVENT));
+    VekLibDeinit();
+    ASSERT_TRUE(VekLibInit());
+    struct Handler final : CVekEventHandler
+    {
+        bool OnEvent(CVekEventData *) override { return true; }
+    } handler;
     CVekEventData * const noData = nullptr;
-    CVekEventHandler * const noHandler = nullptr;
+    CVekEventHandler * const handlerPointer = &handler;
+    EXPECT_TRUE(CallSlot<bool>(kernel, 20, &EVENT));
     EXPECT_FALSE(CallSlot<bool>(kernel, 24, &EVENT, noData));
-    EXPECT_FALSE(CallSlot<bool>(kernel, 25, &EVENT, noHandler));
-    CallSlot(kernel, 26, &EVENT, noHandler);
+    EXPECT_TRUE(CallSlot<bool>(kernel, 25, &EVENT, handlerPointer));
+    EXPECT_TRUE(CallSlot<bool>(kernel, 24, &EVENT, noData));
+    CallSlot(kernel, 26, &EVENT, handlerPointer);
+    EXPECT_FALSE(CallSlot<bool>(kernel, 24, &EVENT, noData));
 
     EXPECT_EQ(CallSlot<unsigned int>(kernel, 27, 0xFEDCBA98u), 0xFEDCBA98u);
     EXPECT_EQ(CallSlot<unsigned int>(kernel, 28), 0xFEDCBA98u);

@@ -1,0 +1,269 @@
+#include "core/MemorySystem.h"
+
+#include "VekLib.h"
+#include "core/ProcessState.h"
+
+#include "support/GuardHeap.h"
+#include "support/WarmUp.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <thread>
+
+static_assert(sizeof(CVekMemoryBlock) == (sizeof(void *) == 4 ? 152 : 176));
+
+namespace
+{
+
+constexpr char const * NO_FILE = nullptr;
+unsigned int g_firstNumber = 99;
+
+CVekMemorySystem & System()
+{
+    return *CVekMemorySystem::Get();
+}
+
+CVekMemoryBlock const & RecordOf(unsigned char const * data)
+{
+    return reinterpret_cast<CVekMemoryBlock const *>(data)[-1];
+}
+
+// Before any test: the very first tracked block of the process.
+VekTest::WarmUp const warmUp(
+    []
+    {
+        unsigned char * const first = VekAllocMemory(1, NO_FILE, 0);
+        g_firstNumber = RecordOf(first).m_number;
+        VekDeallocMemory(first, NO_FILE, 0);
+    });
+
+unsigned int BlocksInBuckets()
+{
+    unsigned int count = 0;
+    for (unsigned int i = 0; i < CVekMemorySystem::BUCKET_COUNT; ++i)
+    {
+        auto const & bucket = System().GetBucket(i);
+        count += bucket.GetCount();
+        for (CVekMemoryBlock const * block = bucket.GetHead(); block; block = block->GetNext())
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block->m_data) & 0xFFFF, i);
+    }
+    return count;
+}
+
+int g_breaks;
+
+LONG CALLBACK StepOverBreakpoint(EXCEPTION_POINTERS * pointers)
+{
+    if (pointers->ExceptionRecord->ExceptionCode != EXCEPTION_BREAKPOINT)
+        return EXCEPTION_CONTINUE_SEARCH;
+    ++g_breaks;
+#ifdef _WIN64
+    auto & at = pointers->ContextRecord->Rip;
+#else
+    auto & at = pointers->ContextRecord->Eip;
+#endif
+    if (*reinterpret_cast<unsigned char const *>(at) == 0xCC)
+        ++at;
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+} // namespace
+
+TEST(MemorySystem, CountsLiveBlocks)
+{
+    EXPECT_EQ(g_firstNumber, 0u);
+    unsigned int const number = System().GetNextNumber();
+    ASSERT_EQ(System().GetCurrentBlocks(), 0u);
+    // Earlier tests have left their peaks: reach them first.
+    unsigned char * const ground = VekAllocMemory(System().GetPeakBytes(), NO_FILE, 0);
+    std::vector<unsigned char *> blocks;
+    while (System().GetCurrentBlocks() < System().GetPeakBlocks())
+        blocks.push_back(VekAllocMemory(0, NO_FILE, 0));
+    unsigned int const bytes = System().GetCurrentBytes();
+    unsigned int const count = System().GetCurrentBlocks();
+
+    unsigned char * const ten = VekAllocMemory(10, L"file", 1);
+    unsigned char * const twenty = VekAllocMemory(20, "file", 2);
+    EXPECT_TRUE(VekDeallocMemory(ten, L"other", 3));
+    EXPECT_EQ(System().GetCurrentBytes() - bytes, 20u);
+    EXPECT_EQ(System().GetPeakBytes() - bytes, 30u);
+    EXPECT_EQ(System().GetCurrentBlocks() - count, 1u);
+    EXPECT_EQ(System().GetPeakBlocks() - count, 2u);
+    EXPECT_EQ(RecordOf(twenty).m_number, System().GetNextNumber() - 1);
+    EXPECT_EQ(System().GetNextNumber() - number, blocks.size() + 3);
+
+    EXPECT_TRUE(VekDeallocMemory(twenty, NO_FILE, 0));
+    EXPECT_TRUE(VekDeallocMemory(ground, NO_FILE, 0));
+    for (unsigned char * const block : blocks)
+        EXPECT_TRUE(VekDeallocMemory(block, NO_FILE, 0));
+    EXPECT_EQ(System().GetCurrentBytes(), 0u);
+    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
+}
+
+TEST(MemorySystem, RecordsWhereABlockWasAskedFor)
+{
+    std::wstring const fits(63, L'n');
+    std::wstring const tooLong(100, L'n');
+    struct Row
+    {
+        char const * name;
+        wchar_t const * file;
+        wchar_t const * expected;
+    };
+    Row const rows[] = {
+        {"plain", L"Scene.cpp", L"Scene.cpp"},
+        {"full path", L"D:\\work/core\\Scene.cpp", L"Scene.cpp"},
+        {"drive only", L"D:Scene.cpp", L"Scene.cpp"},
+        {"folder", L"core/", L""},
+        {"empty", L"", L""},
+        {"63 characters", fits.c_str(), fits.c_str()},
+        {"longer: cut", tooLong.c_str(), fits.c_str()},
+    };
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        unsigned char * const wide = VekAllocMemory(7, row.file, -5);
+        unsigned char * const narrow = VekAllocMemory(7, VekCreateStrWtoA(row.file), 12);
+        EXPECT_STREQ(RecordOf(wide).m_fileName, row.expected);
+        EXPECT_STREQ(RecordOf(narrow).m_fileName, row.expected);
+        EXPECT_EQ(RecordOf(wide).m_line, -5);
+        EXPECT_EQ(RecordOf(narrow).m_line, 12);
+        EXPECT_EQ(RecordOf(narrow).m_size, 7u);
+        EXPECT_EQ(RecordOf(narrow).m_data, narrow);
+        VekDeallocMemory(wide, NO_FILE, 0);
+        VekDeallocMemory(narrow, NO_FILE, 0);
+    }
+    unsigned char * const blocks[] = {VekAllocMemory(1, NO_FILE, 0),
+                                      VekAllocMemory(1, static_cast<wchar_t *>(nullptr), 0),
+                                      VekAllocMemory(1, "\xE9", 0)};
+    EXPECT_STREQ(RecordOf(blocks[0]).m_fileName, L"Unknown File");
+    EXPECT_STREQ(RecordOf(blocks[1]).m_fileName, L"Unknown File");
+    EXPECT_STREQ(RecordOf(blocks[2]).m_fileName, L"\xFFE9");
+    for (unsigned char * const block : blocks)
+        VekDeallocMemory(block, NO_FILE, 0);
+}
+
+TEST(MemorySystem, FindsABlockAgain)
+{
+    struct Live
+    {
+        unsigned char * data;
+        unsigned int size;
+        unsigned char mark;
+    };
+    std::vector<Live> live;
+    std::mt19937 random(3);
+    for (int turn = 0; turn < 6000; ++turn)
+    {
+        if (live.size() < 1500 && random() % 3 != 0)
+        {
+            unsigned int const size = random() % 100;
+            // On the guard heap some of the table's own allocations fail: then the bucket is searched.
+            if (random() % 3 == 0)
+                VekGuard::FailAllocation(2);
+            unsigned char * const data = VekAllocMemory(size, __FILE__, __LINE__);
+            VekGuard::FailReset();
+            ASSERT_NE(data, nullptr);
+            ASSERT_EQ(reinterpret_cast<std::uintptr_t>(data) % (2 * sizeof(void *)), 0u);
+            live.push_back({data, size, static_cast<unsigned char>(random())});
+            std::fill_n(data, size, live.back().mark);
+        }
+        else if (!live.empty())
+        {
+            std::swap(live[random() % live.size()], live.back());
+            Live const one = live.back();
+            live.pop_back();
+            for (unsigned int i = 0; i < one.size; ++i)
+                ASSERT_EQ(one.data[i], one.mark);
+            ASSERT_TRUE(VekDeallocMemory(one.data, __FILE__, __LINE__));
+        }
+    }
+    EXPECT_EQ(BlocksInBuckets(), live.size());
+    EXPECT_EQ(System().GetCurrentBlocks(), live.size());
+    for (Live const & one : live)
+        EXPECT_TRUE(VekDeallocMemory(one.data, NO_FILE, 0));
+    EXPECT_EQ(BlocksInBuckets(), 0u);
+}
+
+TEST(MemorySystem, FreesOtherBlocksToo)
+{
+    EXPECT_FALSE(VekDeallocMemory(std::malloc(20), NO_FILE, 0));
+    EXPECT_FALSE(VekDeallocMemory(nullptr, L"", 0));
+    unsigned int const number = System().GetNextNumber();
+    vek::g_trackingSuspended = true;
+    unsigned char * const plain = VekAllocMemory(20, NO_FILE, 0);
+    vek::g_trackingSuspended = false;
+    ASSERT_NE(plain, nullptr);
+    EXPECT_EQ(System().GetNextNumber(), number);
+    EXPECT_FALSE(VekDeallocMemory(plain, NO_FILE, 0));
+    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
+}
+
+TEST(MemorySystem, StopsInTheDebugger)
+{
+    void * const handler = AddVectoredExceptionHandler(1, StepOverBreakpoint);
+    g_breaks = 0;
+    unsigned int const first = System().GetNextNumber();
+    getVekLibKernel()->SetBreakOnAllocation(first + 5);
+    unsigned char * blocks[10];
+    for (int i = 0; i < 10; ++i)
+    {
+        blocks[i] = VekAllocMemory(8, __FILE__, i);
+        EXPECT_EQ(g_breaks, i < 5 ? 0 : 1) << i;
+        ASSERT_NE(blocks[i], nullptr);
+        EXPECT_EQ(RecordOf(blocks[i]).m_number, first + static_cast<unsigned int>(i));
+    }
+    getVekLibKernel()->SetBreakOnAllocation(0);
+    for (unsigned char * const block : blocks)
+        EXPECT_TRUE(VekDeallocMemory(block, __FILE__, 0));
+    RemoveVectoredExceptionHandler(handler);
+}
+
+TEST(MemorySystem, LeavesNothingBehindWithoutMemory)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP() << "needs the guard heap";
+    unsigned int const number = System().GetNextNumber();
+    EXPECT_EQ(VekAllocMemory(0xFFFFFFF0u, NO_FILE, 0), nullptr) << "the record would not fit in front of it";
+    VekGuard::FailAllocation(1);
+    EXPECT_EQ(VekAllocMemory(8, "file", 1), nullptr);
+    EXPECT_TRUE(VekGuard::FailReset());
+    EXPECT_EQ(System().GetNextNumber(), number) << "no number is lost";
+    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
+    EXPECT_EQ(System().GetCurrentBytes(), 0u);
+}
+
+TEST(MemorySystem, ServesSeveralThreads)
+{
+    std::vector<std::thread> threads;
+    for (unsigned int seed = 0; seed < 4; ++seed)
+        threads.emplace_back(
+            [seed]
+            {
+                std::mt19937 random(seed);
+                std::vector<unsigned char *> own;
+                for (int turn = 0; turn < 4000; ++turn)
+                {
+                    if (own.size() < 200 && random() % 2)
+                        own.push_back(VekAllocMemory(random() % 64, __FILE__, turn));
+                    else if (!own.empty())
+                    {
+                        std::swap(own[random() % own.size()], own.back());
+                        EXPECT_TRUE(VekDeallocMemory(own.back(), __FILE__, turn));
+                        own.pop_back();
+                    }
+                }
+                for (unsigned char * const block : own)
+                    EXPECT_TRUE(VekDeallocMemory(block, __FILE__, 0));
+            });
+    for (std::thread & thread : threads)
+        thread.join();
+    EXPECT_EQ(System().GetCurrentBytes(), 0u);
+    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
+    EXPECT_EQ(BlocksInBuckets(), 0u);
+}

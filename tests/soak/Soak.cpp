@@ -1,0 +1,345 @@
+// veklib_soak [SECONDS]: 8 threads over every service at once, for a minute unless told otherwise. Fails when anything
+// answers wrongly, a thread hangs, or something is left over at the end. It is built with the guard heap.
+
+#include "VekLib.h"
+
+#include "core/MemorySystem.h"
+#include "support/GuardHeap.h"
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <random>
+
+namespace
+{
+
+constexpr int THREADS = 8;
+constexpr int SHARED_WORKERS = 3;
+constexpr int HANG_SECONDS = 60;
+constexpr GUID SHARED_EVENT = {0x50AC, 0, 0, {}};
+
+using Random = std::mt19937;
+
+std::atomic<bool> g_stop{false};
+std::atomic<long> g_wrong{0};
+std::atomic<long> g_commands{0};
+std::atomic<long> g_commandsAlive{0};
+std::atomic<unsigned int> g_beats[THREADS];
+IVekThread * g_workers[SHARED_WORKERS];
+
+void Expect(bool right, char const * what)
+{
+    if (right)
+        return;
+    ++g_wrong;
+    std::fprintf(stderr, "soak: wrong: %s\n", what);
+}
+
+IVekKernel & Kernel()
+{
+    return *getVekLibKernel();
+}
+
+class Handler final : public CVekEventHandler
+{
+public:
+    bool OnEvent(CVekEventData *) override
+    {
+        if (++calls % 3 == 0)
+            Kernel().RemoveEventHandler(SHARED_EVENT, this);
+        return true;
+    }
+    int calls = 0;
+};
+
+class Callback final : public CVekRefCounted<IVekProgressController::Callback>
+{
+public:
+    bool OnProgress(double taskProgress, double, wchar_t const *, int) override { return taskProgress < 60; }
+};
+
+class Catcher final : public CVekRefCounted<IVekCatchLogOutput>
+{
+public:
+    void OnLogOutput(int, wchar_t const *) override { ++calls; }
+    std::atomic<int> calls{0};
+};
+
+class Command final : public CVekThreadCommand
+{
+public:
+    Command() { ++g_commandsAlive; }
+    ~Command() override { --g_commandsAlive; }
+    void Execute() override { ++g_commands; }
+};
+
+class Tick final : public CVekRefCounted<IVekThread::TickCallback>
+{
+public:
+    void OnTick() override { ++calls; }
+    std::atomic<int> calls{0};
+};
+
+// --- one turn with each service
+// ------------------------------------------------------------------------------------------
+
+void UseMemory(Random & random)
+{
+    unsigned char * blocks[40];
+    for (auto *& block : blocks)
+    {
+        unsigned int const size = random() % 300;
+        block = VekAllocMemory(size, __FILE__, __LINE__);
+        std::fill_n(block, size, static_cast<unsigned char>(size));
+    }
+    std::shuffle(std::begin(blocks), std::end(blocks), random);
+    for (auto * block : blocks)
+        Expect(VekDeallocMemory(block, __FILE__, __LINE__), "a tracked block is not known");
+    Expect(!VekDeallocMemory(std::malloc(9), __FILE__, __LINE__), "a plain block is known");
+}
+
+void UseEvents(Random & random)
+{
+    GUID const own = {random(), 1, static_cast<unsigned short>(GetCurrentThreadId()), {}};
+    auto * const container = new CVekEventHandlerContainer;
+    Kernel().RegisterEvent(SHARED_EVENT);
+    Expect(Kernel().RegisterEvent(own), "an event of its own is there already");
+    for (int i = 0; i < 6; ++i)
+        Kernel().AddEventHandler(i % 2 ? own : SHARED_EVENT, container->Add(new Handler));
+    Expect(Kernel().FireEvent(own, nullptr), "an event finds no handler");
+    Kernel().FireEvent(SHARED_EVENT, nullptr);
+    container->Release();
+    Expect(!Kernel().FireEvent(own, nullptr), "a handler outlives its container");
+    Kernel().UnregisterEvent(own);
+    Expect(!Kernel().IsEventRegistered(own), "an event outlives its end");
+}
+
+void UseProgress(Random & random)
+{
+    IVekProgressController * const controller = Kernel().CreateProgressController();
+    auto * const callback = new Callback;
+    controller->SetCallback(callback);
+    callback->Release();
+    {
+        CVekProgressBegin const outer(controller, L"outer", 100, 1, 0);
+        for (unsigned int i = random() % 5; i-- > 0;)
+        {
+            CVekProgressBegin const inner(controller, L"inner", 20, 5, 0);
+            controller->Progress(-1);
+        }
+    }
+    Expect(controller->IsCompleted() && controller->IsCancelled(), "a run does not end");
+    controller->Release();
+}
+
+void UseSmallServices(Random &)
+{
+    IVekTimer * const timer = Kernel().CreateTimer();
+    IVekRandomizer * const randomizer = Kernel().CreateRandomizer();
+    IVekCPUUsage * const usage = Kernel().CreateCPUUsage();
+    timer->Start();
+    float const value = randomizer->GetRandomValue(2, 3);
+    Expect(value >= 2 && value <= 3, "a random value outside its range");
+    usage->Update(10);
+    usage->Update(12);
+    Expect(usage->GetUsage() >= 0 && usage->GetUsage() <= 100, "a usage outside its range");
+    Expect(timer->GetElapsedSeconds() >= 0, "time goes back");
+    for (IVekObject * const object : std::initializer_list<IVekObject *>{timer, randomizer, usage})
+        object->Release();
+}
+
+void UseWorkers(Random & random)
+{
+    IVekThread * const worker = g_workers[random() % SHARED_WORKERS];
+    switch (random() % 4)
+    {
+    case 0:
+        worker->Suspend();
+        worker->Resume();
+        break;
+    case 1:
+        Kernel().ExecuteThreadCommand(new Command, worker);
+        break;
+    case 2:
+        Kernel().PostThreadCommand(new Command, worker);
+        break;
+    default:
+        IVekThread * const own = Kernel().CreateThread(L"short", nullptr, false, 0, random() % 3);
+        auto * const tick = new Tick;
+        own->SetTickCallback(tick);
+        tick->Release();
+        own->Start();
+        Kernel().ExecuteThreadCommand(new Command, own);
+        if (random() % 2)
+            own->Suspend();
+        own->Release();
+    }
+}
+
+void UseLog(Random & random)
+{
+    auto * const catcher = new Catcher;
+    Kernel().AddCatchLogOutput(catcher);
+    VekLogOutput(0, L"soak %u", random());
+    VekLogOutput(1, L"suppressed %u", random());
+    Expect(catcher->calls > 0, "a message is not delivered");
+    Kernel().RemoveCatchLogOutput(catcher);
+    catcher->Release();
+}
+
+void UseTextAndStreams(Random & random)
+{
+    IVekMemoryIOStream * const stream = Kernel().CreateMemoryIOStream();
+    auto const number = static_cast<int>(random());
+    Expect(stream->Open(nullptr, 0, 64) && stream->WriteInt32(number, true), "a stream can't be written");
+    stream->Release();
+    CVekString<wchar_t> text(L"text ");
+    for (int i = 0; i < 20; ++i)
+        text.Append(L"and more ");
+    Expect(VekCreateStrWtoA(text).GetLength() == text.GetLength(), "a text changes its length");
+}
+
+void UseXML(Random &)
+{
+    static char const text[] = "<a b='1'><c d='2'/><e><![CDATA[f]]></e></a>";
+    IVekXMLManager & manager = *Kernel().GetXMLManager();
+    IVekXMLDocument * const document = manager.CreateXMLDocument();
+    CVekXMLParser parser;
+    Expect(parser.ParseXMLMemory(text, sizeof text - 1, document), "a document can't be read");
+    Expect(document->FindElementFromPath(L"e", false) != nullptr, "an element is missing");
+    document->Release();
+}
+
+struct Service
+{
+    char const * name;
+    void (*use)(Random &);
+    std::atomic<long> turns;
+};
+Service g_services[] = {{"memory", UseMemory, 0},
+                        {"events", UseEvents, 0},
+                        {"progress", UseProgress, 0},
+                        {"timer, randomizer, CPU usage", UseSmallServices, 0},
+                        {"workers", UseWorkers, 0},
+                        {"log", UseLog, 0},
+                        {"text, streams", UseTextAndStreams, 0},
+                        {"XML", UseXML, 0}};
+
+DWORD WINAPI UseAll(void * parameter)
+{
+    auto const index = reinterpret_cast<std::uintptr_t>(parameter);
+    Random random(static_cast<unsigned int>(index) + GetTickCount());
+    while (!g_stop)
+    {
+        Service & service = g_services[random() % std::size(g_services)];
+        service.use(random);
+        ++service.turns;
+        ++g_beats[index];
+    }
+    return 0;
+}
+
+bool IsHanging(std::array<unsigned int, THREADS> & last, std::array<int, THREADS> & still)
+{
+    for (std::size_t i = 0; i < THREADS; ++i)
+    {
+        unsigned int const beat = g_beats[i];
+        still[i] = beat == last[i] ? still[i] + 1 : 0;
+        last[i] = beat;
+        if (still[i] >= HANG_SECONDS)
+        {
+            std::fprintf(stderr, "soak: thread %u hangs\n", static_cast<unsigned int>(i));
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Everything at once for so many seconds; false when a thread hangs.
+bool Run(int seconds)
+{
+    VekLibInit();
+    auto * const tick = new Tick;
+    for (IVekThread *& worker : g_workers)
+    {
+        worker = Kernel().CreateThread(L"shared", tick, false, 0, 0);
+        worker->Start();
+    }
+    g_stop = false;
+    HANDLE threads[THREADS];
+    for (std::uintptr_t i = 0; i < THREADS; ++i)
+        threads[i] = CreateThread(nullptr, 0, UseAll, reinterpret_cast<void *>(i), 0, nullptr);
+    std::array<unsigned int, THREADS> last{};
+    std::array<int, THREADS> still{};
+    for (int second = 0; second < seconds; ++second)
+    {
+        Sleep(1000);
+        if (IsHanging(last, still))
+            return false;
+    }
+    g_stop = true;
+    bool const ended = WaitForMultipleObjects(THREADS, threads, TRUE, HANG_SECONDS * 1000) != WAIT_TIMEOUT;
+    for (HANDLE const thread : threads)
+        CloseHandle(thread);
+    for (IVekThread * const worker : g_workers)
+    {
+        Kernel().ExecuteThreadCommand(new Command, worker); // behind whatever is queued
+        Expect(worker->Stop() == WAIT_OBJECT_0, "a worker does not stop");
+        worker->Release();
+    }
+    Expect(tick->Release() == 0, "a worker keeps its callback");
+    VekLibDeinit();
+    return ended;
+}
+
+DWORD HandleCount()
+{
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+}
+
+} // namespace
+
+int wmain(int count, wchar_t ** arguments)
+{
+    int const seconds = count > 1 ? static_cast<int>(std::wcstol(arguments[1], nullptr, 10)) : 60;
+    setvbuf(stdout, nullptr, _IONBF, 0);
+    if (!Run(2)) // what library and runtime keep for good is there after that
+        return 97;
+    for (Service & service : g_services)
+        service.turns = 0;
+    std::size_t const blocks = VekGuard::LiveBlocks();
+    std::size_t const bytes = VekGuard::LiveBytes();
+    DWORD const handles = HandleCount();
+    std::printf("soak: %d threads, %d seconds\n", THREADS, seconds);
+    if (!Run(seconds))
+        return 97;
+
+    CVekMemorySystem const & memory = *CVekMemorySystem::Get();
+    for (Service const & service : g_services)
+        std::printf("  %-30s %9ld turns\n", service.name, service.turns.load());
+    auto const leaked = static_cast<long>(VekGuard::LiveBlocks() - blocks);
+    long const handlesLeft = static_cast<long>(HandleCount()) - static_cast<long>(handles);
+    std::printf("  commands run %ld, left %ld\n", g_commands.load(), g_commandsAlive.load());
+    std::printf("  tracked: %u blocks made, %u left, %u bytes left, at most %u blocks and %u bytes\n",
+                memory.GetNextNumber(), memory.GetCurrentBlocks(), memory.GetCurrentBytes(), memory.GetPeakBlocks(),
+                memory.GetPeakBytes());
+    std::printf("  heap: %ld blocks and %ld bytes more than before; handles: %ld more\n", leaked,
+                static_cast<long>(VekGuard::LiveBytes() - bytes), handlesLeft);
+    std::printf("  wrong answers: %ld\n", g_wrong.load());
+    bool const clean = g_wrong == 0 && g_commandsAlive == 0 && memory.GetCurrentBlocks() == 0 &&
+                       memory.GetCurrentBytes() == 0 && leaked == 0 && handlesLeft <= 0;
+    std::printf("soak: %s\n", clean ? "clean" : "FAILED");
+    return clean ? 0 : 1;
+}

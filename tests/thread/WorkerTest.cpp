@@ -1,0 +1,301 @@
+#include "support/RefCountContract.h"
+#include "support/Slots.h"
+#include "thread/WorkerKit.h"
+
+#include <string>
+#include <thread>
+
+using WorkerKit::Gate;
+using WorkerKit::Ticks;
+using WorkerKit::Until;
+using WorkerKit::Workers;
+
+TEST_F(Workers, TickUpToTheirLimit)
+{
+    struct Row
+    {
+        char const * name;
+        unsigned int interval, limit;
+        bool hasCallback;
+        int ticks;
+    };
+    Row const rows[] = {
+        {"each turn", 0, 3, true, 3},
+        {"without callback", 0, 3, false, 0},
+        {"the first turn", 5, 1, true, 1},
+        {"an interval without callback", 5, 1, false, 0},
+    };
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        Ticks ticks;
+        IVekThread * const thread = Started(row.interval, row.limit, row.hasCallback ? &ticks : nullptr);
+        EXPECT_TRUE(HasEnded(thread));
+        EXPECT_EQ(ticks.count, row.ticks);
+        DWORD const begin = GetTickCount();
+        thread->Release();
+        EXPECT_LT(GetTickCount() - begin, 1000u) << "it is not waited for again";
+        EXPECT_EQ(ticks.GetRefCount(), 1u);
+    }
+}
+
+TEST_F(Workers, KeptAnIntervalCountsThousandsOfSeconds)
+{
+    Ticks ticks;
+    IVekThread * const thread = Started(1, 0, &ticks);
+    EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+    Sleep(1200);
+    EXPECT_EQ(ticks.count, 1) << "1 is 1,000 seconds";
+    EXPECT_EQ(thread->Stop(), WAIT_OBJECT_0);
+    thread->Release();
+}
+
+TEST_F(Workers, TellTheirState)
+{
+    Ticks ticks;
+    unsigned int idInside = 0;
+    bool currentInside = false;
+    IVekThread * const thread = kernel.CreateThread(std::wstring(3000, L'n').c_str(), &ticks, true, 0, 77);
+    ticks.onTick = [&]
+    {
+        idInside = VekGetCurrentThreadID();
+        currentInside = thread->IsCurrentThread();
+        Sleep(10);
+    };
+    EXPECT_EQ(ticks.GetRefCount(), 2u);
+    EXPECT_EQ(thread->GetName().GetLength(), 3000);
+    EXPECT_EQ(thread->GetHandle(), nullptr);
+    EXPECT_FALSE(thread->IsRunning() || thread->IsCurrentThread() || thread->IsSuspended());
+    EXPECT_EQ(thread->Start(), 1u) << "the suspend count of a thread that is created suspended";
+    EXPECT_TRUE(Until([&] { return thread->IsRunning() && ticks.count > 0; }));
+    EXPECT_EQ(GetThreadId(thread->GetHandle()), thread->GetThreadID());
+    EXPECT_FALSE(thread->IsCurrentThread());
+    EXPECT_EQ(thread->Stop(), WAIT_OBJECT_0);
+    EXPECT_EQ(idInside, thread->GetThreadID());
+    EXPECT_TRUE(currentInside);
+    EXPECT_EQ(thread->GetHandle(), nullptr);
+    EXPECT_FALSE(thread->IsRunning());
+    EXPECT_EQ(thread->Stop(), WAIT_FAILED) << "there is no handle to wait for";
+    thread->Release();
+
+    EXPECT_EQ(VekGetCurrentThreadID(), GetCurrentThreadId());
+    EXPECT_EQ(VekGetCurrentThread(), GetCurrentThread());
+}
+
+TEST_F(Workers, CountSuspensions)
+{
+    Ticks ticks;
+    IVekThread * const thread = Started(0, 0, &ticks);
+    EXPECT_EQ(thread->Resume(), 0);
+    EXPECT_EQ(thread->Suspend(), 1);
+    EXPECT_TRUE(thread->IsSuspended());
+    EXPECT_TRUE(Silent(ticks));
+    EXPECT_EQ(thread->Suspend(), 2);
+    EXPECT_EQ(thread->Resume(), 1);
+    EXPECT_TRUE(Silent(ticks));
+    EXPECT_EQ(thread->Resume(), 0);
+    EXPECT_FALSE(thread->IsSuspended());
+    EXPECT_TRUE(Ticking(ticks));
+    for (int i = 0; i < 50; ++i)
+    {
+        ASSERT_EQ(thread->Suspend(), 1);
+        ASSERT_EQ(thread->Resume(), 0) << "also before it is really suspended";
+    }
+    EXPECT_TRUE(Ticking(ticks));
+    thread->Suspend();
+    EXPECT_EQ(thread->Stop(), WAIT_OBJECT_0) << "it is resumed to see the message";
+    EXPECT_EQ(thread->Suspend(), 1) << "nobody is there to wait for";
+    EXPECT_EQ(thread->Resume(), 0);
+    thread->Release();
+}
+
+TEST_F(Workers, MaySuspendThemselvesAndBeforeTheirStart)
+{
+    Ticks ticks;
+    IVekThread * const thread = Create(0, 0, &ticks);
+    EXPECT_EQ(thread->Suspend(), 1);
+    thread->Start();
+    EXPECT_TRUE(Silent(ticks));
+    EXPECT_EQ(ticks.count, 0);
+    thread->Resume();
+    EXPECT_TRUE(Ticking(ticks));
+    thread->Suspend();
+    ticks.onTick = [&]
+    {
+        if (ticks.count == 1000)
+            thread->Suspend();
+        if (ticks.count == 1100)
+            thread->Suspend(), thread->Resume(); // taken back in time
+    };
+    ticks.count = 999;
+    thread->Resume();
+    EXPECT_TRUE(Until([&] { return thread->IsSuspended(); }));
+    EXPECT_TRUE(Silent(ticks));
+    EXPECT_EQ(ticks.count, 1000);
+    ticks.count = 1099;
+    EXPECT_EQ(thread->Resume(), 0);
+    EXPECT_TRUE(Until([&] { return ticks.count > 1105; }));
+    thread->Suspend();
+    thread->Suspend();
+    DWORD const begin = GetTickCount();
+    thread->Release();
+    EXPECT_LT(GetTickCount() - begin, 2000u) << "the end takes every suspension back";
+}
+
+TEST_F(Workers, KeptTheRingOfMessagesIsReused)
+{
+    Ticks ticks;
+    IVekThread * const thread = Started(0, 0, &ticks);
+    thread->Suspend();
+    for (unsigned int type = 0; type < 1000; ++type)
+        thread->PostControlMessage(type % 5 == 3 ? 99 : type % 5 == 2 ? 98 : type, nullptr); // none to act on
+    thread->Resume();
+    EXPECT_TRUE(Ticking(ticks));
+    thread->Suspend();
+    thread->PostControlMessage(3, nullptr);
+    for (int i = 0; i < 255; ++i)
+        thread->PostControlMessage(9, nullptr);
+    EXPECT_EQ(thread->GetHandle() != nullptr, true);
+    thread->PostControlMessage(9, nullptr); // the 257th takes the stop message's place
+    thread->Resume();
+    EXPECT_TRUE(Ticking(ticks)) << "kept: the message was overwritten";
+    thread->Suspend();
+    thread->PostControlMessage(3, nullptr);
+    for (int i = 0; i < 255; ++i)
+        thread->PostControlMessage(9, nullptr);
+    thread->Resume();
+    EXPECT_TRUE(HasEnded(thread)) << "256 fit";
+    thread->Release();
+}
+
+TEST_F(Workers, AcknowledgeAPostedSuspension)
+{
+    Ticks ticks;
+    IVekThread * const thread = Started(0, 0, &ticks);
+    CVekSignal signal;
+    thread->PostControlMessage(2, &signal);
+    signal.Lock();
+    EXPECT_TRUE(Silent(ticks));
+    EXPECT_FALSE(thread->IsSuspended()) << "it is not counted";
+    EXPECT_EQ(ResumeThread(thread->GetHandle()), 1u);
+    EXPECT_TRUE(Ticking(ticks));
+    thread->PostControlMessage(2, &signal);
+    signal.Lock();
+    thread->Release(); // does not wait in vain
+}
+
+TEST_F(Workers, OutliveTheirObjectInALongCall)
+{
+    Ticks ticks;
+    Gate gate;
+    ticks.onTick = [&] { gate.Pass(); };
+    IVekThread * const thread = Started(0, 0, &ticks);
+    EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+    DWORD const begin = GetTickCount();
+    EXPECT_EQ(thread->Release(), 0u);
+    DWORD const milliseconds = GetTickCount() - begin;
+    EXPECT_TRUE(milliseconds > 4900 && milliseconds < 9000) << milliseconds;
+    EXPECT_GT(ticks.GetRefCount(), 1u) << "still in use";
+    gate.Open();
+    EXPECT_TRUE(Until([&] { return ticks.GetRefCount() == 1; }));
+    EXPECT_EQ(ticks.count, 1) << "it left its loop";
+}
+
+TEST_F(Workers, MayEndTheirOwnObject)
+{
+    Ticks ticks;
+    IVekThread * thread = Create(0, 0, &ticks);
+    DWORD milliseconds = 0;
+    unsigned int stopResult = 0;
+    ticks.onTick = [&]
+    {
+        DWORD const begin = GetTickCount();
+        stopResult = thread->Stop();
+        thread->Release();
+        milliseconds = GetTickCount() - begin;
+    };
+    thread->Start();
+    EXPECT_TRUE(Until([&] { return ticks.GetRefCount() == 1; }));
+    EXPECT_EQ(stopResult, static_cast<unsigned int>(WAIT_TIMEOUT)) << "it can't see its own end";
+    EXPECT_LT(milliseconds, 1000u);
+    EXPECT_EQ(ticks.count, 1);
+}
+
+TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
+{
+    Ticks ticks;
+    Gate gate;
+    ticks.onTick = [&] { gate.Pass(); };
+    IVekThread * const thread = Started(0, 1, &ticks);
+    EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+    std::vector<std::thread> callers;
+    std::atomic<int> returned = 0;
+    for (int i = 0; i < 3; ++i)
+        callers.emplace_back([&] { thread->Suspend(), ++returned; });
+    Sleep(50);
+    EXPECT_EQ(returned, 0);
+    gate.Open();
+    for (std::thread & caller : callers)
+        caller.join();
+    EXPECT_EQ(thread->Resume(), 2) << "each call counts";
+    thread->Release();
+}
+
+TEST_F(Workers, SwapTheirCallbackBetweenTicks)
+{
+    Ticks first, second;
+    IVekThread * const thread = Create(0, 0, &first);
+    thread->SetTickCallback(&second); // not started: at once
+    EXPECT_EQ(thread->GetTickCallback(), &second);
+    thread->Start();
+    EXPECT_TRUE(Ticking(second));
+    EXPECT_EQ(first.count, 0);
+    thread->SetTickCallback(&first);
+    EXPECT_EQ(const_cast<IVekThread const *>(thread)->GetTickCallback(), &first);
+    EXPECT_TRUE(Ticking(first));
+    EXPECT_TRUE(Silent(second));
+    EXPECT_EQ(second.GetRefCount(), 1u);
+    auto * const own = new Ticks; // swaps itself away within its tick, which is its end
+    own->onTick = [&, own] { thread->SetTickCallback(&second), own->count = 5; };
+    thread->SetTickCallback(own);
+    own->Release();
+    EXPECT_TRUE(Ticking(second));
+    thread->Stop();
+    thread->SetTickCallback(nullptr); // ended: at once
+    EXPECT_EQ(thread->GetTickCallback(), nullptr);
+    EXPECT_EQ(second.GetRefCount(), 1u);
+    thread->Release();
+}
+
+TEST_F(Workers, SlotOrder)
+{
+    Ticks ticks, other;
+    IVekThread * const thread = kernel.CreateThread(L"slots", &ticks, true, 4, 5);
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 0), 2u);
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 1), 1u);
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 2), 1u);
+    CallSlot(thread, 3, static_cast<IVekThread::TickCallback *>(&other));
+    for (int slot : {4, 5})
+        EXPECT_EQ(CallSlot<void *>(thread, slot), static_cast<void *>(&other)) << slot;
+    EXPECT_STREQ(*CallSlot<CVekString<wchar_t> const *>(thread, 6), L"slots");
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 7), 4u);
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 8), 5u);
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 15), 1u);
+    EXPECT_TRUE(Until([&] { return CallSlot<bool>(thread, 13); }));
+    EXPECT_EQ(CallSlot<void *>(thread, 9), thread->GetHandle());
+    EXPECT_NE(thread->GetHandle(), nullptr);
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 10), GetThreadId(thread->GetHandle()));
+    EXPECT_TRUE(CallSlot<bool>(thread, 11));
+    EXPECT_FALSE(CallSlot<bool>(thread, 12));
+    EXPECT_EQ(CallSlot<long>(thread, 16), 1);
+    EXPECT_TRUE(CallSlot<bool>(thread, 14));
+    EXPECT_FALSE(CallSlot<bool>(thread, 21));
+    auto * const command = new WorkerKit::Command([] {});
+    CallSlot(thread, 20, static_cast<CVekThreadCommand *>(command));
+    EXPECT_TRUE(CallSlot<bool>(thread, 21));
+    EXPECT_EQ(CallSlot<long>(thread, 17), 0);
+    CallSlot(thread, 19, 77u, static_cast<void *>(nullptr));
+    EXPECT_EQ(CallSlot<unsigned int>(thread, 18), WAIT_OBJECT_0);
+    thread->Release();
+    ExpectRefCountContract("thread", kernel.CreateThread(L"", nullptr, false, 0, 0));
+}
