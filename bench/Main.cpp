@@ -1,7 +1,7 @@
 // veklib_bench: how fast the library is, beside what it is built on.
 //     veklib_bench [--quick] [--services] [FILE]
-// --services leaves the XML out. FILE is a real XML file to measure with; without it the MIME database of the machine is
-// taken. Ratios are between figures of one run: absolute ones depend on the machine.
+// --services leaves the XML out. FILE is a real XML file to measure with; without it the MIME database of the machine
+// is taken. Ratios are between figures of one run: absolute ones depend on the machine.
 
 #include "MemoryBench.h"
 #include "ServiceBench.h"
