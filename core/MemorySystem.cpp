@@ -1,10 +1,9 @@
 #include "core/MemorySystem.h"
 
-#include "VekText.h"
-
 #include "core/AddressTable.h"
 #include "core/ProcessState.h"
 #include "core/SpinLock.h"
+#include "text/Scan.h"
 
 #include <stdint.h>
 #include <stdlib.h>
@@ -43,19 +42,20 @@ CVekMemorySystem::Bucket & BucketAt(size_t index) noexcept
     return *reinterpret_cast<CVekMemorySystem::Bucket *>(g_buckets[index]);
 }
 
-void StoreFileName(CVekMemoryBlock & block, wchar_t const * file) noexcept
+// Stores the part behind the last separator, cut to the record's field. As VekGetFileNameFromPath, but without its copy
+// for the narrow form: this is most of what an allocation costs.
+template <class T>
+void StoreFileName(CVekMemoryBlock & block, T const * file) noexcept
 {
-    VekGetFileNameFromPathW(file, block.m_fileName, CVekMemoryBlock::FILE_NAME_SIZE - 1);
-}
-
-void StoreFileName(CVekMemoryBlock & block, char const * file) noexcept
-{
-    char none;
-    char const * const name = VekGetFileNameFromPathA(file, &none, 0);
-    size_t i = 0;
-    for (; name && name[i] && i < CVekMemoryBlock::FILE_NAME_SIZE - 1; ++i)
-        block.m_fileName[i] = static_cast<wchar_t>(name[i]);
-    block.m_fileName[i] = 0;
+    size_t const end = vek::TextLength(file);
+    size_t begin = end;
+    while (begin > 0 && file[begin - 1] != T('/') && file[begin - 1] != T('\\') && file[begin - 1] != T(':'))
+        --begin;
+    size_t const room = CVekMemoryBlock::FILE_NAME_SIZE - 1;
+    size_t const count = end - begin < room ? end - begin : room;
+    for (size_t i = 0; i < count; ++i)
+        block.m_fileName[i] = static_cast<wchar_t>(file[begin + i]); // a narrow character keeps its sign
+    block.m_fileName[count] = 0;
 }
 
 void BreakWhereAskedFor(CVekMemoryBlock const & block) noexcept
