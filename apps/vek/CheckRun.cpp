@@ -2,14 +2,9 @@
 
 #include "Console.h"
 #include "LogToStderr.h"
+#include "Platform.h"
 
 #include <limits>
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {
@@ -160,9 +155,7 @@ CheckResult CheckRun::Read(std::wstring const & path)
     else if (!parser.ParseXMLMemory(bytes, size, document.get()))
         result.message = Printable(ParseFailure(messages));
     else if (!parser.IsComplete())
-        result.message = document->GetRootElement()->GetName().IsEmpty()
-                             ? L"contains no element"
-                             : L"ends before its outermost element is closed";
+        result.message = WhyIncomplete(*document);
     else
         result.isGood = true;
     VekDeallocMemory(bytes, __FILE__, __LINE__);

@@ -1,16 +1,11 @@
 #include "Console.h"
 
+#include "Platform.h"
 #include "Utf8.h"
 
 #include <algorithm>
 #include <cstdarg>
 #include <cwchar>
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {

@@ -1,15 +1,10 @@
 #include "FileTree.h"
 
 #include "Console.h"
+#include "Platform.h"
 #include "XmlFile.h"
 
 #include <algorithm>
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {

@@ -1,12 +1,7 @@
 #include "Interrupt.h"
+#include "Platform.h"
 
 #include <atomic>
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {

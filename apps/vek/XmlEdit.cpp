@@ -1,14 +1,9 @@
 #include "XmlEdit.h"
 
 #include "Console.h"
+#include "Platform.h"
 #include "Utf8.h"
 #include "XmlLoss.h"
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {

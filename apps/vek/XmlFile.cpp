@@ -1,12 +1,7 @@
 #include "XmlFile.h"
 
 #include "Console.h"
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
+#include "Platform.h"
 
 namespace tool
 {
@@ -18,8 +13,7 @@ enum class Reading
 {
     Done,
     Failed,
-    EndsEarly,
-    NoElement
+    Incomplete
 };
 
 Held<IVekXMLDocument> CreateDocument()
@@ -33,9 +27,7 @@ Reading Read(std::wstring const & path, IVekXMLDocument & document)
     CVekXMLParser parser;
     if (!parser.ParseXMLFile(path.c_str(), &document))
         return Reading::Failed;
-    if (parser.IsComplete())
-        return Reading::Done;
-    return document.GetRootElement()->GetName().IsEmpty() ? Reading::NoElement : Reading::EndsEarly;
+    return parser.IsComplete() ? Reading::Done : Reading::Incomplete;
 }
 
 /// Why a file could not be read, as far as the file system knows.
@@ -62,12 +54,7 @@ Held<IVekXMLDocument> LoadXml(std::wstring const & path)
     Reading const reading = document ? Read(path, *document) : Reading::Failed;
     if (reading == Reading::Done)
         return document;
-    if (reading == Reading::NoElement)
-        Fail(path, L"contains no element");
-    else if (reading == Reading::EndsEarly)
-        Fail(path, L"ends before its outermost element is closed");
-    else
-        Fail(path, WhyUnreadable(path));
+    Fail(path, reading == Reading::Incomplete ? WhyIncomplete(*document) : WhyUnreadable(path));
     return nullptr;
 }
 
@@ -78,6 +65,12 @@ Held<IVekXMLDocument> TryLoadXml(std::wstring const & path)
     if (document && Read(path, *document) != Reading::Done)
         document.reset();
     return document;
+}
+
+wchar_t const * WhyIncomplete(IVekXMLDocument const & document)
+{
+    return document.GetRootElement()->GetName().IsEmpty() ? L"contains no element"
+                                                          : L"ends before its outermost element is closed";
 }
 
 std::wstring LastErrorText()

@@ -24,6 +24,9 @@ Held<IVekXMLDocument> LoadXml(std::wstring const & path);
 /// As LoadXml, but null without a word for a file that can't be read whole.
 Held<IVekXMLDocument> TryLoadXml(std::wstring const & path);
 
+/// Why a document that was read without an error is still not a whole one (CVekXMLParser::IsComplete).
+wchar_t const * WhyIncomplete(IVekXMLDocument const & document);
+
 /// What the system says of the calling thread's last error, such as "access is denied".
 std::wstring LastErrorText();
 

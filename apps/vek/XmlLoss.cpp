@@ -1,16 +1,11 @@
 #include "XmlLoss.h"
 
 #include "Console.h"
+#include "Platform.h"
 
 #include <algorithm>
 #include <string_view>
 #include <vector>
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {

@@ -2,18 +2,13 @@
 
 #include "Console.h"
 #include "Interrupt.h"
+#include "Platform.h"
 #include "ProgressBar.h"
 #include "XmlCount.h"
 #include "XmlFile.h"
 
 #include <algorithm>
 #include <chrono>
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 
 namespace tool
 {
