@@ -292,7 +292,7 @@ TEST_F(Workers, WithstandEverybodyAtOnce)
                 thread->SetTickCallback(&ticks);
                 break;
             case 5:
-                kernel.PostThreadCommand(new Command([&, thread] { thread->AddCommand(make()), ++run; }), thread);
+                kernel.PostThreadCommand(new Command([&, thread, make] { thread->AddCommand(make()), ++run; }), thread);
                 posted += 2;
                 break;
             default:
