@@ -10,12 +10,9 @@ namespace vek
 
 EventEntry::~EventEntry()
 {
-    // Whoever is walking stops.
+    // Whoever is walking stops, as the last handler is taken from before him, and does not come back here.
     for (Walk * walk = m_walks; walk; walk = walk->outer)
-    {
         walk->entry = nullptr;
-        walk->next = nullptr;
-    }
     while (!m_handlers.Empty())
         RemoveHandler(m_handlers.First()->Pointer());
 }

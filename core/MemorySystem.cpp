@@ -170,17 +170,14 @@ void CVekMemorySystem::Insert(CVekMemoryBlock & block) noexcept
     size_t const index = IndexOf(block.m_data);
     Bucket & bucket = BucketAt(index);
     bucket.AddTail(&block);
-    if (bucket.GetCount() > MOST_WALKED)
+    vek::AddressTable *& table = g_tables[index];
+    if (table && !table->Add(block.m_data))
     {
-        vek::AddressTable *& table = g_tables[index];
-        if (!table && bucket.GetCount() % MOST_WALKED == 1) // now and then, should there be no memory
-            table = MakeTable(bucket);
-        else if (table && !table->Add(block.m_data))
-        {
-            delete table;
-            table = nullptr;
-        }
+        delete table;
+        table = nullptr;
     }
+    else if (!table && bucket.GetCount() > MOST_WALKED && bucket.GetCount() % MOST_WALKED == 1)
+        table = MakeTable(bucket); // tried again now and then, should there be no memory
     m_currentBytes += block.m_size;
     if (m_currentBytes > m_peakBytes)
         m_peakBytes = m_currentBytes;

@@ -168,6 +168,24 @@ TEST_F(Workers, KeptTheRingOfMessagesIsReused)
     thread->Release();
 }
 
+// A record that is reused while it is queued moves to the end.
+TEST_F(Workers, KeepTheirMessagesInOrderWhenTheRingIsReused)
+{
+    IVekThread * const thread = Started();
+    CVekSignal signal;
+    thread->Suspend();
+    thread->PostControlMessage(9, nullptr);
+    thread->PostControlMessage(2, &signal);
+    for (int i = 0; i < 254; ++i)
+        thread->PostControlMessage(9, nullptr);
+    thread->PostControlMessage(3, nullptr); // in the first one's record
+    thread->Resume();
+    EXPECT_EQ(WaitForSingleObject(signal.GetHandle(), 5000), WAIT_OBJECT_0) << "the end came first";
+    EXPECT_TRUE(Until([&] { return ResumeThread(thread->GetHandle()) != 0; }));
+    EXPECT_TRUE(HasEnded(thread));
+    thread->Release();
+}
+
 TEST_F(Workers, AcknowledgeAPostedSuspension)
 {
     Ticks ticks;
@@ -179,9 +197,13 @@ TEST_F(Workers, AcknowledgeAPostedSuspension)
     EXPECT_FALSE(thread->IsSuspended()) << "it is not counted";
     EXPECT_EQ(ResumeThread(thread->GetHandle()), 1u);
     EXPECT_TRUE(Ticking(ticks));
+    CVekSignal second;
     thread->PostControlMessage(2, &signal);
+    thread->PostControlMessage(2, &second);
     signal.Lock();
-    thread->Release(); // does not wait in vain
+    DWORD const begin = GetTickCount();
+    thread->Release();
+    EXPECT_LT(GetTickCount() - begin, 2000u) << "it waits for a worker that nobody resumes";
 }
 
 TEST_F(Workers, OutliveTheirObjectInALongCall)
@@ -190,7 +212,8 @@ TEST_F(Workers, OutliveTheirObjectInALongCall)
     Gate gate;
     ticks.onTick = [&] { gate.Pass(); };
     IVekThread * const thread = Started(0, 0, &ticks);
-    EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+    EXPECT_EQ(thread->Start(), 1u) << "kept: a second start is not refused";
+    EXPECT_TRUE(Until([&] { return ticks.count == 2; }));
     DWORD const begin = GetTickCount();
     EXPECT_EQ(thread->Release(), 0u);
     DWORD const milliseconds = GetTickCount() - begin;
@@ -198,7 +221,7 @@ TEST_F(Workers, OutliveTheirObjectInALongCall)
     EXPECT_GT(ticks.GetRefCount(), 1u) << "still in use";
     gate.Open();
     EXPECT_TRUE(Until([&] { return ticks.GetRefCount() == 1; }));
-    EXPECT_EQ(ticks.count, 1) << "it left its loop";
+    EXPECT_EQ(ticks.count, 2) << "both have left their loop";
 }
 
 TEST_F(Workers, MayEndTheirOwnObject)
