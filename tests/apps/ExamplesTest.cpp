@@ -7,16 +7,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using apps::Outcome;
-using apps::RunBeside;
-using apps::SceneFile;
-using apps::Vek;
 using testing::HasSubstr;
 using testing::Not;
 
 TEST(Examples, MinimalChangesAScene)
 {
-    std::wstring const target = apps::MakeFolder() + L"changed.xml";
+    std::wstring const target = MakeFolder() + L"changed.xml";
     Outcome const outcome = RunBeside(L"example_minimal.exe", {SceneFile(), target});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.out, "the camera stood at 12.5, -40, 6\r\ndone\r\n");

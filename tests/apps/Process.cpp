@@ -1,16 +1,10 @@
 #include "Process.h"
 
-#include <algorithm>
-#include <cstdio>
-
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
-
-namespace apps
-{
 
 namespace
 {
@@ -97,8 +91,8 @@ Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const 
     CloseHandle(startup.hStdError);
     if (started)
         outcome.code = WaitFor(process);
-    outcome.out = Load(outPath);
-    outcome.err = started ? Load(errPath) : "can't be started";
+    outcome.out = FileBytes(outPath);
+    outcome.err = started ? FileBytes(errPath) : "can't be started";
     return outcome;
 }
 
@@ -110,52 +104,18 @@ Outcome Vek(std::vector<std::wstring> const & arguments)
 std::wstring MakeFolder()
 {
     std::wstring const folder = WorkFolder();
-    for (std::wstring const & name : Names(folder))
+    for (auto const & file : std::filesystem::directory_iterator(folder))
     {
-        std::wstring const path = folder + L"\\" + name;
-        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-        DeleteFileW(path.c_str());
+        SetFileAttributesW(file.path().c_str(), FILE_ATTRIBUTE_NORMAL);
+        DeleteFileW(file.path().c_str());
     }
     return folder + L"\\";
 }
 
-void Store(std::wstring const & path, std::string const & bytes)
+int CountFiles(std::wstring const & folder)
 {
-    if (std::FILE * const file = _wfopen(path.c_str(), L"wb"))
-    {
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
-        std::fclose(file);
-    }
-}
-
-std::string Load(std::wstring const & path)
-{
-    std::string bytes;
-    if (std::FILE * const file = _wfopen(path.c_str(), L"rb"))
-    {
-        char piece[4096];
-        for (std::size_t size; (size = std::fread(piece, 1, sizeof piece, file)) > 0;)
-            bytes.append(piece, size);
-        std::fclose(file);
-    }
-    return bytes;
-}
-
-std::vector<std::wstring> Names(std::wstring const & folder)
-{
-    std::vector<std::wstring> names;
-    WIN32_FIND_DATAW data;
-    HANDLE const search = FindFirstFileW((folder + L"\\*").c_str(), &data);
-    if (search == INVALID_HANDLE_VALUE)
-        return names;
-    do
-    {
-        if (!(data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
-            names.push_back(data.cFileName);
-    } while (FindNextFileW(search, &data));
-    FindClose(search);
-    std::sort(names.begin(), names.end());
-    return names;
+    auto const files = std::filesystem::directory_iterator(folder);
+    return static_cast<int>(std::distance(begin(files), end(files)));
 }
 
 std::wstring SceneFile()
@@ -163,5 +123,3 @@ std::wstring SceneFile()
     std::string const path = VEK_TEST_DATA "/../../examples/data/scene.xml";
     return std::wstring(path.begin(), path.end());
 }
-
-} // namespace apps

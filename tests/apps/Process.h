@@ -1,11 +1,11 @@
 // Runs the programs that stand beside the test program, and gives what they print.
 #pragma once
 
-#include <string>
-#include <vector>
+#include "support/Files.h"
 
-namespace apps
-{
+#include <string>
+#include <tuple>
+#include <vector>
 
 struct Outcome
 {
@@ -23,13 +23,8 @@ Outcome Vek(std::vector<std::wstring> const & arguments);
 /// Empties the folder in which programs are run, for a test's files; ends in a backslash.
 std::wstring MakeFolder();
 
-void Store(std::wstring const & path, std::string const & bytes);
-std::string Load(std::wstring const & path);
-
-/// The names of a folder's files, sorted.
-std::vector<std::wstring> Names(std::wstring const & folder);
+/// How many files a folder has.
+int CountFiles(std::wstring const & folder);
 
 /// A file that comes with the examples.
 std::wstring SceneFile();
-
-} // namespace apps

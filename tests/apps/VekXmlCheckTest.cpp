@@ -5,10 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using apps::MakeFolder;
-using apps::Outcome;
-using apps::Store;
-using apps::Vek;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -19,11 +15,11 @@ namespace
 TEST(VekXmlCheck, TellsGoodFilesFromBadOnesInTheirOrder)
 {
     std::wstring const folder = MakeFolder();
-    Store(folder + L"a.xml", "<a/>");
-    Store(folder + L"b.svg", "<a>\n <b></a>");
-    Store(folder + L"c.XML", "");
-    Store(folder + L"d.xsd", "<a><b/>");
-    Store(folder + L"e.txt", "not looked at");
+    StoreBytes(folder + L"a.xml", "<a/>");
+    StoreBytes(folder + L"b.svg", "<a>\n <b></a>");
+    StoreBytes(folder + L"c.XML", "");
+    StoreBytes(folder + L"d.xsd", "<a><b/>");
+    StoreBytes(folder + L"e.txt", "not looked at");
     std::string const path(folder.begin(), folder.end() - 1);
     for (wchar_t const * const jobs : {L"1", L"3", L"64"})
     {
@@ -43,7 +39,7 @@ TEST(VekXmlCheck, ReadsManyFilesAndFolders)
 {
     std::wstring const folder = MakeFolder();
     for (int i = 0; i < 300; ++i)
-        Store(folder + L"f" + std::to_wstring(i) + L".xml", i % 100 == 7 ? "<a><b></a>" : "<a b='1'/>");
+        StoreBytes(folder + L"f" + std::to_wstring(i) + L".xml", i % 100 == 7 ? "<a><b></a>" : "<a b='1'/>");
     Outcome const outcome = Vek({L"xml", L"check", folder, L"--jobs", L"4", L"--bad"});
     EXPECT_EQ(outcome.code, 1);
     EXPECT_THAT(outcome.out, HasSubstr("f107.xml: line 1, col 8: mismatched tag\n"));

@@ -5,11 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using apps::MakeFolder;
-using apps::Outcome;
-using apps::SceneFile;
-using apps::Store;
-using apps::Vek;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -62,40 +57,30 @@ TEST(VekXml, TreeShowsLevelsAndEscapesWhatHarmsATerminal)
               "  material name=\"water\" color=\"24, 82, 120, 200\" (1 child)\n"
               "  group name=\"pier\" visible=\"TRUE\" (3 children)\n");
     std::wstring const folder = MakeFolder();
-    Store(folder + L"hostile.xml", "<a b=\"&#x9B;2J&#x202E;&#9;\xF0\x9F\x98\x80\"><b/></a>");
+    StoreBytes(folder + L"hostile.xml", "<a b=\"&#x9B;2J&#x202E;&#9;\xF0\x9F\x98\x80\"><b/></a>");
     EXPECT_EQ(Vek({L"xml", L"tree", folder + L"hostile.xml"}).out, "a b=\"\\x9B2J\\u202E\\t\xF0\x9F\x98\x80\"\n  b\n");
     EXPECT_THAT(Vek({L"xml", L"info", L"no\x1B[2J\x202E.xml"}).err, HasSubstr("vek: no\\x1B[2J\\u202E.xml: "));
 }
 
 TEST(VekXml, GetFindsElementsByPath)
 {
-    struct
-    {
-        wchar_t const * path;
-        wchar_t const * attribute;
-        char const * value;
-    } const rows[] = {
+    std::tuple<wchar_t const *, wchar_t const *, char const *> const rows[] = {
         {L"", L"name", "Harbour\n"},
         {L"/", L"unit", "m\n"},
         {L"camera", L"angle", "50\n"},
         {L"GROUP\\Group//mesh", L"NAME", "\xC3\x89mile & S\xC3\xB8n\n"},
         {L"group/label", L"text", "Pier's end \xE2\x80\x94 3 < 4 m deep\n"},
     };
-    for (auto const & row : rows)
+    for (auto const & [path, attribute, value] : rows)
     {
-        SCOPED_TRACE(testing::Message() << "path " << row.value);
-        EXPECT_EQ(Get(SceneFile(), row.path, row.attribute), row.value);
+        SCOPED_TRACE(testing::Message() << "path " << value);
+        EXPECT_EQ(Get(SceneFile(), path, attribute), value);
     }
 }
 
 TEST(VekXml, SetStoresValuesThatComeBack)
 {
-    struct
-    {
-        char const * name;
-        std::wstring value;
-        std::string printed;
-    } const rows[] = {
+    std::tuple<char const *, std::wstring, std::string> const rows[] = {
         {"markup", L"<a> & 'b' \"c\"", "<a> & 'b' \"c\"\n"},
         {"beyond the first plane", L"\xD83D\xDE00 \x00E9 \x20AC", "\xF0\x9F\x98\x80 \xC3\xA9 \xE2\x82\xAC\n"},
         {"white space", L" \ta\r\nb ", " \ta\r\nb \n"},
@@ -106,16 +91,16 @@ TEST(VekXml, SetStoresValuesThatComeBack)
     };
     std::wstring const folder = MakeFolder();
     std::wstring const file = folder + L"scene \x20AC.xml";
-    Store(file, apps::Load(SceneFile()));
-    for (auto const & row : rows)
+    StoreBytes(file, FileBytes(SceneFile()));
+    for (auto const & [name, value, printed] : rows)
     {
-        SCOPED_TRACE(row.name);
-        Outcome const outcome = Vek({L"xml", L"set", file, L"camera", L"note", row.value});
+        SCOPED_TRACE(name);
+        Outcome const outcome = Vek({L"xml", L"set", file, L"camera", L"note", value});
         EXPECT_EQ(outcome.code, 0) << outcome.err;
         EXPECT_EQ(outcome.out + outcome.err, "");
-        EXPECT_EQ(Get(file, L"camera", L"note"), row.printed);
+        EXPECT_EQ(Get(file, L"camera", L"note"), printed);
     }
-    EXPECT_EQ(apps::Names(folder).size(), 1U) << "something was left beside the file";
+    EXPECT_EQ(CountFiles(folder), 1) << "something was left beside the file";
     EXPECT_THAT(Facts(file), HasSubstr("attributes        35\n"));
 }
 
@@ -141,10 +126,10 @@ TEST(VekXml, FormatKeepsTheDocument)
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.out + outcome.err, "");
     EXPECT_EQ(Facts(target), Facts(SceneFile()));
-    EXPECT_THAT(apps::Load(target), HasSubstr("\n    <group name=\"boats\" visible=\"TRUE\">"));
+    EXPECT_THAT(FileBytes(target), HasSubstr("\n    <group name=\"boats\" visible=\"TRUE\">"));
     EXPECT_EQ(Vek({L"xml", L"format", target, target, L"--no-dtd"}).code, 0);
-    EXPECT_THAT(apps::Load(target), Not(HasSubstr("<!DOCTYPE")));
-    EXPECT_THAT(apps::Load(target), HasSubstr("<![CDATA[void main()\r\n{"));
+    EXPECT_THAT(FileBytes(target), Not(HasSubstr("<!DOCTYPE")));
+    EXPECT_THAT(FileBytes(target), HasSubstr("<![CDATA[void main()\r\n{"));
 }
 
 TEST(VekXml, FormatReadsWhatTheMimeDatabaseDeclares)
@@ -160,13 +145,7 @@ TEST(VekXml, FormatReadsWhatTheMimeDatabaseDeclares)
 
 TEST(VekXml, NotesTellWhatWasLost)
 {
-    struct
-    {
-        char const * name;
-        std::string text;
-        char const * note; // in the note of a new file; empty: no note
-        bool inPlace;      // whether the file itself is replaced
-    } const rows[] = {
+    std::tuple<char const *, std::string, char const *, bool> const rows[] = {
         {"nothing", "<?xml version=\"1.0\"?>\n<a> <b c='>'/>\n</a>", "", true},
         {"text", "<a>tw\xC3\xB6<b/> x</a>", "without 4 characters of text outside CDATA sections\n", false},
         {"text in UTF-16", std::string("\xFF\xFE<\0a\0>\0x\0<\0/\0a\0>\0", 18), "without 1 character of text", false},
@@ -185,41 +164,37 @@ TEST(VekXml, NotesTellWhatWasLost)
     };
     std::wstring const folder = MakeFolder();
     std::wstring const file = folder + L"a.xml";
-    for (auto const & row : rows)
+    for (auto const & [name, text, note, inPlace] : rows)
     {
-        SCOPED_TRACE(row.name);
-        Store(file, row.text);
+        SCOPED_TRACE(name);
+        StoreBytes(file, text);
         Outcome const elsewhere = Vek({L"xml", L"format", file, folder + L"b.xml"});
         EXPECT_EQ(elsewhere.code, 0);
-        EXPECT_THAT(elsewhere.err, HasSubstr(row.note));
-        EXPECT_EQ(elsewhere.err.find("note: ") == std::string::npos, *row.note == 0) << elsewhere.err;
-        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"z", L"1"}).code, row.inPlace ? 0 : 1);
-        EXPECT_EQ(apps::Load(file) == row.text, !row.inPlace);
+        EXPECT_THAT(elsewhere.err, HasSubstr(note));
+        EXPECT_EQ(elsewhere.err.find("note: ") == std::string::npos, *note == 0) << elsewhere.err;
+        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"z", L"1"}).code, inPlace ? 0 : 1);
+        EXPECT_EQ(FileBytes(file) == text, !inPlace);
         EXPECT_EQ(Vek({L"xml", L"format", file, file, L"--drop-text"}).code, 0);
     }
-    EXPECT_EQ(apps::Names(folder).size(), 2U) << "something was left beside the files";
+    EXPECT_EQ(CountFiles(folder), 2) << "something was left beside the files";
 }
 
 TEST(VekXml, HelpAndVersion)
 {
-    struct
-    {
-        std::vector<std::wstring> arguments;
-        char const * text;
-    } const rows[] = {
+    std::tuple<std::vector<std::wstring>, char const *> const rows[] = {
         {{L"--help"}, "vek xml set FILE PATH ATTRIBUTE VALUE"},
         {{L"xml", L"--help"}, "format"},
         {{L"xml", L"set", L"--help"}, "--drop-text"},
         {{L"xml", L"format", L"--help"}, "NOT kept"},
         {{L"--version"}, "vek 0."},
     };
-    for (auto const & row : rows)
+    for (auto const & [arguments, text] : rows)
     {
-        SCOPED_TRACE(row.text);
-        Outcome const outcome = Vek(row.arguments);
+        SCOPED_TRACE(text);
+        Outcome const outcome = Vek(arguments);
         EXPECT_EQ(outcome.code, 0);
         EXPECT_EQ(outcome.err, "");
-        EXPECT_THAT(outcome.out, HasSubstr(row.text));
+        EXPECT_THAT(outcome.out, HasSubstr(text));
     }
 }
 

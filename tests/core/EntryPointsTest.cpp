@@ -11,30 +11,31 @@
 namespace
 {
 
-#ifndef VEKLIB_STATIC
-template <class Function>
-Function * EntryPoint(char const * name)
-{
-    HMODULE const library = GetModuleHandleW(L"VekLib.dll");
-    return reinterpret_cast<Function *>(reinterpret_cast<void *>(GetProcAddress(library, name)));
-}
-#endif
-
 constexpr wchar_t const * CHILD = L"VEK_TEST_EXIT_WITHOUT_DEINIT";
+
+// Logs before main and after it.
+struct Talkative final : CVekRefCounted<IVekCatchLogOutput>
+{
+    int messages = 0;
+    Talkative() { Talk(); }
+    ~Talkative() override { Talk(); }
+    void Talk()
+    {
+        getVekLibKernel()->AddCatchLogOutput(this);
+        VekLogOutput(0, L"early or late");
+        getVekLibKernel()->RemoveCatchLogOutput(this);
+    }
+    void OnLogOutput(int, wchar_t const *) override { ++messages; }
+} g_talkative;
 
 // What this program does as its own child.
 VekTest::WarmUp const g_childWork(
     []
     {
-        struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
-        {
-            void OnLogOutput(int, wchar_t const *) override {}
-        };
         if (!GetEnvironmentVariableW(CHILD, nullptr, 0))
             return;
         VekLibInit();
-        VekLibInit();
-        getVekLibKernel()->AddCatchLogOutput(new Catcher);
+        getVekLibKernel()->AddCatchLogOutput(new Talkative);
         getVekLibKernel()->CreateFileIOStream();
         VekLogOutput(0, L"leaving");
         std::exit(7);
@@ -60,26 +61,6 @@ DWORD StatusOfChild()
     return status;
 }
 
-// Logs before main and after it.
-struct Talkative final : CVekRefCounted<IVekCatchLogOutput>
-{
-    int messages = 0;
-    Talkative()
-    {
-        getVekLibKernel()->AddCatchLogOutput(this);
-        VekLogOutput(0, L"early");
-        getVekLibKernel()->RemoveCatchLogOutput(this);
-    }
-    ~Talkative() override
-    {
-        VekLogOutput(0, L"late");
-        getVekLibKernel()->AddCatchLogOutput(this);
-        VekLogOutput(0, L"later");
-        getVekLibKernel()->RemoveCatchLogOutput(this);
-    }
-    void OnLogOutput(int, wchar_t const *) override { ++messages; }
-} g_talkative;
-
 } // namespace
 
 TEST(EntryPoints, AreFoundByTheirPlainNames)
@@ -87,9 +68,11 @@ TEST(EntryPoints, AreFoundByTheirPlainNames)
 #ifdef VEKLIB_STATIC
     GTEST_SKIP() << "no DLL in this build";
 #else
-    auto * const init = EntryPoint<bool()>("VekLibInit");
-    auto * const deinit = EntryPoint<void()>("VekLibDeinit");
-    auto * const kernel = EntryPoint<IVekKernel *()>("getVekLibKernel");
+    HMODULE const library = GetModuleHandleW(L"VekLib.dll");
+    auto const find = [library](char const * name) { return reinterpret_cast<void *>(GetProcAddress(library, name)); };
+    auto * const init = reinterpret_cast<bool (*)()>(find("VekLibInit"));
+    auto * const deinit = reinterpret_cast<void (*)()>(find("VekLibDeinit"));
+    auto * const kernel = reinterpret_cast<IVekKernel * (*)()>(find("getVekLibKernel"));
     ASSERT_TRUE(init && deinit && kernel);
     EXPECT_TRUE(init());
     EXPECT_EQ(kernel(), getVekLibKernel());
@@ -99,12 +82,8 @@ TEST(EntryPoints, AreFoundByTheirPlainNames)
 #endif
 }
 
-TEST(EntryPoints, WorkBeforeMain)
+TEST(EntryPoints, WorkBeforeMainAndAProcessMayExitWithoutDeinit)
 {
     EXPECT_EQ(g_talkative.messages, 1);
-}
-
-TEST(EntryPoints, AProcessMayExitWithoutDeinit)
-{
     EXPECT_EQ(StatusOfChild(), 7u);
 }

@@ -22,28 +22,18 @@ IVekKernel & Kernel()
 
 constexpr GUID EVENT = {0x12345678, 0x1234, 0x5678, {1, 2, 3, 4, 5, 6, 7, 8}};
 
-// The banner as it has to be, but for the memory that was available at that moment.
-std::wstring ExpectedBanner(std::wstring const & available)
+// The banner as it has to be, with that much available memory.
+std::wstring ExpectedBanner(long available)
 {
     wchar_t text[512];
     _snwprintf(text, std::size(text),
                L"\n\nVekLib Initialized\n"
                L"\n   --> CPU speed                   %.4g Mhz"
                L"\n   --> Total memory in system      %d MB"
-               L"\n   --> Currently available memory  %s MB\n\n",
+               L"\n   --> Currently available memory  %ld MB\n\n",
                static_cast<double>(Kernel().GetPerformanceFrequency()) / 1048576.0,
-               static_cast<int>(Kernel().GetTotalPhysicalMemory() >> 20), available.c_str());
+               static_cast<int>(Kernel().GetTotalPhysicalMemory() >> 20), available);
     return text;
-}
-
-std::wstring AvailableIn(std::wstring const & banner)
-{
-    std::wstring const label = L"memory  ";
-    std::size_t const at = banner.find(label);
-    if (at == std::wstring::npos)
-        return L"(no available memory in the banner)";
-    std::size_t const begin = at + label.size();
-    return banner.substr(begin, banner.find(L' ', begin) - begin);
 }
 
 } // namespace
@@ -58,8 +48,10 @@ TEST(Kernel, StartsWithTheFirstInitAndStopsWithTheLastDeinit)
 
     EXPECT_TRUE(VekLibInit());
     std::wstring const banner = log.Take();
-    EXPECT_EQ(banner, ExpectedBanner(AvailableIn(banner)));
-    EXPECT_GT(std::wcstol(AvailableIn(banner).c_str(), nullptr, 10), 0);
+    long const available =
+        std::wcstol(banner.substr(std::min(banner.size(), banner.rfind(L"  "))).c_str(), nullptr, 10);
+    EXPECT_EQ(banner, ExpectedBanner(available));
+    EXPECT_GT(available, 0);
     EXPECT_TRUE(VekLibInit());
     EXPECT_EQ(log.Take(), L"") << "a second Init only counts";
     EXPECT_EQ(getVekLibKernel(), kernel);
@@ -82,46 +74,30 @@ TEST(Kernel, StartsWithTheFirstInitAndStopsWithTheLastDeinit)
     VekLibDeinit();
     EXPECT_EQ(log.Take(), L"");
     EXPECT_EQ(getVekLibKernel(), kernel);
-}
 
-TEST(Kernel, RepeatsItsBannerWithEveryStart)
-{
-    for (int turn = 0; turn < 3; ++turn)
-    {
-        LogCapture log;
-        ASSERT_TRUE(VekLibInit());
-        EXPECT_EQ(log.Lines().size(), 4u);
-        VekLibDeinit();
-    }
+    LogCapture again;
+    ASSERT_TRUE(VekLibInit());
+    EXPECT_EQ(again.Lines().size(), 4u) << "the banner comes with every start";
+    VekLibDeinit();
 }
 
 TEST(Kernel, KeptAFailedInitStaysCounted)
 {
     if (!VekGuard::Active)
         GTEST_SKIP() << "needs the guard heap";
-    struct Row
+    wchar_t const * const messages[] = {L"CVekKernel::InitEventMap --> Failed to allocated eventmap\n"
+                                        L"CVekKernel::Init --> Failed to initialize Eventmap",
+                                        L"CVekKernel::InitXMLManager --> Failed to create XMLManager interface\n"
+                                        L"CVekKernel::Init --> Failed to XML Manager"};
+    for (std::size_t const failing : {1, 2})
     {
-        char const * name;
-        std::size_t failing;
-        wchar_t const * messages;
-    };
-    Row const rows[] = {
-        {"event map", 1,
-         L"CVekKernel::InitEventMap --> Failed to allocated eventmap\n"
-         L"CVekKernel::Init --> Failed to initialize Eventmap"},
-        {"XML manager", 2,
-         L"CVekKernel::InitXMLManager --> Failed to create XMLManager interface\n"
-         L"CVekKernel::Init --> Failed to XML Manager"},
-    };
-    for (Row const & row : rows)
-    {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(failing);
         LogCapture log;
-        VekGuard::FailAllocation(row.failing);
+        VekGuard::FailAllocation(failing);
         bool const initialised = VekLibInit();
         ASSERT_TRUE(VekGuard::FailReset());
         EXPECT_FALSE(initialised);
-        EXPECT_EQ(log.Take(), row.messages);
+        EXPECT_EQ(log.Take(), messages[failing - 1]);
         EXPECT_EQ(Kernel().GetXMLManager(), nullptr);
         EXPECT_TRUE(VekLibInit()) << "the next only counts";
         EXPECT_EQ(Kernel().GetXMLManager(), nullptr);
@@ -134,71 +110,45 @@ TEST(Kernel, KeptAFailedInitStaysCounted)
     VekLibDeinit();
 }
 
-TEST(Kernel, Events)
+TEST(Kernel, EventsBelongToOneStart)
 {
-    GUID other = EVENT;
-    other.Data4[7] = 9;
     EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "before Init";
     EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
     Kernel().UnregisterEvent(EVENT);
     Kernel().ReleaseEventMap();
-
-    ASSERT_TRUE(VekLibInit());
-    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
-    EXPECT_TRUE(Kernel().RegisterEvent(EVENT));
-    EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "there already";
-    EXPECT_TRUE(Kernel().IsEventRegistered(EVENT));
-    EXPECT_FALSE(Kernel().IsEventRegistered(other));
-    EXPECT_FALSE(Kernel().FireEvent(EVENT, nullptr)) << "no handlers";
-    EXPECT_FALSE(Kernel().FireEvent(other, nullptr));
-    EXPECT_FALSE(Kernel().AddEventHandler(other, nullptr));
-    Kernel().RemoveEventHandler(other, nullptr);
-    Kernel().UnregisterEvent(other);
-    Kernel().UnregisterEvent(EVENT);
-    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
-    EXPECT_TRUE(Kernel().RegisterEvent(EVENT));
-    Kernel().ReleaseEventMap();
-    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
-    EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "after ReleaseEventMap";
-    VekLibDeinit();
-
-    ASSERT_TRUE(VekLibInit());
-    EXPECT_TRUE(Kernel().RegisterEvent(EVENT)) << "a new start brings a new map";
-    VekLibDeinit();
+    for (int turn = 0; turn < 2; ++turn)
+    {
+        ASSERT_TRUE(VekLibInit());
+        EXPECT_FALSE(Kernel().IsEventRegistered(EVENT)) << "a new start brings a new map";
+        EXPECT_TRUE(Kernel().RegisterEvent(EVENT));
+        EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "there already";
+        Kernel().ReleaseEventMap();
+        EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
+        EXPECT_FALSE(Kernel().RegisterEvent(EVENT)) << "after ReleaseEventMap";
+        VekLibDeinit();
+    }
 }
 
-TEST(Kernel, FailsToRegisterWithoutMemory)
+TEST(Kernel, FailsWithoutMemory)
 {
     if (!VekGuard::Active)
         GTEST_SKIP() << "needs the guard heap";
     ASSERT_TRUE(VekLibInit());
     VekGuard::FailFrom(1);
     bool const registered = Kernel().RegisterEvent(EVENT);
+    void const * const streams[] = {Kernel().CreateMemoryIOStream(), Kernel().CreateFileIOStream()};
     EXPECT_TRUE(VekGuard::FailReset());
-    EXPECT_FALSE(registered);
-    EXPECT_FALSE(Kernel().IsEventRegistered(EVENT));
-
-    CVekRefCounted<IVekObject> * const nothing = nullptr; // what a Create operation gives when memory is out
-    VekGuard::FailFrom(1);
-    IVekObject * const memoryStream = Kernel().CreateMemoryIOStream();
-    IVekObject * const fileStream = Kernel().CreateFileIOStream();
-    EXPECT_TRUE(VekGuard::FailReset());
-    EXPECT_EQ(memoryStream, nothing);
-    EXPECT_EQ(fileStream, nothing);
+    EXPECT_FALSE(registered || Kernel().IsEventRegistered(EVENT) || streams[0] || streams[1]);
     VekLibDeinit();
 }
 
-TEST(Kernel, ItsOwnReferencesDestroyNothing)
+TEST(Kernel, CountsReferences)
 {
     EXPECT_EQ(Kernel().GetRefCount(), 1u);
     EXPECT_EQ(Kernel().AddRef(), 2u);
     EXPECT_EQ(Kernel().Release(), 1u);
-    EXPECT_EQ(Kernel().Release(), 0u) << "a host's mistake";
+    EXPECT_EQ(Kernel().Release(), 0u) << "a host's mistake destroys nothing";
     EXPECT_EQ(Kernel().AddRef(), 1u);
-}
-
-TEST(Kernel, CreatesStreams)
-{
     ExpectRefCountContract("memory stream", Kernel().CreateMemoryIOStream());
     ExpectRefCountContract("file stream", Kernel().CreateFileIOStream());
 }
@@ -229,9 +179,7 @@ TEST(Kernel, SlotOrder)
         CallSlot<IVekThread *>(kernel, 3, L"name", static_cast<IVekThread::TickCallback *>(nullptr), true, 7u, 9u);
     ASSERT_NE(thread, nullptr);
     EXPECT_STREQ(thread->GetName(), L"name");
-    EXPECT_TRUE(thread->GetCreateFlag());
-    EXPECT_EQ(thread->GetTickInterval(), 7u);
-    EXPECT_EQ(thread->GetMaxTickCount(), 9u);
+    EXPECT_TRUE(thread->GetCreateFlag() && thread->GetTickInterval() == 7 && thread->GetMaxTickCount() == 9);
     CVekThreadCommand * const noCommand = nullptr;
     CallSlot(kernel, 4, noCommand, thread);
     struct Command final : CVekThreadCommand
@@ -257,21 +205,17 @@ TEST(Kernel, SlotOrder)
     EXPECT_EQ(CallSlot<int>(kernel, 16, 3), 3);
     EXPECT_EQ(CallSlot<int>(kernel, 17), 3);
     EXPECT_EQ(CallSlot<int>(kernel, 16, 0), 0);
+    struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
     {
-        struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
-        {
-            int calls = 0;
-            void OnLogOutput(int, wchar_t const *) override { ++calls; }
-        } catcher;
-        CallSlot(kernel, 18, static_cast<IVekCatchLogOutput *>(&catcher));
-        VekLogOutput(0, L"heard");
-        EXPECT_EQ(catcher.calls, 1);
-        EXPECT_EQ(catcher.GetRefCount(), 2u);
-        CallSlot(kernel, 19, static_cast<IVekCatchLogOutput *>(&catcher));
-        VekLogOutput(0, L"unheard");
-        EXPECT_EQ(catcher.calls, 1);
-        EXPECT_EQ(catcher.GetRefCount(), 1u);
-    }
+        int calls = 0;
+        void OnLogOutput(int, wchar_t const *) override { ++calls; }
+    } catcher;
+    CallSlot(kernel, 18, static_cast<IVekCatchLogOutput *>(&catcher));
+    VekLogOutput(0, L"heard");
+    EXPECT_TRUE(catcher.calls == 1 && catcher.GetRefCount() == 2) << "slot 18";
+    CallSlot(kernel, 19, static_cast<IVekCatchLogOutput *>(&catcher));
+    VekLogOutput(0, L"unheard");
+    EXPECT_TRUE(catcher.calls == 1 && catcher.GetRefCount() == 1) << "slot 19";
 
     EXPECT_TRUE(CallSlot<bool>(kernel, 20, &EVENT));
     EXPECT_TRUE(CallSlot<bool>(kernel, 23, &EVENT));

@@ -34,15 +34,16 @@ public:
     void RemoveAllAttributes() override {}
     int FindAttributeIndex(wchar_t const *) const override { return -1; }
     CVekString<wchar_t> const & GetAttributeName(int) const override { return GetName(); }
+    CVekString<wchar_t> const & GetAttributeValue(int) const override { return GetName(); }
+    bool AddCDATASection(unsigned char const *, int) override { return false; }
+    int GetCDATASectionSize() const override { return 0; }
+    void RemoveCDATASection() override {}
+    bool HasCDATASection() const override { return false; }
+    unsigned char const * GetCDATASection() const override { return nullptr; }
+    // clang-format off
 #define FOREIGN_GETTERS(Value, Default)                                                                                \
-    bool GetAttributeValue(wchar_t const *, Value &, Default) const override                                           \
-    {                                                                                                                  \
-        return false;                                                                                                  \
-    }                                                                                                                  \
-    bool GetAttributeValue(int, Value &, Default) const override                                                       \
-    {                                                                                                                  \
-        return false;                                                                                                  \
-    }
+    bool GetAttributeValue(wchar_t const *, Value &, Default) const override { return false; }                         \
+    bool GetAttributeValue(int, Value &, Default) const override { return false; }
     FOREIGN_GETTERS(CVekVector4D<double>, CVekVector4D<double> const &)
     FOREIGN_GETTERS(CVekVector4D<float>, CVekVector4D<float> const &)
     FOREIGN_GETTERS(CVekVector4D<int>, CVekVector4D<int> const &)
@@ -54,27 +55,7 @@ public:
     FOREIGN_GETTERS(int, int)
     FOREIGN_GETTERS(CVekString<wchar_t>, wchar_t const *)
 #undef FOREIGN_GETTERS
-    CVekString<wchar_t> const & GetAttributeValue(int) const override
-    {
-        return GetName();
-    }
-    bool AddCDATASection(unsigned char const *, int) override
-    {
-        return false;
-    }
-    int GetCDATASectionSize() const override
-    {
-        return 0;
-    }
-    void RemoveCDATASection() override {}
-    bool HasCDATASection() const override
-    {
-        return false;
-    }
-    unsigned char const * GetCDATASection() const override
-    {
-        return nullptr;
-    }
+    // clang-format on
 
 private:
     CVekXMLElement * m_inner = new CVekXMLElement;

@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -106,16 +107,8 @@ public:
 
 [[noreturn]] void Fault(char const * what, void const * block)
 {
-    static char const digits[] = "0123456789abcdef";
-    char text[128] = "guard heap: ";
-    std::size_t length = 12;
-    while (*what)
-        text[length++] = *what++;
-    for (char const * at = ", block 0x"; *at; ++at)
-        text[length++] = *at;
-    for (int shift = sizeof(void *) * 8 - 4; shift >= 0; shift -= 4)
-        text[length++] = digits[(reinterpret_cast<std::uintptr_t>(block) >> shift) & 15];
-    text[length++] = '\n';
+    char text[128];
+    int const length = __mingw_snprintf(text, sizeof text, "guard heap: %s, block %p\n", what, block);
     DWORD written;
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), text, static_cast<DWORD>(length), &written, nullptr);
     __builtin_trap(); // the program's fault handler names the test and the callers

@@ -3,9 +3,12 @@
 
 #include "VekLib.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <string>
+#include "support/Files.h"
+#include "support/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <tuple>
 #include <utility>
 
 // Holds one reference.
@@ -30,13 +33,19 @@ private:
     T * m_object;
 };
 
-// The library, for the length of a test program or a test.
+// The library, for the length of a test.
 struct LibraryScope
 {
     LibraryScope() { VekLibInit(); }
     ~LibraryScope() { VekLibDeinit(); }
     LibraryScope(LibraryScope const &) = delete;
     LibraryScope & operator=(LibraryScope const &) = delete;
+};
+
+struct XMLTest : testing::Test
+{
+    LibraryScope m_library;
+    LogCapture m_log;
 };
 
 inline IVekXMLManager & XMLManager()
@@ -49,11 +58,10 @@ inline Holder<IVekXMLDocument> NewDocument()
     return Holder<IVekXMLDocument>(XMLManager().CreateXMLDocument());
 }
 
-inline Holder<IVekXMLElement> NewElement(wchar_t const * name)
+// Needs no library.
+inline Holder<CVekXMLElement> NewElement(std::wstring const & name = {})
 {
-    Holder<IVekXMLElement> element(XMLManager().CreateXMLElement());
-    element->SetName(name);
-    return element;
+    return Holder<CVekXMLElement>(new CVekXMLElement(name.c_str(), static_cast<int>(name.size())));
 }
 
 inline bool ParseBytes(std::string const & bytes, IVekXMLDocument * document)
@@ -62,38 +70,7 @@ inline bool ParseBytes(std::string const & bytes, IVekXMLDocument * document)
     return parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), document);
 }
 
-// A file in the test program's own temporary folder.
-inline std::wstring TemporaryPath(wchar_t const * name)
-{
-    wchar_t const * const folder = _wgetenv(L"VEK_TEST_TMP");
-    return (folder ? std::wstring(folder) + L"/" : std::wstring()) + name;
-}
-
-inline std::string FileBytes(std::wstring const & path)
-{
-    std::string bytes;
-    if (FILE * const file = _wfopen(path.c_str(), L"rb"))
-    {
-        char block[4096];
-        while (std::size_t const count = std::fread(block, 1, sizeof block, file))
-            bytes.append(block, count);
-        std::fclose(file);
-    }
-    return bytes;
-}
-
-inline std::wstring WriteFileBytes(wchar_t const * name, std::string const & bytes)
-{
-    std::wstring path = TemporaryPath(name);
-    if (FILE * const file = _wfopen(path.c_str(), L"wb"))
-    {
-        std::fwrite(bytes.data(), 1, bytes.size(), file);
-        std::fclose(file);
-    }
-    return path;
-}
-
-// A tree of moderate depth in one line: name[attribute=value ...]'CDATA'{child child}.
+// A tree of moderate depth in one line: name[attribute=value ...]'CDATA'{child child}; a null entry is "0".
 inline std::wstring TreeText(IVekXMLElement const & element)
 {
     std::wstring text = static_cast<wchar_t const *>(element.GetName());
@@ -108,7 +85,10 @@ inline std::wstring TreeText(IVekXMLElement const & element)
                              static_cast<std::size_t>(element.GetCDATASectionSize()) / sizeof(wchar_t)) +
                 L"'";
     for (int i = 0; i < element.GetNumChildren(); ++i)
-        text += (i ? L" " : L"{") + TreeText(*element.GetChild(i));
+    {
+        IVekXMLElement const * const child = element.GetChild(i);
+        text += (i ? L" " : L"{") + (child ? TreeText(*child) : L"0");
+    }
     return element.GetNumChildren() ? text + L"}" : text;
 }
 

@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <tuple>
 #include <type_traits>
 
 namespace
@@ -18,90 +19,43 @@ class Path : public testing::Test
 };
 TYPED_TEST_SUITE(Path, BothWidths);
 
-TYPED_TEST(Path, NameAndExtension)
+TYPED_TEST(Path, Parts)
 {
-    struct Row
-    {
-        bool extension;
-        char const * path;
-        int max;
-        char const * expected;
-        int offset; // where it begins in the path; -1: null
-    } const rows[] = {
-        {false, "C:\\dir\\file.txt", -1, "file.txt", 7},
-        {false, "C:file.txt", -1, "file.txt", 2},
-        {false, "dir/", -1, "", 4},
-        {false, "", -1, "", -1},
-        {false, "x\\abcdef", 3, "abc", 2},
-        {false, "file", -1, "file", 0},
-        {false, "\\f", 5, "f", 1},
-        {false, "x\\abc", 0, "", 2},
-        {false, "x\\abc", -2, "", 2},
-        {false, "x\\abc", INT_MIN, "", 2},
-        {false, "x\\abc", INT_MAX, "abc", 2},
-        {true, "a\\b.c.d", -1, "d", 6},
-        {true, "a.b\\c", -1, "c", 4},
-        {true, "", -1, "", -1},
-        {true, "a.txt", 2, "tx", 2},
-        {true, "a.", -1, "", 2},
-        {true, ".rc", -1, "rc", 1},
-        {true, "dir\\file", -1, "file", 4}, // deliberate: without a dot the file name is the extension
-        {true, "file", -1, "file", 0},      // deliberate: or the whole path
+    // Name, Extension, Directory or Without extension; last, where a name or extension begins in the path, -1: null
+    std::tuple<char, char const *, int, char const *, int> const rows[] = {
+        // clang-format off
+        {'N', "C:\\dir\\file.txt", -1, "file.txt", 7}, {'N', "C:file.txt", -1, "file.txt", 2}, {'N', "dir/", -1, "", 4},
+        {'N', "", -1, "", -1}, {'N', "x\\abcdef", 3, "abc", 2}, {'N', "file", -1, "file", 0}, {'N', "\\f", 5, "f", 1},
+        {'N', "x\\abc", 0, "", 2}, {'N', "x\\abc", INT_MIN, "", 2}, {'N', "x\\abc", INT_MAX, "abc", 2},
+        {'E', "a\\b.c.d", -1, "d", 6}, {'E', "a.b\\c", -1, "c", 4}, {'E', "", -1, "", -1}, {'E', "a.txt", 2, "tx", 2},
+        {'E', "a.", -1, "", 2}, {'E', ".rc", -1, "rc", 1},
+        {'E', "dir\\file", -1, "file", 4}, // deliberate: without a dot the file name is the extension
+        {'E', "file", -1, "file", 0}, // deliberate: or the whole path
+        {'D', "C:\\dir\\file.txt", -1, "C:\\di", -1}, // deliberate: one character short, all of them
+        {'D', "a\\c", -1, "", -1}, {'D', "C:\\dir\\file.txt", 3, "C:\\", -1}, {'D', "file.txt", -1, "", -1},
+        {'D', "\\file.txt", -1, "", -1}, {'D', "", -1, "", -1}, {'D', "abcd\\x", 0, "", -1},
+        {'D', "abcd\\x", -2, "", -1}, {'D', "abcd/", INT_MAX, "abc", -1}, {'W', "dir\\file.txt", -1, "dir\\file", -1},
+        {'W', "a.b.c", -1, "a.b", -1}, {'W', "dir\\file.txt", 3, "dir", -1},
+        {'W', "dir\\file", -1, "dir", -1}, // deliberate: a name without a dot is removed
+        {'W', "\\file", -1, "", -1}, {'W', "dir\\", -1, "dir\\", -1}, {'W', "dir\\x.", -1, "dir\\x.", -1},
+        {'W', "", -1, "", -1}, {'W', "file", -1, "file", -1}, {'W', "file", 2, "fi", -1}, {'W', "a.b", -2, "", -1},
+        {'W', "file", -2, "", -1}, {'W', "a.b", INT_MAX, "a", -1},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [part, rowPath, max, rowExpected, offset] : rows)
     {
-        SCOPED_TRACE(testing::Message() << row.path << " max " << row.max);
-        auto const path = Text<TypeParam>(row.path), expected = Text<TypeParam>(row.expected);
+        SCOPED_TRACE(testing::Message() << part << " of " << rowPath << " max " << max);
+        auto const path = Text<TypeParam>(rowPath), expected = Text<TypeParam>(rowExpected);
         Buffer<TypeParam> out(expected.size() + 1);
-        TypeParam const * const begin =
-            (row.extension ? Api<TypeParam>::Extension : Api<TypeParam>::FileName)(path.c_str(), out.data(), row.max);
+        auto const withPlace = part == 'N' ? Api<TypeParam>::FileName : Api<TypeParam>::Extension;
+        auto const plain = part == 'D' ? Api<TypeParam>::Directory : Api<TypeParam>::WithoutExtension;
+        TypeParam const * begin = nullptr;
+        if (part == 'N' || part == 'E')
+            begin = withPlace(path.c_str(), out.data(), max);
+        else
+            plain(path.c_str(), out.data(), max);
         EXPECT_EQ(out.Content(), expected);
-        EXPECT_EQ(begin, row.offset < 0 ? nullptr : path.c_str() + row.offset);
-    }
-}
-
-TYPED_TEST(Path, DirectoryAndNameWithoutExtension)
-{
-    struct Row
-    {
-        bool directory;
-        char const * path;
-        int max;
-        char const * expected;
-    } const rows[] = {
-        {true, "C:\\dir\\file.txt", -1, "C:\\di"}, // deliberate: one character short, all of them
-        {true, "ab\\c", -1, "a"},
-        {true, "a\\c", -1, ""},
-        {true, "C:\\dir\\file.txt", 3, "C:\\"},
-        {true, "file.txt", -1, ""},
-        {true, "\\file.txt", -1, ""},
-        {true, "", -1, ""},
-        {true, "abcd\\x", 0, ""},
-        {true, "abcd\\x", -2, ""},
-        {true, "abcd/", INT_MAX, "abc"},
-        {false, "dir\\file.txt", -1, "dir\\file"},
-        {false, "a.b.c", -1, "a.b"},
-        {false, "dir\\file.txt", 3, "dir"},
-        {false, "dir\\file", -1, "dir"}, // deliberate: a name without a dot is removed
-        {false, "\\file", -1, ""},
-        {false, "dir\\", -1, "dir\\"},
-        {false, "dir\\x.", -1, "dir\\x."},
-        {false, "", -1, ""},
-        {false, "file", -1, "file"},
-        {false, "file", 2, "fi"},
-        {false, "a.b", -2, ""},
-        {false, "file", -2, ""},
-        {false, "a.b", INT_MAX, "a"},
-    };
-    for (Row const & row : rows)
-    {
-        SCOPED_TRACE(testing::Message() << (row.directory ? "directory of " : "without extension ") << row.path
-                                        << " max " << row.max);
-        auto const path = Text<TypeParam>(row.path), expected = Text<TypeParam>(row.expected);
-        Buffer<TypeParam> out(expected.size() + 1);
-        (row.directory ? Api<TypeParam>::Directory : Api<TypeParam>::WithoutExtension)(path.c_str(), out.data(),
-                                                                                       row.max);
-        EXPECT_EQ(out.Content(), expected);
+        EXPECT_EQ(begin, offset < 0 ? nullptr : path.c_str() + offset);
     }
 }
 
@@ -123,51 +77,42 @@ TYPED_TEST(Path, PartsAreLimitedTo1024CharactersByDefault)
 
 TYPED_TEST(Path, IsSamePathIsLiteralButForCase)
 {
-    struct Row
-    {
-        char const * first;
-        char const * second;
-        bool same;
-    } const rows[] = {
-        {"C:\\A\\B", "c:\\a\\b", true},
-        {"C:/a", "C:\\a", false},
-        {"a\\.\\b", "a\\b", false},
-        {"", "", true},
-        {"a", "", false},
-        {"a", "a\\", false},
+    std::tuple<char const *, char const *, bool> const rows[] = {
+        // clang-format off
+        {"C:\\A\\B", "c:\\a\\b", true}, {"C:/a", "C:\\a", false}, {"a\\.\\b", "a\\b", false},
+        {"", "", true}, {"a", "", false},
+        // clang-format on
     };
-    for (Row const & row : rows)
-        EXPECT_EQ(Api<TypeParam>::IsSamePath(Text<TypeParam>(row.first).c_str(), Text<TypeParam>(row.second).c_str()),
-                  row.same)
-            << row.first << " and " << row.second;
+    for (auto const & [first, second, same] : rows)
+        EXPECT_EQ(Api<TypeParam>::IsSamePath(Text<TypeParam>(first).c_str(), Text<TypeParam>(second).c_str()), same)
+            << first << " and " << second;
 }
 
 TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
 {
     char const * const folder = std::getenv("VEK_TEST_TMP");
-    auto const name = Text<TypeParam>(folder ? folder : ".") + Text<TypeParam>("/text-path.tmp");
-    std::string const narrow(name.begin(), name.end());
+    std::string const narrow = std::string(folder ? folder : ".") + "/text-path.tmp";
+    auto const name = Text<TypeParam>(narrow.c_str());
     remove(narrow.c_str());
     auto const open = [&name](char const * mode)
     { return Api<TypeParam>::Open(name.c_str(), Text<TypeParam>(mode).c_str()); };
     EXPECT_FALSE(Api<TypeParam>::Exist(name.c_str()));
     EXPECT_EQ(open("rb"), nullptr);
-    FILE * const file = open("wb");
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(fwrite("xyz", 1, 3, file), 3u);
-    Api<TypeParam>::Close(file);
-    EXPECT_TRUE(Api<TypeParam>::Exist(name.c_str()));
-    FILE * const again = open("rb");
-    ASSERT_NE(again, nullptr);
-    EXPECT_EQ(fgetc(again), 'x');
-    Api<TypeParam>::Close(again);
+    for (char const * mode : {"wb", "rb"})
+    {
+        FILE * const file = open(mode);
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(mode[0] == 'w' ? fputc('x', file) : fgetc(file), 'x') << mode;
+        Api<TypeParam>::Close(file);
+        EXPECT_TRUE(Api<TypeParam>::Exist(name.c_str()));
+    }
     for (char const * mode : {"", "q", "b", "r?", "r%s"}) // modes the runtime ends a program for
         EXPECT_EQ(open(mode), nullptr) << mode;
     EXPECT_EQ(Api<TypeParam>::Open(nullptr, name.c_str()), nullptr);
     EXPECT_EQ(Api<TypeParam>::Open(name.c_str(), nullptr), nullptr);
-    EXPECT_FALSE(Api<TypeParam>::Exist(Text<TypeParam>("").c_str()));
     EXPECT_FALSE(Api<TypeParam>::Exist(nullptr));
-    EXPECT_FALSE(Api<TypeParam>::Exist(Text<TypeParam>(".").c_str())) << "a directory can't be opened";
+    for (char const * none : {"", "."}) // a directory can't be opened
+        EXPECT_FALSE(Api<TypeParam>::Exist(Text<TypeParam>(none).c_str())) << none;
     remove(narrow.c_str());
 }
 
@@ -177,33 +122,26 @@ TEST(PlatformPath, Relative)
     std::wstring deep = root;
     for (int i = 0; i < 127; ++i)
         deep += L"a\\";
-    struct Row
-    {
-        std::wstring from;
-        unsigned long fromAttributes;
-        std::wstring to;
-        bool result;
-        std::wstring expected;
-    } const rows[] = {
-        {L"C:\\a\\b", DIRECTORY, L"C:\\a\\c\\d.txt", true, L"..\\c\\d.txt"},
-        {L"C:\\a\\b.txt", PLAIN_FILE, L"C:\\a\\d.txt", true, L".\\d.txt"},
-        {L"C:\\a", DIRECTORY, L"D:\\a", false, L""},
-        {deep, DIRECTORY, L"C:\\b", false, L""}, // the way back would be longer than the buffer
-        {deep, DIRECTORY, root, false, L""},
-        {root + std::wstring(257, L'x'), DIRECTORY, L"C:\\b", false, L""},
-        {L"C:\\b", DIRECTORY, root + std::wstring(5000, L'x'), false, L""},
+    // empty: refused
+    std::tuple<std::wstring, unsigned long, std::wstring, std::wstring> const rows[] = {
+        {L"C:\\a\\b", DIRECTORY, L"C:\\a\\c\\d.txt", L"..\\c\\d.txt"},
+        {L"C:\\a\\b.txt", PLAIN_FILE, L"C:\\a\\d.txt", L".\\d.txt"},
+        {L"C:\\a", DIRECTORY, L"D:\\a", L""},
+        {deep, DIRECTORY, L"C:\\b", L""}, // the way back would be longer than the buffer
+        {deep, DIRECTORY, root, L""},
+        {root + std::wstring(257, L'x'), DIRECTORY, L"C:\\b", L""},
+        {L"C:\\b", DIRECTORY, root + std::wstring(5000, L'x'), L""},
     };
-    for (Row const & row : rows)
+    for (auto const & [from, fromAttributes, to, expected] : rows)
     {
-        SCOPED_TRACE(&row - rows);
+        SCOPED_TRACE(testing::PrintToString(from.substr(0, 12) + L" to " + to.substr(0, 12)));
         Buffer<wchar_t> out(260);
         CVekString<wchar_t> string(L"before");
-        EXPECT_EQ(VekGetRelativePathT(out.data(), row.from.c_str(), row.fromAttributes, row.to.c_str(), PLAIN_FILE),
-                  row.result);
-        EXPECT_EQ(out.Content(), row.expected);
-        EXPECT_EQ(VekGetRelativePathT(string, row.from.c_str(), row.fromAttributes, row.to.c_str(), PLAIN_FILE),
-                  row.result);
-        EXPECT_EQ(Text(string), row.result ? row.expected : L"before");
+        bool const made = !expected.empty();
+        EXPECT_EQ(VekGetRelativePathT(out.data(), from.c_str(), fromAttributes, to.c_str(), 0), made);
+        EXPECT_EQ(out.Content(), expected);
+        EXPECT_EQ(VekGetRelativePathT(string, from.c_str(), fromAttributes, to.c_str(), 0), made);
+        EXPECT_EQ(Text(string), made ? expected : L"before");
     }
     wchar_t out[260];
     EXPECT_FALSE(VekGetRelativePathT(out, nullptr, 0, L"C:\\a", 0));
@@ -213,25 +151,19 @@ TEST(PlatformPath, Relative)
 TEST(PlatformPath, Absolute)
 {
     std::wstring const longName(300, L'x');
-    struct Row
-    {
-        wchar_t const * path;
-        wchar_t const * base;
-        bool result;
-        wchar_t const * expected;
-    } const rows[] = {
-        {L"..\\x", L"C:\\a\\b", true, L"C:\\a\\x"},
-        {L".\\x\\..\\y", L"C:\\a", true, L"C:\\a\\y"},
+    std::tuple<wchar_t const *, wchar_t const *, bool, wchar_t const *> const rows[] = {
+        // clang-format off
+        {L"..\\x", L"C:\\a\\b", true, L"C:\\a\\x"}, {L".\\x\\..\\y", L"C:\\a", true, L"C:\\a\\y"},
         {L"C:\\q", L"C:\\a", true, L"C:\\a\\C:\\q"}, // kept: joined although absolute already
-        {longName.c_str(), L"C:\\a", false, longName.c_str()},
-        {L"x", longName.c_str(), false, L"x"},
+        {longName.c_str(), L"C:\\a", false, longName.c_str()}, {L"x", longName.c_str(), false, L"x"},
         {L"..\\..\\..\\..\\x", L"C:\\a", true, L"C:\\x"},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [rowPath, base, result, expected] : rows)
     {
-        CVekString<wchar_t> path(row.path);
-        EXPECT_EQ(VekMakePathAbsolute(path, CVekString<wchar_t>(row.base)), row.result) << "row " << &row - rows;
-        EXPECT_EQ(Text(path), row.expected) << "row " << &row - rows;
+        CVekString<wchar_t> path(rowPath);
+        EXPECT_EQ(VekMakePathAbsolute(path, CVekString<wchar_t>(base)), result) << Text(path);
+        EXPECT_EQ(Text(path), expected);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstdarg>
+#include <tuple>
 
 namespace
 {
@@ -17,63 +18,49 @@ TYPED_TEST_SUITE(StringFunctions, BothWidths);
 
 TYPED_TEST(StringFunctions, CopyAndCatTakeAtMostMaxCharacters)
 {
-    struct Row
-    {
-        int max;
-        char const * expected;
-    } const rows[] = {
-        {3, "abc"},    {-1, "abcdef"},      {0, ""},  {1, "a"},      {6, "abcdef"},
-        {7, "abcdef"}, {INT_MAX, "abcdef"}, {-2, ""}, {INT_MIN, ""},
-    };
+    std::tuple<int, char const *> const rows[] = {{3, "abc"},    {-1, "abcdef"},      {0, ""},  {6, "abcdef"},
+                                                  {7, "abcdef"}, {INT_MAX, "abcdef"}, {-2, ""}, {INT_MIN, ""}};
     auto const source = Text<TypeParam>("abcdef");
-    for (Row const & row : rows)
+    for (auto const & [max, rowExpected] : rows)
     {
-        SCOPED_TRACE(row.max);
-        auto const expected = Text<TypeParam>(row.expected);
-        Buffer<TypeParam> copy(expected.size() + 1);
-        Api<TypeParam>::Copy(copy.data(), source.c_str(), row.max);
+        SCOPED_TRACE(max);
+        auto const expected = Text<TypeParam>(rowExpected);
+        Buffer<TypeParam> copy(expected.size() + 1), joined(expected.size() + 3);
+        Api<TypeParam>::Copy(copy.data(), source.c_str(), max);
         EXPECT_EQ(copy.Content(), expected);
-        Buffer<TypeParam> joined(expected.size() + 3);
         Api<TypeParam>::Copy(joined.data(), Text<TypeParam>("xy").c_str(), -1);
-        Api<TypeParam>::Cat(joined.data(), source.c_str(), row.max);
+        Api<TypeParam>::Cat(joined.data(), source.c_str(), max);
         EXPECT_EQ(joined.Content(), Text<TypeParam>("xy") + expected);
     }
-}
-
-TYPED_TEST(StringFunctions, NullRulesOfCopies)
-{
-    Buffer<TypeParam> target(4);
+    Buffer<TypeParam> target(7);
     Api<TypeParam>::Plain(target.data(), nullptr);
-    EXPECT_EQ(target.Content(), Text<TypeParam>(""));
-    Api<TypeParam>::Plain(nullptr, Text<TypeParam>("abc").c_str());
+    EXPECT_EQ(target.Content(), Text<TypeParam>("")) << "a null source empties the target";
+    Api<TypeParam>::Plain(nullptr, source.c_str());
     Api<TypeParam>::Plain(nullptr, nullptr);
-    Api<TypeParam>::Plain(target.data(), Text<TypeParam>("abc").c_str());
-    EXPECT_EQ(target.Content(), Text<TypeParam>("abc"));
+    Api<TypeParam>::Plain(target.data(), source.c_str());
+    EXPECT_EQ(target.Content(), source);
+    EXPECT_EQ(Api<TypeParam>::Length(source.c_str()), 6);
 }
 
 TYPED_TEST(StringFunctions, Compare)
 {
-    struct Row
-    {
-        char const * first;
-        char const * second;
-        int exact;
-        int noCase;
-        int twoOnly; // at most two characters, without case
-    } const rows[] = {
-        {"abc", "ABD", 1, -1, 0}, {"abc", "ab", 1, 1, 0}, {"ab", "abc", -1, -1, 0},
-        {"", "", 0, 0, 0},        {"", "a", -1, -1, -1},  {"a", "", 1, 1, 1},
-        {"Zq", "zQ", -1, 0, 0},   {"b", "a", 1, 1, 1},    {"[", "a", -1, 1, 1}, // folded to upper case, [ is behind A
-        {"@", "`", -1, -1, -1},   {"{", "[", 1, 1, 1},    {"x1y", "X1Z", 1, -1, 0},
+    // the last: at most two characters, without case
+    std::tuple<char const *, char const *, int, int, int> const rows[] = {
+        // clang-format off
+        {"abc", "ABD", 1, -1, 0}, {"abc", "ab", 1, 1, 0}, {"ab", "abc", -1, -1, 0}, {"", "", 0, 0, 0},
+        {"", "a", -1, -1, -1}, {"a", "", 1, 1, 1}, {"Zq", "zQ", -1, 0, 0}, {"@", "`", -1, -1, -1}, {"{", "[", 1, 1, 1},
+        {"x1y", "X1Z", 1, -1, 0},
+        {"[", "a", -1, 1, 1}, // folded to upper case, [ is behind A
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [rowFirst, rowSecond, exact, noCase, twoOnly] : rows)
     {
-        SCOPED_TRACE(testing::Message() << '"' << row.first << "\" and \"" << row.second << '"');
-        auto const first = Text<TypeParam>(row.first), second = Text<TypeParam>(row.second);
-        EXPECT_EQ(Api<TypeParam>::Compare(first.c_str(), second.c_str(), true), row.exact);
-        EXPECT_EQ(Api<TypeParam>::Compare(first.c_str(), second.c_str(), false), row.noCase);
-        EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), 2, false), row.twoOnly);
-        EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), INT_MAX, true), row.exact);
+        SCOPED_TRACE(testing::Message() << '"' << rowFirst << "\" and \"" << rowSecond << '"');
+        auto const first = Text<TypeParam>(rowFirst), second = Text<TypeParam>(rowSecond);
+        EXPECT_EQ(Api<TypeParam>::Compare(first.c_str(), second.c_str(), true), exact);
+        EXPECT_EQ(Api<TypeParam>::Compare(first.c_str(), second.c_str(), false), noCase);
+        EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), 2, false), twoOnly);
+        EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), INT_MAX, true), exact);
         for (int count : {0, -1, INT_MIN})
             EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), count, true), 0) << count;
     }
@@ -90,33 +77,6 @@ TEST(StringFunctionsWidth, DeliberateNarrowCharactersAreComparedSigned)
     EXPECT_EQ(CVekString<wchar_t>(L"a\x00E9").Compare(L"az"), -1);
 }
 
-TYPED_TEST(StringFunctions, PrintfIsBounded)
-{
-    struct Row
-    {
-        int size;
-        int result;
-        char const * text;
-    } const rows[] = {
-        {9, 8, "abc-0042"},
-        {100, 8, "abc-0042"},
-        {8, -1, "abc-004"},
-        {1, -1, ""},
-    };
-    auto const format = Text<TypeParam>("%s-%04d"), argument = Text<TypeParam>("abc");
-    for (Row const & row : rows)
-    {
-        SCOPED_TRACE(row.size);
-        Buffer<TypeParam> buffer(static_cast<size_t>(row.size));
-        EXPECT_EQ(Api<TypeParam>::Printf(buffer.data(), row.size, format.c_str(), argument.c_str(), 42), row.result);
-        EXPECT_EQ(buffer.Content(), Text<TypeParam>(row.text));
-    }
-    for (int size : {0, -1, INT_MIN})
-        EXPECT_EQ(Api<TypeParam>::Printf(nullptr, size, format.c_str(), argument.c_str(), 42), -1) << size;
-    EXPECT_EQ(Api<TypeParam>::PrintfLength(format.c_str(), argument.c_str(), 42), 8);
-    EXPECT_EQ(Api<TypeParam>::PrintfLength(Text<TypeParam>("").c_str()), 0);
-}
-
 int PrintList(wchar_t * buffer, int size, wchar_t const * format, ...)
 {
     va_list arguments;
@@ -126,67 +86,71 @@ int PrintList(wchar_t * buffer, int size, wchar_t const * format, ...)
     return length;
 }
 
-TEST(StringFunctionsWidth, PrintfTakesAStartedList)
+TYPED_TEST(StringFunctions, PrintfIsBounded)
 {
+    std::tuple<int, int, char const *> const rows[] = {
+        {9, 8, "abc-0042"}, {100, 8, "abc-0042"}, {8, -1, "abc-004"}, {1, -1, ""}};
+    auto const format = Text<TypeParam>("%s-%04d"), argument = Text<TypeParam>("abc");
+    for (auto const & [size, result, text] : rows)
+    {
+        SCOPED_TRACE(size);
+        Buffer<TypeParam> buffer(static_cast<size_t>(size));
+        EXPECT_EQ(Api<TypeParam>::Printf(buffer.data(), size, format.c_str(), argument.c_str(), 42), result);
+        EXPECT_EQ(buffer.Content(), Text<TypeParam>(text));
+    }
+    for (int size : {0, -1, INT_MIN})
+        EXPECT_EQ(Api<TypeParam>::Printf(nullptr, size, format.c_str(), argument.c_str(), 42), -1) << size;
+    EXPECT_EQ(Api<TypeParam>::PrintfLength(format.c_str(), argument.c_str(), 42), 8);
+    EXPECT_EQ(Api<TypeParam>::PrintfLength(Text<TypeParam>("").c_str()), 0);
     wchar_t buffer[16];
     EXPECT_EQ(PrintList(buffer, 16, L"%s %d %hs", L"wide", 7, "nar"), 10);
-    EXPECT_STREQ(buffer, L"wide 7 nar");
+    EXPECT_STREQ(buffer, L"wide 7 nar") << "from a started list";
 }
 
 TYPED_TEST(StringFunctions, CaseIsChangedOnlyInATerminatedBuffer)
 {
-    using Change = void (*)(TypeParam *, int);
-    struct Row
-    {
-        Change change;
-        int size;
-        char const * expected;
-    } const rows[] = {
-        {Api<TypeParam>::ToLower, 6, "ab1_z"},  {Api<TypeParam>::ToUpper, 6, "AB1_Z"},
-        {Api<TypeParam>::ToUpper, 5, "aB1_z"},  {Api<TypeParam>::ToLower, 0, "aB1_z"},
-        {Api<TypeParam>::ToLower, -1, "aB1_z"}, {Api<TypeParam>::ToUpper, INT_MIN, "aB1_z"},
+    using A = Api<TypeParam>;
+    std::tuple<void (*)(TypeParam *, int), int, char const *> const rows[] = {
+        // clang-format off
+        {A::ToLower, 6, "ab1_z"}, {A::ToUpper, 6, "AB1_Z"}, {A::ToUpper, 5, "aB1_z"}, {A::ToLower, 0, "aB1_z"},
+        {A::ToLower, -1, "aB1_z"}, {A::ToUpper, INT_MIN, "aB1_z"},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [change, size, expected] : rows)
     {
         auto text = Text<TypeParam>("aB1_z");
-        row.change(text.data(), row.size);
-        EXPECT_EQ(text, Text<TypeParam>(row.expected)) << "row " << &row - rows;
+        change(text.data(), size);
+        EXPECT_EQ(text, Text<TypeParam>(expected)) << size;
     }
 }
 
 TYPED_TEST(StringFunctions, Numbers)
 {
-    struct Row
-    {
-        char const * text;
-        int radix;
-        int number;
-        unsigned long unsignedNumber;
-        double real;
-    } const rows[] = {
-        {" \t-12x", 10, -12, static_cast<unsigned long>(-12), -12},
-        {"0x1f", 0, 0, 31, 0},
-        {"017", 0, 17, 15, 17},
-        {"ff", 16, 0, 255, 0},
-        {"zz", 36, 0, 1295, 0},
-        {"", 10, 0, 0, 0},
-        {"4294967295", 10, INT_MAX, 4294967295UL, 4294967295.0},
-        {"99999999999", 10, INT_MAX, ULONG_MAX, 99999999999.0},
-        {"1.5e3z", 10, 1, 1, 1500},
-        {"-.25", 10, 0, 0, -.25},
-        {"12", 1, 12, 0, 12},
-        {"12", 37, 12, 0, 12},
+    std::tuple<char const *, int, int, unsigned long, double> const rows[] = {
+        // clang-format off
+        {" \t-12x", 10, -12, static_cast<unsigned long>(-12), -12}, {"0x1f", 0, 0, 31, 0}, {"017", 0, 17, 15, 17},
+        {"ff", 16, 0, 255, 0}, {"zz", 36, 0, 1295, 0}, {"", 10, 0, 0, 0},
+        {"4294967295", 10, INT_MAX, ULONG_MAX, 4294967295.0}, {"99999999999", 10, INT_MAX, ULONG_MAX, 99999999999.0},
+        {"1.5e3z", 10, 1, 1, 1500}, {"-.25", 10, 0, 0, -.25}, {"12", 1, 12, 0, 12}, {"12", 37, 12, 0, 12},
         {"12", -10, 12, 0, 12},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [rowText, radix, number, unsignedNumber, real] : rows)
     {
-        SCOPED_TRACE(testing::Message() << '"' << row.text << "\" radix " << row.radix);
-        auto const text = Text<TypeParam>(row.text);
-        EXPECT_EQ(Api<TypeParam>::ToInt(text.c_str()), row.number);
-        EXPECT_EQ(Api<TypeParam>::ToUInt(text.c_str(), row.radix), row.unsignedNumber);
-        EXPECT_EQ(Api<TypeParam>::ToFloat(text.c_str()), row.real);
+        SCOPED_TRACE(testing::Message() << '"' << rowText << "\" radix " << radix);
+        auto const text = Text<TypeParam>(rowText);
+        EXPECT_EQ(Api<TypeParam>::ToInt(text.c_str()), number);
+        EXPECT_EQ(Api<TypeParam>::ToUInt(text.c_str(), radix), unsignedNumber);
+        EXPECT_EQ(Api<TypeParam>::ToFloat(text.c_str()), real);
     }
-    EXPECT_EQ(Api<TypeParam>::Length(Text<TypeParam>("four").c_str()), 4);
+}
+
+TEST(StringFunctionsWidth, DeliberateOnlyTheNarrowCountedCopyChecksForNull)
+{
+    char text[8] = "keep";
+    VekStrCopyA(text, nullptr);
+    VekStrCopyA(nullptr, "x");
+    EXPECT_STREQ(text, "keep");
 }
 
 TEST(Convert, DeliberateBySignExtensionAndLowByte)
@@ -203,14 +167,6 @@ TEST(Convert, DeliberateBySignExtensionAndLowByte)
     VekStrAtoW(nullptr, "a");
     VekStrWtoA(nullptr, L"a");
 
-    VekStrCopyA(narrow, "keep");
-    VekStrCopyA(narrow, nullptr);
-    VekStrCopyA(nullptr, "x");
-    EXPECT_STREQ(narrow, "keep");
-}
-
-TEST(Convert, CreatesStrings)
-{
     LogCapture log;
     EXPECT_EQ(Text(VekCreateStrAtoW("a\xE9")), L"a\xFFE9");
     EXPECT_EQ(Text(VekCreateStrAtoT("a\xE9")), L"a\xFFE9");
@@ -227,25 +183,21 @@ TEST(Convert, LogsWhenMemoryRunsOut)
 {
     if (!VekGuard::Active)
         GTEST_SKIP() << "allocations fail on demand in the guarded build only";
-    struct Row
-    {
-        int (*length)();
-        wchar_t const * message;
-    } const rows[] = {
-        {[] { return VekCreateStrAtoW("abc").GetLength(); }, L"VekCreateStrAtoW --> Failed to allocate buffre"},
-        {[] { return VekCreateStrWtoA(L"abc").GetLength(); }, L"VekCreateStrWtoA --> Failed to allocate buffre"},
-        {[] { return VekCreateStrTtoW(L"abc").GetLength(); }, L"VekCreateStrTtoW --> Failed to allocate buffre"},
-        {[] { return VekCreateStrTtoA(L"abc").GetLength(); }, L"VekCreateStrTtoA --> Failed to allocate buffre"},
-        {[] { return VekCreateStrWtoT(L"abc").GetLength(); }, L"VekCreateStrWtoT --> Failed to allocate buffre"},
-        {[] { return VekCreateStrAtoT("abc").GetLength(); }, L"VekCreateStrAtoT --> Failed to allocate buffre"},
+    std::pair<int (*)(), wchar_t const *> const rows[] = {
+        {[] { return VekCreateStrAtoW("abc").GetLength(); }, L"VekCreateStrAtoW"},
+        {[] { return VekCreateStrWtoA(L"abc").GetLength(); }, L"VekCreateStrWtoA"},
+        {[] { return VekCreateStrTtoW(L"abc").GetLength(); }, L"VekCreateStrTtoW"},
+        {[] { return VekCreateStrTtoA(L"abc").GetLength(); }, L"VekCreateStrTtoA"},
+        {[] { return VekCreateStrWtoT(L"abc").GetLength(); }, L"VekCreateStrWtoT"},
+        {[] { return VekCreateStrAtoT("abc").GetLength(); }, L"VekCreateStrAtoT"},
     };
-    for (Row const & row : rows)
+    for (auto const & [length, name] : rows)
     {
         LogCapture log;
         VekGuard::FailAllocation(1);
-        EXPECT_EQ(row.length(), 0);
+        EXPECT_EQ(length(), 0);
         EXPECT_TRUE(VekGuard::FailReset());
-        EXPECT_EQ(log.Take(), row.message);
+        EXPECT_EQ(log.Take(), std::wstring(name) + L" --> Failed to allocate buffre");
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <random>
+#include <tuple>
 #include <utility>
 
 namespace
@@ -60,36 +61,24 @@ TYPED_TEST(String, HeaderStandsInFrontOfTheCharacters)
 
 TYPED_TEST(String, Reserve)
 {
-    struct Row
-    {
-        int capacity;
-        bool keep;
-        bool result;
-        char const * text;
-        int newCapacity;
-    } const rows[] = {
-        {20, true, true, "abcdef", 20},
-        {20, false, true, "", 20},
-        {7, true, true, "abcdef", 7},
+    std::tuple<int, bool, bool, char const *, int> const rows[] = {
+        // clang-format off
+        {20, true, true, "abcdef", 20}, {20, false, true, "", 20}, {7, true, true, "abcdef", 7},
         {4, true, true, "abc", 4}, // kept: one character less than the capacity
-        {1, true, true, "", 1},
-        {0, true, true, "", 0},
-        {-1, true, false, "abcdef", 7},
-        {INT_MIN, false, false, "abcdef", 7},
-        {INT_MAX, true, false, "abcdef", 7},
-        {INT_MAX - 1, false, false, "abcdef", 7},
+        {0, true, true, "", 0}, {-1, true, false, "abcdef", 7}, {INT_MIN, false, false, "abcdef", 7},
+        {INT_MAX, true, false, "abcdef", 7}, {INT_MAX - 1, false, false, "abcdef", 7},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [capacity, keep, result, text, newCapacity] : rows)
     {
-        SCOPED_TRACE(testing::Message() << row.capacity << (row.keep ? " keep" : ""));
+        SCOPED_TRACE(testing::Message() << capacity << (keep ? " keep" : ""));
         auto string = this->Make("abcdef");
         // The largest sizes may be had where addresses are plenty.
-        if (sizeof(void *) == 8 && sizeof(TypeParam) == 1 && row.capacity > INT_MAX - 2 &&
-            string.Reserve(row.capacity, true))
+        if (sizeof(void *) == 8 && sizeof(TypeParam) == 1 && capacity > INT_MAX - 2 && string.Reserve(capacity, true))
             continue;
-        EXPECT_EQ(string.Reserve(row.capacity, row.keep), row.result);
-        this->ExpectValid(string, Text<TypeParam>(row.text));
-        EXPECT_EQ(string.GetCapacity(), row.newCapacity);
+        EXPECT_EQ(string.Reserve(capacity, keep), result);
+        this->ExpectValid(string, Text<TypeParam>(text));
+        EXPECT_EQ(string.GetCapacity(), newCapacity);
     }
 }
 
@@ -109,8 +98,7 @@ TYPED_TEST(String, ConstructionMoveAndSwap)
     EXPECT_EQ(string.Find(raw), -1);
     EXPECT_EQ(string.Compare(Text<TypeParam>("").c_str()), 0);
     string.MoveCharacters(0, 1, 1);
-    CVekString<TypeParam> copyOfNothing(string);
-    this->ExpectValid(copyOfNothing, {});
+    this->ExpectValid(CVekString<TypeParam>(string), {});
     string.Append(taken);
     string.Append(Text<TypeParam>("d").c_str());
     taken = std::move(string);
@@ -121,57 +109,34 @@ TYPED_TEST(String, ConstructionMoveAndSwap)
 
 TYPED_TEST(String, PartsAreCutToTheSource)
 {
-    struct Row
-    {
-        int start;
-        int count;
-        char const * part;
-    } const rows[] = {
-        {0, 0, "abcdef"},
-        {2, 0, "cdef"},
-        {2, 3, "cde"},
-        {5, 1, "f"},
-        {5, 100, "f"},
-        {6, 0, ""},
-        {6, 1, ""},
-        {7, 0, ""},
-        {0, 6, "abcdef"},
-        {0, 7, "abcdef"},
-        {0, INT_MAX, "abcdef"},
-        {3, INT_MAX, "def"},
-        {INT_MAX, INT_MAX, ""},
-        {-1, 3, ""},
-        {INT_MIN, 0, ""},
-        {0, -1, ""},
-        {2, INT_MIN, ""},
+    std::tuple<int, int, char const *> const rows[] = {
+        // clang-format off
+        {0, 0, "abcdef"}, {2, 0, "cdef"}, {2, 3, "cde"}, {5, 100, "f"}, {6, 0, ""}, {0, 7, "abcdef"},
+        {3, INT_MAX, "def"}, {INT_MAX, INT_MAX, ""}, {-1, 3, ""}, {INT_MIN, 0, ""}, {0, -1, ""}, {2, INT_MIN, ""},
+        // clang-format on
     };
     auto const source = Text<TypeParam>("abcdef");
-    for (Row const & row : rows)
-        for (bool fromString : {false, true})
-        {
-            SCOPED_TRACE(testing::Message() << row.start << ", " << row.count << (fromString ? " of a string" : ""));
-            std::vector<TypeParam> const exact(source.c_str(), source.c_str() + source.size() + 1);
-            auto assigned = this->Make("x"), appended = this->Make("xy");
-            if (fromString)
-                assigned.AssignPart(CVekString<TypeParam>(exact.data()), row.start, row.count);
-            else
-                assigned.AssignPart(exact.data(), row.start, row.count);
-            appended.Append(exact.data(), row.start, row.count);
-            this->ExpectValid(assigned, Text<TypeParam>(row.part));
-            this->ExpectValid(appended, Text<TypeParam>("xy") + Text<TypeParam>(row.part));
-            ASSERT_TRUE(appended.Reserve(40, true)); // the quick way, with room
-            appended.Append(exact.data(), row.start, row.count);
-            this->ExpectValid(appended, Text<TypeParam>("xy") + Text<TypeParam>(row.part) + Text<TypeParam>(row.part));
-        }
-    TypeParam const raw[] = {'a', 'b'};
-    for (int room : {0, 20})
+    for (auto const & [start, count, part] : rows)
     {
-        auto string = this->Make("");
-        ASSERT_TRUE(string.Reserve(room, true));
-        string.Append(raw, 0, 2); // no terminator needed when the count is reached before
-        this->ExpectValid(string, Text<TypeParam>("ab"));
+        SCOPED_TRACE(testing::Message() << start << ", " << count);
+        std::vector<TypeParam> const exact(source.c_str(), source.c_str() + source.size() + 1);
+        auto const expected = Text<TypeParam>(part);
+        auto assigned = this->Make("x"), appended = this->Make("xy");
+        assigned.AssignPart(exact.data(), start, count);
+        this->ExpectValid(assigned, expected);
+        assigned.AssignPart(CVekString<TypeParam>(exact.data()), start, count);
+        this->ExpectValid(assigned, expected);
+        appended.Append(exact.data(), start, count);
+        ASSERT_TRUE(appended.Reserve(40, true)); // the quick way, with room
+        appended.Append(exact.data(), start, count);
+        this->ExpectValid(appended, Text<TypeParam>("xy") + expected + expected);
     }
-    auto string = this->Make("ab");
+    TypeParam const raw[] = {'a', 'b'};
+    CVekString<TypeParam> string;
+    string.Append(raw, 0, 2); // no terminator needed when the count is reached before
+    ASSERT_TRUE(string.Reserve(20, true));
+    string.Append(raw, 0, 2);
+    this->ExpectValid(string, Text<TypeParam>("abab"));
     string.AssignPart(static_cast<TypeParam const *>(nullptr), 0, 1);
     string.Append(nullptr);
     this->ExpectValid(string, {});
@@ -222,121 +187,63 @@ TYPED_TEST(String, AppendFormat)
 
 TYPED_TEST(String, KeptTheArgumentIsTheLeftOperandOfCompare)
 {
-    struct Row
-    {
-        char const * string;
-        char const * argument;
-        bool caseSensitive;
-        int result;
-    } const rows[] = {
-        {"b", "a", true, -1},
-        {"a", "b", true, 1},
-        {"a", "A", true, -1},
-        {"a", "A", false, 0},
-        {"ab", "a", true, -1},
-        {"a", "ab", true, 1},
-        {"", "", true, 0},
-        {"", nullptr, true, 0},
-        {"a", nullptr, true, -1},
+    std::tuple<char const *, char const *, bool, int> const rows[] = {
+        // clang-format off
+        {"b", "a", true, -1}, {"a", "b", true, 1}, {"a", "A", true, -1}, {"a", "A", false, 0}, {"ab", "a", true, -1},
+        {"a", "ab", true, 1}, {"", "", true, 0}, {"", nullptr, true, 0}, {"a", nullptr, true, -1},
         {"the same beginning of 25 x", "the same beginning of 25 Y", true, -1},
         {"the same beginning of 25 x", "the SAME beginning of 25 Y", false, 1},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [rowString, rowArgument, caseSensitive, result] : rows)
     {
-        SCOPED_TRACE(testing::Message() << '"' << row.string << "\" with " << (row.argument ? row.argument : "null"));
-        auto const string = this->Make(row.string);
-        if (!row.argument)
-        {
-            EXPECT_EQ(string.Compare(static_cast<TypeParam const *>(nullptr), row.caseSensitive), row.result);
-            continue;
-        }
-        EXPECT_EQ(string.Compare(Text<TypeParam>(row.argument).c_str(), row.caseSensitive), row.result);
-        EXPECT_EQ(string.Compare(this->Make(row.argument), row.caseSensitive), row.result);
+        SCOPED_TRACE(testing::Message() << '"' << rowString << "\" with " << (rowArgument ? rowArgument : "null"));
+        auto const string = this->Make(rowString);
+        auto const argument = this->Make(rowArgument ? rowArgument : "");
+        EXPECT_EQ(string.Compare(argument, caseSensitive), result);
+        TypeParam const * const text = rowArgument ? static_cast<TypeParam const *>(argument) : nullptr;
+        EXPECT_EQ(string.Compare(text, caseSensitive), result);
     }
 }
 
-TYPED_TEST(String, FindRows)
+TYPED_TEST(String, FindRows) // in "abcABCabc"
 {
-    enum Operation
-    {
-        FIND,
-        REVERSE,
-        ONE_OF,
-        REVERSE_ONE_OF
-    };
-    struct Row
-    {
-        Operation operation;
-        char const * pattern;
-        int start;
-        bool caseSensitive;
-        int result;
-    } const rows[] = {
-        // in "abcABCabc"
-        {FIND, "abc", 0, true, 0},
-        {FIND, "abc", 1, true, 6},
-        {FIND, "abc", 1, false, 3},
-        {FIND, "", 0, true, -1},
-        {FIND, nullptr, 0, true, -1},
-        {FIND, "c", 8, true, 8},
-        {FIND, "c", 9, true, -1},
-        {FIND, "a", INT_MAX, true, -1},
-        {FIND, "a", -5, true, 0},
-        {FIND, "abcABCabcd", 0, true, -1},
-        {FIND, "{", 0, false, -1},
-        {REVERSE, "abc", -1, true, 6},
-        {REVERSE, "abc", 5, true, 0},
-        {REVERSE, "ABC", 5, false, 3},
-        {REVERSE, "abc", 9, true, -1},
-        {REVERSE, "bc", 8, true, 7},
-        {REVERSE, "a", -2, true, -1},
-        {REVERSE, "a", INT_MIN, true, -1},
-        {REVERSE, "", -1, true, -1},
-        {REVERSE, "x", -1, true, -1},
-        {ONE_OF, "CB", 0, true, 4},
-        {ONE_OF, "CB", 0, false, 1},
-        {ONE_OF, "c", 9, true, -1},
-        {ONE_OF, "", 0, true, -1},
-        {ONE_OF, nullptr, 0, true, -1},
-        {ONE_OF, "a", INT_MIN, true, 0},
-        {REVERSE_ONE_OF, "CB", -1, true, 5},
-        {REVERSE_ONE_OF, "CB", 4, true, 4},
-        {REVERSE_ONE_OF, "B", 8, false, 7},
-        {REVERSE_ONE_OF, "a", 9, true, -1},
-        {REVERSE_ONE_OF, "a", -7, true, -1},
-        {REVERSE_ONE_OF, "xyz", -1, false, -1},
+    using Find = int (CVekString<TypeParam>::*)(TypeParam const *, int, bool) const;
+    Find const FIND = &CVekString<TypeParam>::Find, REVERSE = &CVekString<TypeParam>::ReverseFind,
+               ONE_OF = &CVekString<TypeParam>::FindOneOf, LAST_OF = &CVekString<TypeParam>::ReverseFindOneOf;
+    std::tuple<Find, char const *, int, bool, int> const rows[] = {
+        // clang-format off
+        {FIND, "abc", 0, true, 0}, {FIND, "abc", 1, true, 6}, {FIND, "abc", 1, false, 3}, {FIND, "", 0, true, -1},
+        {FIND, nullptr, 0, true, -1}, {FIND, "c", 8, true, 8}, {FIND, "c", 9, true, -1}, {FIND, "a", INT_MAX, true, -1},
+        {FIND, "a", -5, true, 0}, {FIND, "abcABCabcd", 0, true, -1}, {FIND, "{", 0, false, -1},
+        {REVERSE, "abc", -1, true, 6}, {REVERSE, "abc", 5, true, 0}, {REVERSE, "ABC", 5, false, 3},
+        {REVERSE, "abc", 9, true, -1}, {REVERSE, "bc", 8, true, 7}, {REVERSE, "a", -2, true, -1},
+        {REVERSE, "a", INT_MIN, true, -1}, {REVERSE, "", -1, true, -1}, {REVERSE, "x", -1, true, -1},
+        {ONE_OF, "CB", 0, true, 4}, {ONE_OF, "CB", 0, false, 1}, {ONE_OF, "c", 9, true, -1}, {ONE_OF, "", 0, true, -1},
+        {ONE_OF, nullptr, 0, true, -1}, {ONE_OF, "a", INT_MIN, true, 0}, {LAST_OF, "CB", -1, true, 5},
+        {LAST_OF, "CB", 4, true, 4}, {LAST_OF, "B", 8, false, 7}, {LAST_OF, "a", 9, true, -1},
+        {LAST_OF, "a", -7, true, -1}, {LAST_OF, "xyz", -1, false, -1},
+        // clang-format on
     };
     auto const string = this->Make("abcABCabc");
-    for (Row const & row : rows)
+    for (auto const & [operation, rowPattern, start, caseSensitive, result] : rows)
     {
-        SCOPED_TRACE(testing::Message() << "operation " << row.operation << " pattern "
-                                        << (row.pattern ? row.pattern : "null") << " start " << row.start
-                                        << (row.caseSensitive ? "" : " without case"));
-        auto const text = Text<TypeParam>(row.pattern ? row.pattern : "");
-        TypeParam const * const pattern = row.pattern ? text.c_str() : nullptr;
-        int const result = row.operation == FIND      ? string.Find(pattern, row.start, row.caseSensitive)
-                           : row.operation == REVERSE ? string.ReverseFind(pattern, row.start, row.caseSensitive)
-                           : row.operation == ONE_OF  ? string.FindOneOf(pattern, row.start, row.caseSensitive)
-                                                      : string.ReverseFindOneOf(pattern, row.start, row.caseSensitive);
-        EXPECT_EQ(result, row.result);
+        SCOPED_TRACE(testing::Message() << "start " << start << " result " << result << " of "
+                                        << (rowPattern ? rowPattern : "null"));
+        auto const text = Text<TypeParam>(rowPattern ? rowPattern : "");
+        TypeParam const * const pattern = rowPattern ? text.c_str() : nullptr;
+        EXPECT_EQ((string.*operation)(pattern, start, caseSensitive), result);
     }
-}
-
-template <class T>
-T Folded(T unit)
-{
-    return unit >= T('a') && unit <= T('z') ? static_cast<T>(unit - 32) : unit;
 }
 
 template <class T>
 int NaiveFind(std::basic_string<T> text, std::basic_string<T> pattern, int start, bool caseSensitive)
 {
-    if (!caseSensitive)
-        for (auto * one : {&text, &pattern})
-            for (T & unit : *one)
-                unit = Folded(unit);
-    size_t const found = text.find(pattern, static_cast<size_t>(start));
-    return found == text.npos ? -1 : static_cast<int>(found);
+    for (auto * one : {&text, &pattern})
+        for (T & unit : *one)
+            if (!caseSensitive && unit >= T('a') && unit <= T('z'))
+                unit = static_cast<T>(unit - 32);
+    return static_cast<int>(text.find(pattern, static_cast<size_t>(start))); // -1 when there is none
 }
 
 // All lengths around the blocks of the search, every start, patterns that are in the text and patterns that nearly are.
@@ -365,47 +272,26 @@ TYPED_TEST(String, FindAgainstANaiveModel)
         }
 }
 
-TYPED_TEST(String, MoveCharacters)
+TYPED_TEST(String, MoveCharacters) // in "abcdef" with a capacity of 10
 {
-    struct Row
-    {
-        int from;
-        int to;
-        int count;
-        char const * text;
-        int length;
-    } const rows[] = {
-        // in "abcdef" with a capacity of 10
-        {0, 3, 2, "abcabf", 6},
-        {3, 0, 2, "decdef", 6},
-        {1, 2, 3, "abbcdf", 6},
-        {2, 1, 3, "acdeef", 6},
-        {3, 1, 3, "adef", 4},
-        {2, 4, 4, "abcdcdef", 8},
-        {2, 6, 4, "abcdefcdef", 10},
-        {2, 7, 4, "abcdef", 6},
-        {3, 1, 100, "adef", 4},
-        {3, 1, INT_MAX, "adef", 4},
-        {0, 5, 3, "abcdea", 6},
-        {4, 8, 2, "abcdef", 10},
-        {2, 2, 3, "abcdef", 6},
-        {1, 3, 0, "abcdef", 6},
-        {6, 0, 1, "abcdef", 6},
-        {-1, 3, 2, "abcdef", 6},
-        {1, -3, 2, "abcdef", 6},
-        {1, 3, -2, "abcdef", 6},
-        {0, INT_MAX, 2, "abcdef", 6},
-        {INT_MAX, 0, INT_MAX, "abcdef", 6},
-        {INT_MIN, INT_MIN, INT_MIN, "abcdef", 6},
+    std::tuple<int, int, int, char const *, int> const rows[] = {
+        // clang-format off
+        {0, 3, 2, "abcabf", 6}, {3, 0, 2, "decdef", 6}, {1, 2, 3, "abbcdf", 6}, {2, 1, 3, "acdeef", 6},
+        {3, 1, 3, "adef", 4}, {2, 4, 4, "abcdcdef", 8}, {2, 6, 4, "abcdefcdef", 10}, {2, 7, 4, "abcdef", 6},
+        {3, 1, 100, "adef", 4}, {3, 1, INT_MAX, "adef", 4}, {0, 5, 3, "abcdea", 6}, {4, 8, 2, "abcdef", 10},
+        {2, 2, 3, "abcdef", 6}, {1, 3, 0, "abcdef", 6}, {6, 0, 1, "abcdef", 6}, {-1, 3, 2, "abcdef", 6},
+        {1, -3, 2, "abcdef", 6}, {1, 3, -2, "abcdef", 6}, {0, INT_MAX, 2, "abcdef", 6},
+        {INT_MAX, 0, INT_MAX, "abcdef", 6}, {INT_MIN, INT_MIN, INT_MIN, "abcdef", 6},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [from, to, count, text, length] : rows)
     {
-        SCOPED_TRACE(testing::Message() << row.from << " to " << row.to << " count " << row.count);
+        SCOPED_TRACE(testing::Message() << from << " to " << to << " count " << count);
         auto string = this->Make("abcdef");
         ASSERT_TRUE(string.Reserve(10, true));
-        string.MoveCharacters(row.from, row.to, row.count);
-        EXPECT_EQ(Text(string), Text<TypeParam>(row.text));
-        EXPECT_EQ(string.GetLength(), row.length);
+        string.MoveCharacters(from, to, count);
+        EXPECT_EQ(Text(string), Text<TypeParam>(text));
+        EXPECT_EQ(string.GetLength(), length);
         EXPECT_EQ(static_cast<TypeParam const *>(string)[string.GetLength()], TypeParam(0));
     }
 }
@@ -415,6 +301,7 @@ TYPED_TEST(String, RandomOperationsAgainstStdString)
     using Model = std::basic_string<TypeParam>;
     std::mt19937 random(7);
     auto const below = [&random](size_t limit) { return static_cast<int>(random() % (limit + 1)); };
+    auto const format = Text<TypeParam>("%s,");
     CVekString<TypeParam> string;
     Model model;
     for (int step = 0; step < 20000; ++step)
@@ -424,54 +311,24 @@ TYPED_TEST(String, RandomOperationsAgainstStdString)
         for (int left = below(step % 50 == 0 ? 700 : 20); left > 0; --left)
             source += static_cast<TypeParam>('a' + below(25));
         int const start = below(source.size()), count = below(source.size());
-        Model const part = source.substr(static_cast<size_t>(start), count ? static_cast<size_t>(count) : Model::npos);
+        auto const first = static_cast<size_t>(start);
+        auto const part = [&](Model const & of)
+        { return of.size() < first ? Model() : of.substr(first, count ? static_cast<size_t>(count) : Model::npos); };
+        // clang-format off
         switch (below(9))
         {
-        case 0:
-            string.Assign(source.c_str());
-            model = source;
-            break;
-        case 1:
-            string.AssignPart(source.c_str(), start, count);
-            model = part;
-            break;
-        case 2:
-            string.Append(source.c_str(), start, count);
-            model += part;
-            break;
-        case 3:
-            string.Append(CVekString<TypeParam>(source.c_str()));
-            model += source;
-            break;
-        case 4:
-            string.AppendFormat(Text<TypeParam>("%s,").c_str(), source.c_str());
-            model += source + TypeParam(',');
-            break;
-        case 5:
-            ASSERT_TRUE(string.Reserve(string.GetLength() + 1 + below(40), true));
-            break;
-        case 6:
-            string = CVekString<TypeParam>(string);
-            break;
-        case 7:
-            string.AssignPart(string, start, count);
-            model = model.size() < static_cast<size_t>(start)
-                        ? Model()
-                        : model.substr(static_cast<size_t>(start), count ? static_cast<size_t>(count) : Model::npos);
-            break;
-        case 8:
-            string.MoveCharacters(start, 0, INT_MAX);
-            if (model.size() > static_cast<size_t>(start))
-                model.erase(0, static_cast<size_t>(start));
-            break;
-        default:
-            if (model.size() > 2000)
-            {
-                string.Assign(static_cast<TypeParam const *>(nullptr));
-                model.clear();
-            }
-            break;
+        case 0: string.Assign(source.c_str()); model = source; break;
+        case 1: string.AssignPart(source.c_str(), start, count); model = part(source); break;
+        case 2: string.Append(source.c_str(), start, count); model += part(source); break;
+        case 3: string.Append(CVekString<TypeParam>(source.c_str())); model += source; break;
+        case 4: string.AppendFormat(format.c_str(), source.c_str()); model += source + TypeParam(','); break;
+        case 5: ASSERT_TRUE(string.Reserve(string.GetLength() + 1 + below(40), true)); break;
+        case 6: string = CVekString<TypeParam>(string); break;
+        case 7: string.AssignPart(string, start, count); model = part(model); break;
+        case 8: string.MoveCharacters(start, 0, INT_MAX); model.erase(0, model.size() > first ? first : 0); break;
+        default: if (model.size() > 2000) { string.Assign(static_cast<TypeParam const *>(nullptr)); model.clear(); }
         }
+        // clang-format on
         this->ExpectValid(string, model);
         if (this->HasFatalFailure())
             return;

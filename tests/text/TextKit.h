@@ -3,17 +3,12 @@
 
 #include "VekText.h"
 
-#include "support/WarmUp.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 using BothWidths = testing::Types<char, wchar_t>;
-
-// GoogleTest keeps a record per thread from the first trace on.
-inline VekTest::WarmUp const warmTracesUp([] { SCOPED_TRACE(0); });
 
 // ASCII text in either width.
 template <class T>
@@ -49,21 +44,18 @@ struct Api;
     template <>                                                                                                        \
     struct Api<type>                                                                                                   \
     {                                                                                                                  \
-        static constexpr auto Copy = VekStrCopy##suffix;                                                               \
-        static constexpr auto Plain = VekStr##suffix##to##suffix;                                                      \
         static constexpr int (*Compare)(type const *, type const *, bool) = VekStrCompare##suffix;                     \
         static constexpr int (*CompareCounted)(type const *, type const *, int, bool) = VekStrCompare##suffix;         \
-        static constexpr auto Length = VekStrLen##suffix;                                                              \
-        static constexpr auto Cat = VekStrCat##suffix;                                                                 \
         static constexpr int (*Printf)(type *, int, type const *, ...) = VekStrPrintf##suffix;                         \
-        static constexpr auto PrintfLength = VekPrintfLength##suffix;                                                  \
-        static constexpr auto ToLower = VekStrToLower##suffix;                                                         \
-        static constexpr auto ToUpper = VekStrToUpper##suffix;                                                         \
+        static constexpr auto Copy = VekStrCopy##suffix, Cat = VekStrCat##suffix;                                      \
+        static constexpr auto Plain = VekStr##suffix##to##suffix;                                                      \
+        static constexpr auto ToLower = VekStrToLower##suffix, ToUpper = VekStrToUpper##suffix;                        \
         static constexpr auto ToInt = VekStrToInt##suffix;                                                             \
         static constexpr auto ToUInt = VekStrToUInt##suffix;                                                           \
         static constexpr auto ToFloat = VekStrToFloat##suffix;                                                         \
-        static constexpr auto FileName = VekGetFileNameFromPath##suffix;                                               \
-        static constexpr auto Extension = VekGetFileExtension##suffix;                                                 \
+        static constexpr auto Length = VekStrLen##suffix;                                                              \
+        static constexpr auto PrintfLength = VekPrintfLength##suffix;                                                  \
+        static constexpr auto FileName = VekGetFileNameFromPath##suffix, Extension = VekGetFileExtension##suffix;      \
         static constexpr auto Directory = VekGetFileDirectory##suffix;                                                 \
         static constexpr auto WithoutExtension = VekGetFileNameWithoutExtension##suffix;                               \
         static constexpr auto IsSamePath = VekIsSamePath##suffix;                                                      \

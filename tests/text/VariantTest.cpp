@@ -18,169 +18,123 @@ static_assert(sizeof(VEK_VARIANT) == (sizeof(void *) == 4 ? 40 : 64));
 
 TEST(DataType, Sizes)
 {
-    int const sizes[] = {0,
-                         1,
-                         1,
-                         1,
-                         2,
-                         2,
-                         2,
-                         4,
-                         4,
-                         4,
-                         8,
-                         0,
-                         0,
-                         4,
-                         4 /* kept: not 16 */,
-                         16,
-                         16,
-                         32,
-                         80 /* kept: with the matrix's header */,
-                         144,
-                         16,
-                         0};
-    for (int type = 0; type < 22; ++type)
+    // Kept: type 14 counts 4 instead of 16, and the matrices count with their headers.
+    int const sizes[] = {0, 1, 1, 1, 2, 2, 2, 4, 4, 4, 8, 0, 0, 4, 4, 16, 16, 32, 80, 144, 16, 0, 0};
+    for (int type = 0; type < 23; ++type)
         EXPECT_EQ(VekDataTypeSize(static_cast<VEK_DATATYPE>(type)), sizes[type]) << "type " << type;
-    for (int type : {22, -1, INT_MAX, INT_MIN})
+    for (int type : {-1, INT_MAX, INT_MIN})
         EXPECT_EQ(VekDataTypeSize(static_cast<VEK_DATATYPE>(type)), 0) << "type " << type;
 }
 
-template <class Matrix>
-Matrix MatrixOf(int first)
-{
-    Matrix matrix;
-    for (int i = 0; i < 16; ++i)
-        matrix.GetElements()[i] = static_cast<std::remove_reference_t<decltype(matrix(0, 0))>>(first + i);
-    return matrix;
-}
-
-// Each type's number, two values, and how a value is read back.
+// A type with its number.
 template <class T, int number>
-struct TypeTraits
+struct Typed
 {
     using Type = T;
-    using Read = T;
+    using Read = std::conditional_t<std::is_same_v<T, wchar_t>, unsigned short, T>; // no operator for wchar_t
     static constexpr int NUMBER = number;
-    static T Value(bool second) { return second ? T(7) : T(1); }
-};
-struct BoolTraits : TypeTraits<bool, 1>
-{
-    static bool Value(bool second) { return second; }
-};
-struct WideCharacterTraits : TypeTraits<wchar_t, 4>
-{
-    using Read = unsigned short; // there is no operator for wchar_t
-};
-struct GuidTraits : TypeTraits<GUID, 20>
-{
-    static GUID Value(bool second) { return {second ? 7u : 1u, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}; }
-};
-template <class T, int number>
-struct ComponentTraits : TypeTraits<T, number>
-{
-    static T Value(bool second) { return second ? T(1, 2, 3, 4) : T(5, 6, 7, 8); }
-};
-template <class T, int number>
-struct MatrixTraits : TypeTraits<T, number>
-{
-    static T Value(bool second) { return MatrixOf<T>(second ? 100 : 1); }
+    static constexpr bool HAS_OBJECT = number >= 13 && number <= 19;
+
+    static T Value(bool second)
+    {
+        T value{};
+        if constexpr (std::is_arithmetic_v<T>)
+            value = T(second ? 7 : 0);
+        else if constexpr (requires { value.GetElements(); })
+            for (int i = 0; i < 16; ++i)
+                value.GetElements()[i] = second ? static_cast<float>(100 + i) : static_cast<float>(1 + i);
+        else if constexpr (HAS_OBJECT)
+            value = second ? T(1, 2, 3, 4) : T(5, 6, 7, 8);
+        else
+            value = {second ? 7u : 1u, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+        return value;
+    }
 };
 
 template <class T>
 std::string Bytes(T const & value)
 {
-    return std::string(reinterpret_cast<char const *>(&value), sizeof value);
-}
-template <class T>
-std::string Bytes(CVekMatrix4x4<T> const & value)
-{
-    return std::string(reinterpret_cast<char const *>(value.GetElements()), 16 * sizeof(T));
+    if constexpr (requires { value.GetElements(); })
+        return std::string(reinterpret_cast<char const *>(value.GetElements()), 16 * sizeof value(0, 0));
+    else
+        return std::string(reinterpret_cast<char const *>(&value), sizeof value);
 }
 
-template <class Traits>
+template <class T>
 class Variant : public testing::Test
 {
 };
 using VariantTypes =
-    testing::Types<BoolTraits, TypeTraits<unsigned char, 2>, TypeTraits<char, 3>, WideCharacterTraits,
-                   TypeTraits<short, 5>, TypeTraits<unsigned short, 6>, TypeTraits<int, 7>, TypeTraits<unsigned int, 8>,
-                   TypeTraits<float, 9>, TypeTraits<double, 10>, ComponentTraits<CVekRGBA<unsigned char>, 13>,
-                   ComponentTraits<CVekRGBA<float>, 14>, ComponentTraits<CVekVector4D<int>, 15>,
-                   ComponentTraits<CVekVector4D<float>, 16>, ComponentTraits<CVekVector4D<double>, 17>,
-                   MatrixTraits<CVekMatrix4x4<float>, 18>, MatrixTraits<CVekMatrix4x4<double>, 19>, GuidTraits>;
+    testing::Types<Typed<bool, 1>, Typed<unsigned char, 2>, Typed<char, 3>, Typed<wchar_t, 4>, Typed<short, 5>,
+                   Typed<unsigned short, 6>, Typed<int, 7>, Typed<unsigned int, 8>, Typed<float, 9>, Typed<double, 10>,
+                   Typed<CVekRGBA<unsigned char>, 13>, Typed<CVekRGBA<float>, 14>, Typed<CVekVector4D<int>, 15>,
+                   Typed<CVekVector4D<float>, 16>, Typed<CVekVector4D<double>, 17>, Typed<CVekMatrix4x4<float>, 18>,
+                   Typed<CVekMatrix4x4<double>, 19>, Typed<GUID, 20>>;
 TYPED_TEST_SUITE(Variant, VariantTypes);
 
 TYPED_TEST(Variant, HoldsAndReplacesItsValue)
 {
     using Read = typename TypeParam::Read;
-    VEK_VARIANT variant(TypeParam::Value(false));
+    auto const first = TypeParam::Value(true), second = TypeParam::Value(false);
+    VEK_VARIANT variant(first);
     EXPECT_EQ(variant.GetType(), TypeParam::NUMBER);
-    EXPECT_EQ(Bytes(static_cast<Read &>(variant)), Bytes(TypeParam::Value(false)));
-    variant = TypeParam::Value(true);
+    EXPECT_EQ(Bytes(static_cast<Read &>(variant)), Bytes(first));
+    variant = second;
     EXPECT_EQ(variant.GetType(), TypeParam::NUMBER);
     VEK_VARIANT const & constant = variant;
-    EXPECT_EQ(Bytes(static_cast<Read const &>(constant)), Bytes(TypeParam::Value(true)));
-    static_cast<Read &>(variant) = static_cast<Read>(TypeParam::Value(false));
-    EXPECT_EQ(Bytes(static_cast<Read const &>(constant)), Bytes(TypeParam::Value(false)));
+    EXPECT_EQ(Bytes(static_cast<Read const &>(constant)), Bytes(second));
+    static_cast<Read &>(variant) = static_cast<Read>(first);
+    EXPECT_EQ(Bytes(static_cast<Read const &>(constant)), Bytes(first));
     EXPECT_EQ(variant.GetBufferSize(), 0);
     EXPECT_TRUE(static_cast<CVekString<char> const &>(variant).IsEmpty());
     EXPECT_TRUE(static_cast<CVekString<wchar_t> const &>(variant).IsEmpty());
-}
 
-TYPED_TEST(Variant, OfATypeAlone)
-{
-    VEK_VARIANT variant(static_cast<VEK_DATATYPE>(TypeParam::NUMBER));
-    EXPECT_EQ(variant.GetType(), TypeParam::NUMBER);
-    bool const hasObject = TypeParam::NUMBER >= 13 && TypeParam::NUMBER <= 19;
-    EXPECT_EQ(variant.GetBuffer() != nullptr, hasObject);
-    variant = TypeParam::Value(true);
-    using Read = typename TypeParam::Read;
-    EXPECT_EQ(Bytes(static_cast<Read &>(variant)), Bytes(TypeParam::Value(true)));
-    variant.DestroyBuffer();
-    EXPECT_EQ(variant.GetBuffer(), nullptr);
+    VEK_VARIANT ofATypeAlone(static_cast<VEK_DATATYPE>(TypeParam::NUMBER));
+    EXPECT_EQ(ofATypeAlone.GetType(), TypeParam::NUMBER);
+    EXPECT_EQ(ofATypeAlone.GetBuffer() != nullptr, TypeParam::HAS_OBJECT);
+    ofATypeAlone = first;
+    EXPECT_EQ(Bytes(static_cast<Read &>(ofATypeAlone)), Bytes(first));
+    ofATypeAlone.DestroyBuffer();
+    EXPECT_EQ(ofATypeAlone.GetBuffer(), nullptr);
 }
 
 // An object type read from, and assigned to, a variant of every other type touches nothing and finds zeros.
 TYPED_TEST(Variant, WithoutAnObjectOfTheTypeReadsZerosAndIgnoresAssignment)
 {
     using T = typename TypeParam::Type;
-    if constexpr (TypeParam::NUMBER >= 13 && TypeParam::NUMBER <= 19)
-        for (int type = 0; type < 22; ++type)
+    auto const value = TypeParam::Value(true);
+    for (int type = 0; type < 22 && TypeParam::HAS_OBJECT; ++type)
+    {
+        SCOPED_TRACE(type);
+        VEK_VARIANT variant(static_cast<VEK_DATATYPE>(type));
+        if (type == TypeParam::NUMBER)
+            variant.DestroyBuffer();
+        if (type == VEK_DT_BUFFER)
+            variant.SetBuffer(static_cast<unsigned char *>(malloc(1)), 1);
+        if constexpr (TypeParam::HAS_OBJECT)
         {
-            SCOPED_TRACE(type);
-            VEK_VARIANT variant(static_cast<VEK_DATATYPE>(type));
-            if (type == TypeParam::NUMBER)
-                variant.DestroyBuffer();
-            if (type == VEK_DT_BUFFER)
-                variant.SetBuffer(static_cast<unsigned char *>(malloc(1)), 1);
-            variant = TypeParam::Value(true);
-            static_cast<T &>(variant) = TypeParam::Value(true);
+            variant = value;
+            static_cast<T &>(variant) = value;
             EXPECT_EQ(Bytes(static_cast<T const &>(std::as_const(variant))), Bytes(T()));
         }
-}
-
-// What SetBuffer puts into a variant of an object type is not taken for an object unless it is large enough for one.
-TYPED_TEST(Variant, SurvivesAForeignBlock)
-{
-    using T = typename TypeParam::Type;
-    if constexpr (TypeParam::NUMBER >= 13 && TypeParam::NUMBER <= 19)
-        for (int size : {0, -1, 1, static_cast<int>(sizeof(T))})
+    }
+    // What SetBuffer puts into a variant of an object type is no object unless it is large enough for one.
+    for (int size : {0, -1, 1, static_cast<int>(sizeof(T))})
+        if constexpr (TypeParam::HAS_OBJECT)
         {
             SCOPED_TRACE(size);
             VEK_VARIANT variant(static_cast<VEK_DATATYPE>(TypeParam::NUMBER));
             void * const block = calloc(1, size > 0 ? static_cast<size_t>(size) : 1);
             EXPECT_TRUE(variant.SetBuffer(static_cast<unsigned char *>(block), size));
             EXPECT_EQ(variant.GetBufferSize(), size > 0 ? size : 0);
-            variant = TypeParam::Value(true);
-            EXPECT_EQ(Bytes(static_cast<T &>(variant)).empty(), false);
+            variant = value;
+            EXPECT_FALSE(Bytes(static_cast<T &>(variant)).empty());
             unsigned char const bytes[200] = {};
-            EXPECT_TRUE(variant.CopyBuffer(bytes, 200));
-            EXPECT_EQ(variant.GetBufferSize(), 200);
+            EXPECT_TRUE(variant.CopyBuffer(bytes, 200) && variant.GetBufferSize() == 200);
         }
 }
 
-TEST(VariantRules, DeliberateAssigningNeverChangesTheType)
+TEST(VariantRules, DeliberateAssigningNeverChangesTheTypeButCopyingDoes)
 {
     VEK_VARIANT variant(5);
     variant = 2.5f;
@@ -190,13 +144,9 @@ TEST(VariantRules, DeliberateAssigningNeverChangesTheType)
     EXPECT_EQ(variant.GetType(), VEK_DT_INT);
     EXPECT_EQ(Text(static_cast<CVekString<wchar_t> const &>(variant)), L"text");
     EXPECT_EQ(static_cast<int>(variant), 0x40200000);
-}
 
-TEST(VariantRules, Texts)
-{
     VEK_VARIANT narrow("abc"), wide(L"xyz"), nothing(static_cast<char const *>(nullptr));
-    EXPECT_EQ(narrow.GetType(), 11);
-    EXPECT_EQ(wide.GetType(), 12);
+    EXPECT_TRUE(narrow.GetType() == 11 && wide.GetType() == 12);
     EXPECT_EQ(Text(static_cast<CVekString<char> const &>(narrow)), "abc");
     EXPECT_TRUE(static_cast<CVekString<wchar_t> const &>(narrow).IsEmpty());
     EXPECT_EQ(Text(static_cast<CVekString<wchar_t> const &>(wide)), L"xyz");
@@ -213,12 +163,8 @@ TEST(VariantRules, Buffer)
 {
     VEK_VARIANT variant(VEK_DT_BUFFER);
     unsigned char const bytes[] = {1, 2, 3};
-    EXPECT_EQ(variant.GetBuffer(), nullptr);
-    EXPECT_EQ(variant.GetBufferSize(), 0);
-    EXPECT_FALSE(variant.CopyBuffer(bytes, 0));
-    EXPECT_FALSE(variant.CopyBuffer(bytes, -1));
-    EXPECT_FALSE(variant.CopyBuffer(nullptr, 3));
-    EXPECT_EQ(variant.GetBuffer(), nullptr);
+    EXPECT_FALSE(variant.CopyBuffer(bytes, 0) || variant.CopyBuffer(bytes, -1) || variant.CopyBuffer(nullptr, 3));
+    EXPECT_TRUE(variant.GetBuffer() == nullptr && variant.GetBufferSize() == 0);
     ASSERT_TRUE(variant.CopyBuffer(bytes, 3));
     EXPECT_TRUE(memcmp(variant.GetBuffer(), bytes, 3) == 0 && variant.GetBuffer() != bytes);
     ASSERT_TRUE(variant.CopyBuffer(variant.GetBuffer() + 1, 2)); // its own bytes

@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <type_traits>
 
 #if defined(__i386__)
@@ -26,19 +27,11 @@ bool IsFree(CVekSyncObject const & object)
     return WaitForSingleObject(object.GetHandle(), 0) == WAIT_OBJECT_0;
 }
 
-template <class Result>
-Result OnOtherThread(Result (*question)(CVekSyncObject &), CVekSyncObject & object)
+// Takes it and gives it back, if another thread can.
+bool IsFreeForOthers(CVekSyncObject & object)
 {
-    Result result{};
-    std::thread([&] { result = question(object); }).join();
-    return result;
-}
-
-bool TakeAndGiveBack(CVekSyncObject & object)
-{
-    bool const taken = IsFree(object);
-    if (taken)
-        object.Unlock();
+    bool taken = false;
+    std::thread([&] { taken = IsFree(object) && object.Unlock(); }).join();
     return taken;
 }
 
@@ -46,7 +39,7 @@ bool TakeAndGiveBack(CVekSyncObject & object)
 class Recorder : public CVekSyncObject
 {
 public:
-    explicit Recorder(std::string * calls = nullptr, char name = ' ') : m_calls(calls), m_name(name) {}
+    explicit Recorder(std::string & calls, char name = ' ') : m_calls(calls), m_name(name) {}
     bool Lock() override { return Note('L'); }
     bool Unlock() override { return Note('U'); }
     void * GetHandle() const override { return m_signal.GetHandle(); }
@@ -55,11 +48,10 @@ public:
 private:
     bool Note(char what)
     {
-        if (m_calls)
-            *m_calls += {what, m_name, ';'};
+        m_calls += {what, m_name, ';'};
         return false; // the holders don't look
     }
-    std::string * m_calls;
+    std::string & m_calls;
     char m_name;
     CVekSignal m_signal;
 };
@@ -69,18 +61,16 @@ private:
 TEST(SyncObjects, MutexExcludesOthersAndCountsItsOwner)
 {
     CVekMutex mutex;
-    EXPECT_TRUE(mutex.Lock());
-    EXPECT_TRUE(mutex.Lock()) << "its owner may take it again";
-    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_TRUE(mutex.Lock() && mutex.Lock()) << "its owner may take it again";
     EXPECT_TRUE(mutex.Unlock());
-    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_FALSE(IsFreeForOthers(mutex));
     EXPECT_TRUE(mutex.Unlock());
-    EXPECT_TRUE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_TRUE(IsFreeForOthers(mutex));
     EXPECT_TRUE(mutex.Unlock()) << "true always, taken or not";
 
     std::thread([&] { mutex.Lock(); }).join();
     EXPECT_TRUE(mutex.Lock()) << "an abandoned mutex counts as taken";
-    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex));
+    EXPECT_FALSE(IsFreeForOthers(mutex));
     mutex.Unlock();
 }
 
@@ -88,8 +78,7 @@ TEST(SyncObjects, CriticalSectionExcludesOthersAndCountsItsOwner)
 {
     CVekCriticalSection section;
     EXPECT_EQ(section.GetHandle(), nullptr);
-    EXPECT_TRUE(section.Lock());
-    EXPECT_TRUE(section.Lock());
+    EXPECT_TRUE(section.Lock() && section.Lock());
     std::atomic<int> stage{0};
     std::thread other(
         [&]
@@ -112,8 +101,7 @@ TEST(SyncObjects, CriticalSectionExcludesOthersAndCountsItsOwner)
 TEST(SyncObjects, SemaphoreTakesItsMaximumFirst)
 {
     CVekSemaphore semaphore(5, 2);
-    EXPECT_TRUE(semaphore.Lock());
-    EXPECT_TRUE(semaphore.Lock());
+    EXPECT_TRUE(semaphore.Lock() && semaphore.Lock());
     EXPECT_FALSE(IsFree(semaphore)) << "the initial count is the second argument";
     for (int i = 0; i < 7; ++i)
         EXPECT_TRUE(semaphore.Unlock()) << "true above the maximum too";
@@ -127,34 +115,21 @@ TEST(SyncObjects, SemaphoreTakesItsMaximumFirst)
     EXPECT_TRUE(CVekSemaphore(impossible).Lock()) << "a wait that fails answers true";
 }
 
-TEST(SyncObjects, SignalIsConsumedByTheWaiter)
+TEST(SyncObjects, SignalIsConsumedByLockOnly)
 {
     CVekSignal signal;
     EXPECT_FALSE(IsFree(signal)) << "clear at the start";
     EXPECT_TRUE(signal.SetSignal());
-    EXPECT_TRUE(IsFree(signal));
-    EXPECT_TRUE(IsFree(signal)) << "a wait of the system's leaves it set";
-    EXPECT_TRUE(signal.Unlock());
-    EXPECT_TRUE(IsFree(signal)) << "Unlock does nothing";
+    EXPECT_TRUE(IsFree(signal) && IsFree(signal)) << "a wait of the system's leaves it set";
+    EXPECT_TRUE(signal.Unlock() && IsFree(signal)) << "Unlock does nothing";
     EXPECT_TRUE(signal.Lock());
     EXPECT_FALSE(IsFree(signal)) << "Lock clears it";
     EXPECT_TRUE(signal.Unlock());
     EXPECT_FALSE(IsFree(signal)) << "Unlock does nothing";
-    signal.SetSignal();
-    EXPECT_TRUE(signal.ResetSignal());
-    EXPECT_FALSE(IsFree(signal));
-    EXPECT_TRUE(signal.PulseSignal());
-    EXPECT_FALSE(IsFree(signal)) << "a pulse leaves it clear";
-}
 
-TEST(SyncObjects, CopiesShareTheHandle)
-{
-    CVekSignal const source;
     alignas(CVekSignal) unsigned char place[sizeof(CVekSignal)];
-    CVekSignal * const copy = new (place) CVekSignal(source); // never destroyed: it would close the shared handle
-    EXPECT_EQ(copy->GetHandle(), source.GetHandle());
-    copy->SetSignal();
-    EXPECT_TRUE(IsFree(source));
+    CVekSignal * const copy = new (place) CVekSignal(signal); // never destroyed: it would close the shared handle
+    EXPECT_EQ(copy->GetHandle(), signal.GetHandle());
 }
 
 TEST(SyncObjects, SlotOrder)
@@ -162,9 +137,9 @@ TEST(SyncObjects, SlotOrder)
     // Slots 0 and 1 are the destructor.
     CVekMutex mutex;
     EXPECT_TRUE(CallSlot<bool>(&mutex, 2));
-    EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, mutex)) << "slot 2 locks";
+    EXPECT_FALSE(IsFreeForOthers(mutex)) << "slot 2 locks";
     EXPECT_TRUE(CallSlot<bool>(&mutex, 3));
-    EXPECT_TRUE(OnOtherThread(TakeAndGiveBack, mutex)) << "slot 3 unlocks";
+    EXPECT_TRUE(IsFreeForOthers(mutex)) << "slot 3 unlocks";
     EXPECT_EQ(CallSlot<void *>(&mutex, 4), mutex.GetHandle());
 
     CVekSignal signal;
@@ -174,7 +149,7 @@ TEST(SyncObjects, SlotOrder)
     EXPECT_FALSE(IsFree(signal)) << "slot 6 resets";
     signal.SetSignal();
     EXPECT_TRUE(CallSlot<bool>(&signal, 7));
-    EXPECT_FALSE(IsFree(signal)) << "slot 7 pulses";
+    EXPECT_FALSE(IsFree(signal)) << "slot 7 pulses, which leaves it clear";
     CallSlot(&signal, 0);
     EXPECT_EQ(signal.GetHandle(), nullptr) << "slot 0 destroys";
     new (&signal) CVekSignal;
@@ -182,36 +157,28 @@ TEST(SyncObjects, SlotOrder)
 
 TEST(SingleLock, CallsItsObject)
 {
-    struct Row
-    {
-        char const * name;
-        bool initialLock;
-        char const * operations;
-        bool lockedAtEnd;
-        char const * calls;
-    };
-    Row const rows[] = {
-        {"nothing asked", false, "", false, ""},
-        {"locked at once", true, "", true, "L ;U ;"},
-        {"locked later", false, "L", true, "L ;U ;"},
-        {"unlocked again", true, "U", false, "L ;U ;"},
+    std::tuple<char const *, bool, char const *, bool, char const *> const rows[] = {
+        // clang-format off
+        {"nothing asked", false, "", false, ""}, {"locked at once", true, "", true, "L ;U ;"},
+        {"locked later", false, "L", true, "L ;U ;"}, {"unlocked again", true, "U", false, "L ;U ;"},
         {"kept: unlocks what it never locked", false, "U", false, "U ;"},
         {"kept: unlocks as often as asked", true, "UU", false, "L ;U ;U ;"},
         {"locks twice, gives back once", true, "L", true, "L ;L ;U ;"},
+        // clang-format on
     };
-    for (Row const & row : rows)
+    for (auto const & [name, initialLock, operations, lockedAtEnd, expected] : rows)
     {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(name);
         std::string calls;
-        Recorder object(&calls);
+        Recorder object(calls);
         {
-            CVekSingleLock lock(&object, row.initialLock);
-            EXPECT_EQ(lock.IsLocked(), row.initialLock);
-            for (char const * operation = row.operations; *operation; ++operation)
+            CVekSingleLock lock(&object, initialLock);
+            EXPECT_EQ(lock.IsLocked(), initialLock);
+            for (char const * operation = operations; *operation; ++operation)
                 EXPECT_TRUE(*operation == 'L' ? lock.Lock() : lock.Unlock());
-            EXPECT_EQ(lock.IsLocked(), row.lockedAtEnd);
+            EXPECT_EQ(lock.IsLocked(), lockedAtEnd);
         }
-        EXPECT_EQ(calls, row.calls);
+        EXPECT_EQ(calls, expected);
     }
     CVekSingleLock nothing(nullptr, true);
     EXPECT_TRUE(nothing.IsLocked() && nothing.Unlock());
@@ -223,25 +190,21 @@ TEST(MultiLock, WaitingForAnyGivesBackTheOneThatEndedTheWait)
     {
         SCOPED_TRACE(winner);
         std::string calls;
-        Recorder a(&calls, 'a'), b(&calls, 'b'), c(&calls, 'c');
+        Recorder a(calls, 'a'), b(calls, 'b'), c(calls, 'c');
         Recorder * const all[] = {&a, &b, &c};
         all[winner]->Set();
         CVekSyncObject * objects[] = {&a, &b, &c};
+        auto const given = std::string("U") + static_cast<char>('a' + winner) + ";";
         {
             CVekMultiLock lock(3, objects, false, false);
             EXPECT_FALSE(lock.IsLocked());
-            EXPECT_TRUE(lock.Lock());
-            EXPECT_TRUE(lock.IsLocked());
+            EXPECT_TRUE(lock.Lock() && lock.IsLocked());
             EXPECT_EQ(calls, "") << "the wait is the system's";
-            EXPECT_TRUE(lock.Unlock());
-            EXPECT_FALSE(lock.IsLocked());
+            EXPECT_TRUE(lock.Unlock() && !lock.IsLocked());
         }
-        EXPECT_EQ(calls, std::string("U") + static_cast<char>('a' + winner) + ";");
-        calls.clear();
-        {
-            CVekMultiLock const initially(3, objects, false, true);
-        }
-        EXPECT_EQ(calls, std::string("U") + static_cast<char>('a' + winner) + ";") << "the destructor gives back";
+        EXPECT_EQ(calls, given);
+        CVekMultiLock(3, objects, false, true);
+        EXPECT_EQ(calls, given + given) << "the destructor gives back";
     }
 }
 
@@ -251,57 +214,43 @@ TEST(MultiLock, DeliberateWaitingForAllGivesNothingBack)
     CVekSyncObject * objects[] = {&first, &second};
     {
         CVekMultiLock lock(2, objects, true, true);
-        EXPECT_TRUE(lock.IsLocked());
-        EXPECT_TRUE(lock.Unlock());
-        EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, first));
+        EXPECT_TRUE(lock.IsLocked() && lock.Unlock());
+        EXPECT_FALSE(IsFreeForOthers(first));
         lock.Lock();
     }
     for (CVekMutex * mutex : {&first, &second})
     {
-        EXPECT_FALSE(OnOtherThread(TakeAndGiveBack, *mutex)) << "still owned";
-        mutex->Unlock();
-        mutex->Unlock();
-        EXPECT_TRUE(OnOtherThread(TakeAndGiveBack, *mutex));
+        EXPECT_FALSE(IsFreeForOthers(*mutex)) << "still owned";
+        EXPECT_TRUE(mutex->Unlock() && mutex->Unlock() && IsFreeForOthers(*mutex)) << "twice";
     }
 }
 
 TEST(MultiLock, WaitsThatFailAnswerTrueAndHoldNothing)
 {
     std::string calls;
-    Recorder set(&calls, 's');
+    Recorder set(calls, 's');
     set.Set();
-    CVekCriticalSection section;
-    struct Row
-    {
-        char const * name;
-        unsigned int count;
-        CVekSyncObject * objects[2];
-    };
-    Row rows[] = {
-        {"no objects", 0, {}},
-        {"a critical section has no handle", 2, {&set, &section}},
-        {"a null object", 2, {&set, nullptr}},
-        {"only null", 1, {}},
-    };
-    for (Row & row : rows)
-    {
-        SCOPED_TRACE(row.name);
+    CVekCriticalSection section; // has no handle
+    CVekSyncObject *withSection[] = {&set, &section}, *withNull[] = {&set, nullptr};
+    std::tuple<char const *, unsigned int, CVekSyncObject **> const rows[] = {{"no objects", 0, withNull},
+                                                                              {"a critical section", 2, withSection},
+                                                                              {"a null object", 2, withNull},
+                                                                              {"only null", 1, withNull + 1},
+                                                                              {"no array", 3, nullptr}};
+    for (auto const & [name, count, objects] : rows)
         for (bool const waitAll : {false, true})
         {
-            CVekMultiLock lock(row.count, row.objects, waitAll, true);
-            EXPECT_TRUE(lock.IsLocked());
-            EXPECT_TRUE(lock.Unlock());
+            SCOPED_TRACE(testing::Message() << name << (waitAll ? ", all" : ", any"));
+            CVekMultiLock lock(count, objects, waitAll, true);
+            EXPECT_TRUE(lock.IsLocked() && lock.Unlock());
+            EXPECT_EQ(calls, "");
         }
-        EXPECT_EQ(calls, "");
-    }
-    CVekMultiLock noArray(3, nullptr, false, true);
-    EXPECT_TRUE(noArray.Unlock());
 }
 
 TEST(MultiLock, KeepsSixteenObjectsAtMost)
 {
     std::string calls;
-    Recorder last(&calls, 'p'), beyond(&calls, 'q'), quiet;
+    Recorder last(calls, 'p'), beyond(calls, 'q');
     CVekSyncObject * objects[40];
     for (CVekSyncObject *& object : objects)
         object = &beyond;
@@ -313,7 +262,6 @@ TEST(MultiLock, KeepsSixteenObjectsAtMost)
     beyond.Set();
     struct
     {
-        unsigned char before[64] = {};
         alignas(CVekMultiLock) unsigned char place[sizeof(CVekMultiLock)] = {};
         unsigned char after[256] = {};
     } memory;

@@ -1,11 +1,6 @@
 // Documents of a size and shape that no host makes on purpose: all of them simply work.
-#include "VekLib.h"
-
-#include "support/LogCapture.h"
 #include "support/TestStream.h"
 #include "support/XMLKit.h"
-
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -17,9 +12,8 @@ constexpr int MANY = 20'000;
 constexpr int MANY = 1'000'000;
 #endif
 
-class HostileXMLTest : public testing::Test
+struct HostileXMLTest : XMLTest
 {
-protected:
     // Writes the document without indentation, reads it back, and returns the bytes.
     std::string RoundTrip(IVekXMLDocument * document)
     {
@@ -34,9 +28,6 @@ protected:
         EXPECT_TRUE(stream.bytes == second.bytes);
         return std::move(stream.bytes);
     }
-
-    LibraryScope m_library;
-    LogCapture m_log;
 };
 
 std::string Repeated(std::string const & text, int count)

@@ -52,33 +52,24 @@ TEST(PointerArrayTest, BehavesAsAVector)
 
 TEST(PointerArrayTest, GrowsByItsStep)
 {
-    struct
+    std::pair<int, std::vector<int>> const rows[] = {{1, {1, 2, 3, 4, 5, 6}},
+                                                     {3, {3, 3, 3, 6, 6, 6}},
+                                                     {0, {1, 2, 3, 4, 5, 6}},
+                                                     {CVekPointerArrayBase::GROW_DOUBLING, {1, 2, 4, 4, 8, 8}}};
+    for (auto const & [step, capacities] : rows)
     {
-        int step;
-        int capacities[6];
-    } const rows[] = {{1, {1, 2, 3, 4, 5, 6}},
-                      {3, {3, 3, 3, 6, 6, 6}},
-                      {0, {1, 2, 3, 4, 5, 6}},
-                      {CVekPointerArrayBase::GROW_DOUBLING, {1, 2, 4, 4, 8, 8}}};
-    for (auto const & row : rows)
-    {
-        SCOPED_TRACE(row.step);
+        SCOPED_TRACE(step);
         CVekPointerArray<int> array;
-        array.SetGrowthStep(row.step);
-        for (int const capacity : row.capacities)
+        array.SetGrowthStep(step);
+        for (int const capacity : capacities)
         {
             array.Append(nullptr);
             EXPECT_EQ(array.GetCapacity(), capacity);
         }
         array.Free();
     }
-}
-
-TEST(PointerArrayTest, RefusesSizesBeyondMemory)
-{
     CVekPointerArray<int> array;
-    EXPECT_FALSE(array.Reserve(0x7FFFFFFF));
-    EXPECT_FALSE(array.Reserve(0x40000000));
+    EXPECT_FALSE(array.Reserve(0x7FFFFFFF) || array.Reserve(0x40000000)) << "beyond memory";
     EXPECT_EQ(array.GetCapacity(), 0);
 }
 

@@ -5,6 +5,24 @@
 #include <cstdarg>
 #include <string>
 
+TEST(ScanText, CountsArguments)
+{
+    std::pair<char const *, int> const rows[] = {
+        // clang-format off
+        {"", 0}, {"text", 0}, {"%d", 1}, {"%d %d", 2}, {"%%", 0}, {"%%d%d", 1}, {"%*d%d", 1}, {"%5d", 1},
+        {"%I64d%I32u", 2}, {"%hd%ld%lf%Lf", 4}, {"%s", 2}, {"%10s", 2}, {"%c%C%S", 6}, {"%hs%ls%ws", 6}, {"%*s", 0},
+        {"%[a-z]", 2}, {"%[]%d]%d", 3}, {"%[^]%d]%d", 3}, {"%[^a]b%d", 3}, {"%*[%d%d]%d", 1}, {"%[unclosed %d", 2},
+        {"%", 0}, {"%5", 0}, {"%*", 0}, {"%n%x%X%o%i%u%p%e%g", 9},
+        // clang-format on
+    };
+    for (auto const & [format, count] : rows)
+    {
+        std::string const narrow = format;
+        EXPECT_EQ(vek::CountScanArguments(format), count) << format;
+        EXPECT_EQ(vek::CountScanArguments(std::wstring(narrow.begin(), narrow.end()).c_str()), count) << format;
+    }
+}
+
 namespace
 {
 
@@ -19,49 +37,6 @@ bool Scan(char const * text, char const * format, ...)
 }
 
 } // namespace
-
-TEST(ScanText, CountsArguments)
-{
-    struct Row
-    {
-        char const * format;
-        int count;
-    };
-    Row const rows[] = {
-        {"", 0},
-        {"text", 0},
-        {"%d", 1},
-        {"%d %d", 2},
-        {"%%", 0},
-        {"%%d%d", 1},
-        {"%*d%d", 1},
-        {"%5d", 1},
-        {"%I64d%I32u", 2},
-        {"%hd%ld%lf%Lf", 4},
-        {"%s", 2},
-        {"%10s", 2},
-        {"%c%C%S", 6},
-        {"%hs%ls%ws", 6},
-        {"%*s", 0},
-        {"%[a-z]", 2},
-        {"%[]%d]%d", 3},
-        {"%[^]%d]%d", 3},
-        {"%[^a]b%d", 3},
-        {"%*[%d%d]%d", 1},
-        {"%[unclosed %d", 2},
-        {"%", 0},
-        {"%5", 0},
-        {"%*", 0},
-        {"%n%x%X%o%i%u%p%e%g", 9},
-    };
-    for (Row const & row : rows)
-    {
-        EXPECT_EQ(vek::CountScanArguments(row.format), row.count) << row.format;
-        std::string const narrow = row.format;
-        EXPECT_EQ(vek::CountScanArguments(std::wstring(narrow.begin(), narrow.end()).c_str()), row.count)
-            << row.format << ", wide";
-    }
-}
 
 TEST(ScanText, HandsArgumentsOnUpToItsLimit)
 {
