@@ -21,4 +21,6 @@ for preset in "${presets[@]}"; do
         status=1
     fi
 done
+# Of the sources, whatever they are built for.
+[ $# -gt 0 ] || step "static checks" check-static tools/check-static.sh
 exit $status

@@ -58,6 +58,7 @@ public:
         m_capacity = grown;
         return true;
     }
+    // cppcheck-suppress passedByValue ; values are small
     bool Append(T value) noexcept
     {
         if (m_size == m_capacity && !Reserve(m_size + 1))

@@ -28,4 +28,4 @@ static_assert(sizeof(CVekMemoryBlock) % (2 * sizeof(void *)) == 0);
 
 /// Blocks are storage of malloc, never objects of a class.
 template <>
-void CVekDirectLinkedList<CVekMemoryBlock *>::DeleteElement(CVekMemoryBlock * block);
+void CVekDirectLinkedList<CVekMemoryBlock *>::DeleteElement(CVekMemoryBlock * element);

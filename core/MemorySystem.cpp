@@ -101,15 +101,15 @@ unsigned char * AllocateTracked(unsigned int size, T const * file, int line) noe
 } // namespace
 
 template <>
-void CVekDirectLinkedList<CVekMemoryBlock *>::DeleteElement(CVekMemoryBlock * block)
+void CVekDirectLinkedList<CVekMemoryBlock *>::DeleteElement(CVekMemoryBlock * element)
 {
-    free(block);
+    free(element);
 }
 
 CVekMemorySystem::CVekMemorySystem()
 {
     for (unsigned int i = 0; i < m_bucketCount; ++i)
-        new (g_buckets[i]) Bucket;
+        new (g_buckets[i]) Bucket; // cppcheck-suppress constStatement ; read as an array access, it is a placement
     g_alive.store(this, std::memory_order_relaxed);
 }
 

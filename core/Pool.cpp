@@ -286,6 +286,7 @@ size_t PoolReservedBytes() noexcept
 
 } // namespace vek
 
+// NOLINTNEXTLINE(cert-dcl54-cpp): its operator delete is the one that takes the size
 void * CVekPooled::operator new(size_t size) VEK_NOEXCEPT
 {
     return vek::PoolAllocate(size);

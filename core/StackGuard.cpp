@@ -4,6 +4,7 @@
 
 #include <stdint.h>
 
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the names that compiled code refers to
 extern "C"
 {
     void * __stack_chk_guard = nullptr;
@@ -16,6 +17,7 @@ extern "C"
             TerminateProcess(GetCurrentProcess(), stackBufferOverrun);
     }
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace
 {

@@ -82,7 +82,7 @@ bool CVekFileIOStream::Open(wchar_t const * name, unsigned int flags, unsigned i
         VekLogOutput(0, L"CVekFileIOStream::Open --> Failed to open file");
         return false;
     }
-    setvbuf(m_file, nullptr, _IOFBF, FILE_BUFFER_SIZE);
+    static_cast<void>(setvbuf(m_file, nullptr, _IOFBF, FILE_BUFFER_SIZE));
     m_path.Swap(path);
     m_fileName.Swap(fileName);
     return true;
@@ -140,7 +140,7 @@ bool CVekFileIOStream::IsAtEnd() const
     int const next = getc(m_file);
     if (next == EOF)
         return true;
-    ungetc(next, m_file);
+    static_cast<void>(ungetc(next, m_file));
     return false;
 }
 
@@ -185,7 +185,7 @@ char CVekFileIOStream::ReadChar(bool advance)
     if (character == EOF)
         return 0;
     if (!advance)
-        ungetc(character, m_file);
+        static_cast<void>(ungetc(character, m_file));
     return static_cast<char>(character);
 }
 
@@ -280,7 +280,7 @@ bool CVekFileIOStream::Printf(wchar_t const * format, ...)
     va_list arguments;
     va_start(arguments, format);
     if (format && IsWritable())
-        vfwprintf_s(m_file, format, arguments);
+        static_cast<void>(vfwprintf_s(m_file, format, arguments));
     va_end(arguments);
     return true;
 }
@@ -292,7 +292,7 @@ bool CVekFileIOStream::Printf(char const * format, ...)
     va_list arguments;
     va_start(arguments, format);
     if (format && IsWritable())
-        vfprintf_s(m_file, format, arguments);
+        static_cast<void>(vfprintf_s(m_file, format, arguments));
     va_end(arguments);
     return true;
 }

@@ -38,6 +38,7 @@ struct CharTraits<char>
     // Not atoi: the runtime's narrow and wide forms differ about numbers that are too large; these clamp both.
     static int ToInt(char const * text) noexcept { return strtol(text, nullptr, 10); }
     static unsigned long ToUInt(char const * text, int radix) noexcept { return strtoul(text, nullptr, radix); }
+    // NOLINTNEXTLINE(cert-err34-c): what is no number is 0
     static double ToFloat(char const * text) noexcept { return atof(text); }
     static int Open(FILE ** file, char const * name, char const * mode) noexcept { return fopen_s(file, name, mode); }
 

@@ -12,7 +12,7 @@ int VekDataTypeSize(VEK_DATATYPE type)
     case VEK_DT_SHORT:
     case VEK_DT_USHORT:
         return 2;
-    case VEK_DT_INT:
+    case VEK_DT_INT: // NOLINT(bugprone-branch-clone): the value below is told apart on purpose
     case VEK_DT_UINT:
     case VEK_DT_FLOAT:
     case VEK_DT_RGBA_UCHAR:

@@ -121,7 +121,7 @@ FILE * OpenFile(T const * name, T const * mode)
 void CloseFile(FILE * file)
 {
     if (file)
-        fclose(file);
+        fclose(file); // NOLINT(cert-err33-c): there is nobody to tell
 }
 
 template <class T>

@@ -42,8 +42,8 @@ private:
 } // namespace
 
 Worker::Worker(wchar_t const * threadName, IVekThread::TickCallback * callback, bool flag, unsigned int interval,
-               unsigned int maximum)
-    : name(threadName), createFlag(flag), tickInterval(interval), maxTickCount(maximum), m_callback(callback)
+               unsigned int tickLimit)
+    : name(threadName), createFlag(flag), tickInterval(interval), maxTickCount(tickLimit), m_callback(callback)
 {
     if (callback)
         callback->AddRef();

@@ -14,8 +14,8 @@ namespace vek
 class Worker : public CVekRefCounted<IVekObject>
 {
 public:
-    Worker(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag, unsigned int tickInterval,
-           unsigned int maxTickCount);
+    Worker(wchar_t const * threadName, IVekThread::TickCallback * callback, bool flag, unsigned int interval,
+           unsigned int tickLimit);
     Worker(Worker const &) = delete;
     Worker & operator=(Worker const &) = delete;
     ~Worker() override;

@@ -42,6 +42,9 @@ googletest                  /usr/src/googletest/CMakeLists.txt
 libcli11-dev                /usr/include/CLI/CLI.hpp
 shared-mime-info            /usr/share/mime/packages/freedesktop.org.xml
 dpkg-dev                    dpkg-source
+clang-tidy                  clang-tidy
+clang-format                clang-format
+cppcheck                    cppcheck
 libc6-i386                  /lib/ld-linux.so.2
 wine64                      /usr/lib/wine/wine64
 '

@@ -51,11 +51,15 @@ CVekXMLAttribute * CVekXMLAttribute::Make(wchar_t const * name, int nameLength, 
     return nullptr;
 }
 
+// A copy is an object of its own, with a count of its own.
+// NOLINTNEXTLINE(bugprone-copy-constructor-init)
 CVekXMLAttribute::CVekXMLAttribute(CVekXMLAttribute const & other)
+    // NOLINTNEXTLINE(readability-redundant-member-init): GCC asks for it
     : CVekRefCounted<IVekObject>(), CVekPooled(), m_name(other.m_name), m_value(other.m_value)
 {
 }
 
+// NOLINTNEXTLINE(cert-oop54-cpp): the texts bear being assigned to themselves
 CVekXMLAttribute & CVekXMLAttribute::operator=(CVekXMLAttribute const & other)
 {
     m_name = other.m_name;
