@@ -1,0 +1,151 @@
+// Every subsystem with its n-th allocation failing, for n = 1, 2, 3, ... until nothing fails any more; then with the
+// n-th and all later ones failing. In builds without the guard heap nothing can be made to fail: each scenario runs
+// once.
+
+#include "oom/CoreScenarios.h"
+#include "oom/DataScenarios.h"
+#include "oom/StreamScenarios.h"
+#include "oom/XMLScenarios.h"
+#include "support/GuardHeap.h"
+#include "support/TestStream.h"
+#include "support/WarmUp.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cwchar>
+#include <ostream>
+
+void PrintTo(Scenario const & scenario, std::ostream * out)
+{
+    *out << scenario.name;
+}
+
+void PrintTo(StreamScenario const & scenario, std::ostream * out)
+{
+    *out << scenario.name;
+}
+
+namespace
+{
+
+// Keeps the first message that the scenario does not state, without allocating.
+class MessageCheck final : public IVekCatchLogOutput
+{
+public:
+    explicit MessageCheck(Scenario const & scenario) : m_scenario(scenario)
+    {
+        getVekLibKernel()->AddCatchLogOutput(this);
+    }
+    ~MessageCheck() { getVekLibKernel()->RemoveCatchLogOutput(this); }
+    MessageCheck(MessageCheck const &) = delete;
+    MessageCheck & operator=(MessageCheck const &) = delete;
+
+    unsigned int AddRef() override { return ++m_count; }
+    unsigned int Release() override { return --m_count; }
+    unsigned int GetRefCount() const override { return m_count; }
+    void OnLogOutput(int, wchar_t const * text) override
+    {
+        for (auto const * const * stated = m_scenario.messages; *stated; ++stated)
+            if (std::wcsncmp(text, *stated, std::wcslen(*stated)) == 0)
+                return;
+        if (!m_unstated[0])
+            std::wcsncpy(m_unstated, text, std::size(m_unstated) - 1);
+    }
+    wchar_t const * Unstated() const { return m_unstated; }
+
+private:
+    Scenario const & m_scenario;
+    unsigned int m_count = 1;
+    wchar_t m_unstated[200] = L"";
+};
+
+// What the library and the runtime keep from their first use on.
+void WarmScenariosUp()
+{
+    VekLibInit();
+    for (auto const & scenarios : {coreScenarios, dataScenarios, xmlScenarios})
+        for (Scenario const & scenario : scenarios)
+            scenario.run();
+    VekLibDeinit();
+}
+VekTest::WarmUp const warmUp(WarmScenariosUp);
+
+class OutOfMemory : public testing::TestWithParam<Scenario>
+{
+protected:
+    static void TearDownTestSuite() { std::printf("%d allocations failed in turn\n", total); }
+    static inline int total = 0;
+};
+
+// The number of allocations that failed in turn.
+void FailEach(Scenario const & scenario, void (*fail)(std::size_t), int & failures)
+{
+    scenario.run(); // makes what the library keeps until it stops
+    for (std::size_t n = 1;; ++n)
+    {
+        SCOPED_TRACE(testing::Message() << "allocation " << n);
+        std::size_t const blocks = VekGuard::LiveBlocks();
+        bool succeeded, failed;
+        {
+            MessageCheck const messages(scenario);
+            fail(n);
+            succeeded = scenario.run();
+            failed = VekGuard::FailReset();
+            EXPECT_STREQ(messages.Unstated(), L"");
+        }
+        EXPECT_TRUE(succeeded || failed);
+        ASSERT_TRUE(scenario.run()) << "not usable afterwards";
+        ASSERT_EQ(VekGuard::LiveBlocks(), blocks) << "leak";
+        if (!failed)
+            return;
+        ++failures;
+    }
+}
+
+TEST_P(OutOfMemory, IsReportedAndLeavesTheLibraryUsable)
+{
+    VekLibInit();
+    int failures = 0;
+    FailEach(GetParam(), VekGuard::FailAllocation, failures);
+    FailEach(GetParam(), VekGuard::FailFrom, failures);
+    EXPECT_EQ(failures > 0, VekGuard::Active);
+    total += failures;
+    VekLibDeinit();
+}
+
+std::string NameOf(testing::TestParamInfo<Scenario> const & info)
+{
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Core, OutOfMemory, testing::ValuesIn(coreScenarios), NameOf);
+INSTANTIATE_TEST_SUITE_P(Data, OutOfMemory, testing::ValuesIn(dataScenarios), NameOf);
+INSTANTIATE_TEST_SUITE_P(XML, OutOfMemory, testing::ValuesIn(xmlScenarios), NameOf);
+
+class FailingStream : public testing::TestWithParam<StreamScenario>
+{
+};
+
+TEST_P(FailingStream, IsReported)
+{
+    VekLibInit();
+    for (unsigned int n = 1;; ++n)
+    {
+        SCOPED_TRACE(testing::Message() << "transfer " << n);
+        TestStream stream;
+        if (GetParam().content)
+            stream.bytes = GetParam().content();
+        stream.failFrom = n;
+        bool const succeeded = GetParam().run(stream);
+        ASSERT_EQ(succeeded, stream.transfers < n);
+        if (succeeded)
+            break;
+    }
+    VekLibDeinit();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FailingStream, testing::ValuesIn(streamScenarios),
+                         [](auto const & scenario) { return std::string(scenario.param.name); });
+
+} // namespace

@@ -1,0 +1,50 @@
+// Work to be repeated with every single allocation of it, or every transfer of a stream, failing in turn. A scenario
+// allocates nothing by itself beside what it calls the library for.
+#pragma once
+
+#include "VekLib.h"
+
+#include <iosfwd>
+#include <string>
+
+struct Scenario
+{
+    char const * name;
+    // Does the work and releases it all. True when every step succeeded; a step that failed must have left its object
+    // sound, which the scenario uses on.
+    bool (*run)();
+    // Texts with which the messages that may tell of the failure begin, a null behind the last.
+    wchar_t const * messages[8];
+};
+
+// Work with a stream that fails from its n-th transfer on.
+struct StreamScenario
+{
+    char const * name;
+    bool (*run)(IVekIOStream & stream);
+    std::string (*content)(); // of the stream at the beginning; null for none
+};
+
+void PrintTo(Scenario const & scenario, std::ostream * out);
+void PrintTo(StreamScenario const & scenario, std::ostream * out);
+
+// Releases an object at the end of a scope; null is allowed.
+template <class T>
+class Released
+{
+public:
+    explicit Released(T * object) : m_object(object) {}
+    Released(Released const &) = delete;
+    Released & operator=(Released const &) = delete;
+    ~Released()
+    {
+        if (m_object)
+            m_object->Release();
+    }
+    T * operator->() const { return m_object; }
+    T * Get() const { return m_object; }
+    explicit operator bool() const { return m_object != nullptr; }
+
+private:
+    T * m_object;
+};

@@ -1,0 +1,72 @@
+#include "oom/XMLScenarios.h"
+
+#include "support/GuardHeap.h"
+
+namespace
+{
+
+constexpr char DOCUMENT[] = "<?xml version='1.0'?><!DOCTYPE scene [<!ELEMENT scene (node*, (a|b)+)><!ELEMENT node ANY>"
+                            "<!ATTLIST node name CDATA #REQUIRED kind (x|y) 'x'><!ENTITY e 'text'>]>"
+                            "<scene><node name='first &amp; last &e;' size='1, 2, 3, 4'><![CDATA[some bytes]]></node>"
+                            "<node name='second'><a/><b/><a/><b/><a/><b/><a/><b/><a/></node></scene>";
+
+IVekXMLManager & Manager()
+{
+    return *getVekLibKernel()->GetXMLManager();
+}
+
+bool Build()
+{
+    Released<IVekXMLElement> const root(Manager().CreateXMLElement());
+    if (!root)
+        return false;
+    root->SetName(L"root");
+    VEK_VARIANT const values[] = {VEK_VARIANT(true),     VEK_VARIANT(5),
+                                  VEK_VARIANT(1.5F),     VEK_VARIANT(L"a < b & c"),
+                                  VEK_VARIANT("narrow"), VEK_VARIANT(CVekVector4D<float>(1, 2, 3, 4))};
+    bool succeeded = true;
+    for (VEK_VARIANT const & value : values)
+        for (wchar_t const * const name : {L"a", L"b", L"c", L"d"})
+            succeeded &= root->SetAttributeValue(name, value, true);
+    for (wchar_t const * const name : {L"child", L"other", L"CHILD"})
+        succeeded &= root->FindChild(name, true) != nullptr;
+    succeeded &= root->AddCDATASection(reinterpret_cast<unsigned char const *>(L"text"), 8);
+    CVekString<wchar_t> text;
+    succeeded &= root->GetAttributeValue(L"d", text, L"default");
+    root->RemoveAllAttributes();
+    // Names and texts that found no memory are empty.
+    return succeeded && root->GetName().GetLength() == 4 && root->GetNumChildren() == 2 && !text.IsEmpty();
+}
+
+bool Parse()
+{
+    Released<IVekXMLDocument> const document(Manager().CreateXMLDocument());
+    Released<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
+    if (!document || !parser)
+        return false;
+    bool const parsed = parser->ParseXMLMemory(DOCUMENT, sizeof DOCUMENT - 1, document.Get());
+    // What was read before the failure can be searched and released.
+    bool const found = document->FindElementFromPath(L"node", false) || document->GetRootElement() == nullptr;
+    return parsed && found && document->GetNumDTDRules() == 2;
+}
+
+bool Write()
+{
+    // The document must be whole, so that only writing fails.
+    Released<IVekXMLDocument> const document(Manager().CreateXMLDocument());
+    Released<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
+    Released<IVekXMLWriter> const writer(Manager().CreateXMLWriter());
+    Released<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+    if (!document || !parser || !writer || !stream)
+        return false;
+    return parser->ParseXMLMemory(DOCUMENT, sizeof DOCUMENT - 1, document.Get()) &&
+           stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 4096) && writer->WriteXML(stream.Get(), document.Get());
+}
+
+} // namespace
+
+std::vector<Scenario> const xmlScenarios = {
+    {"Build", Build, {L"CVekXML"}},
+    {"Parse", Parse, {L"CVekXML", L"   "}},
+    {"Write", Write, {L"CVekXML", L"   ", L"CVekMemoryIOStream"}},
+};
