@@ -20,6 +20,7 @@ class NamedCatcher final : public CVekRefCounted<IVekCatchLogOutput>
 {
 public:
     NamedCatcher(char name, std::string & calls) : m_name(name), m_calls(calls) {}
+    unsigned int Release() override { return --m_common.refCount; } // it lives on the stack
     void OnLogOutput(int, wchar_t const *) override { m_calls += m_name; }
 
 private:
