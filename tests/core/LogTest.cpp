@@ -195,12 +195,12 @@ TEST(Log, SurvivesCatchersThatBreakTheRules)
         }
     };
     IVekKernel & kernel = *getVekLibKernel();
-    other = new NamedCatcher('o', calls);
+    NamedCatcher silent('o', calls);
+    other = &silent;
     IVekCatchLogOutput * const rude = new Rude;
     kernel.AddCatchLogOutput(rude);
     rude->Release();
     kernel.AddCatchLogOutput(other);
-    other->Release();
     VekLogOutput(0, L"x");
     EXPECT_EQ(calls, "r");
 
