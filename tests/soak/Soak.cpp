@@ -36,6 +36,7 @@ std::atomic<long> g_commands{0};
 std::atomic<long> g_commandsAlive{0};
 std::atomic<unsigned int> g_beats[THREADS];
 IVekThread * g_workers[SHARED_WORKERS];
+CVekEventHandlerContainer * g_container;
 
 void Expect(bool right, char const * what)
 {
@@ -161,11 +162,32 @@ void UseSmallServices(Random &)
 void UseWorkers(Random & random)
 {
     IVekThread * const worker = g_workers[random() % SHARED_WORKERS];
-    switch (random() % 4)
+    switch (random() % 7)
     {
     case 0:
         worker->Suspend();
         worker->Resume();
+        break;
+    case 3:
+        worker->AddCommand(new Command);
+        worker->PostControlMessage(77, nullptr); // unknown: ignored
+        worker->HasPendingCommands();
+        break;
+    case 4:
+    {
+        auto * const tick = new Tick;
+        worker->SetTickCallback(tick);
+        tick->Release();
+        break;
+    }
+    case 5:
+        worker->AddRef();
+        Expect(worker->GetName().GetLength() == 6 && worker->GetTickInterval() == 0 && worker->GetMaxTickCount() == 0 &&
+                   worker->GetHandle() && worker->GetThreadID() && !worker->GetCreateFlag() &&
+                   !worker->IsCurrentThread() && worker->IsRunning(),
+               "a worker is not what it was made");
+        worker->IsSuspended();
+        worker->Release();
         break;
     case 1:
         Kernel().ExecuteThreadCommand(new Command, worker);
@@ -195,6 +217,56 @@ void UseLog(Random & random)
     Expect(catcher->calls > 0, "a message is not delivered");
     Kernel().RemoveCatchLogOutput(catcher);
     catcher->Release();
+}
+
+// Handlers in a container that all threads share.
+void UseSharedContainer(Random & random)
+{
+    auto * const handler = new Handler;
+    handler->AddRef();
+    g_container->Add(handler);
+    Kernel().AddEventHandler(SHARED_EVENT, handler);
+    Kernel().IsEventRegistered(SHARED_EVENT);
+    if (random() % 50 == 0)
+        g_container->RemoveAll();
+    else
+        g_container->Remove(handler);
+    handler->Release();
+}
+
+void UseSettings(Random &)
+{
+    Expect(Kernel().SetDebugOutputLevel(0) == 0 && Kernel().GetDebugOutputLevel() == 0, "the output level changes");
+    Expect(Kernel().SetBreakOnAllocation(0) == 0 && Kernel().GetBreakOnAllocation() == 0, "the break number changes");
+    Expect(Kernel().GetPerformanceFrequency() > 0 && Kernel().GetCPUSpeed() > 0, "there is no counter");
+    Expect(Kernel().GetAvailablePhysicalMemory() <= Kernel().GetTotalPhysicalMemory(), "memory is more than there is");
+    Expect(VekLibInit(), "the library can't be started once more");
+    Kernel().AddRef();
+    Kernel().Release();
+    VekLibDeinit();
+    Expect(VekGetCurrentThreadID() == GetCurrentThreadId() && VekGetCurrentThread(), "a thread is not itself");
+}
+
+// A counter behind each kind of lock.
+void UseLocks(Random & random)
+{
+    static CVekCriticalSection section;
+    static CVekMutex mutex;
+    static CVekSemaphore semaphore(1, 1);
+    static CVekSignal signal;
+    static long counts[3];
+    CVekSyncObject * const objects[] = {&section, &mutex, &semaphore};
+    unsigned int const kind = random() % 3;
+    {
+        CVekSingleLock const lock(objects[kind], true);
+        long const before = counts[kind]++;
+        Expect(counts[kind] == before + 1, "a lock lets two in");
+    }
+    CVekSyncObject * any[] = {&mutex, &semaphore};
+    CVekMultiLock lock(2, any, false, true);
+    lock.Unlock();
+    signal.SetSignal();
+    random() % 2 ? signal.ResetSignal() : signal.PulseSignal();
 }
 
 void UseTextAndStreams(Random & random)
@@ -231,6 +303,9 @@ Service g_services[] = {{"memory", UseMemory, 0},
                         {"progress", UseProgress, 0},
                         {"timer, randomizer, CPU usage", UseSmallServices, 0},
                         {"workers", UseWorkers, 0},
+                        {"shared container", UseSharedContainer, 0},
+                        {"settings, kernel", UseSettings, 0},
+                        {"locks", UseLocks, 0},
                         {"log", UseLog, 0},
                         {"text, streams", UseTextAndStreams, 0},
                         {"XML", UseXML, 0}};
@@ -269,6 +344,7 @@ bool IsHanging(std::array<unsigned int, THREADS> & last, std::array<int, THREADS
 bool Run(int seconds)
 {
     VekLibInit();
+    g_container = new CVekEventHandlerContainer;
     auto * const tick = new Tick;
     for (IVekThread *& worker : g_workers)
     {
@@ -298,6 +374,7 @@ bool Run(int seconds)
         worker->Release();
     }
     Expect(tick->Release() == 0, "a worker keeps its callback");
+    Expect(g_container->Release() == 0, "the shared container is held");
     VekLibDeinit();
     return ended;
 }
