@@ -3,6 +3,7 @@
 // --services leaves the XML out. FILE is a real XML file to measure with; without it the MIME database of the machine
 // is taken. Ratios are between figures of one run: absolute ones depend on the machine.
 
+#include "LexBench.h"
 #include "MemoryBench.h"
 #include "ServiceBench.h"
 #include "ThreadBench.h"
@@ -37,6 +38,7 @@ int wmain(int count, wchar_t ** arguments)
         done = bench::MeasureXmlSpeed(options, aims);
         done = bench::MeasureXmlLinearity(aims) && done;
     }
+    done = bench::MeasureLexing(options.quick, aims) && done;
     bench::MeasureMemory(options.quick, aims);
     bench::MeasureServices(options.quick);
     bench::MeasureThreads(options.quick);

@@ -46,19 +46,19 @@ IVekCPUUsage * CVekKernel::CreateCPUUsage()
     return usage;
 }
 
-// The services below are not there yet: creating one fails as it does when memory is exhausted.
-
-IVekCameraUIController * CVekKernel::CreateCameraUIController()
-{
-    return nullptr;
-}
-
 IVekLexer * CVekKernel::CreateLexer()
 {
-    return nullptr;
+    return new (std::nothrow) CVekLexer;
 }
 
 IVekTokenizer * CVekKernel::CreateTokenizer()
+{
+    return new (std::nothrow) CVekTokenizer;
+}
+
+// The service below is not there yet: creating one fails as it does when memory is exhausted.
+
+IVekCameraUIController * CVekKernel::CreateCameraUIController()
 {
     return nullptr;
 }

@@ -6,6 +6,7 @@
 #include "VekCore.h"
 #include "VekExport.h"
 #include "VekIO.h"
+#include "VekLexer.h"
 #include "VekMath.h"
 #include "VekText.h"
 #include "VekThread.h"

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "VekLexer.h"
+
+#include "core/Ref.h"
+#include "lexer/TokenList.h"
+
+/// Collects what a lexer reports about one text. The texts and the lengths in the text that a lexer does not tell are
+/// taken from the text itself, as far as it agrees with what is told.
+class CVekTokenizerCallback final : public CVekRefCounted<IVekLexer::Callback>
+{
+public:
+    CVekTokenizerCallback(wchar_t const * text, int length);
+
+    /// Ends collecting: the text is going away, whoever still holds the callback. The tokens, which the caller owns
+    /// then; null when some are missing because memory is exhausted.
+    vek::TokenList * Finish();
+
+    void OnKeywordFound(wchar_t const * text, int id, int position, int line, int column) override;
+    void OnOperatorFound(wchar_t const * text, int id, int position, int line, int column) override;
+    void OnIdentifierFound(wchar_t const * text, int position, int line, int column) override;
+    void OnIntegerFound(int value, IVekLexer::NUM_FORMAT format, int position, int line, int column) override;
+    void OnFloatFound(double value, int position, int line, int column) override;
+    void OnStringFound(wchar_t const * text, int position, int line, int column) override;
+    void OnInvalidSyntax(wchar_t const * text, int position, int line, int column) override;
+    void OnError(wchar_t const * text, int position, int line, int column) override;
+
+private:
+    /// A piece of text: a token's own text and how far it reaches in the whole.
+    struct Piece
+    {
+        wchar_t const * text;
+        size_t length;
+        size_t reach;
+    };
+
+    /// The place in the text, its end for a position outside.
+    wchar_t const * At(int position) const;
+    static Piece WholeText(wchar_t const * reported, wchar_t const * place, size_t length, size_t reach);
+    CVekToken * Add(IVekTokenizer::TOKEN_KIND kind, Piece const & piece, int position, int line, int column);
+
+    wchar_t const * m_text;
+    wchar_t const * m_end;
+    vek::Ref<vek::TokenList> m_tokens;
+};

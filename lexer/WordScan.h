@@ -1,0 +1,103 @@
+#pragma once
+
+#include "lexer/CharClass.h"
+
+#include <emmintrin.h>
+#include <stddef.h>
+#include <stdint.h>
+#include <string.h>
+
+namespace vek
+{
+
+/// Hashes texts without regard to the case of ASCII letters, 8 characters at a time. Each text is given in whole blocks
+/// and a last one, which may be empty.
+class WordHash
+{
+public:
+    void Add(__m128i units) noexcept
+    {
+        __m128i const folded = _mm_or_si128(units, _mm_set1_epi16(0x20));
+        __m128i const weights = _mm_setr_epi16(0x6A09, 0x3C6F, 0x510F, 0x1F83, 0x5BE1, 0x2B7F, 0x7127, 0x4E35);
+        __m128i const turned = _mm_or_si128(_mm_slli_epi32(m_sums, 7), _mm_srli_epi32(m_sums, 25));
+        m_sums = _mm_add_epi32(turned, _mm_madd_epi16(folded, weights));
+    }
+    void AddLast(__m128i units, size_t count) noexcept
+    {
+        static uint16_t const keep[16] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
+        __m128i const mask = _mm_loadu_si128(reinterpret_cast<__m128i const *>(keep + 8 - count));
+        Add(_mm_and_si128(units, mask));
+    }
+    uint32_t Get() const noexcept
+    {
+        __m128i const halves = _mm_add_epi32(m_sums, _mm_shuffle_epi32(m_sums, _MM_SHUFFLE(1, 0, 3, 2)));
+        __m128i const sum = _mm_add_epi32(halves, _mm_shuffle_epi32(halves, _MM_SHUFFLE(2, 3, 0, 1)));
+        uint32_t const hash = static_cast<uint32_t>(_mm_cvtsi128_si32(sum)) * 0x9E3779B1U;
+        return hash ^ hash >> 15;
+    }
+
+private:
+    __m128i m_sums = _mm_setzero_si128();
+};
+
+/// The first 8 characters of fewer, the others 0.
+inline __m128i LoadPart(wchar_t const * text, size_t count) noexcept
+{
+    wchar_t units[8] = {};
+    memcpy(units, text, count * sizeof(wchar_t));
+    return _mm_loadu_si128(reinterpret_cast<__m128i const *>(units));
+}
+
+inline uint32_t HashOf(wchar_t const * text, size_t length) noexcept
+{
+    WordHash hash;
+    for (; length >= 8; text += 8, length -= 8)
+        hash.Add(_mm_loadu_si128(reinterpret_cast<__m128i const *>(text)));
+    hash.AddLast(LoadPart(text, length), length);
+    return hash.Get();
+}
+
+/// The leading letters, digits and underscores among 8 characters.
+inline size_t CountWordUnits(__m128i units) noexcept
+{
+    auto const isBetween = [](__m128i unit, char first, char last)
+    {
+        return _mm_and_si128(_mm_cmpgt_epi16(unit, _mm_set1_epi16(static_cast<short>(first - 1))),
+                             _mm_cmplt_epi16(unit, _mm_set1_epi16(static_cast<short>(last + 1))));
+    };
+    __m128i const letters = isBetween(_mm_or_si128(units, _mm_set1_epi16(0x20)), 'a', 'z');
+    __m128i const digits = isBetween(units, '0', '9');
+    __m128i const underscores = _mm_cmpeq_epi16(units, _mm_set1_epi16('_'));
+    int const inWord = _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), underscores));
+    return static_cast<size_t>(__builtin_ctz(~static_cast<unsigned int>(inWord))) / 2;
+}
+
+// What a scanned word's copy needs behind it: whole blocks are stored.
+constexpr size_t WORD_SLACK = 8;
+
+/// Copies the word at the place, at most that many characters of it, and terminates it. Returns its length.
+inline size_t ScanWord(wchar_t const * text, size_t available, wchar_t * copy, uint32_t & hash) noexcept
+{
+    WordHash sum;
+    size_t length = 0;
+    size_t units = 8;
+    while (units == 8)
+    {
+        size_t const rest = available - length;
+        bool const isWhole = rest >= 8;
+        __m128i const block =
+            isWhole ? _mm_loadu_si128(reinterpret_cast<__m128i const *>(text + length)) : LoadPart(text + length, rest);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(copy + length), block);
+        units = CountWordUnits(block);
+        if (units == 8)
+            sum.Add(block);
+        else
+            sum.AddLast(block, units);
+        length += units;
+    }
+    copy[length] = 0;
+    hash = sum.Get();
+    return length;
+}
+
+} // namespace vek
