@@ -6,6 +6,7 @@
 namespace vek
 {
 
+// cppcheck-suppress uninitMemberVar ; the buffer is written before it is read
 LexerRun::LexerRun(CVekLexer & lexer, wchar_t const * text, int length) noexcept
     : m_lexer(lexer), m_text(text), m_end(text + length), m_at(text), m_lineStart(text)
 {

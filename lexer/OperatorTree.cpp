@@ -10,6 +10,7 @@
 namespace vek
 {
 
+// cppcheck-suppress uninitMemberVar ; every element is set
 OperatorTree::OperatorTree() noexcept
 {
     for (int & root : m_roots)

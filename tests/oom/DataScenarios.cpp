@@ -30,9 +30,34 @@ bool UseFileStream()
     return stream->Open(path, VEK_IO_READ | VEK_IO_BINARY, 0) && stream->Scanf("%d", &found) && found == 17 && printed;
 }
 
+bool Lex()
+{
+    Released<IVekLexer> const lexer(getVekLibKernel()->CreateLexer());
+    Released<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
+    if (!lexer || !tokenizer)
+        return false;
+    bool succeeded = lexer->AddComment(L"//", L"\n") == 1;
+    for (wchar_t const * const word : {L"if", L"else", L"while", L"for"})
+        succeeded &= lexer->AddKeyword(word, 1, word[0] == L'i');
+    for (wchar_t const * const sign : {L"=", L"==", L"(", L")", L";"})
+        succeeded &= lexer->AddOperator(sign, 2);
+    wchar_t const * const text = L"while (x == 10) y = 2.5; // and so on\n if \"a text\"";
+    int const many = 40;
+    CVekString<wchar_t> longText;
+    for (int i = 0; i < many; ++i)
+        longText.Append(text);
+    bool const tokenized = tokenizer->Tokenize(lexer.Get(), longText, -1);
+    // All or nothing, and the lexer has its own callback again.
+    bool const sound = tokenized ? tokenizer->GetNumTokens() > 0 : tokenizer->GetNumTokens() == 0;
+    bool const filtered = tokenizer->SetFilter(IVekTokenizer::TOKEN_KEYWORD);
+    succeeded &= tokenized && filtered && tokenizer->GetNumTokens() == 2 * many;
+    return succeeded && sound && !lexer->GetCallback();
+}
+
 } // namespace
 
 std::vector<Scenario> const dataScenarios = {
     {"UseMemoryStream", UseMemoryStream, {L"CVekMemoryIOStream"}},
     {"UseFileStream", UseFileStream, {L"CVekFileIOStream"}},
+    {"Lex", Lex, {L"CVekLexer", L"CVekTokenizer"}},
 };
