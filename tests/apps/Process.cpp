@@ -118,8 +118,13 @@ int CountFiles(std::wstring const & folder)
     return static_cast<int>(std::distance(begin(files), end(files)));
 }
 
+std::wstring ExampleFile(std::string const & name)
+{
+    std::string const path = VEK_TEST_DATA "/../../examples/data/" + name;
+    return std::wstring(path.begin(), path.end());
+}
+
 std::wstring SceneFile()
 {
-    std::string const path = VEK_TEST_DATA "/../../examples/data/scene.xml";
-    return std::wstring(path.begin(), path.end());
+    return ExampleFile("scene.xml");
 }

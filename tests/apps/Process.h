@@ -27,4 +27,5 @@ std::wstring MakeFolder();
 int CountFiles(std::wstring const & folder);
 
 /// A file that comes with the examples.
+std::wstring ExampleFile(std::string const & name);
 std::wstring SceneFile();
