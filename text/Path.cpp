@@ -222,10 +222,16 @@ bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base)
     // Kept: joined with a backslash whether or not one is there already, and whether or not path is absolute.
     base.Append(L"\\");
     base.Append(path);
-    wchar_t absolute[MAX_PATH + 4] = {};
-    if (!FitsPlatformPath(base) || !PathCanonicalizeW(absolute, base))
+    if (!FitsPlatformPath(base))
         return false;
-    path.Assign(absolute);
+    // The platform's routine looks a little in front of what it writes, and behind a ".." that ends the path.
+    constexpr size_t margin = 4;
+    wchar_t joined[MAX_PATH + margin] = {};
+    wchar_t absolute[margin + MAX_PATH + margin] = {};
+    vek::CopyBounded(joined, static_cast<wchar_t const *>(base), -1);
+    if (!PathCanonicalizeW(absolute + margin, joined))
+        return false;
+    path.Assign(absolute + margin);
     return true;
 }
 

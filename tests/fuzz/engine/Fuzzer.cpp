@@ -1,0 +1,231 @@
+// veklib_fuzz TARGET SECONDS GROWN-FOLDER SEED-FOLDER...: runs a target with inputs made of those in the folders, keeps
+// in the first folder what shows a new way through the library, and stops at the first fault. The input that runs
+// stands in GROWN-FOLDER/current, its length first, whatever happens to the process.
+// veklib_fuzz --minimise TARGET BYTES OUT-FOLDER FOLDER...: copies the smallest inputs that show all known ways.
+
+#include "VekLib.h"
+
+#include "fuzz/Target.h"
+#include "fuzz/engine/Coverage.h"
+#include "fuzz/engine/Mutator.h"
+#include "support/GuardHeap.h"
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t LONGEST_INPUT = 4096;
+constexpr int HANG_SECONDS = 20;
+
+struct Current
+{
+    std::uint32_t size;
+    char bytes[LONGEST_INPUT];
+};
+Current * g_current;
+std::atomic<unsigned long long> g_executions;
+
+std::string Load(fs::path const & path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void Store(fs::path const & folder, std::string const & input)
+{
+    std::uint64_t hash = 0xCBF29CE484222325u;
+    for (char const byte : input)
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
+    char name[20];
+    std::snprintf(name, sizeof name, "%08x%08x", static_cast<unsigned>(hash >> 32), static_cast<unsigned>(hash));
+    std::ofstream(folder / name, std::ios::binary) << input;
+}
+
+std::vector<std::string> LoadAll(wchar_t ** folders, int count, fuzz::Target const & target)
+{
+    std::vector<std::string> inputs;
+    for (char const * const * seed = target.seeds; seed && *seed; ++seed)
+        inputs.push_back(*seed);
+    for (int i = 0; i < count; ++i)
+        for (auto const & entry : fs::directory_iterator(folders[i]))
+            if (entry.path().filename() != "current")
+                inputs.push_back(Load(entry.path()).substr(0, LONGEST_INPUT));
+    if (inputs.empty())
+        inputs.push_back("seed");
+    return inputs;
+}
+
+void MapCurrent(fs::path const & folder)
+{
+    HANDLE const file = CreateFileW((folder / "current").c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                    nullptr, CREATE_ALWAYS, 0, nullptr);
+    HANDLE const mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, sizeof(Current), nullptr);
+    g_current = static_cast<Current *>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+}
+
+DWORD WINAPI Watch(void *)
+{
+    for (unsigned long long last = ~0ull;; last = g_executions)
+    {
+        Sleep(HANG_SECONDS * 1000);
+        if (g_executions == last)
+        {
+            std::fprintf(stderr, "fuzz: hangs\n");
+            TerminateProcess(GetCurrentProcess(), 97);
+        }
+    }
+}
+
+// Where the fault is, for addr2line; the callers as far as the frames tell.
+LONG WINAPI ReportFault(EXCEPTION_POINTERS * pointers)
+{
+    std::fprintf(stderr, "fuzz: fault %08lx at %p, callers", pointers->ExceptionRecord->ExceptionCode,
+                 pointers->ExceptionRecord->ExceptionAddress);
+#ifdef __i386__
+    auto const * frame = reinterpret_cast<std::uintptr_t const *>(pointers->ContextRecord->Ebp);
+    for (int depth = 0; depth < 12 && !IsBadReadPtr(frame, 2 * sizeof *frame) && frame[0] > 4096; ++depth)
+    {
+        std::fprintf(stderr, " %p", reinterpret_cast<void *>(frame[1]));
+        frame = reinterpret_cast<std::uintptr_t const *>(frame[0]);
+    }
+#endif
+    std::fprintf(stderr, "\n");
+    TerminateProcess(GetCurrentProcess(), 96);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+void Run(fuzz::Target const & target, std::string const & input)
+{
+    // In a block of its own size, so that the guard behind it counts.
+    std::size_t const size = input.size();
+    if (g_current)
+    {
+        g_current->size = static_cast<std::uint32_t>(size);
+        std::memcpy(g_current->bytes, input.data(), size);
+    }
+    auto * const copy = static_cast<std::uint8_t *>(std::malloc(size));
+    std::memcpy(copy, input.data(), size);
+    std::size_t const blocks = VekGuard::LiveBlocks();
+    fuzz::ResetCoverage();
+    target.run(fuzz::Bytes(copy, size));
+    if (VekGuard::LiveBlocks() != blocks)
+    {
+        // What is made at first use and kept does not come twice.
+        std::size_t const more = VekGuard::LiveBlocks();
+        target.run(fuzz::Bytes(copy, size));
+        fuzz::Check(VekGuard::LiveBlocks() == more, "nothing leaks");
+    }
+    std::free(copy);
+    ++g_executions;
+}
+
+int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count)
+{
+    MapCurrent(folders[0]);
+    CloseHandle(CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr));
+    std::vector<std::string> corpus;
+    for (std::string const & input : LoadAll(folders, count, target))
+    {
+        Run(target, input);
+        if (fuzz::NewCoverage() || corpus.empty())
+            corpus.push_back(input);
+    }
+    std::printf("fuzz %s: %u inputs at the start, %u edges\n", target.name, static_cast<unsigned>(corpus.size()),
+                static_cast<unsigned>(fuzz::KnownEdges()));
+
+    using Clock = std::chrono::steady_clock;
+    auto const begin = Clock::now();
+    fuzz::Mutator mutator(target.words, static_cast<unsigned>(begin.time_since_epoch().count()));
+    while (Clock::now() - begin < std::chrono::seconds(seconds))
+    {
+        // Half of them from the latest quarter, which shows what is least known.
+        std::size_t const recent = mutator.Below(2) ? corpus.size() - corpus.size() / 4 : 0;
+        std::size_t const index = std::min(recent + mutator.Below(corpus.size() - recent), corpus.size() - 1);
+        std::string input = mutator.Change(corpus[index], corpus, LONGEST_INPUT);
+        Run(target, input);
+        if (!fuzz::NewCoverage())
+            continue;
+        Store(folders[0], input);
+        corpus.push_back(std::move(input));
+    }
+    std::printf("fuzz %s: %llu executions in %d s, corpus %u, %u edges, no fault\n", target.name, g_executions.load(),
+                seconds, static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
+    return 0;
+}
+
+int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders, int count)
+{
+    std::vector<std::string> inputs = LoadAll(folders + 1, count - 1, target);
+    std::sort(inputs.begin(), inputs.end(), [](auto const & a, auto const & b) { return a.size() < b.size(); });
+    // Twice: the first time all the ways that are made at first use are gone through.
+    for (std::string const & input : inputs)
+        Run(target, input);
+    fuzz::ForgetCoverage();
+    unsigned kept = 0;
+    for (std::string const & input : inputs)
+    {
+        Run(target, input);
+        if (!fuzz::NewCoverage() || input.size() > bytes)
+            continue;
+        Store(folders[0], input);
+        bytes -= input.size();
+        ++kept;
+    }
+    std::printf("fuzz %s: %u of %u inputs kept, %u edges\n", target.name, kept, static_cast<unsigned>(inputs.size()),
+                static_cast<unsigned>(fuzz::KnownEdges()));
+    return 0;
+}
+
+fuzz::Target const * Find(wchar_t const * name)
+{
+    for (fuzz::Target const & target : fuzz::targets)
+        if (std::wstring(target.name, target.name + std::strlen(target.name)) == name)
+            return &target;
+    std::fprintf(stderr, "fuzz: no such target; there are");
+    for (fuzz::Target const & target : fuzz::targets)
+        std::fprintf(stderr, " %s", target.name);
+    std::fprintf(stderr, "\n");
+    return nullptr;
+}
+
+} // namespace
+
+void fuzz::Check(bool holds, char const * what)
+{
+    if (holds)
+        return;
+    std::fprintf(stderr, "fuzz: does not hold: %s\n", what);
+    __builtin_trap();
+}
+
+int wmain(int count, wchar_t ** arguments)
+{
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter(ReportFault);
+    setvbuf(stdout, nullptr, _IONBF, 0);
+    bool const minimise = count > 1 && std::wstring_view(arguments[1]) == L"--minimise";
+    int const first = minimise ? 2 : 1;
+    fuzz::Target const * const target = count > first + 2 ? Find(arguments[first]) : nullptr;
+    if (!target || !VekLibInit())
+        return 2;
+    // Messages of what is refused would only cost time.
+    getVekLibKernel()->SetDebugOutputLevel(-1);
+    int const number = static_cast<int>(std::wcstol(arguments[first + 1], nullptr, 10));
+    return minimise ? Minimise(*target, static_cast<std::size_t>(number), arguments + first + 2, count - first - 2)
+                    : Fuzz(*target, number, arguments + first + 2, count - first - 2);
+}

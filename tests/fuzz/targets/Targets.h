@@ -1,0 +1,18 @@
+#pragma once
+
+#include "fuzz/Target.h"
+
+namespace fuzz
+{
+
+void RunXml(Bytes input);
+void RunElementPath(Bytes input);
+void RunPaths(Bytes input);
+void RunStrings(Bytes input);
+void RunPointers(Bytes input);
+void RunMemoryStream(Bytes input);
+void RunVariants(Bytes input);
+void RunElement(Bytes input);
+void RunLexer(Bytes input);
+
+} // namespace fuzz
