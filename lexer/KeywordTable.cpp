@@ -14,7 +14,7 @@ namespace
 {
 
 constexpr size_t FIRST_SLOTS = 64;
-constexpr size_t SLOTS_PER_KEYWORD = 4; // most words of a text are no keywords: an empty slot tells at once
+constexpr size_t SLOTS_PER_KEYWORD = 4;
 constexpr size_t MOST_KEYWORDS = INT_MAX / 2;
 
 } // namespace
@@ -75,15 +75,14 @@ bool KeywordTable::Equals(CVekLexer::Keyword const & keyword, wchar_t const * wo
                                    : EqualsNoCase(keyword.m_text, word, units);
 }
 
-CVekLexer::Keyword const * KeywordTable::Find(wchar_t const * word, size_t length, uint32_t hash) const noexcept
+CVekLexer::Keyword const * KeywordTable::Search(int first, wchar_t const * word, size_t length,
+                                                uint32_t hash) const noexcept
 {
-    if (m_slots.Empty())
-        return nullptr;
     // Kept: keywords without regard to case stand under both cases of their first letter, and the lower case is
     // searched first. So for a capitalised word they go before those that only the upper case has.
     bool const isCapitalised = word[0] >= L'A' && word[0] <= L'Z';
     CVekLexer::Keyword const * exact = nullptr;
-    for (int i = m_slots[hash & (m_slots.Size() - 1)].first; i != NONE;)
+    for (int i = first; i != NONE;)
     {
         Entry const & entry = m_entries[static_cast<size_t>(i)];
         i = entry.next;

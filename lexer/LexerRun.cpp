@@ -23,38 +23,48 @@ void LexerRun::TakeOver() noexcept
     }
 }
 
-int LexerRun::Parse()
+inline void LexerRun::SkipBlanks() noexcept
 {
-    Stop stop = SkipToToken();
-    for (; stop == Stop::Token; stop = SkipToToken())
-        ScanToken();
-    // Kept: only a comment that ends the text gives its length, blanks and tokens give 0.
-    return stop == Stop::EndOfComment ? static_cast<int>(m_end - m_text) : 0;
-}
-
-LexerRun::Stop LexerRun::SkipToToken() noexcept
-{
-    CVekLexer::Tables const * const tables = m_tables.Get();
-    Stop atEnd = Stop::End;
-    for (; m_at != m_end;)
+    wchar_t const * at = m_at;
+    wchar_t const * const end = m_end;
+    while (at != end)
     {
-        wchar_t const unit = *m_at;
-        if (ClassOf(unit) == CLASS_BLANK)
+        wchar_t const unit = *at;
+        if (unit == L' ')
         {
-            if (unit == L'\n')
-                TakeLineFeed();
-            else
-                ++m_at;
-            atEnd = Stop::End;
+            // Indentations are long, other blanks are not.
+            ++at;
+            while (end - at >= 4 && at[0] == L' ' && at[1] == L' ' && at[2] == L' ' && at[3] == L' ')
+                at += 4;
             continue;
         }
+        if (ClassOf(unit) != CLASS_BLANK)
+            break;
+        ++at;
+        if (unit == L'\n')
+        {
+            ++m_line;
+            m_lineStart = at;
+        }
+    }
+    m_at = at;
+}
+
+inline LexerRun::Stop LexerRun::SkipToToken() noexcept
+{
+    CVekLexer::Tables const * const tables = m_tables.Get();
+    for (;;)
+    {
+        SkipBlanks();
+        if (m_at == m_end)
+            return Stop::End;
         CVekLexer::Comment const * const comment = tables ? tables->FindComment(m_at, m_end) : nullptr;
         if (!comment)
             return Stop::Token;
         SkipComment(*comment);
-        atEnd = Stop::EndOfComment;
+        if (m_at == m_end)
+            return Stop::EndOfComment;
     }
-    return atEnd;
 }
 
 void LexerRun::SkipComment(CVekLexer::Comment const & comment) noexcept
@@ -88,7 +98,7 @@ void LexerRun::AdvanceTo(wchar_t const * to) noexcept
         TakeLineFeed();
 }
 
-void LexerRun::ScanToken()
+inline void LexerRun::ScanToken()
 {
     switch (ClassOf(*m_at))
     {
@@ -102,6 +112,15 @@ void LexerRun::ScanToken()
     default:
         return ScanRun();
     }
+}
+
+int LexerRun::Parse()
+{
+    Stop stop;
+    while ((stop = SkipToToken()) == Stop::Token)
+        ScanToken();
+    // Kept: only a comment that ends the text gives its length, blanks and tokens give 0.
+    return stop == Stop::EndOfComment ? static_cast<int>(m_end - m_text) : 0;
 }
 
 void LexerRun::ScanWord()
@@ -150,6 +169,11 @@ void LexerRun::ScanRun()
         return Report(&IVekLexer::Callback::OnOperatorFound, text, match.found->m_id, place.position, place.line,
                       place.column);
     }
+    ReportInvalid(place);
+}
+
+void LexerRun::ReportInvalid(Place const & place)
+{
     size_t const length = MeasureRun(m_at, m_end);
     wchar_t const * const run = Copy(m_at, length);
     m_at += length;

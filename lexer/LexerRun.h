@@ -36,7 +36,7 @@ private:
         EndOfComment
     };
 
-    Stop SkipToToken() noexcept;
+    [[gnu::always_inline]] Stop SkipToToken() noexcept;
     void SkipComment(CVekLexer::Comment const & comment) noexcept;
     /// Moves to a place further on and counts the lines up to there.
     void AdvanceTo(wchar_t const * to) noexcept;
@@ -46,15 +46,17 @@ private:
         ++m_line;
         m_lineStart = m_at;
     }
+    [[gnu::always_inline]] void SkipBlanks() noexcept;
     Place Here() const noexcept
     {
         return {static_cast<int>(m_at - m_text), m_line, static_cast<int>(m_at - m_lineStart)};
     }
 
-    void ScanToken();
+    [[gnu::always_inline]] void ScanToken();
     void ScanWord();
     void ScanNumber();
     void ScanRun();
+    void ReportInvalid(Place const & place);
     void ScanString();
     /// Copies a text to the buffer and terminates it.
     wchar_t const * Copy(wchar_t const * text, size_t length) noexcept;
@@ -80,7 +82,7 @@ private:
     wchar_t const * m_at;
     wchar_t const * m_lineStart;
     int m_line = 0;
-    wchar_t m_copy[LONGEST_STRING + WORD_SLACK + 1];
+    alignas(16) wchar_t m_copy[LONGEST_STRING + WORD_SLACK + 1];
 };
 
 } // namespace vek

@@ -4,6 +4,7 @@
 
 #include <limits.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include <new>
 
@@ -20,24 +21,41 @@ TokenList::~TokenList()
 
 CVekToken * TokenList::Add(wchar_t const * text, size_t length) noexcept
 {
-    size_t const index = static_cast<size_t>(m_count);
-    if (m_count == INT_MAX || length >= INT_MAX)
+    if (m_count == INT_MAX || length >= INT_MAX || !NeedBlock())
         return nullptr;
-    if (index == m_blocks.Size() * BLOCK_TOKENS)
-    {
-        void * const block = m_blocks.Reserve(m_blocks.Size() + 1) ? malloc(BLOCK_TOKENS * sizeof(CVekToken)) : nullptr;
-        if (!block)
-            return nullptr;
-        m_blocks.Append(static_cast<CVekToken *>(block));
-    }
-    wchar_t * const copy = AddText(text, length);
+    wchar_t const * const copy = length <= LONGEST_SHARED ? ShareText(text, length) : AddText(text, length);
     if (!copy)
         return nullptr;
+    auto * const token = new (At(m_count)) CVekToken(this);
     ++m_count;
-    auto * const token = new (At(static_cast<int>(index))) CVekToken(this);
     token->m_text = copy;
     token->m_textLength = static_cast<int>(length);
     return token;
+}
+
+// Makes room for one more token.
+bool TokenList::NeedBlock() noexcept
+{
+    size_t const index = static_cast<size_t>(m_count);
+    size_t const block = index >= LARGEST_BLOCK ? LARGE_BLOCKS - 1 + index / LARGEST_BLOCK : BlockOf(index);
+    if (block < m_blocks.Size())
+        return true;
+    size_t const size = block == 0 ? SMALLEST_BLOCK : block < LARGE_BLOCKS ? BlockStart(block) : LARGEST_BLOCK;
+    void * const storage = m_blocks.Reserve(block + 1) ? malloc(size * sizeof(CVekToken)) : nullptr;
+    return storage && m_blocks.Append(static_cast<CVekToken *>(storage));
+}
+
+// A copy of a short text: one that was made lately if it is the same.
+wchar_t const * TokenList::ShareText(wchar_t const * text, size_t length) noexcept
+{
+    size_t const key = length == 0 ? 0 : length * 31 + text[0] * 7U + text[length / 2] * 3U + text[length - 1];
+    RecentText & recent = m_recent[key % RECENT_TEXTS];
+    if (recent.length == length && recent.text && memcmp(recent.text, text, length * sizeof(wchar_t)) == 0)
+        return recent.text;
+    wchar_t const * const copy = AddText(text, length);
+    if (copy)
+        recent = {copy, length};
+    return copy;
 }
 
 wchar_t * TokenList::AddText(wchar_t const * text, size_t length) noexcept

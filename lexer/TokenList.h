@@ -5,6 +5,8 @@
 #include "core/Buffer.h"
 #include "lexer/Token.h"
 
+#include <bit>
+
 namespace vek
 {
 
@@ -26,13 +28,32 @@ public:
     CVekToken * At(int index) const noexcept
     {
         auto const at = static_cast<size_t>(index);
-        return m_blocks[at / BLOCK_TOKENS] + at % BLOCK_TOKENS;
+        if (at >= LARGEST_BLOCK)
+            return m_blocks[LARGE_BLOCKS - 1 + at / LARGEST_BLOCK] + at % LARGEST_BLOCK;
+        size_t const block = BlockOf(at);
+        return m_blocks[block] + (at - BlockStart(block));
     }
 
 private:
-    static constexpr size_t BLOCK_TOKENS = 512;
+    // The blocks of tokens double up to the largest size, and then have that: 64, 64, 128, ... 2,048, 4,096, 4,096, ...
+    static constexpr size_t SMALLEST_BLOCK = 64;
+    static constexpr size_t LARGEST_BLOCK = 4096;
+    static constexpr size_t LARGE_BLOCKS = 7; // the first of that size
     static constexpr size_t BLOCK_UNITS = 16 * 1024;
+    // Texts that were added lately, to be shared by tokens that have the same.
+    static constexpr size_t RECENT_TEXTS = 512;
+    static constexpr size_t LONGEST_SHARED = 32;
+    struct RecentText
+    {
+        wchar_t const * text;
+        size_t length;
+    };
 
+    static size_t BlockOf(size_t index) noexcept { return static_cast<size_t>(std::bit_width(index / SMALLEST_BLOCK)); }
+    static size_t BlockStart(size_t block) noexcept { return block == 0 ? 0 : SMALLEST_BLOCK << (block - 1); }
+
+    bool NeedBlock() noexcept;
+    wchar_t const * ShareText(wchar_t const * text, size_t length) noexcept;
     wchar_t * AddText(wchar_t const * text, size_t length) noexcept;
     wchar_t * NewTextBlock(size_t units) noexcept;
 
@@ -41,6 +62,7 @@ private:
     Buffer<wchar_t *> m_textBlocks;
     wchar_t * m_room = nullptr; // of the block that is being filled
     size_t m_roomUnits = 0;
+    RecentText m_recent[RECENT_TEXTS] = {};
 };
 
 } // namespace vek

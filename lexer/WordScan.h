@@ -5,7 +5,6 @@
 #include <emmintrin.h>
 #include <stddef.h>
 #include <stdint.h>
-#include <string.h>
 
 namespace vek
 {
@@ -40,13 +39,8 @@ private:
     __m128i m_sums = _mm_setzero_si128();
 };
 
-/// The first 8 characters of fewer, the others 0.
-inline __m128i LoadPart(wchar_t const * text, size_t count) noexcept
-{
-    wchar_t units[8] = {};
-    memcpy(units, text, count * sizeof(wchar_t));
-    return _mm_loadu_si128(reinterpret_cast<__m128i const *>(units));
-}
+/// So many characters, fewer than 8, the others 0. Rare: a text's last ones.
+__m128i LoadPart(wchar_t const * text, size_t count) noexcept;
 
 inline uint32_t HashOf(wchar_t const * text, size_t length) noexcept
 {

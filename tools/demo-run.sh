@@ -101,6 +101,16 @@ if [ -d /usr/share/mime ]; then
     run 0 xml check 'Z:/usr/share/mime' --bad
 fi
 
+say "== The tokens of a shader and of a C header, by a lexer that is set up from an XML file"
+cp "$here/examples/data/glow.frag" .
+run 0 lex glow.frag | head -n 20
+run 0 lex glow.frag --html glow.html
+grep -c '<span' glow.html | sed 's/$/ lines with coloured tokens/'
+[ -r /usr/include/stdio.h ] && run 0 lex Z:/usr/include/stdio.h --count
+printf '<language><operators/></language>\n' > broken.xml
+run 1 lex glow.frag --lang broken.xml
+run 1 lex missing.c
+
 if [ $failures != 0 ]; then
     say "demo: $failures of these steps did not end as they should"
     exit 1
