@@ -7,6 +7,7 @@
 #include "VekExport.h"
 #include "VekIO.h"
 #include "VekMath.h"
+#include "VekPackets.h"
 #include "VekText.h"
 #include "VekThread.h"
 #include "VekXML.h"
