@@ -2,6 +2,7 @@
 
 #include "Console.h"
 #include "LogToStderr.h"
+#include "PacketCommands.h"
 #include "Utf8.h"
 #include "XmlCommands.h"
 
@@ -24,6 +25,9 @@ constexpr char const * OVERVIEW =
   vek xml set FILE PATH ATTRIBUTE VALUE      change or add an attribute, in place or with -o OUT
   vek xml format IN OUT [--indent N]         write a file anew, indented
   vek xml check DIR... [--jobs N]            which XML files of folders are bad, and where
+  vek packets list FILE                      the packets of a packet file
+  vek packets extract FILE [PATH...] -o DIR  write them as files and folders
+  vek packets pack DIR FILE                  make a packet file of a folder
 
 "vek xml set --help" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 
@@ -36,6 +40,7 @@ int ParseArguments(int count, wchar_t ** arguments, Command & command)
     app.footer(OVERVIEW);
     app.require_subcommand(1);
     AddXmlCommands(app, command);
+    AddPacketCommands(app, command);
 
     std::vector<std::string> texts; // the parser takes them from the back
     for (int i = 1; i < count; ++i)
