@@ -1,18 +1,4 @@
-// The packet file. All numbers are unsigned and little-endian.
-//
-//     header      16 bytes    "VKPF", version (1), size of the whole file, number of packets (at least 1)
-//     packets                 in document order: a packet, then its children with all below them, one after the other
-//         type         4      four characters, such as "FLDR" for a folder and "BLOB" for bytes
-//         children     4      how many follow
-//         name length  4      in UTF-16 units
-//         size         4      of the payload in bytes
-//         name                UTF-16, any text without zeros, slashes and backslashes; two packets may share one
-//         payload             what the packet writes of itself; folders have none
-//     checksum     4 bytes    CRC-32 of all before it
-//
-// The first packet is the root, a folder without a name. A file is refused unless it is exact to the byte: every length
-// is compared with what the file still holds before anything is allocated for it. There is no limit on the depth, for
-// nothing here recurses; a file has at most 2,147,483,647 bytes.
+// The numbers of the packet file, which docs/packets.md describes.
 #pragma once
 
 #include <array>

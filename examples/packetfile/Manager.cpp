@@ -28,7 +28,14 @@ public:
     CVekResourceFilePacket * CreatePacket(unsigned int type, wchar_t const * name,
                                           IVekResourceFileManager * manager) override
     {
-        return new Packet(type, name, manager);
+        try
+        {
+            return new Packet(type, name, manager);
+        }
+        catch (std::bad_alloc const &)
+        {
+            return nullptr;
+        }
     }
 };
 

@@ -19,7 +19,7 @@ template <class T>
 using Held = std::unique_ptr<T, ReleaseObject>;
 
 /// Keeps trees of folders, blobs and the packets of registered handlers in files (Format.h). Names are found exactly,
-/// case included. All packets derive from NamedPacket. Nothing throws out of here.
+/// case included. All packets derive from NamedPacket. Nothing but the constructor throws.
 class Manager final : public IVekResourceFileManager
 {
 public:

@@ -114,16 +114,15 @@ std::string Folders(unsigned int children)
 }
 
 // What the format's own page says, byte for byte.
-std::string const & Golden()
+std::string Golden()
 {
-    static std::string const bytes("VKPF\1\0\0\0\x5E\0\0\0\4\0\0\0"
-                                   "FLDR\2\0\0\0\0\0\0\0\0\0\0\0"
-                                   "FLDR\1\0\0\0\1\0\0\0\0\0\0\0f\0"
-                                   "BLOB\0\0\0\0\2\0\0\0\2\0\0\0\x3D\xD8\0\xDE\0\xFF"
-                                   "BLOB\0\0\0\0\1\0\0\0\0\0\0\0f\0"
-                                   "\xFD\x5B\x4A\x74",
-                                   0x5E);
-    return bytes;
+    return std::string("VKPF\1\0\0\0\x5E\0\0\0\4\0\0\0"
+                       "FLDR\2\0\0\0\0\0\0\0\0\0\0\0"
+                       "FLDR\1\0\0\0\1\0\0\0\0\0\0\0f\0"
+                       "BLOB\0\0\0\0\2\0\0\0\2\0\0\0\x3D\xD8\0\xDE\0\xFF"
+                       "BLOB\0\0\0\0\1\0\0\0\0\0\0\0f\0"
+                       "\xFD\x5B\x4A\x74",
+                       0x5E);
 }
 
 } // namespace
