@@ -8,6 +8,7 @@
 #include "VekIO.h"
 #include "VekLexer.h"
 #include "VekMath.h"
+#include "VekPackets.h"
 #include "VekText.h"
 #include "VekThread.h"
 #include "VekXML.h"

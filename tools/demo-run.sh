@@ -79,6 +79,21 @@ if [ -e mime.xml ]; then
     run 1 xml set mime.xml mime-type/glob weight 77
 fi
 
+say "== A folder as a tree of packets in one file, and back; a file that has lost its end is refused"
+mkdir -p models/harbour
+cp "$scene" models/harbour/scene.xml
+printf 'void main()\n{\n}\n' > models/water.glsl
+run 0 packets pack models models.vkpf
+run 0 packets list models.vkpf
+run 0 packets extract models.vkpf harbour -o extracted
+if cmp extracted/harbour/scene.xml "$scene"; then
+    echo "=> extracted/harbour/scene.xml is what was packed"
+else
+    failures=$((failures + 1))
+fi
+head -c 200 models.vkpf > short.vkpf
+run 1 packets list short.vkpf
+
 say "== Bad input ends with a message and an exit code"
 printf '<scene>\n  <camera>\n</scene>\n' > malformed.xml
 printf '<scene><camera/>' > short.xml

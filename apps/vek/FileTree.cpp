@@ -26,7 +26,8 @@ bool IsItself(wchar_t const * name)
     return wcscmp(name, L".") == 0 || wcscmp(name, L"..") == 0;
 }
 
-/// Adds a folder's files, and its folders to those that are to be read. Links are not followed: they may form circles.
+} // namespace
+
 bool ReadFolder(std::wstring const & folder, std::vector<std::wstring> & files, std::vector<std::wstring> & folders)
 {
     WIN32_FIND_DATAW entry;
@@ -45,14 +46,12 @@ bool ReadFolder(std::wstring const & folder, std::vector<std::wstring> & files, 
             continue;
         if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
             folders.push_back(path);
-        else if (IsXmlFile(entry.cFileName))
+        else
             files.push_back(path);
     } while (FindNextFileW(search, &entry));
     FindClose(search);
     return true;
 }
-
-} // namespace
 
 bool CollectXmlFiles(std::wstring const & path, std::vector<std::wstring> & files)
 {
@@ -67,9 +66,14 @@ bool CollectXmlFiles(std::wstring const & path, std::vector<std::wstring> & file
     bool isComplete = true;
     while (!folders.empty())
     {
+        std::size_t const known = files.size();
         std::wstring const folder = std::move(folders.back());
         folders.pop_back();
         isComplete = ReadFolder(folder, files, folders) && isComplete;
+        auto const added = files.begin() + static_cast<std::ptrdiff_t>(known);
+        files.erase(
+            std::remove_if(added, files.end(), [](std::wstring const & file) { return !IsXmlFile(file.c_str()); }),
+            files.end());
     }
     std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end());
     return isComplete;

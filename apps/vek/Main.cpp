@@ -3,6 +3,7 @@
 #include "Console.h"
 #include "LexCommands.h"
 #include "LogToStderr.h"
+#include "PacketCommands.h"
 #include "Utf8.h"
 #include "XmlCommands.h"
 
@@ -26,6 +27,9 @@ constexpr char const * OVERVIEW =
   vek xml format IN OUT [--indent N]         write a file anew, indented
   vek xml check DIR... [--jobs N]            which XML files of folders are bad, and where
   vek lex FILE [--lang L] [--count] [--html OUT]   the tokens of a text file
+  vek packets list FILE                      the packets of a packet file
+  vek packets extract FILE [PATH...] -o DIR  write them as files and folders
+  vek packets pack DIR FILE                  make a packet file of a folder
 
 "vek xml set --help" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 
@@ -39,6 +43,7 @@ int ParseArguments(int count, wchar_t ** arguments, Command & command)
     app.require_subcommand(1);
     AddXmlCommands(app, command);
     AddLexCommand(app, command);
+    AddPacketCommands(app, command);
 
     std::vector<std::string> texts; // the parser takes them from the back
     for (int i = 1; i < count; ++i)

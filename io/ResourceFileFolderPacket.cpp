@@ -1,0 +1,8 @@
+#include "VekPackets.h"
+
+CVekResourceFileFolderPacket::CVekResourceFileFolderPacket(IVekResourceFileManager * manager)
+    : CVekResourceFilePacket(manager)
+{
+}
+
+CVekResourceFileFolderPacket::~CVekResourceFileFolderPacket() = default;
