@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/Buffer.h"
-#include "xml/NameHash.h"
-#include "xml/XMLNames.h"
+#include "text/NameHash.h"
+#include "text/Names.h"
 
 #include <stddef.h>
 #include <stdint.h>
@@ -17,8 +17,20 @@ class NameIndex
 public:
     /// How many entries of the list it knows.
     int Count() const noexcept { return m_count; }
-    /// Adds the next entry; one without a name is counted, but never found. False when memory is exhausted.
+    /// Adds the next entry; false when memory is exhausted.
     bool Add(CVekString<wchar_t> const & name) noexcept;
+    /// As Add, but an entry of the name of one before it is only counted: for which the predicate, called with the
+    /// position of that one, is true.
+    template <class Predicate>
+    bool AddFirst(CVekString<wchar_t> const & name, Predicate isSame) noexcept
+    {
+        if (Find(GivenText(name), isSame) < 0)
+            return Add(name);
+        Skip();
+        return true;
+    }
+    /// Counts the next entry without adding it, so that it is never found.
+    void Skip() noexcept { ++m_count; }
 
     /// The first entry for which the predicate, called with its position, is true among those that may have the name;
     /// -1 when there is none.

@@ -1,19 +1,16 @@
-#include "xml/NameIndex.h"
+#include "text/NameIndex.h"
 
 namespace vek
 {
 
 bool NameIndex::Add(CVekString<wchar_t> const & name) noexcept
 {
-    if (!name.IsEmpty())
-    {
-        if ((m_order.Size() + 1) * 2 > m_slots.Size() && !Grow())
-            return false;
-        Slot const slot = {m_hash(name, static_cast<size_t>(name.GetLength())), static_cast<uint32_t>(m_count) + 1};
-        if (!m_order.Append(slot))
-            return false;
-        Place(slot);
-    }
+    if ((m_order.Size() + 1) * 2 > m_slots.Size() && !Grow())
+        return false;
+    Slot const slot = {m_hash(name, static_cast<size_t>(name.GetLength())), static_cast<uint32_t>(m_count) + 1};
+    if (!m_order.Append(slot))
+        return false;
+    Place(slot);
     ++m_count;
     return true;
 }
