@@ -1,6 +1,7 @@
 // vek: VekLib's command-line tool. Uses the library through its public headers alone.
 
 #include "Console.h"
+#include "DataCommands.h"
 #include "LogToStderr.h"
 #include "Utf8.h"
 #include "XmlCommands.h"
@@ -24,6 +25,9 @@ constexpr char const * OVERVIEW =
   vek xml set FILE PATH ATTRIBUTE VALUE      change or add an attribute, in place or with -o OUT
   vek xml format IN OUT [--indent N]         write a file anew, indented
   vek xml check DIR... [--jobs N]            which XML files of folders are bad, and where
+  vek data dump FILE                         the entries of a typed data file, a line each
+  vek data pack XML OUT                      make a typed data file of an XML file
+  vek data unpack FILE XML                   make an XML file of a typed data file
 
 "vek xml set --help" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 
@@ -36,6 +40,7 @@ int ParseArguments(int count, wchar_t ** arguments, Command & command)
     app.footer(OVERVIEW);
     app.require_subcommand(1);
     AddXmlCommands(app, command);
+    AddDataCommands(app, command);
 
     std::vector<std::string> texts; // the parser takes them from the back
     for (int i = 1; i < count; ++i)
