@@ -159,6 +159,7 @@ private:
     CVekTypedDataEntry * NewEntry(vek::TypedDataSource & source, int nameLength);
     CVekTypedDataEntry const * FindTyped(wchar_t const * name, VEK_DATATYPE type) const;
     vek::NameIndex const * FindIndex() const;
+    vek::NameIndex * MakeIndex() const;
     void DropIndex();
     template <class T>
     bool ReadValue(wchar_t const * name, VEK_DATATYPE type, T & value, T const & defaultValue) const;

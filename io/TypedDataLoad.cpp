@@ -32,13 +32,28 @@ bool LoadBool(TypedDataSource & source, VEK_VARIANT & value) noexcept
 template <class T>
 bool LoadText(TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
+    constexpr int shortLength = 255;
+    T shortText[shortLength + 1];
+    Buffer<T> longText;
+    T const * text = shortText;
     int length = 0;
-    Buffer<T> text;
-    if (!source.Get(length) || !LoadUnits(source, length, text))
+    if (!source.Get(length) || length < 0)
         return false;
-    value = text.Data();
+    if (length > shortLength)
+    {
+        if (!LoadUnits(source, length, longText))
+            return false;
+        text = longText.Data();
+    }
+    else if (!source.Get(shortText, static_cast<size_t>(length)))
+        return false;
+    else
+        shortText[length] = T();
+    if (text[0] == T())
+        return true;
+    value = text;
     CVekString<T> const & stored = value;
-    return stored.GetLength() != 0 || text[0] == T();
+    return !stored.IsEmpty();
 }
 
 // Colours and vectors: four components.

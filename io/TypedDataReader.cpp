@@ -132,20 +132,27 @@ vek::NameIndex const * CVekTypedDataReader::FindIndex() const
     vek::NameIndex * known = __atomic_load_n(&m_index, __ATOMIC_ACQUIRE);
     if (known)
         return known;
-    auto * const made = new (std::nothrow) vek::NameIndex;
-    for (int i = 0; made && i < m_entries.GetCount(); ++i)
-    {
-        CVekString<wchar_t> const & name = m_entries[i]->m_name;
-        vek::SoughtName const sought{vek::GivenText(name)};
-        if (made->AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); }))
-            continue;
-        delete made;
-        return nullptr;
-    }
+    vek::NameIndex * const made = MakeIndex();
     if (made && __atomic_compare_exchange_n(&m_index, &known, made, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE))
         return made;
     delete made;
     return known;
+}
+
+vek::NameIndex * CVekTypedDataReader::MakeIndex() const
+{
+    auto * const index = new (std::nothrow) vek::NameIndex;
+    bool made = index && index->Reserve(static_cast<size_t>(m_entries.GetCount()));
+    for (int i = 0; made && i < m_entries.GetCount(); ++i)
+    {
+        CVekString<wchar_t> const & name = m_entries[i]->m_name;
+        vek::SoughtName const sought{vek::GivenText(name)};
+        made = index->AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); });
+    }
+    if (made)
+        return index;
+    delete index;
+    return nullptr;
 }
 
 void CVekTypedDataReader::DropIndex()

@@ -1,13 +1,18 @@
 #include "text/NameIndex.h"
 
+#include <stdint.h>
+#include <string.h>
+
+#include <bit>
+
 namespace vek
 {
 
-bool NameIndex::Add(CVekString<wchar_t> const & name) noexcept
+bool NameIndex::AddHashed(uint32_t hash) noexcept
 {
-    if ((m_order.Size() + 1) * 2 > m_slots.Size() && !Grow())
+    if ((m_order.Size() + 1) * 2 > m_slots.Size() && !GrowTo(m_slots.Size() * 2))
         return false;
-    Slot const slot = {m_hash(name, static_cast<size_t>(name.GetLength())), static_cast<uint32_t>(m_count) + 1};
+    Slot const slot = {hash, static_cast<uint32_t>(m_count) + 1};
     if (!m_order.Append(slot))
         return false;
     Place(slot);
@@ -15,9 +20,16 @@ bool NameIndex::Add(CVekString<wchar_t> const & name) noexcept
     return true;
 }
 
-bool NameIndex::Grow() noexcept
+bool NameIndex::Reserve(size_t count) noexcept
 {
-    size_t const count = m_slots.Empty() ? 64 : m_slots.Size() * 2;
+    return count < SIZE_MAX / 4 && m_order.Reserve(count) &&
+           (count * 2 <= m_slots.Size() || GrowTo(std::bit_ceil(count * 2)));
+}
+
+// The number of slots is a power of two.
+bool NameIndex::GrowTo(size_t slots) noexcept
+{
+    size_t const count = slots < 64 ? 64 : slots;
     if (!m_slots.Reserve(count))
         return false;
     m_slots.Clear();

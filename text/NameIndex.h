@@ -18,17 +18,20 @@ public:
     /// How many entries of the list it knows.
     int Count() const noexcept { return m_count; }
     /// Adds the next entry; false when memory is exhausted.
-    bool Add(CVekString<wchar_t> const & name) noexcept;
+    bool Add(CVekString<wchar_t> const & name) noexcept { return AddHashed(Hash(GivenText(name))); }
     /// As Add, but an entry of the name of one before it is only counted: for which the predicate, called with the
     /// position of that one, is true.
     template <class Predicate>
     bool AddFirst(CVekString<wchar_t> const & name, Predicate isSame) noexcept
     {
-        if (Find(GivenText(name), isSame) < 0)
-            return Add(name);
+        uint32_t const hash = Hash(GivenText(name));
+        if (FindHashed(hash, isSame) < 0)
+            return AddHashed(hash);
         Skip();
         return true;
     }
+    /// Makes room for that many entries in all; false when memory is exhausted.
+    bool Reserve(size_t count) noexcept;
     /// Counts the next entry without adding it, so that it is never found.
     void Skip() noexcept { ++m_count; }
 
@@ -37,16 +40,7 @@ public:
     template <class Predicate>
     int Find(GivenText const & name, Predicate isMatch) const noexcept
     {
-        if (m_slots.Empty() || name.length < 0)
-            return -1;
-        uint32_t const hash = m_hash(name.text, static_cast<size_t>(name.length));
-        for (size_t at = hash & Mask(); m_slots[at].position; at = (at + 1) & Mask())
-        {
-            int const position = static_cast<int>(m_slots[at].position) - 1;
-            if (m_slots[at].hash == hash && isMatch(position))
-                return position;
-        }
-        return -1;
+        return name.length < 0 ? -1 : FindHashed(Hash(name), isMatch);
     }
 
 private:
@@ -56,8 +50,23 @@ private:
         uint32_t position; // from 1; 0 in an empty slot
     };
 
+    uint32_t Hash(GivenText const & name) const noexcept { return m_hash(name.text, static_cast<size_t>(name.length)); }
+    template <class Predicate>
+    int FindHashed(uint32_t hash, Predicate isMatch) const noexcept
+    {
+        if (m_slots.Empty())
+            return -1;
+        for (size_t at = hash & Mask(); m_slots[at].position; at = (at + 1) & Mask())
+        {
+            int const position = static_cast<int>(m_slots[at].position) - 1;
+            if (m_slots[at].hash == hash && isMatch(position))
+                return position;
+        }
+        return -1;
+    }
+    bool AddHashed(uint32_t hash) noexcept;
     size_t Mask() const noexcept { return m_slots.Size() - 1; }
-    bool Grow() noexcept;
+    bool GrowTo(size_t slots) noexcept;
     void Place(Slot const & slot) noexcept;
 
     Buffer<Slot> m_slots; // their number is a power of two, at most half of them used; equal names stand in list order

@@ -14,19 +14,13 @@ std::wstring_view TypeName(VEK_DATATYPE type);
 /// The type of that name, or VEK_DT_UNKNOWN.
 VEK_DATATYPE TypeOf(std::wstring_view name);
 
-/// A value as text from which PackValue makes the same value again: numbers in full, several separated by ", ", NaN and
-/// infinite ones by their bits ("0x7FC00000"), buffers in hexadecimal digits, texts as EscapeText gives them. Of a
-/// buffer that is longer than the limit only the first bytes. Empty for a GUID, whose value no file holds.
+/// A value as text from which PackValue (DataParse.h) makes the same value again: numbers in full, several separated by
+/// ", ", NaN and infinite ones by their bits ("0x7FC00000"), buffers in hexadecimal digits, texts as EscapeText gives
+/// them. Of a buffer that is longer than the limit only the first bytes. Empty for a GUID, whose value no file holds.
 std::wstring ValueText(VEK_VARIANT const & value, std::size_t bufferLimit = std::wstring_view::npos);
 
 /// A text in which everything that XML can't hold, or the library's way through it would change, is "\uXXXX" for a
 /// UTF-16 unit, and a backslash is doubled.
 std::wstring EscapeText(std::wstring_view text);
-
-/// Takes escapes back: "\\", "\xXX", "\uXXXX". False for anything else behind a backslash.
-bool UnescapeText(std::wstring_view text, std::wstring & plain);
-
-/// Gives the writer an entry of the type from the value's text; false when the text is no value of it.
-bool PackValue(CVekTypedDataWriter & writer, wchar_t const * name, VEK_DATATYPE type, std::wstring_view text);
 
 } // namespace tool

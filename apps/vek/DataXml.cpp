@@ -1,6 +1,7 @@
 #include "DataXml.h"
 
 #include "Console.h"
+#include "DataParse.h"
 #include "DataText.h"
 #include "XmlSave.h"
 
