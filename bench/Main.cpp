@@ -1,8 +1,10 @@
 // veklib_bench: how fast the library is, beside what it is built on.
-//     veklib_bench [--quick] [--services] [FILE]
-// --services leaves the XML out. FILE is a real XML file to measure with; without it the MIME database of the machine
-// is taken. Ratios are between figures of one run: absolute ones depend on the machine.
+//     veklib_bench [--quick] [--only SUBJECT] [FILE]
+// The subjects are xml, lexing, data, memory, services and threads. FILE is a real XML file to measure with; without it
+// the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones depend on the
+// machine.
 
+#include "DataBench.h"
 #include "LexBench.h"
 #include "MemoryBench.h"
 #include "ServiceBench.h"
@@ -13,36 +15,67 @@
 #include <cstdio>
 #include <string_view>
 
+namespace
+{
+
+using bench::Aims;
+using Options = bench::XmlBenchOptions;
+
+struct Subject
+{
+    std::wstring_view name;
+    bool (*measure)(Options const &, Aims &);
+};
+
+bool MeasureXml(Options const & options, Aims & aims)
+{
+    bench::MeasureXmlMemory();
+    bool const done = bench::MeasureXmlSpeed(options, aims);
+    return bench::MeasureXmlLinearity(aims) && done;
+}
+
+Subject const subjects[] = {
+    {L"xml", MeasureXml},
+    {L"lexing", [](Options const & options, Aims & aims) { return bench::MeasureLexing(options.quick, aims); }},
+    {L"data", [](Options const & options, Aims & aims) { return bench::MeasureData(options.quick, aims); }},
+    {L"memory", [](Options const & options, Aims & aims) { return bench::MeasureMemory(options.quick, aims), true; }},
+    {L"services", [](Options const & options, Aims &) { return bench::MeasureServices(options.quick), true; }},
+    {L"threads", [](Options const & options, Aims &) { return bench::MeasureThreads(options.quick), true; }},
+};
+
+} // namespace
+
 int wmain(int count, wchar_t ** arguments)
 {
-    bench::XmlBenchOptions options;
+    Options options;
     std::string_view const database = VEK_MIME_XML;
     options.database.assign(database.begin(), database.end());
-    bool services = false;
+    std::wstring_view only;
     for (int i = 1; i < count; ++i)
     {
-        if (std::wstring_view(arguments[i]) == L"--quick")
+        std::wstring_view const argument = arguments[i];
+        if (argument == L"--quick")
             options.quick = true;
-        else if (std::wstring_view(arguments[i]) == L"--services")
-            services = true;
+        else if (argument == L"--only" && i + 1 < count)
+            only = arguments[++i];
         else
-            options.database = arguments[i];
+            options.database = argument;
     }
     if (!VekLibInit())
         return 1;
-    bench::Aims aims;
+    Aims aims;
     bool done = true;
-    if (!services)
+    bool known = false;
+    for (Subject const & subject : subjects)
     {
-        bench::MeasureXmlMemory();
-        done = bench::MeasureXmlSpeed(options, aims);
-        done = bench::MeasureXmlLinearity(aims) && done;
+        if (!only.empty() && only != subject.name)
+            continue;
+        known = true;
+        done = subject.measure(options, aims) && done;
     }
-    done = bench::MeasureLexing(options.quick, aims) && done;
-    bench::MeasureMemory(options.quick, aims);
-    bench::MeasureServices(options.quick);
-    bench::MeasureThreads(options.quick);
+    if (!known)
+        std::fprintf(stderr, "veklib_bench: no subject %ls\n", only.data());
     aims.PrintSummary();
     VekLibDeinit();
-    return done ? 0 : 1;
+    return done && known ? 0 : 1;
 }

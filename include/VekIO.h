@@ -274,6 +274,8 @@ public:
     CVekString<wchar_t> const & GetFilePath() const override;
     CVekString<wchar_t> const & GetFileName() const override;
 
+    /// True when the flags of the last Open hold VEK_IO_BINARY.
+    bool IsBinary() const { return (m_flags & VEK_IO_BINARY) != 0; }
     /// Hands what is still buffered to the system; false when anything written since Open was lost, or nothing is open.
     /// Close can't tell, so that a writer who must know asks here first.
     bool Flush();

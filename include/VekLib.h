@@ -4,6 +4,7 @@
 #define VEK_LIB_H
 
 #include "VekCore.h"
+#include "VekData.h"
 #include "VekExport.h"
 #include "VekIO.h"
 #include "VekLexer.h"

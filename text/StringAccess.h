@@ -128,6 +128,8 @@ struct StringAccess
     }
 
     static T *& Text(CVekString<T> & string) noexcept { return string.m_text; }
+    /// An empty string that has no block until a text is assigned, as a string that was moved from.
+    static CVekString<T> Blockless() noexcept { return CVekString<T>(typename CVekString<T>::Block{nullptr}); }
 
     /// A string of that length whose characters the caller writes at the place given back; an empty string and null
     /// when there is no memory.

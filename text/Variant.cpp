@@ -1,5 +1,7 @@
 #include "VekText.h"
 
+#include "text/StringAccess.h"
+
 #include <guiddef.h>
 #include <stdlib.h>
 #include <string.h>
@@ -83,7 +85,9 @@ void VEK_VARIANT::StoreObject(T const & value)
 
 // --- construction -------------------------------------------------------------------------------------------------
 
-VEK_VARIANT::VEK_VARIANT(VEK_DATATYPE type) : m_type(type), m_value(), m_bufferSize(0), m_heap()
+VEK_VARIANT::VEK_VARIANT(VEK_DATATYPE type)
+    : m_type(type), m_value(), m_narrowText(vek::StringAccess<char>::Blockless()),
+      m_wideText(vek::StringAccess<wchar_t>::Blockless()), m_bufferSize(0), m_heap()
 {
     switch (type)
     {
@@ -204,12 +208,14 @@ VEK_VARIANT::VEK_VARIANT(CVekMatrix4x4<double> const & value) : VEK_VARIANT(VEK_
 }
 
 VEK_VARIANT::VEK_VARIANT(char const * value)
-    : m_type(VEK_DT_STRINGA), m_value(), m_narrowText(value), m_bufferSize(0), m_heap()
+    : m_type(VEK_DT_STRINGA), m_value(), m_narrowText(value), m_wideText(vek::StringAccess<wchar_t>::Blockless()),
+      m_bufferSize(0), m_heap()
 {
 }
 
 VEK_VARIANT::VEK_VARIANT(wchar_t const * value)
-    : m_type(VEK_DT_STRINGW), m_value(), m_wideText(value), m_bufferSize(0), m_heap()
+    : m_type(VEK_DT_STRINGW), m_value(), m_narrowText(vek::StringAccess<char>::Blockless()), m_wideText(value),
+      m_bufferSize(0), m_heap()
 {
 }
 

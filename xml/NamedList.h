@@ -2,8 +2,8 @@
 
 #include "VekCore.h"
 
-#include "xml/NameIndex.h"
-#include "xml/XMLNames.h"
+#include "text/NameIndex.h"
+#include "text/Names.h"
 
 #include <new>
 
@@ -93,7 +93,10 @@ private:
             m_index = new (std::nothrow) NameIndex;
         while (m_index && m_index->Count() < m_entries.GetCount())
         {
-            if (!m_index->Add(m_entries[m_index->Count()]->GetName()))
+            CVekString<wchar_t> const & name = m_entries[m_index->Count()]->GetName();
+            if (name.IsEmpty())
+                m_index->Skip(); // never sought here
+            else if (!m_index->Add(name))
                 return false;
         }
         return m_index != nullptr;

@@ -1,10 +1,10 @@
 #include "VekXML.h"
 
 #include "core/Pool.h"
+#include "text/Names.h"
 #include "text/StringAccess.h"
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
-#include "xml/XMLNames.h"
 
 #include <string.h>
 

@@ -1,10 +1,10 @@
 #include "VekXML.h"
 
 #include "core/Buffer.h"
+#include "text/Names.h"
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLEscape.h"
-#include "xml/XMLNames.h"
 #include "xml/XMLVariantText.h"
 
 #include <limits.h>

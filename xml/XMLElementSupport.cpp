@@ -2,7 +2,8 @@
 
 #include "VekLib.h"
 #include "core/Ref.h"
-#include "xml/XMLNames.h"
+#include "core/TableOf.h"
+#include "text/Names.h"
 
 #include <stdint.h>
 #include <stdio.h>
@@ -14,13 +15,6 @@ namespace vek
 {
 namespace
 {
-
-void const * const * TableOf(IVekXMLElement const & element) noexcept
-{
-    void const * const * table;
-    memcpy(&table, static_cast<void const *>(&element), sizeof table);
-    return table;
-}
 
 // In front of a table made by this compiler stand the object's offset, 0 for an object with one table, and the address
 // of its type's record, which begins with an address. Other compilers, with which hosts implement the interface, put

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/Buffer.h"
-#include "xml/NameHash.h"
+#include "text/NameHash.h"
 
 #include <stddef.h>
 #include <stdint.h>

@@ -1,6 +1,7 @@
 // vek: VekLib's command-line tool. Uses the library through its public headers alone.
 
 #include "Console.h"
+#include "DataCommands.h"
 #include "LexCommands.h"
 #include "LogToStderr.h"
 #include "PacketCommands.h"
@@ -26,10 +27,13 @@ constexpr char const * OVERVIEW =
   vek xml set FILE PATH ATTRIBUTE VALUE      change or add an attribute, in place or with -o OUT
   vek xml format IN OUT [--indent N]         write a file anew, indented
   vek xml check DIR... [--jobs N]            which XML files of folders are bad, and where
-  vek lex FILE [--lang L] [--count] [--html OUT]   the tokens of a text file
+  vek data dump FILE                         the entries of a typed data file, a line each
+  vek data pack XML OUT                      make a typed data file of an XML file
+  vek data unpack FILE XML                   make an XML file of a typed data file
   vek packets list FILE                      the packets of a packet file
   vek packets extract FILE [PATH...] -o DIR  write them as files and folders
   vek packets pack DIR FILE                  make a packet file of a folder
+  vek lex FILE [--lang L] [--count] [--html OUT]   the tokens of a text file
 
 "vek xml set --help" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 
@@ -42,8 +46,9 @@ int ParseArguments(int count, wchar_t ** arguments, Command & command)
     app.footer(OVERVIEW);
     app.require_subcommand(1);
     AddXmlCommands(app, command);
-    AddLexCommand(app, command);
+    AddDataCommands(app, command);
     AddPacketCommands(app, command);
+    AddLexCommand(app, command);
 
     std::vector<std::string> texts; // the parser takes them from the back
     for (int i = 1; i < count; ++i)

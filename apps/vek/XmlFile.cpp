@@ -30,22 +30,6 @@ Reading Read(std::wstring const & path, IVekXMLDocument & document)
     return parser.IsComplete() ? Reading::Done : Reading::Incomplete;
 }
 
-/// Why a file could not be read, as far as the file system knows.
-std::wstring WhyUnreadable(std::wstring const & path)
-{
-    DWORD const attributes = GetFileAttributesW(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES)
-        return L"can't be read: " + LastErrorText();
-    if (attributes & FILE_ATTRIBUTE_DIRECTORY)
-        return L"is a directory";
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return L"can't be read: " + LastErrorText();
-    CloseHandle(file);
-    return L"can't be read as XML";
-}
-
 } // namespace
 
 Held<IVekXMLDocument> LoadXml(std::wstring const & path)
@@ -54,7 +38,8 @@ Held<IVekXMLDocument> LoadXml(std::wstring const & path)
     Reading const reading = document ? Read(path, *document) : Reading::Failed;
     if (reading == Reading::Done)
         return document;
-    Fail(path, reading == Reading::Incomplete ? WhyIncomplete(*document) : WhyUnreadable(path));
+    Fail(path,
+         reading == Reading::Incomplete ? WhyIncomplete(*document) : WhyUnreadable(path, L"can't be read as XML"));
     return nullptr;
 }
 
@@ -71,6 +56,21 @@ wchar_t const * WhyIncomplete(IVekXMLDocument const & document)
 {
     return document.GetRootElement()->GetName().IsEmpty() ? L"contains no element"
                                                           : L"ends before its outermost element is closed";
+}
+
+std::wstring WhyUnreadable(std::wstring const & path, wchar_t const * otherwise)
+{
+    DWORD const attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return L"can't be read: " + LastErrorText();
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY)
+        return L"is a directory";
+    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return L"can't be read: " + LastErrorText();
+    CloseHandle(file);
+    return otherwise;
 }
 
 std::wstring LastErrorText()

@@ -27,6 +27,9 @@ Held<IVekXMLDocument> TryLoadXml(std::wstring const & path);
 /// Why a document that was read without an error is still not a whole one (CVekXMLParser::IsComplete).
 wchar_t const * WhyIncomplete(IVekXMLDocument const & document);
 
+/// Why a file could not be read, as far as the file system knows, or the other reason.
+std::wstring WhyUnreadable(std::wstring const & path, wchar_t const * otherwise);
+
 /// What the system says of the calling thread's last error, such as "access is denied".
 std::wstring LastErrorText();
 

@@ -1,7 +1,7 @@
 #include "XmlSave.h"
 
 #include "Console.h"
-#include "Platform.h"
+#include "NewFile.h"
 #include "Utf8.h"
 #include "XmlCount.h"
 
@@ -13,37 +13,6 @@ namespace
 
 // More blanks than this are a mistake, not a layout.
 constexpr std::uint64_t MOST_INDENTATION = 0x40000000;
-
-/// The new file beside the one that it becomes; gone again unless it took that one's place.
-class NewFile
-{
-public:
-    explicit NewFile(std::wstring const & target)
-        : m_target(target), m_path(target + Format(L".%u.vek-new", static_cast<unsigned int>(GetCurrentProcessId())))
-    {
-    }
-    ~NewFile()
-    {
-        if (!m_placed)
-            DeleteFileW(m_path.c_str());
-    }
-    NewFile(NewFile const &) = delete;
-    NewFile & operator=(NewFile const &) = delete;
-
-    std::wstring const & Path() const { return m_path; }
-
-    bool Place()
-    {
-        m_placed =
-            MoveFileExW(m_path.c_str(), m_target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-        return m_placed;
-    }
-
-private:
-    std::wstring m_target;
-    std::wstring m_path;
-    bool m_placed = false;
-};
 
 /// The parts of a document type that a file can lose on its way through the writer.
 struct DocumentType
@@ -169,31 +138,6 @@ void PrepareDocumentType(std::wstring const & path, NewFile const & file, IVekXM
     RemoveDocumentType(document);
 }
 
-/// Whether the path can be written to, as far as that can be told beforehand.
-bool IsWritable(std::wstring const & path)
-{
-    DWORD const attributes = GetFileAttributesW(path.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES)
-        return true;
-    if (attributes & FILE_ATTRIBUTE_DIRECTORY)
-        Fail(path, L"is a directory");
-    else if (attributes & FILE_ATTRIBUTE_READONLY)
-        Fail(path, L"is read-only");
-    else
-        return true;
-    return false;
-}
-
-/// Why the new file could not be written, as far as another try at opening it tells.
-std::wstring WhyUnwritable(std::wstring const & path)
-{
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return L"can't be written: " + LastErrorText();
-    CloseHandle(file);
-    return L"can't be written whole; is the disk full?";
-}
-
 bool ReadsBack(NewFile const & file, std::wstring const & path, XmlCount const & count, DocumentType const & type)
 {
     Held<IVekXMLDocument> const document = TryLoadXml(file.Path());
@@ -249,10 +193,7 @@ bool SaveXml(Held<IVekXMLDocument> document, std::wstring const & path, SaveOpti
     document.reset(); // a large one leaves no room for its twin
     if (!ReadsBack(file, path, count, type))
         return false;
-    if (file.Place())
-        return true;
-    Fail(path, L"can't be replaced: " + LastErrorText());
-    return false;
+    return file.Place();
 }
 
 } // namespace tool

@@ -3,6 +3,7 @@
 
 #include "VekIO.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -85,15 +86,24 @@ public:
 
 private:
     template <class T>
+    T InOrder(T value) const
+    {
+        auto * const first = reinterpret_cast<char *>(&value);
+        if (streamOrder != systemOrder)
+            std::reverse(first, first + sizeof value);
+        return value;
+    }
+    template <class T>
     T Get(bool advance)
     {
         T value{};
         Read(&value, sizeof value, advance);
-        return value;
+        return InOrder(value);
     }
     template <class T>
     bool Put(T value, bool advance)
     {
+        value = InOrder(value);
         return Write(&value, sizeof value, advance);
     }
 

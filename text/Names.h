@@ -15,6 +15,7 @@ namespace vek
 struct GivenText
 {
     explicit GivenText(wchar_t const * given) noexcept : text(given ? given : L""), length(Measure(text)) {}
+    explicit GivenText(CVekString<wchar_t> const & string) noexcept : text(string), length(string.GetLength()) {}
 
     wchar_t const * text;
     int length; // -1 for one too long for any string

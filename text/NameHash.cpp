@@ -1,4 +1,4 @@
-#include "xml/NameHash.h"
+#include "text/NameHash.h"
 
 #include "text/Fold.h"
 

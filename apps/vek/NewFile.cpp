@@ -1,0 +1,52 @@
+#include "NewFile.h"
+
+#include "Console.h"
+#include "Platform.h"
+#include "XmlFile.h"
+
+namespace tool
+{
+
+NewFile::NewFile(std::wstring const & target)
+    : m_target(target), m_path(target + Format(L".%u.vek-new", static_cast<unsigned int>(GetCurrentProcessId())))
+{
+}
+
+NewFile::~NewFile()
+{
+    if (!m_placed)
+        DeleteFileW(m_path.c_str());
+}
+
+bool NewFile::Place()
+{
+    m_placed = MoveFileExW(m_path.c_str(), m_target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    if (!m_placed)
+        Fail(m_target, L"can't be replaced: " + LastErrorText());
+    return m_placed;
+}
+
+bool IsWritable(std::wstring const & path)
+{
+    DWORD const attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return true;
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY)
+        Fail(path, L"is a directory");
+    else if (attributes & FILE_ATTRIBUTE_READONLY)
+        Fail(path, L"is read-only");
+    else
+        return true;
+    return false;
+}
+
+std::wstring WhyUnwritable(std::wstring const & path)
+{
+    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return L"can't be written: " + LastErrorText();
+    CloseHandle(file);
+    return L"can't be written whole; is the disk full?";
+}
+
+} // namespace tool

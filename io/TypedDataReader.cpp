@@ -1,0 +1,327 @@
+#include "VekData.h"
+
+#include "io/TypedDataLoad.h"
+#include "io/TypedDataSource.h"
+#include "text/NameIndex.h"
+#include "text/Names.h"
+
+#include <guiddef.h>
+#include <limits.h>
+#include <string.h>
+
+#include <new>
+
+namespace
+{
+
+constexpr int INDEXED_FROM = 32;
+
+} // namespace
+
+CVekTypedDataReader::CVekTypedDataReader() = default;
+
+CVekTypedDataReader::CVekTypedDataReader(IVekIOStream * stream)
+{
+    Read(stream);
+}
+
+CVekTypedDataReader::~CVekTypedDataReader()
+{
+    Clear();
+}
+
+void CVekTypedDataReader::Clear()
+{
+    DropIndex();
+    for (int i = 0; i < m_entries.GetCount(); ++i)
+        delete m_entries[i];
+    m_entries.Free();
+}
+
+// --- loading --------------------------------------------------------------------------------------------------------
+
+bool CVekTypedDataReader::Read(IVekIOStream * stream)
+{
+    if (!stream)
+        return false;
+    DropIndex();
+    vek::TypedDataSource source(*stream);
+    return ReadEntries(source);
+}
+
+bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source)
+{
+    constexpr size_t smallestEntry = 8;
+    constexpr int unproven = 4096; // entries of a stream that can't tell whether it holds them
+    int count = 0;
+    if (!source.Get(count))
+        return false;
+    // Kept: a negative number of entries is as good as none.
+    if (count < 1)
+        return true;
+    if (!source.Holds(static_cast<size_t>(count), smallestEntry) || count > INT_MAX - m_entries.GetCount())
+        return false;
+    int const room = source.KnowsSize() || count < unproven ? count : unproven;
+    if (!m_entries.Reserve(m_entries.GetCount() + room))
+        return false;
+    for (int i = 0; i < count; ++i)
+    {
+        if (!ReadEntry(source))
+            return false;
+    }
+    return true;
+}
+
+bool CVekTypedDataReader::ReadEntry(vek::TypedDataSource & source)
+{
+    int nameLength = 0;
+    CVekTypedDataEntry * const entry = source.Get(nameLength) ? NewEntry(source, nameLength) : nullptr;
+    if (!entry)
+        return false;
+    if (!vek::LoadValue(source, entry->m_value))
+    {
+        delete entry;
+        return false;
+    }
+    // Kept: an entry for which the list can't grow is dropped, and reading goes on.
+    if (!m_entries.Append(entry))
+        delete entry;
+    return true;
+}
+
+// Reads the name and the type and makes the entry of them.
+CVekTypedDataEntry * CVekTypedDataReader::NewEntry(vek::TypedDataSource & source, int nameLength)
+{
+    constexpr int shortLength = 1024;
+    wchar_t shortName[shortLength + 1];
+    vek::Buffer<wchar_t> longName;
+    wchar_t const * name = shortName;
+    if (nameLength < 0)
+        return nullptr;
+    if (nameLength > shortLength)
+    {
+        if (!vek::LoadUnits(source, nameLength, longName))
+            return nullptr;
+        name = longName.Data();
+    }
+    else if (!source.Get(shortName, static_cast<size_t>(nameLength)))
+        return nullptr;
+    int type = 0;
+    if (!source.Get(type))
+        return nullptr;
+    // A zero ends the name, wherever it stands.
+    size_t const length = wcsnlen(name, static_cast<size_t>(nameLength));
+    return CVekTypedDataEntry::Make(name, static_cast<int>(length), static_cast<VEK_DATATYPE>(type));
+}
+
+// --- finding --------------------------------------------------------------------------------------------------------
+
+CVekTypedDataEntry const * CVekTypedDataReader::FindEntry(wchar_t const * name) const
+{
+    vek::GivenText const given(name);
+    vek::NameIndex const * const index = m_entries.GetCount() < INDEXED_FROM ? nullptr : FindIndex();
+    if (!index)
+        return m_entries.At(vek::FindName(m_entries, given));
+    vek::SoughtName const sought(given);
+    return m_entries.At(index->Find(given, [&](int i) { return sought.Is(m_entries[i]->m_name); }));
+}
+
+// Made by the first look-up; several threads may look up at once, and the index of one of them stays.
+vek::NameIndex const * CVekTypedDataReader::FindIndex() const
+{
+    vek::NameIndex * known = __atomic_load_n(&m_index, __ATOMIC_ACQUIRE);
+    if (known)
+        return known;
+    vek::NameIndex * const made = MakeIndex();
+    if (made && __atomic_compare_exchange_n(&m_index, &known, made, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE))
+        return made;
+    delete made;
+    return known;
+}
+
+vek::NameIndex * CVekTypedDataReader::MakeIndex() const
+{
+    auto * const index = new (std::nothrow) vek::NameIndex;
+    bool made = index && index->Reserve(static_cast<size_t>(m_entries.GetCount()));
+    for (int i = 0; made && i < m_entries.GetCount(); ++i)
+    {
+        CVekString<wchar_t> const & name = m_entries[i]->m_name;
+        vek::SoughtName const sought{vek::GivenText(name)};
+        made = index->AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); });
+    }
+    if (made)
+        return index;
+    delete index;
+    return nullptr;
+}
+
+void CVekTypedDataReader::DropIndex()
+{
+    delete m_index;
+    m_index = nullptr;
+}
+
+CVekTypedDataEntry const * CVekTypedDataReader::FindTyped(wchar_t const * name, VEK_DATATYPE type) const
+{
+    CVekTypedDataEntry const * const entry = FindEntry(name);
+    return entry && entry->m_value.GetType() == type ? entry : nullptr;
+}
+
+// --- typed reads ----------------------------------------------------------------------------------------------------
+
+template <class T>
+bool CVekTypedDataReader::ReadValue(wchar_t const * name, VEK_DATATYPE type, T & value, T const & defaultValue) const
+{
+    CVekTypedDataEntry const * const entry = FindTyped(name, type);
+    value = entry ? static_cast<T const &>(entry->m_value) : defaultValue;
+    return entry != nullptr;
+}
+
+template <class T>
+bool CVekTypedDataReader::ReadText(wchar_t const * name, VEK_DATATYPE type, CVekString<T> & value,
+                                   T const * defaultValue) const
+{
+    CVekTypedDataEntry const * const entry = FindTyped(name, type);
+    if (!entry)
+    {
+        value.Assign(defaultValue);
+        return false;
+    }
+    CVekString<T> const & text = entry->m_value;
+    value.Assign(text);
+    return value.GetLength() == text.GetLength();
+}
+
+bool CVekTypedDataReader::ReadBool(wchar_t const * name, bool & value, bool defaultValue) const
+{
+    return ReadValue(name, VEK_DT_BOOL, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadChar(wchar_t const * name, char & value, char defaultValue) const
+{
+    return ReadValue(name, VEK_DT_CHAR, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadWChar(wchar_t const * name, wchar_t & value, wchar_t defaultValue) const
+{
+    unsigned short unit = 0;
+    bool const found = ReadValue<unsigned short>(name, VEK_DT_WCHAR, unit, static_cast<unsigned short>(defaultValue));
+    value = static_cast<wchar_t>(unit);
+    return found;
+}
+
+bool CVekTypedDataReader::ReadByte(wchar_t const * name, unsigned char & value, unsigned char defaultValue) const
+{
+    return ReadValue(name, VEK_DT_UCHAR, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadInt16(wchar_t const * name, short & value, short defaultValue) const
+{
+    return ReadValue(name, VEK_DT_SHORT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadInt32(wchar_t const * name, int & value, int defaultValue) const
+{
+    return ReadValue(name, VEK_DT_INT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadWord(wchar_t const * name, unsigned short & value, unsigned short defaultValue) const
+{
+    return ReadValue(name, VEK_DT_USHORT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadDWord(wchar_t const * name, unsigned int & value, unsigned int defaultValue) const
+{
+    return ReadValue(name, VEK_DT_UINT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadFloat(wchar_t const * name, float & value, float defaultValue) const
+{
+    return ReadValue(name, VEK_DT_FLOAT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadDouble(wchar_t const * name, double & value, double defaultValue) const
+{
+    return ReadValue(name, VEK_DT_DOUBLE, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadString(wchar_t const * name, CVekString<char> & value, char const * defaultValue) const
+{
+    return ReadText(name, VEK_DT_STRINGA, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadWString(wchar_t const * name, CVekString<wchar_t> & value,
+                                      wchar_t const * defaultValue) const
+{
+    return ReadText(name, VEK_DT_STRINGW, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadGUID(wchar_t const * name, GUID & value, GUID const & defaultValue) const
+{
+    return ReadValue(name, VEK_DT_GUID, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadColor(wchar_t const * name, CVekRGBA<unsigned char> & value,
+                                    CVekRGBA<unsigned char> const & defaultValue) const
+{
+    return ReadValue(name, VEK_DT_RGBA_UCHAR, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadColor(wchar_t const * name, CVekRGBA<float> & value,
+                                    CVekRGBA<float> const & defaultValue) const
+{
+    return ReadValue(name, VEK_DT_RGBA_FLOAT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadVector(wchar_t const * name, CVekVector4D<int> & value,
+                                     CVekVector4D<int> const & defaultValue) const
+{
+    return ReadValue(name, VEK_DT_VECTOR4D_INT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadVector(wchar_t const * name, CVekVector4D<float> & value,
+                                     CVekVector4D<float> const & defaultValue) const
+{
+    return ReadValue(name, VEK_DT_VECTOR4D_FLOAT, value, defaultValue);
+}
+
+bool CVekTypedDataReader::ReadVector(wchar_t const * name, CVekVector4D<double> & value,
+                                     CVekVector4D<double> const & defaultValue) const
+{
+    return ReadValue(name, VEK_DT_VECTOR4D_DOUBLE, value, defaultValue);
+}
+
+template <class T>
+bool CVekTypedDataReader::ReadMatrixOf(wchar_t const * name, VEK_DATATYPE type, CVekMatrix<T> & value) const
+{
+    CVekTypedDataEntry const * const entry = FindTyped(name, type);
+    if (!entry)
+        return false;
+    auto const isFourByFour = [&value] { return value.GetRows() == 4 && value.GetColumns() == 4; };
+    if (!isFourByFour() || !value.GetElements())
+        value.Create(4, 4);
+    if (!isFourByFour() || !value.GetElements())
+        return false;
+    CVekMatrix4x4<T> const & stored = entry->m_value;
+    memcpy(value.GetElements(), stored.GetElements(), 16 * sizeof(T));
+    return true;
+}
+
+bool CVekTypedDataReader::ReadMatrix(wchar_t const * name, CVekMatrix<float> & value)
+{
+    return ReadMatrixOf(name, VEK_DT_MATRIX4X4_FLOAT, value);
+}
+
+bool CVekTypedDataReader::ReadMatrix(wchar_t const * name, CVekMatrix<double> & value)
+{
+    return ReadMatrixOf(name, VEK_DT_MATRIX4X4_DOUBLE, value);
+}
+
+bool CVekTypedDataReader::ReadBuffer(wchar_t const * name, unsigned char * destination, int size) const
+{
+    CVekTypedDataEntry const * const entry = size > 0 && destination ? FindTyped(name, VEK_DT_BUFFER) : nullptr;
+    if (!entry || !entry->m_value.GetBuffer() || entry->m_value.GetBufferSize() < size)
+        return false;
+    memcpy(destination, entry->m_value.GetBuffer(), static_cast<size_t>(size));
+    return true;
+}

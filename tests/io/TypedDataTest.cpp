@@ -1,0 +1,501 @@
+#include "VekLib.h"
+
+#include "support/Files.h"
+#include "support/GuardHeap.h"
+#include "support/LogCapture.h"
+#include "support/TestStream.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+#include <windows.h>
+
+namespace
+{
+
+using namespace std::string_literals;
+using Writing = std::function<bool(CVekTypedDataWriter &)>;
+
+constexpr GUID SOME_ID = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+
+template <class Matrix>
+Matrix CountUp()
+{
+    Matrix matrix;
+    for (unsigned int i = 0; i < 16; ++i)
+        matrix(i / 4, i % 4) = static_cast<float>(i);
+    return matrix;
+}
+
+/// A host's stream that can't tell its size.
+class EndlessStream final : public TestStream
+{
+public:
+    unsigned int GetSize() const override { return 0xFFFFFFFF; }
+};
+
+constexpr char const * STREAMS[] = {"host", "host without size", "memory", "file", "file as text"};
+constexpr int HOST = 0, MEMORY = 2, BINARY_FILE = 3;
+
+/// Runs the work on a stream of that kind that holds the bytes; text files hold them as text.
+template <class Work>
+void WithBytes(int kind, std::string const & bytes, Work work, VEK_BYTEORDER order = VEK_BYTEORDER_BIG)
+{
+    SCOPED_TRACE(STREAMS[kind]);
+    if (kind < MEMORY)
+    {
+        EndlessStream endless;
+        TestStream host;
+        TestStream & stream = kind == HOST ? host : endless;
+        stream.bytes = bytes;
+        stream.streamOrder = order;
+        return work(stream);
+    }
+    if (kind == MEMORY)
+    {
+        CVekMemoryIOStream stream;
+        stream.SetStreamByteOrder(order);
+        if (!bytes.empty())
+        {
+            ASSERT_TRUE(stream.Open(nullptr, VEK_IO_READ, static_cast<unsigned int>(bytes.size())));
+            std::memcpy(stream.GetBuffer(), bytes.data(), bytes.size());
+        }
+        return work(stream);
+    }
+    unsigned int const mode = kind == BINARY_FILE ? VEK_IO_BINARY : VEK_IO_TEXT;
+    std::wstring const path = TemporaryPath(L"typed.dat");
+    CVekFileIOStream stream;
+    stream.SetStreamByteOrder(order);
+    ASSERT_TRUE(stream.Open(path.c_str(), VEK_IO_WRITE | mode, 0));
+    stream.Write(bytes.data(), static_cast<unsigned int>(bytes.size()), true);
+    ASSERT_TRUE(stream.Open(path.c_str(), VEK_IO_READ | mode, 0));
+    work(stream);
+}
+
+/// What a writer gives on a stream of that kind.
+std::string Written(int kind, CVekTypedDataWriter & writer, VEK_BYTEORDER order = VEK_BYTEORDER_BIG)
+{
+    SCOPED_TRACE(STREAMS[kind]);
+    TestStream host;
+    host.streamOrder = order;
+    EXPECT_TRUE(writer.Write(&host));
+    if (kind == MEMORY)
+    {
+        CVekMemoryIOStream stream; // of just the size that is needed
+        stream.SetStreamByteOrder(order);
+        stream.Open(nullptr, VEK_IO_WRITE, static_cast<unsigned int>(host.bytes.size()));
+        EXPECT_TRUE(writer.Write(&stream));
+        EXPECT_TRUE(stream.IsAtEnd());
+        return {reinterpret_cast<char const *>(stream.GetBuffer()), host.bytes.size()};
+    }
+    if (kind == BINARY_FILE)
+    {
+        std::wstring const path = TemporaryPath(L"typed.dat");
+        CVekFileIOStream stream;
+        stream.SetStreamByteOrder(order);
+        EXPECT_TRUE(stream.Open(path.c_str(), VEK_IO_WRITE | VEK_IO_BINARY, 0));
+        EXPECT_TRUE(writer.Write(&stream));
+        EXPECT_EQ(stream.GetPosition(), static_cast<int>(host.bytes.size()));
+        stream.Close();
+        return FileBytes(path);
+    }
+    return host.bytes;
+}
+
+/// Writes what a reader has got once more.
+void Copy(CVekTypedDataEntry const & entry, CVekTypedDataWriter & writer)
+{
+    wchar_t const * const name = entry.GetName();
+    VEK_VARIANT const & value = entry.Val();
+    bool copied = true;
+    switch (value.GetType())
+    {
+#define COPY(type, operation, held)                                                                                    \
+    case type:                                                                                                         \
+        copied = writer.operation(name, static_cast<held const &>(value));                                             \
+        break;
+        COPY(1, WriteBool, bool)
+        COPY(2, WriteByte, unsigned char)
+        COPY(3, WriteChar, char)
+        COPY(4, WriteWChar, unsigned short)
+        COPY(5, WriteInt16, short)
+        COPY(6, WriteWord, unsigned short)
+        COPY(7, WriteInt32, int)
+        COPY(8, WriteDWord, unsigned int)
+        COPY(9, WriteFloat, float)
+        COPY(10, WriteDouble, double)
+        COPY(11, WriteString, CVekString<char>)
+        COPY(12, WriteWString, CVekString<wchar_t>)
+        COPY(13, WriteColor, CVekRGBA<unsigned char>)
+        COPY(14, WriteColor, CVekRGBA<float>)
+        COPY(15, WriteVector, CVekVector4D<int>)
+        COPY(16, WriteVector, CVekVector4D<float>)
+        COPY(17, WriteVector, CVekVector4D<double>)
+        COPY(18, WriteMatrix, CVekMatrix4x4<float>)
+        COPY(19, WriteMatrix, CVekMatrix4x4<double>)
+        COPY(20, WriteGUID, GUID)
+#undef COPY
+    default:
+        copied = writer.WriteBuffer(name, value.GetBuffer(), value.GetBufferSize());
+    }
+    EXPECT_TRUE(copied);
+}
+
+std::string Again(CVekTypedDataReader const & reader)
+{
+    CVekTypedDataWriter writer;
+    for (int i = 0; i < reader.GetNumEntries(); ++i)
+        Copy(*reader.GetEntry(i), writer);
+    return Written(HOST, writer);
+}
+
+struct Golden
+{
+    char const * name;
+    Writing write;
+    std::string value; // its bytes, type included
+};
+
+Golden const GOLDEN[] = {
+    // clang-format off
+    {"true", [](auto & w) { return w.WriteBool(L"n", true); }, "\x01\0\0\0\x01"s},
+    {"false", [](auto & w) { return w.WriteBool(L"n", false); }, "\x01\0\0\0\0"s},
+    {"byte", [](auto & w) { return w.WriteByte(L"n", 200); }, "\x02\0\0\0\xC8"s},
+    {"char", [](auto & w) { return w.WriteChar(L"n", 'A'); }, "\x03\0\0\0A"s},
+    {"wchar_t", [](auto & w) { return w.WriteWChar(L"n", L'\x20AC'); }, "\x04\0\0\0\xAC\x20"s},
+    {"short", [](auto & w) { return w.WriteInt16(L"n", -2); }, "\x05\0\0\0\xFE\xFF"s},
+    {"unsigned short", [](auto & w) { return w.WriteWord(L"n", 0x0102); }, "\x06\0\0\0\x02\x01"s},
+    {"int", [](auto & w) { return w.WriteInt32(L"n", 0x01020304); }, "\x07\0\0\0\x04\x03\x02\x01"s},
+    {"unsigned int", [](auto & w) { return w.WriteDWord(L"n", 0x81020304); }, "\x08\0\0\0\x04\x03\x02\x81"s},
+    {"float", [](auto & w) { return w.WriteFloat(L"n", 1.0f); }, "\x09\0\0\0\0\0\x80\x3F"s},
+    {"double", [](auto & w) { return w.WriteDouble(L"n", -1.5); }, "\x0A\0\0\0\0\0\0\0\0\0\xF8\xBF"s},
+    {"text", [](auto & w) { return w.WriteString(L"n", "ab\xE9"); }, "\x0B\0\0\0\x03\0\0\0ab\xE9"s},
+    {"null text", [](auto & w) { return w.WriteString(L"n", nullptr); }, "\x0B\0\0\0\0\0\0\0"s},
+    {"wide text", [](auto & w) { return w.WriteWString(L"n", L"a\x20AC"); }, "\x0C\0\0\0\x02\0\0\0a\0\xAC\x20"s},
+    {"colour", [](auto & w) { return w.WriteColor(L"n", CVekRGBA<unsigned char>(1, 2, 3, 255)); },
+     "\x0D\0\0\0\x01\x02\x03\xFF"s},
+    {"float colour", [](auto & w) { return w.WriteColor(L"n", CVekRGBA<float>(0, 1, 2, -1)); },
+     "\x0E\0\0\0\0\0\0\0\0\0\x80\x3F\0\0\0\x40\0\0\x80\xBF"s},
+    {"int vector", [](auto & w) { return w.WriteVector(L"n", CVekVector4D<int>(1, 2, 3, -1)); },
+     "\x0F\0\0\0\x01\0\0\0\x02\0\0\0\x03\0\0\0\xFF\xFF\xFF\xFF"s},
+    {"float vector", [](auto & w) { return w.WriteVector(L"n", CVekVector4D<float>(0, 1, 2, -1)); },
+     "\x10\0\0\0\0\0\0\0\0\0\x80\x3F\0\0\0\x40\0\0\x80\xBF"s},
+    {"double vector", [](auto & w) { return w.WriteVector(L"n", CVekVector4D<double>(1, 0, 0, 0)); },
+     "\x11\0\0\0\0\0\0\0\0\0\xF0\x3F"s + std::string(24, '\0')},
+    {"float matrix", [](auto & w) { auto m = CVekMatrix4x4<float>(); m(0, 1) = 1; return w.WriteMatrix(L"n", m); },
+     "\x12\0\0\0\0\0\0\0\0\0\x80\x3F"s + std::string(56, '\0')},
+    {"double matrix", [](auto & w) { auto m = CVekMatrix4x4<double>(); m(3, 3) = 1; return w.WriteMatrix(L"n", m); },
+     "\x13\0\0\0"s + std::string(126, '\0') + "\xF0\x3F"s},
+    {"kept: a GUID has no bytes", [](auto & w) { return w.WriteGUID(L"n", SOME_ID); }, "\x14\0\0\0"s},
+    {"buffer", [](auto & w) { return w.WriteBuffer(L"n", reinterpret_cast<unsigned char const *>("x\0y"), 3); },
+     "\x15\0\0\0\x03\0\0\0x\0y"s},
+    {"buffer of one byte", [](auto & w) { return w.WriteBuffer(L"n", reinterpret_cast<unsigned char const *>("z"), 1); },
+     "\x15\0\0\0\x01\0\0\0z"s},
+    // clang-format on
+};
+
+constexpr VEK_BYTEORDER REVERSED = VEK_BYTEORDER_LITTLE; // the system's is left at the other one
+
+/// A writer with one entry of each row.
+void AddAll(CVekTypedDataWriter & writer)
+{
+    for (Golden const & row : GOLDEN)
+        EXPECT_TRUE(row.write(writer)) << row.name;
+}
+
+TEST(TypedData, GoldenBytes)
+{
+    for (Golden const & row : GOLDEN)
+    {
+        SCOPED_TRACE(row.name);
+        CVekTypedDataWriter writer;
+        ASSERT_TRUE(row.write(writer));
+        std::string const expected = "\x01\0\0\0\x01\0\0\0n\0"s + row.value;
+        for (int const kind : {HOST, MEMORY, BINARY_FILE})
+        {
+            EXPECT_EQ(Written(kind, writer), expected);
+            WithBytes(kind, expected,
+                      [&](IVekIOStream & stream) { EXPECT_EQ(Again(CVekTypedDataReader(&stream)), expected); });
+        }
+    }
+    CVekTypedDataWriter empty;
+    EXPECT_EQ(Written(HOST, empty), "\0\0\0\0"s);
+    CVekTypedDataWriter reversed;
+    reversed.WriteInt32(L"\x20AC", 0x01020304);
+    reversed.WriteWString(L"", L"a");
+    for (int const kind : {HOST, MEMORY, BINARY_FILE})
+        EXPECT_EQ(Written(kind, reversed, REVERSED), "\0\0\0\x02\0\0\0\x01\x20\xAC\0\0\0\x07\x01\x02\x03\x04"
+                                                     "\0\0\0\0\0\0\0\x0C\0\0\0\x01\0a"s);
+}
+
+TEST(TypedData, RandomEntriesAreTheSameThroughAllStreams)
+{
+    std::mt19937 random(4711);
+    auto const text = [&random](auto & into)
+    {
+        constexpr std::size_t lengths[] = {0, 3, 60, 1023, 1024, 1025, 20000};
+        into.resize(lengths[random() % 7]);
+        for (auto & unit : into)
+            unit = static_cast<std::remove_reference_t<decltype(unit)>>(1 + random() % 254);
+    };
+    CVekTypedDataWriter writer;
+    int const count = 300;
+    for (int i = 0; i < count; ++i)
+    {
+        std::wstring name, wide;
+        std::string narrow;
+        text(name);
+        text(wide);
+        text(narrow);
+        CVekTypedDataEntry entry(name.c_str(), static_cast<VEK_DATATYPE>(1 + i % 21));
+        auto const number = static_cast<unsigned int>(random());
+        unsigned char * const object = entry.Val().GetBuffer();
+        if (entry.Val().GetType() == VEK_DT_MATRIX4X4_FLOAT)
+            entry.Val() = CountUp<CVekMatrix4x4<float>>();
+        else if (entry.Val().GetType() == VEK_DT_MATRIX4X4_DOUBLE)
+            entry.Val() = CountUp<CVekMatrix4x4<double>>();
+        else if (object)
+            std::fill_n(object, VekDataTypeSize(entry.Val().GetType()), static_cast<unsigned char>(number & 0x3F));
+        else if (entry.Val().GetType() == VEK_DT_BUFFER)
+            entry.Val().CopyBuffer(reinterpret_cast<unsigned char const *>(("x" + narrow).data()),
+                                   static_cast<int>(narrow.size() + 1));
+        else if (entry.Val().GetType() == VEK_DT_BOOL)
+            entry.Val() = number % 2 == 0;
+        else
+            ((entry.Val() = number) = narrow.c_str()) = wide.c_str();
+        Copy(entry, writer);
+    }
+    std::string const plain = Written(HOST, writer);
+    for (VEK_BYTEORDER const order : {VEK_BYTEORDER_BIG, REVERSED})
+    {
+        std::string const bytes = Written(HOST, writer, order);
+        EXPECT_NE(bytes == plain, order == REVERSED);
+        EXPECT_TRUE(Written(MEMORY, writer, order) == bytes);
+        EXPECT_TRUE(Written(BINARY_FILE, writer, order) == bytes);
+        for (int kind = HOST; kind <= BINARY_FILE; ++kind)
+            WithBytes(
+                kind, bytes + "rest",
+                [&](IVekIOStream & stream)
+                {
+                    CVekTypedDataReader reader;
+                    EXPECT_TRUE(reader.Read(&stream));
+                    EXPECT_EQ(stream.GetPosition(), static_cast<int>(bytes.size()));
+                    EXPECT_EQ(reader.GetNumEntries(), count);
+                    EXPECT_TRUE(Again(reader) == plain);
+                },
+                order);
+    }
+}
+
+TEST(TypedData, EveryTruncationIsToldAndLeavesTheEntriesBeforeIt)
+{
+    CVekTypedDataWriter writer;
+    AddAll(writer);
+    std::string const whole = Written(HOST, writer);
+    for (int kind = 0; kind < static_cast<int>(std::size(STREAMS)); ++kind)
+    {
+        for (std::size_t size = 0; size <= whole.size() && !testing::Test::HasFailure(); ++size)
+        {
+            SCOPED_TRACE(size);
+            WithBytes(kind, whole.substr(0, size),
+                      [&](IVekIOStream & stream)
+                      {
+                          CVekTypedDataReader reader;
+                          EXPECT_EQ(reader.Read(&stream), size == whole.size());
+                          std::string const got = Again(reader);
+                          EXPECT_EQ(whole.compare(4, got.size() - 4, got, 4), 0);
+                      });
+        }
+    }
+}
+
+TEST(TypedData, LyingStreams)
+{
+    struct Row
+    {
+        char const * name;
+        std::string bytes;
+        bool read;
+        int entries;
+    };
+    std::string const good = "\x01\0\0\0n\0\x03\0\0\0A"s;
+    std::string const head = "\x02\0\0\0"s + good;
+    Row const rows[] = {
+        {"kept: a negative count is none", "\xFF\xFF\xFF\xFF"s, true, 0},
+        {"count beyond the stream", "\xFF\xFF\xFF\x7F"s + good, false, 0},
+        {"count of entries of 8 bytes", "\x02\0\0\0"s + good, false, 0},
+        {"negative name length", head + "\xFF\xFF\xFF\xFF\x07\0\0\0"s, false, 1},
+        {"name beyond the stream", head + "\xFF\xFF\xFF\x7F\x07\0\0\0"s, false, 1},
+        {"long name beyond the stream", head + "\x01\x04\0\0"s + std::string(2048, 'x'), false, 1},
+        {"negative text length", head + "\0\0\0\0\x0B\0\0\0\xFF\xFF\xFF\xFF"s, false, 1},
+        {"text beyond the stream", head + "\0\0\0\0\x0B\0\0\0\xFE\xFF\xFF\x7F"s, false, 1},
+        {"negative wide text length", head + "\0\0\0\0\x0C\0\0\0\0\0\0\x80"s, false, 1},
+        {"wide text beyond the stream", head + "\0\0\0\0\x0C\0\0\0\x02\0\0\0x\0y"s, false, 1},
+        {"negative buffer size", head + "\0\0\0\0\x15\0\0\0\xFF\xFF\xFF\xFF"s, false, 1},
+        {"buffer beyond the stream", head + "\0\0\0\0\x15\0\0\0\xFF\xFF\xFF\x7Fxy"s, false, 1},
+        {"empty buffer", head + "\0\0\0\0\x15\0\0\0\0\0\0\0"s, true, 2},
+        {"kept: type 0 has no bytes", head + "\0\0\0\0\0\0\0\0"s, true, 2},
+        {"kept: type 22 has no bytes", head + "\0\0\0\0\x16\0\0\0"s, true, 2},
+        {"type -1", head + "\0\0\0\0\xFF\xFF\xFF\xFF"s, true, 2},
+        {"a zero ends a name and a text", head + "\x03\0\0\0a\0\0\0b\0\x0B\0\0\0\x03\0\0\0x\0y"s, true, 2},
+    };
+    for (Row const & row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        for (int kind = 0; kind < static_cast<int>(std::size(STREAMS)); ++kind)
+            WithBytes(kind, row.bytes,
+                      [&](IVekIOStream & stream)
+                      {
+                          CVekTypedDataReader reader;
+                          bool const read = reader.Read(&stream);
+                          EXPECT_EQ(read, row.read);
+                          bool const knowsSize = kind == HOST || kind == MEMORY || kind == BINARY_FILE;
+                          EXPECT_TRUE(!knowsSize || reader.GetNumEntries() == row.entries);
+                          CVekString<char> text;
+                          EXPECT_TRUE(!reader.ReadString(L"A", text, "") || text.Compare("x") == 0);
+                      });
+    }
+    CVekTypedDataReader reader;
+    EXPECT_FALSE(reader.Read(nullptr));
+    CVekFileIOStream closed;
+    EXPECT_FALSE(reader.Read(&closed));
+}
+
+TEST(TypedData, RefusedWrites)
+{
+    CVekTypedDataWriter writer;
+    AddAll(writer);
+    EXPECT_FALSE(writer.WriteBuffer(L"n", reinterpret_cast<unsigned char const *>("x"), 0));
+    EXPECT_FALSE(writer.WriteBuffer(L"n", nullptr, 5));
+    EXPECT_FALSE(writer.Write(nullptr));
+    TestStream probe;
+    ASSERT_TRUE(writer.Write(&probe));
+    for (unsigned int n = 1; n <= probe.transfers; ++n)
+    {
+        TestStream stream;
+        stream.failFrom = n;
+        EXPECT_FALSE(writer.Write(&stream)) << n;
+        EXPECT_EQ(stream.transfers, n) << "nothing after a refused write";
+        EXPECT_EQ(probe.bytes.compare(0, stream.bytes.size(), stream.bytes), 0) << n;
+    }
+    // A memory stream that is full after any byte, against what its own typed writes leave there.
+    LogCapture log;
+    CVekTypedDataWriter scalars, buffer;
+    scalars.WriteInt32(L"ab", 7);
+    scalars.WriteChar(L"", 'x');
+    buffer.WriteBuffer(L"", reinterpret_cast<unsigned char const *>("12345"), 5);
+    for (unsigned int size = 1; size <= 30; ++size)
+    {
+        SCOPED_TRACE(size);
+        CVekMemoryIOStream stream, expected;
+        stream.Open(nullptr, VEK_IO_WRITE, size);
+        expected.Open(nullptr, VEK_IO_WRITE, size);
+        std::memset(stream.GetBuffer(), 0xEE, size);
+        std::memset(expected.GetBuffer(), 0xEE, size);
+        for (int const value : {2, 2})
+            expected.WriteInt32(value, true);
+        expected.WriteWChar(L'a', true);
+        expected.WriteWChar(L'b', true);
+        for (int const value : {7, 7, 0, 3})
+            expected.WriteInt32(value, true);
+        expected.WriteChar('x', true);
+        EXPECT_TRUE(scalars.Write(&stream)) << "kept: a full memory stream refuses no single value";
+        EXPECT_EQ(std::memcmp(stream.GetBuffer(), expected.GetBuffer(), size), 0);
+        EXPECT_EQ(stream.GetPosition(), expected.GetPosition());
+        stream.Open(nullptr, VEK_IO_WRITE, size);
+        EXPECT_EQ(buffer.Write(&stream), size >= 21) << "but a buffer";
+    }
+    EXPECT_EQ(log.Lines().size(), 20U);
+}
+
+TEST(TypedData, LookUps)
+{
+    CVekTypedDataWriter writer;
+    AddAll(writer);
+    writer.WriteInt32(L"Twice", 1);
+    writer.WriteInt32(L"TWICE", 2);
+    writer.WriteFloat(L"f", 2.5f);
+    writer.WriteMatrix(L"m", CountUp<CVekMatrix4x4<float>>());
+    writer.WriteGUID(L"id", SOME_ID);
+    writer.WriteBuffer(L"b", reinterpret_cast<unsigned char const *>("1234"), 4);
+    writer.WriteWChar(L"\xE4", L'\x20AC');
+    writer.WriteBool(nullptr, true);
+    for (int const more : {0, 1000}) // short lists are searched, long ones have an index
+    {
+        SCOPED_TRACE(more);
+        for (int i = 0; i < more; ++i)
+            writer.WriteInt32((L"x" + std::to_wstring(i)).c_str(), i);
+        TestStream stream;
+        ASSERT_TRUE(writer.Write(&stream));
+        stream.SetPosition(0, false);
+        CVekTypedDataReader reader(&stream);
+        int number = 0;
+        EXPECT_TRUE(reader.ReadInt32(L"tWICE", number, 5) && number == 1) << "the first wins";
+        EXPECT_TRUE(!reader.ReadInt32(L"f", number, 5) && number == 5) << "no conversion";
+        unsigned int word = 0;
+        EXPECT_TRUE(!reader.ReadDWord(L"Twice", word, 6) && word == 6) << "no conversion";
+        EXPECT_TRUE(!reader.ReadInt32(L"Twic", number, 7) && number == 7);
+        bool flag = false;
+        EXPECT_TRUE(reader.ReadBool(L"", flag, false) && flag && reader.ReadBool(nullptr, flag, false));
+        wchar_t unit = 0;
+        EXPECT_TRUE(reader.ReadWChar(L"\xE4", unit, 0) && unit == L'\x20AC');
+        EXPECT_FALSE(reader.ReadWChar(L"\xC4", unit, L'?')) << "only ASCII letters are folded";
+        EXPECT_EQ(unit, L'?');
+        GUID id = SOME_ID;
+        EXPECT_TRUE(reader.ReadGUID(L"id", id, SOME_ID) && id.Data1 == 0) << "kept: no value";
+        CVekString<wchar_t> text(L"old");
+        EXPECT_TRUE(!reader.ReadWString(L"none", text, nullptr) && text.IsEmpty());
+        unsigned char bytes[4] = {};
+        EXPECT_TRUE(reader.ReadBuffer(L"B", bytes, 3) && bytes[2] == '3' && bytes[3] == 0);
+        for (int const size : {0, 5, -1})
+            EXPECT_FALSE(reader.ReadBuffer(L"B", bytes, size)) << size;
+        CVekMatrix<float> matrix, square(4, 4);
+        CVekMatrixMxN<float, 3, 3> fixed;
+        EXPECT_FALSE(reader.ReadMatrix(L"none", matrix));
+        EXPECT_TRUE(reader.ReadMatrix(L"m", matrix) && matrix.GetRows() == 4 && matrix(2, 1) == 9);
+        EXPECT_TRUE(reader.ReadMatrix(L"m", square) && square(3, 3) == 15);
+        EXPECT_FALSE(reader.ReadMatrix(L"m", fixed));
+        for (int i = 0; i < more; ++i)
+            EXPECT_TRUE(reader.ReadInt32((L"X" + std::to_wstring(i)).c_str(), number, -1) && number == i);
+        int const before = reader.GetNumEntries();
+        stream.SetPosition(0, false);
+        EXPECT_TRUE(reader.Read(&stream) && reader.GetNumEntries() == 2 * before) << "adds to what is there";
+        reader.Clear();
+        EXPECT_TRUE(reader.GetNumEntries() == 0 && !reader.FindEntry(L"Twice"));
+    }
+}
+
+TEST(TypedData, AllocationFailures)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP();
+    CVekTypedDataWriter whole;
+    AddAll(whole);
+    std::string const expected = Written(HOST, whole);
+    TestStream stream;
+    int failures = 0;
+    for (std::size_t n = 1;; ++n)
+    {
+        SCOPED_TRACE(n);
+        bool all = true;
+        stream.bytes = expected;
+        stream.SetPosition(0, false);
+        CVekTypedDataWriter writer;
+        CVekTypedDataReader reader;
+        VekGuard::FailAllocation(n);
+        for (Golden const & row : GOLDEN)
+            all = row.write(writer) && all;
+        all = reader.Read(&stream) && all;
+        if (!VekGuard::FailReset())
+            break;
+        std::string const got = Again(reader);
+        EXPECT_TRUE(all ? got == expected && Written(HOST, writer) == expected
+                        : expected.compare(4, got.size() - 4, got, 4) == 0);
+        failures += !all;
+    }
+    EXPECT_GT(failures, 60);
+}
+
+} // namespace
