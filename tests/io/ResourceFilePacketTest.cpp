@@ -134,23 +134,27 @@ TEST(ResourceFilePacket, CopiesAreShallow)
 {
     int anything = 0;
     auto * const manager = reinterpret_cast<IVekResourceFileManager *>(&anything);
+    LogCapture const log;
     Packet source(manager), child(nullptr), target(nullptr), above(nullptr);
-    source.AddChild(&child, -1);
+    for (int i = 0; i < 3; ++i)
+        source.AddChild(&child, -1);
     source.SetParent(&above);
     source.AddRef();
-    Packet const copy(source);
+    Packet copy(source);
     target = source;
     target = *&target;
-    for (Packet const * packet : {&copy, static_cast<Packet const *>(&target)})
+    for (Packet const * packet : {&copy, &target})
     {
         EXPECT_EQ(packet->GetRefCount(), 2u) << "kept: the count is copied";
         EXPECT_TRUE(packet->GetParent() == &above && packet->GetManager() == manager);
-        ASSERT_EQ(packet->GetNumChildren(), 1);
-        EXPECT_EQ(packet->GetChild(0), &child);
+        ASSERT_EQ(packet->GetNumChildren(), 3);
+        EXPECT_EQ(packet->GetChild(2), &child);
     }
-    EXPECT_EQ(child.GetRefCount(), 2u) << "kept: no references added, and none given back at the end";
+    EXPECT_EQ(child.GetRefCount(), 4u) << "kept: no references added, and none given back at the end";
     target.AddChild(&above, 0);
-    EXPECT_EQ(source.GetNumChildren() + copy.GetNumChildren(), 2) << "each has an array of its own";
+    copy.AddChild(&target, 0);
+    EXPECT_TRUE(source.GetNumChildren() == 3 && source.GetChild(0) == &child && target.GetChild(0) == &above)
+        << "each has an array of its own";
 }
 
 TEST(ResourceFilePacket, Slots)
