@@ -21,15 +21,12 @@ namespace
 
 struct VekPackets : testing::Test
 {
-    VekPackets()
+    VekPackets() { Clean(); }
+    ~VekPackets() override { Clean(); } // other tests expect files alone
+    void Clean() const
     {
-        std::filesystem::remove_all(m_folder + L"in");
-        std::filesystem::remove_all(m_folder + L"out");
-    }
-    ~VekPackets() override
-    {
-        std::filesystem::remove_all(m_folder + L"in");
-        std::filesystem::remove_all(m_folder + L"out");
+        for (wchar_t const * const name : {L"in", L"out"})
+            std::filesystem::remove_all(m_folder + name);
     }
     static CVekResourceFilePacket * Add(packetfile::Manager & manager, CVekResourceFilePacket * parent,
                                         unsigned int type, std::wstring const & name)

@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <functional>
 #include <tuple>
 
 #if defined(__i386__)
@@ -19,6 +17,9 @@ static_assert(sizeof(CVekResourceFileFolderPacket) == sizeof(CVekResourceFilePac
 
 namespace
 {
+
+constexpr wchar_t const * STILL_BELONGS =
+    L"CVekResourceFilePacket::SetParent --> This packet still belongs to other packet";
 
 template <class Base>
 struct PacketOf final : Base
@@ -45,6 +46,15 @@ struct Family
     {
         return !packet ? '0' : packet == &a ? 'A' : packet == &b ? 'B' : packet == &p ? 'p' : '?';
     }
+    int Do(char operation, char name, int index)
+    {
+        Packet * const packet = name == 'A' ? &a : name == 'p' ? &p : nullptr;
+        return operation == 'A'   ? parent.AddChild(packet, index)
+               : operation == 'R' ? parent.RemoveChild(index)
+               : operation == '*' ? parent.RemoveChild(packet)
+               : operation == 'G' ? parent.GetChild(index) != nullptr
+                                  : (parent.RemoveAllChildren(), 0);
+    }
     std::string Children() const
     {
         std::string text;
@@ -64,49 +74,41 @@ TEST(ResourceFilePacket, CountsReferences)
 
 TEST(ResourceFilePacket, ListOperations)
 {
-    constexpr wchar_t const * bad = L"CVekResourceFilePacket::RemovePacket --> Invalid index ";
-    constexpr wchar_t const * get = L"CVekResourceFilePacket::GetChild --> Invalid index ";
-    constexpr wchar_t const * owned =
-        L"CVekResourceFilePacket::SetParent --> This packet still belongs to other packet";
-    std::tuple<char const *, std::function<int(Family &)>, int, char const *, std::wstring> const rows[] = {
-        {"append", [](Family & f) { return f.parent.AddChild(&f.p, -1); }, 2, "ABp", L""},
-        {"insert first", [](Family & f) { return f.parent.AddChild(&f.p, 0); }, 0, "pAB", L""},
-        {"insert before last", [](Family & f) { return f.parent.AddChild(&f.p, 1); }, 1, "ApB", L""},
-        {"kept: the index asked for, at the end", [](Family & f) { return f.parent.AddChild(&f.p, 2); }, 2, "ABp", L""},
-        {"kept: the index asked for, beyond", [](Family & f) { return f.parent.AddChild(&f.p, 7); }, 7, "ABp", L""},
-        {"kept: the index asked for, negative", [](Family & f) { return f.parent.AddChild(&f.p, -5); }, -5, "ABp", L""},
-        {"kept: added again", [](Family & f) { return f.parent.AddChild(&f.a, -1); }, 2, "ABA", owned},
-        {"null entry", [](Family & f) { return f.parent.AddChild(nullptr, 0); }, 0, "0AB", L""},
-        {"remove by index", [](Family & f) -> int { return f.parent.RemoveChild(0); }, 1, "B", L""},
-        {"kept: message of another name", [](Family & f) -> int { return f.parent.RemoveChild(2); }, 0, "AB",
-         std::wstring(bad) + L"2"},
-        {"remove at -1", [](Family & f) -> int { return f.parent.RemoveChild(-1); }, 0, "AB",
-         std::wstring(bad) + L"-1"},
-        {"remove by pointer", [](Family & f) -> int { return f.parent.RemoveChild(&f.a); }, 1, "B", L""},
-        {"remove what is not there", [](Family & f) -> int { return f.parent.RemoveChild(&f.p); }, 0, "AB", L""},
-        {"remove of nothing", [](Family & f) -> int { return f.a.RemoveChild(&f.p); }, 0, "AB", L""},
-        {"remove a null entry",
-         [](Family & f) -> int { return f.parent.AddChild(nullptr, 1), f.parent.RemoveChild(nullptr); }, 1, "AB", L""},
-        {"kept: RemoveAllChildren removes none", [](Family & f) { return f.parent.RemoveAllChildren(), 0; }, 0, "AB",
-         L""},
-        {"get below", [](Family & f) -> int { return f.parent.GetChild(-1) != nullptr; }, 0, "AB",
-         std::wstring(get) + L"-1"},
-        {"get beyond", [](Family & f) -> int { return std::as_const(f.parent).GetChild(INT_MAX) != nullptr; }, 0, "AB",
-         std::wstring(get) + L"2147483647"},
+    constexpr wchar_t const * removed = L"CVekResourceFilePacket::RemovePacket --> Invalid index 2";
+    constexpr wchar_t const * got = L"CVekResourceFilePacket::GetChild --> Invalid index -1";
+    constexpr wchar_t const * got2 = L"CVekResourceFilePacket::GetChild --> Invalid index 2";
+    // Add, Remove (by index, or '*' with a packet), Get; the packet; the index; the result.
+    std::tuple<char const *, char, char, int, int, char const *, wchar_t const *> const rows[] = {
+        {"append", 'A', 'p', -1, 2, "ABp", L""},
+        {"insert first", 'A', 'p', 0, 0, "pAB", L""},
+        {"insert before last", 'A', 'p', 1, 1, "ApB", L""},
+        {"kept: the index asked for, at the end", 'A', 'p', 2, 2, "ABp", L""},
+        {"kept: the index asked for, beyond", 'A', 'p', 7, 7, "ABp", L""},
+        {"kept: the index asked for, negative", 'A', 'p', -5, -5, "ABp", L""},
+        {"kept: added again", 'A', 'A', -1, 2, "ABA", STILL_BELONGS},
+        {"null entry", 'A', '0', 0, 0, "0AB", L""},
+        {"remove by index", 'R', ' ', 0, 1, "B", L""},
+        {"kept: message of another name", 'R', ' ', 2, 0, "AB", removed},
+        {"remove by pointer", '*', 'A', 0, 1, "B", L""},
+        {"remove what is not there", '*', 'p', 0, 0, "AB", L""},
+        {"remove null that is not there", '*', '0', 0, 0, "AB", L""},
+        {"kept: RemoveAllChildren removes none", 'N', ' ', 0, 0, "AB", L""},
+        {"get below", 'G', ' ', -1, 0, "AB", got},
+        {"get beyond", 'G', ' ', 2, 0, "AB", got2},
     };
-    for (auto const & [name, work, result, children, message] : rows)
+    for (auto const & [name, operation, packet, index, result, children, message] : rows)
     {
         SCOPED_TRACE(name);
         Family family;
-        EXPECT_EQ(work(family), result);
+        EXPECT_EQ(family.Do(operation, packet, index), result);
         EXPECT_EQ(family.Children(), children);
         EXPECT_EQ(family.log.Take(), message);
         EXPECT_EQ(family.log.Oddities(), L"");
-        for (Packet const * packet : {&family.a, &family.b, &family.p})
+        for (Packet const * each : {&family.a, &family.b, &family.p})
         {
             std::string const list = children;
-            auto const entries = std::count(list.begin(), list.end(), family.NameOf(packet));
-            EXPECT_EQ(packet->GetRefCount(), 1u + static_cast<unsigned int>(entries)) << "one reference per entry";
+            auto const entries = std::count(list.begin(), list.end(), family.NameOf(each));
+            EXPECT_EQ(each->GetRefCount(), 1u + static_cast<unsigned int>(entries)) << "one reference per entry";
         }
     }
 }
@@ -115,15 +117,13 @@ TEST(ResourceFilePacket, ParentsStay)
 {
     Family family;
     Packet other(nullptr);
-    constexpr wchar_t const * owned =
-        L"CVekResourceFilePacket::SetParent --> This packet still belongs to other packet";
     EXPECT_EQ(other.AddChild(&family.a, -1), 0) << "kept: both packets hold the child";
-    EXPECT_EQ(family.log.Take(), owned);
+    EXPECT_EQ(family.log.Take(), STILL_BELONGS);
     EXPECT_EQ(family.a.GetRefCount(), 3u);
     EXPECT_TRUE(family.parent.RemoveChild(0));
     EXPECT_EQ(family.a.GetParent(), &family.parent) << "kept: removal leaves the parent";
     family.a.SetParent(nullptr);
-    EXPECT_EQ(family.log.Take(), owned) << "kept: a parent is never cleared";
+    EXPECT_EQ(family.log.Take(), STILL_BELONGS) << "kept: a parent is never cleared";
     EXPECT_EQ(std::as_const(family.a).GetParent(), &family.parent);
     family.p.SetParent(nullptr);
     EXPECT_EQ(family.log.Take(), L"");
@@ -134,23 +134,27 @@ TEST(ResourceFilePacket, CopiesAreShallow)
 {
     int anything = 0;
     auto * const manager = reinterpret_cast<IVekResourceFileManager *>(&anything);
+    LogCapture const log;
     Packet source(manager), child(nullptr), target(nullptr), above(nullptr);
-    source.AddChild(&child, -1);
+    for (int i = 0; i < 3; ++i)
+        source.AddChild(&child, -1);
     source.SetParent(&above);
     source.AddRef();
-    Packet const copy(source);
+    Packet copy(source);
     target = source;
     target = *&target;
-    for (Packet const * packet : {&copy, static_cast<Packet const *>(&target)})
+    for (Packet const * packet : {&copy, &target})
     {
         EXPECT_EQ(packet->GetRefCount(), 2u) << "kept: the count is copied";
         EXPECT_TRUE(packet->GetParent() == &above && packet->GetManager() == manager);
-        ASSERT_EQ(packet->GetNumChildren(), 1);
-        EXPECT_EQ(packet->GetChild(0), &child);
+        ASSERT_EQ(packet->GetNumChildren(), 3);
+        EXPECT_EQ(packet->GetChild(2), &child);
     }
-    EXPECT_EQ(child.GetRefCount(), 2u) << "kept: no references added, and none given back at the end";
+    EXPECT_EQ(child.GetRefCount(), 4u) << "kept: no references added, and none given back at the end";
     target.AddChild(&above, 0);
-    EXPECT_EQ(source.GetNumChildren() + copy.GetNumChildren(), 2) << "each has an array of its own";
+    copy.AddChild(&target, 0);
+    EXPECT_TRUE(source.GetNumChildren() == 3 && source.GetChild(0) == &child && target.GetChild(0) == &above)
+        << "each has an array of its own";
 }
 
 TEST(ResourceFilePacket, Slots)

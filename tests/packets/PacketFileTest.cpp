@@ -14,7 +14,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <random>
 #include <tuple>
 
@@ -113,6 +112,12 @@ std::string Folders(unsigned int children)
     return Numbers4({TYPE_FOLDER, children, 0, 0});
 }
 
+// A root and the beginning of a blob below it.
+std::string OneBlob(unsigned int nameLength, unsigned int size)
+{
+    return Folders(1) + Numbers4({TYPE_BLOB, 0, nameLength, size});
+}
+
 // What the format's own page says, byte for byte.
 std::string Golden()
 {
@@ -124,6 +129,14 @@ std::string Golden()
                        "\xFD\x5B\x4A\x74",
                        0x5E);
 }
+
+template <class Base>
+struct Mute final : Base
+{
+    using Base::Base;
+    bool Read(IVekIOStream *) override { return true; }
+    bool Write(IVekIOStream *) override { return false; }
+};
 
 } // namespace
 
@@ -241,43 +254,27 @@ TEST(PacketFile, HandlersMakePackets)
 
 TEST(PacketFile, TreesThatCantBeStored)
 {
-    struct Foreign final : CVekResourceFilePacket
-    {
-        using CVekResourceFilePacket::CVekResourceFilePacket;
-        bool Read(IVekIOStream *) override { return true; }
-        bool Write(IVekIOStream *) override { return true; }
-    };
-    struct Silent final : NamedPacket<CVekResourceFilePacket>
-    {
-        using NamedPacket::NamedPacket;
-        bool Read(IVekIOStream *) override { return true; }
-        bool Write(IVekIOStream *) override { return false; }
-    };
     LogCapture const log;
-    std::tuple<char const *, std::function<CVekResourceFilePacket *(Tree &, CVekResourceFilePacket *)>,
-               char const *> const rows[] = {
-        {"in itself", [](Tree &, CVekResourceFilePacket * folder) { return folder->AddRef(), folder; }, "twice"},
-        {"above itself",
-         [](Tree & tree, CVekResourceFilePacket *) { return tree.manager.GetRoot()->AddRef(), tree.manager.GetRoot(); },
-         "twice"},
-        {"in two places",
-         [](Tree & tree, CVekResourceFilePacket *)
-         { return tree.manager.FindPacket(L"a")->AddRef(), tree.manager.FindPacket(L"a"); },
-         "\"a\" is in the tree twice"},
-        {"null", [](Tree &, CVekResourceFilePacket *) { return nullptr; }, "null or of a foreign kind"},
-        {"foreign", [](Tree &, CVekResourceFilePacket *) { return new Foreign(nullptr); }, "foreign kind"},
-        {"unwilling", [](Tree &, CVekResourceFilePacket *) { return new Silent(1, L"s", nullptr); },
-         "\"s\" can't write itself"},
-    };
-    for (auto const & [name, make, error] : rows)
+    for (std::size_t row = 0; row < 6; ++row)
     {
-        SCOPED_TRACE(name);
         std::wstring const path = WriteFileBytes(L"old.vkpf", "old");
         Tree tree;
-        tree.Add(tree.manager.GetRoot(), TYPE_BLOB, L"a");
-        CVekResourceFilePacket * const folder = tree.Add(tree.manager.GetRoot(), TYPE_FOLDER, L"b");
-        Held<CVekResourceFilePacket> const packet(make(tree, folder));
-        folder->AddChild(packet.get(), -1);
+        CVekResourceFilePacket * const root = tree.manager.GetRoot();
+        CVekResourceFilePacket * const blob = tree.Add(root, TYPE_BLOB, L"a");
+        CVekResourceFilePacket * const folder = tree.Add(root, TYPE_FOLDER, L"b");
+        Held<CVekResourceFilePacket> const foreign(new Mute<CVekResourceFilePacket>(nullptr));
+        Held<CVekResourceFilePacket> const silent(new Mute<NamedPacket<CVekResourceFilePacket>>(1, L"s", nullptr));
+        std::tuple<char const *, CVekResourceFilePacket *, char const *> const rows[] = {
+            {"in itself", folder, "\"b\" is in the tree twice"},
+            {"above itself", root, "\"\" is in the tree twice"},
+            {"in two places", blob, "\"a\" is in the tree twice"},
+            {"null", nullptr, "null or of a foreign kind"},
+            {"foreign", foreign.get(), "foreign kind"},
+            {"unwilling", silent.get(), "\"s\" can't write itself"},
+        };
+        auto const & [name, packet, error] = rows[row];
+        SCOPED_TRACE(name);
+        folder->AddChild(packet, -1);
         EXPECT_FALSE(tree.manager.Save(path.c_str()));
         EXPECT_THAT(tree.Error(), HasSubstr(error));
         EXPECT_EQ(FileBytes(path), "old");
@@ -319,16 +316,14 @@ TEST(PacketFile, LyingFilesAreRefused)
         {"missing children", File(2, Folders(1) + Folders(1)), "packet 1 claims more children"},
         {"children elsewhere", File(3, Folders(2) + Folders(1) + Folders(0)), "packets are missing"},
         {"all the children there are", File(1, Folders(most)), "packet 0 claims more children"},
-        {"name", File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, most, 0})), "packet 1 claims more bytes"},
-        {"name that wraps round", File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 0x80000000, 0})), "claims more bytes"},
-        {"payload", File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 0, most})), "packet 1 claims more bytes"},
-        {"name and payload", File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 1, 1}) + "n "), "claims more bytes"},
+        {"name", File(2, OneBlob(most, 0)), "packet 1 claims more bytes"},
+        {"name that wraps round", File(2, OneBlob(0x80000000, 0)), "claims more bytes"},
+        {"payload", File(2, OneBlob(0, most)), "packet 1 claims more bytes"},
+        {"name and payload", File(2, OneBlob(1, 1) + "n "), "claims more bytes"},
         {"folder with bytes", File(2, Folders(1) + Numbers4({TYPE_FOLDER, 0, 0, 1}) + "x"), "is a folder"},
         {"root that is none", File(1, Numbers4({TYPE_BLOB, 0, 0, 0})), "packet 0 is no root"},
-        {"name with a zero", File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 1, 0}) + std::string(2, '\0')),
-         "a name that"},
-        {"name with a slash", File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 1, 0}) + std::string("/\0", 2)),
-         "a name that"},
+        {"name with a zero", File(2, OneBlob(1, 0) + std::string(2, '\0')), "a name that"},
+        {"name with a slash", File(2, OneBlob(1, 0) + std::string("/\0", 2)), "a name that"},
         {"other version", Sealed(Numbers4({FILE_MAGIC, 2, 36, 1}) + Folders(0)), "version 2"},
         {"other kind", Sealed(Numbers4({1, 1, 36, 1}) + Folders(0)), "is no packet file"},
         {"size", Sealed(Numbers4({FILE_MAGIC, 1, most, 1}) + Folders(0)), "and should have 4294967295"},
