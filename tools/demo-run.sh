@@ -94,6 +94,23 @@ fi
 head -c 200 models.vkpf > short.vkpf
 run 1 packets list short.vkpf
 
+say "== Named values of many types, from XML to a typed data file and back"
+cat > settings.xml << 'END'
+<TypedData>
+   <Entry Name="Width" Type="int32" Value="640"/>
+   <Entry Name="Gamma" Type="double" Value="2.2"/>
+   <Entry Name="Background" Type="rgba8" Value="0, 0, 64, 255"/>
+   <Entry Name="Title" Type="wstring" Value="Émile's boat"/>
+</TypedData>
+END
+run 0 data pack settings.xml settings.bin
+run 0 data dump settings.bin
+run 0 data unpack settings.bin back.xml
+run 0 data pack back.xml back.bin
+if cmp -s settings.bin back.bin; then echo "=> back.bin is settings.bin, byte for byte"; else echo "demo: back.bin differs"; failures=$((failures + 1)); fi
+head -c 60 settings.bin > cut.bin
+run 1 data dump cut.bin
+
 say "== Bad input ends with a message and an exit code"
 printf '<scene>\n  <camera>\n</scene>\n' > malformed.xml
 printf '<scene><camera/>' > short.xml
