@@ -5,6 +5,7 @@
 
 #include "VekCore.h"
 #include "VekExport.h"
+#include "VekGeometry.h"
 #include "VekIO.h"
 #include "VekMath.h"
 #include "VekText.h"
