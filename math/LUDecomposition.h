@@ -25,6 +25,10 @@ public:
     /// The determinant, or 0 at a pivot of 0. The size is not 0.
     D Run() noexcept
     {
+        if (m_size == 3)
+            return RunSmall<3>();
+        if (m_size == 4)
+            return RunSmall<4>();
         for (size_t i = 0; i < m_size; ++i)
             m_order[i] = static_cast<unsigned int>(i);
         // Kept: the last diagonal element is no pivot and never compared with 0.
@@ -44,9 +48,91 @@ private:
     static constexpr size_t tileColumns = tilePacks * lanes;
     static_assert(chunk % tileColumns == 0);
 
-    T * Row(size_t i) const noexcept { return m_elements + static_cast<size_t>(m_order[i]) * m_size; }
+    // The sizes of transforms, unrolled.
+    template <size_t N>
+    D RunSmall() noexcept
+    {
+        SmallState<N> state;
+        bool const regular = SmallSteps<N, 0>(state);
+        for (size_t i = 0; i < N; ++i)
+            m_order[i] = static_cast<unsigned int>(state.rows[i] / N);
+        if (!regular)
+            return 0;
+        constexpr D signs[] = {1, -1};
+        return static_cast<D>(m_elements[state.rows[N - 1] + N - 1]) * m_determinant * signs[state.negative];
+    }
 
-    static T Magnitude(T value) noexcept { return value < 0 ? -value : value; }
+    template <size_t N>
+    struct SmallState
+    {
+        SmallState() noexcept
+        {
+            for (size_t i = 0; i < N; ++i)
+                rows[i] = i * N;
+        }
+        size_t rows[N]; // the index of each row's first element
+        bool negative = false;
+    };
+
+    template <size_t N, size_t K>
+    [[gnu::always_inline]] inline bool SmallSteps(SmallState<N> & state) noexcept
+    {
+        if constexpr (K + 1 < N)
+        {
+            FindSmallPivot<N, K>(state);
+            T const * const pivotRow = m_elements + state.rows[K];
+            T pivots[N];
+#pragma GCC unroll 4
+            for (size_t j = K; j < N; ++j)
+                pivots[j] = pivotRow[j];
+            if (pivots[K] == T(0))
+                return false;
+            m_determinant = m_determinant * static_cast<D>(pivots[K]);
+#pragma GCC unroll 4
+            for (size_t i = K + 1; i < N; ++i)
+            {
+                T * const row = m_elements + state.rows[i];
+                T const factor = row[K] = row[K] / pivots[K];
+#pragma GCC unroll 4
+                for (size_t j = K + 1; j < N; ++j)
+                    row[j] = row[j] - pivots[j] * factor;
+            }
+            return SmallSteps<N, K + 1>(state);
+        }
+        return true;
+    }
+
+    // Chooses instead of jumping: no processor foresees these jumps.
+    template <size_t N, size_t K>
+    [[gnu::always_inline]] inline void FindSmallPivot(SmallState<N> & state) const noexcept
+    {
+        T largest = Magnitude(m_elements[state.rows[K] + K]);
+#pragma GCC unroll 4
+        for (size_t i = K + 1; i < N; ++i)
+        {
+            size_t const upper = state.rows[K], lower = state.rows[i];
+            T const magnitude = Magnitude(m_elements[lower + K]);
+            bool const larger = magnitude > largest;
+            size_t const exchange = (upper ^ lower) & (size_t{0} - static_cast<size_t>(larger));
+            largest = larger ? magnitude : largest;
+            state.rows[K] = upper ^ exchange;
+            state.rows[i] = lower ^ exchange;
+            state.negative ^= larger;
+        }
+    }
+
+    T * Row(size_t i) const noexcept
+    {
+        return m_elements + static_cast<size_t>(m_order[i]) * m_size;
+    }
+
+    static T Magnitude(T value) noexcept
+    {
+        if constexpr (sizeof(T) == sizeof(float))
+            return __builtin_fabsf(value);
+        else
+            return __builtin_fabs(value);
+    }
 
     // Each larger element below becomes the pivot at once, so that the order table is as a plain search leaves it.
     void FindPivot(size_t k) noexcept
