@@ -25,6 +25,10 @@ public:
         for (size_t i = 0; i < m_size; ++i)
             if (m_order[i] >= m_size)
                 return;
+        if (m_size == 3)
+            return SolveSmall<3>(src, result);
+        if (m_size == 4)
+            return SolveSmall<4>(src, result);
         if (m_size <= smallSize)
         {
             V small[smallSize];
@@ -56,21 +60,52 @@ private:
         }
     }
 
+    // The sizes of transforms, unrolled.
+    template <size_t N>
+    void SolveSmall(V const * src, V * result) const noexcept
+    {
+        V y[N], x[N];
+#pragma GCC unroll 4
+        for (size_t i = 0; i < N; ++i)
+        {
+            T const * const row = m_elements + m_order[i] * N;
+            V sum = 0;
+#pragma GCC unroll 4
+            for (size_t j = 0; j < i; ++j)
+                sum += static_cast<V>(row[j]) * y[j];
+            y[i] = src[m_order[i]] - sum;
+        }
+#pragma GCC unroll 4
+        for (size_t done = 0; done < N; ++done)
+        {
+            size_t const i = N - 1 - done;
+            T const * const row = m_elements + m_order[i] * N;
+            V sum = 0;
+#pragma GCC unroll 4
+            for (size_t j = i + 1; j < N; ++j)
+                sum += static_cast<V>(row[j]) * x[j];
+            result[i] = x[i] = (y[i] - sum) / static_cast<V>(row[i]);
+        }
+    }
+
     // Four sums at a time: one alone would wait for each of its additions.
     void ForwardGroup(size_t i, V const * src, V * y) const noexcept
     {
         T const * const rows[group] = {Row(i), Row(i + 1), Row(i + 2), Row(i + 3)};
-        V a = 0, b = 0, c = 0, d = 0;
+        V sums[group] = {};
         for (size_t j = 0; j < i; ++j)
-        {
-            a += static_cast<V>(rows[0][j]) * y[j];
-            b += static_cast<V>(rows[1][j]) * y[j];
-            c += static_cast<V>(rows[2][j]) * y[j];
-            d += static_cast<V>(rows[3][j]) * y[j];
-        }
-        V const sums[group] = {a, b, c, d};
+#pragma GCC unroll 4
+            for (size_t r = 0; r < group; ++r)
+                sums[r] += static_cast<V>(rows[r][j]) * y[j];
+        V own[group];
+#pragma GCC unroll 4
         for (size_t r = 0; r < group; ++r)
-            y[i + r] = src[m_order[i + r]] - Sum(rows[r], i, i + r, sums[r], y);
+        {
+            y[i + r] = own[r] = src[m_order[i + r]] - sums[r];
+#pragma GCC unroll 4
+            for (size_t below = r + 1; below < group; ++below)
+                sums[below] += static_cast<V>(rows[below][i + r]) * own[r];
+        }
     }
 
     static V Sum(T const * row, size_t begin, size_t end, V sum, V const * values) noexcept
