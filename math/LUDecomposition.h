@@ -44,7 +44,7 @@ private:
     // The widths of the inner and the outer blocks, and of the columns that the latter's steps are applied to at once.
     static constexpr size_t innerBlock = 8, outerBlock = 32, chunk = 2048 / outerBlock * 4 / sizeof(T);
     // The tile: as many packs as the registers hold beside a row's packs and their product.
-    static constexpr size_t tileRows = sizeof(void *) == 4 ? 2 : 4, tilePacks = 2;
+    static constexpr size_t tileRows = 4, tilePacks = sizeof(void *) == 4 ? 1 : 2;
     static constexpr size_t tileColumns = tilePacks * lanes;
     static_assert(chunk % tileColumns == 0);
 
