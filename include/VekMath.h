@@ -12,7 +12,7 @@
 namespace vek
 {
 
-#if defined(__GNUC__)
+#if defined(__GNUC__) || defined(__clang__)
 inline float SquareRoot(float value) VEK_NOEXCEPT
 {
     return __builtin_sqrtf(value);
@@ -56,6 +56,8 @@ constexpr double LargestSquare(double) VEK_NOEXCEPT
 {
     return 1e307;
 }
+
+/// @endcond
 
 /// What the vectors of all sizes have in common. V gives its size N and its components through operator[].
 template <class V, class T, unsigned int N>
@@ -188,7 +190,6 @@ private:
 };
 
 } // namespace vek
-/// @endcond
 
 /// Two components, a plain value. Its operators work component by component; Dot, Length, Normalised, Lerp and more
 /// come with all vectors, see vek::VectorOf.
