@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -62,20 +62,17 @@ struct Plain
     std::vector<Value> Substitute(std::vector<Value> const & src)
     {
         std::vector<Value> y(n), x(n);
+        auto const sum = [this](size_t i, size_t begin, size_t end, std::vector<Value> const & values)
+        {
+            Value result = 0;
+            for (size_t j = begin; j < end; ++j)
+                result += At(i, j) * values[j];
+            return result;
+        };
         for (size_t i = 0; i < n; ++i)
-        {
-            Value sum = 0;
-            for (size_t j = 0; j < i; ++j)
-                sum += At(i, j) * y[j];
-            y[i] = src[order[i]] - sum;
-        }
+            y[i] = src[order[i]] - sum(i, 0, i, y);
         for (size_t i = n; i-- > 0;)
-        {
-            Value sum = 0;
-            for (size_t j = i + 1; j < n; ++j)
-                sum += At(i, j) * x[j];
-            x[i] = (y[i] - sum) / At(i, i);
-        }
+            x[i] = (y[i] - sum(i, i + 1, n, x)) / At(i, i);
         return x;
     }
 };
@@ -152,11 +149,6 @@ TYPED_TEST(LinearSystems, StatedCases)
         {"kept: a NaN exchanges nothing", {1, 0, nan, 1}, nan, {0, 1}, {1, 0, nan, nan}},
         {"each larger one is exchanged at once", {1, 1, 0, 2, 0, 0, 4, 0, 1}, -2, {2, 0, 1}, {}},
         {"a zero column ends it", {0, 1, 0, 2}, 0, {0, 1}, {0, 1, 0, 2}},
-        {"kept: it ends where it was worked to",
-         {1, 2, 3, 2, 4, 7, 0, 0, 5},
-         0,
-         {1, 0, 2},
-         {0.5, 0, -0.5, 2, 4, 7, 0, 0, 5}},
     };
     for (Row const & row : rows)
     {
@@ -175,45 +167,41 @@ TYPED_TEST(LinearSystems, ArgumentsThatMakeNoSystem)
     using Value = typename TypeParam::Value;
     std::wstring const name = std::is_same_v<Math, CVekMath32> ? L"CVekMath32::" : L"CVekMath64::";
     std::wstring const square = L" --> matrix must be square ( eg, 3x3, 4x4 )";
-    CVekMatrix<typename TypeParam::Element> none, wide(2, 3), destroyed(2, 2), good(2, 2);
-    destroyed.Destroy();
+    std::wstring const order = L"LUSubstitution --> pOrderTable must not be NULL";
+    CVekMatrix<typename TypeParam::Element> none, wide(2, 3), gone(2, 2), good(2, 2);
+    gone.Destroy();
     good.SetIdentity();
-    unsigned int order[] = {0, 1}, outside[] = {0, 2};
+    unsigned int rows01[] = {0, 1}, rows02[] = {0, 2};
     Value const src[] = {3, 4};
     Value result[] = {-1, -1};
     struct Row
     {
         char const * name;
-        std::function<void()> call;
-        std::wstring message;
+        CVekMatrix<typename TypeParam::Element> & matrix;
+        unsigned int * order;
+        Value const * src;
+        Value * result;
+        std::wstring decomposition, substitution;
     };
-    auto const fails = [&](auto & matrix, unsigned int * table) { EXPECT_EQ(Math::LUDecompose(matrix, table), 0); };
     Row const rows[] = {
-        {"decompose a wide one", [&] { fails(wide, nullptr); }, name + L"LUDecompose" + square},
-        {"kept: the substitution's text", [&] { fails(good, nullptr); },
-         name + L"LUSubstitution --> pOrderTable must not be NULL"},
-        {"decompose nothing", [&] { fails(none, order); }, L""},
-        {"decompose a destroyed one", [&] { fails(destroyed, order); }, L""},
-        {"a wide one", [&] { Math::LUSubstitution(wide, nullptr, nullptr, nullptr); },
-         name + L"LUSubstitution" + square},
-        {"no order table", [&] { Math::LUSubstitution(good, nullptr, nullptr, nullptr); },
-         name + L"LUSubstitution --> pOrderTable must not be NULL"},
-        {"no source", [&] { Math::LUSubstitution(good, order, nullptr, nullptr); },
-         name + L"LUSubstitution --> src must not be NULL"},
-        {"no source, with a result", [&] { Math::LUSubstitution(good, order, nullptr, result); },
-         name + L"LUSubstitution --> src must not be NULL"},
-        {"no result", [&] { Math::LUSubstitution(good, order, src, nullptr); },
-         name + L"LUSubstitution --> result must not be NULL"},
-        {"nothing", [&] { Math::LUSubstitution(none, order, src, result); }, L""},
-        {"a destroyed one", [&] { Math::LUSubstitution(destroyed, order, src, result); }, L""},
-        {"an order table of other rows", [&] { Math::LUSubstitution(good, outside, src, result); }, L""},
+        {"not square", wide, nullptr, nullptr, nullptr, L"LUDecompose" + square, L"LUSubstitution" + square},
+        {"kept: the substitution's text for both", good, nullptr, nullptr, nullptr, order, order},
+        {"no source", good, rows01, nullptr, result, L"", L"LUSubstitution --> src must not be NULL"},
+        {"no result", good, rows01, src, nullptr, L"", L"LUSubstitution --> result must not be NULL"},
+        {"no rows", none, rows01, src, result, L"", L""},
+        {"no elements", gone, rows01, src, result, L"", L""},
+        {"another matrix's rows", good, rows02, src, result, L"", L""},
     };
     LogCapture log;
     for (Row const & row : rows)
     {
-        row.call();
-        EXPECT_EQ(log.Take(), row.message) << row.name;
-        EXPECT_TRUE(result[0] == -1 && result[1] == -1) << row.name;
+        SCOPED_TRACE(row.name);
+        Math::LUSubstitution(row.matrix, row.order, row.src, row.result);
+        EXPECT_EQ(log.Take(), row.substitution.empty() ? L"" : name + row.substitution);
+        EXPECT_TRUE(result[0] == -1 && result[1] == -1);
+        bool const fails = &row.matrix != &good || !row.order;
+        EXPECT_EQ(Math::LUDecompose(row.matrix, row.order), fails ? 0 : 1);
+        EXPECT_EQ(log.Take(), row.decomposition.empty() ? L"" : name + row.decomposition);
     }
     EXPECT_EQ(log.Oddities(), L"");
 
@@ -237,14 +225,10 @@ TYPED_TEST(LinearSystems, AreWorkedInTheOrderOfThePlainLoops)
     using Limits = std::numeric_limits<Element>;
     Element const odd[] = {
         0, -Element(0), Limits::infinity(), Limits::quiet_NaN(), Limits::denorm_min(), Limits::max()};
-    std::vector<size_t> sizes = {257};
-    for (size_t n = 1; n <= 130; n += n < 48 || !VekGuard::Active ? 1 : 9)
-        sizes.push_back(n);
-    for (size_t const n : sizes)
+    for (size_t n = 1; n <= 257; n += n == 130 ? 127 : n < 48 || !VekGuard::Active ? 1 : 2)
     {
         std::vector<Element> elements(n * n);
-        for (Element & element : elements)
-            element = values(random);
+        std::generate(elements.begin(), elements.end(), [&] { return values(random); });
         auto const compare = [&, n](char const * what, std::vector<Element> const & changed)
         {
             SCOPED_TRACE(std::to_string(n) + ", " + what);
@@ -263,8 +247,7 @@ TYPED_TEST(LinearSystems, AreWorkedInTheOrderOfThePlainLoops)
         for (int i = 0; i < 3; ++i)
             changed[random() % changed.size()] = odd[random() % std::size(odd)];
         compare("odd values", changed);
-        if (this->HasFailure())
-            return;
+        ASSERT_FALSE(this->HasFailure());
     }
 }
 
@@ -293,8 +276,8 @@ TYPED_TEST(LinearSystems, AreSolvedAsWellAsTheirConditionAllows)
         std::vector<Element> elements(n * n);
         for (size_t i = 0; i < n * n; ++i)
             elements[i] = static_cast<Element>(element(i / n, i % n));
-        Plain<long double, long double> exact{Vector(elements.begin(), elements.end()), std::vector<unsigned int>(n),
-                                              n};
+        Vector const wide(elements.begin(), elements.end());
+        Plain<long double, long double> exact{wide, std::vector<unsigned int>(n), n};
         exact.Decompose();
         long double norm = 0, inverseNorm = 0, distance = 0, length = 0, residual = 0;
         std::vector<Value> x(n, 1);
@@ -305,15 +288,16 @@ TYPED_TEST(LinearSystems, AreSolvedAsWellAsTheirConditionAllows)
         Vector const solution = exact.Substitute(Vector(n, 1));
         for (size_t i = 0; i < n; ++i)
         {
-            Vector unit(n);
-            unit[i] = 1;
+            Vector axis(n);
+            axis[i] = 1;
             long double sum = 0, inverseSum = 0, b = 1;
-            for (long double const value : exact.Substitute(unit))
+            for (long double const value : exact.Substitute(axis))
                 inverseSum += std::fabs(value);
             for (size_t j = 0; j < n; ++j)
             {
-                sum += std::fabs(static_cast<long double>(elements[i * n + j]));
-                b -= static_cast<long double>(elements[i * n + j]) * static_cast<long double>(x[j]);
+                long double const value = elements[i * n + j];
+                sum += std::fabs(value);
+                b -= value * static_cast<long double>(x[j]);
             }
             norm = std::max(norm, sum);
             inverseNorm = std::max(inverseNorm, inverseSum); // of its columns: the same but for a factor of n

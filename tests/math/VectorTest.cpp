@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <type_traits>
 
@@ -63,33 +65,25 @@ TYPED_TEST(Vectors, LengthsOfAnySize)
     EXPECT_EQ((CVekPlane<T>(0, 0, 0, 5).Normalised()), CVekPlane<T>(0, 0, 0, 5));
 }
 
-template <class T>
-CVekMatrix4x4<T> RandomMatrix(std::mt19937 & random)
-{
-    std::uniform_real_distribution<T> values(-1, 1);
-    CVekMatrix4x4<T> matrix;
-    for (unsigned int i = 0; i < 16; ++i)
-        matrix(i / 4, i % 4) = values(random);
-    return matrix;
-}
-
 TYPED_TEST(Vectors, InverseAndDeterminant)
 {
     using T = TypeParam;
     using M = CVekMatrix4x4<T>;
     T const epsilon = std::numeric_limits<T>::epsilon();
     std::mt19937 random(3);
+    std::uniform_real_distribution<T> values(-1, 1);
     for (int i = 0; i < 200; ++i)
     {
-        M const a = RandomMatrix<T>(random), b = RandomMatrix<T>(random);
+        M a, b;
+        for (M * const matrix : {&a, &b})
+            std::generate_n(matrix->GetElements(), 16, [&] { return values(random); });
         EXPECT_NEAR((a * b).Determinant(), a.Determinant() * b.Determinant(), 64 * epsilon);
         EXPECT_NEAR(a.Transposed().Determinant(), a.Determinant(), 4 * epsilon);
         EXPECT_EQ((a.Transposed()(1, 2)), a(2, 1));
         M inverse = a;
         ASSERT_TRUE(inverse.Inverse(inverse));
-        T largest = 1;
-        for (unsigned int k = 0; k < 16; ++k)
-            largest = std::max(largest, std::fabs(inverse(k / 4, k % 4)));
+        auto const [low, high] = std::minmax_element(inverse.GetElements(), inverse.GetElements() + 16);
+        T const largest = std::max(std::max(-*low, *high), T(1));
         EXPECT_TRUE((a * inverse).IsNear(M::Identity(), 16 * largest * epsilon)) << i;
     }
     T const tiny = sizeof(T) == 4 ? T(1e-30) : T(1e-200);
@@ -98,8 +92,7 @@ TYPED_TEST(Vectors, InverseAndDeterminant)
     EXPECT_TRUE(small.Inverse(inverse) && (small * inverse).IsNear(M::Identity(), 4 * epsilon));
 
     M counting, infinite = M::Identity(), flat = M::Scaling({1, 0, 1});
-    for (unsigned int i = 0; i < 16; ++i)
-        counting(i / 4, i % 4) = static_cast<T>(i + 1);
+    std::iota(counting.GetElements(), counting.GetElements() + 16, T(1));
     infinite(1, 2) = std::numeric_limits<T>::infinity();
     M overflow = M::Scaling({1, 1, std::numeric_limits<T>::denorm_min()});
     for (M const * const singular : {&counting, &infinite, &flat, &overflow})
