@@ -12,7 +12,19 @@
 namespace vek
 {
 
-#if defined(__GNUC__) || defined(__clang__)
+#if defined(__SSE2__) && defined(__GNUC__) && !defined(__clang__)
+// The instruction itself: the runtime's function may round twice.
+inline float SquareRoot(float value) VEK_NOEXCEPT
+{
+    typedef float Pack __attribute__((vector_size(16)));
+    return __builtin_ia32_sqrtss(Pack{value, 0, 0, 0})[0];
+}
+inline double SquareRoot(double value) VEK_NOEXCEPT
+{
+    typedef double Pack __attribute__((vector_size(16)));
+    return __builtin_ia32_sqrtsd(Pack{value, 0})[0];
+}
+#elif defined(__GNUC__) || defined(__clang__)
 inline float SquareRoot(float value) VEK_NOEXCEPT
 {
     return __builtin_sqrtf(value);
