@@ -1,11 +1,12 @@
 // veklib_bench: how fast the library is, beside what it is built on.
 //     veklib_bench [--quick] [--only SUBJECT] [FILE]
-// The subjects are xml, lexing, data, memory, services and threads. FILE is a real XML file to measure with; without it
-// the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones depend on the
-// machine.
+// The subjects are xml, lexing, data, math, curves, memory, services and threads. FILE is a real XML file to measure
+// with; without it the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones
+// depend on the machine.
 
 #include "DataBench.h"
 #include "LexBench.h"
+#include "MathBench.h"
 #include "MemoryBench.h"
 #include "ServiceBench.h"
 #include "ThreadBench.h"
@@ -38,6 +39,7 @@ Subject const subjects[] = {
     {L"xml", MeasureXml},
     {L"lexing", [](Options const & options, Aims & aims) { return bench::MeasureLexing(options.quick, aims); }},
     {L"data", [](Options const & options, Aims & aims) { return bench::MeasureData(options.quick, aims); }},
+    {L"math", [](Options const & options, Aims & aims) { return bench::MeasureMath(options.quick, aims), true; }},
     {L"memory", [](Options const & options, Aims & aims) { return bench::MeasureMemory(options.quick, aims), true; }},
     {L"services", [](Options const & options, Aims &) { return bench::MeasureServices(options.quick), true; }},
     {L"threads", [](Options const & options, Aims &) { return bench::MeasureThreads(options.quick), true; }},

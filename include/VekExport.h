@@ -104,7 +104,15 @@ class CVekString;
 template <class T>
 class CVekRGBA;
 template <class T>
+class CVekVector2D;
+template <class T>
+class CVekVector3D;
+template <class T>
 class CVekVector4D;
+template <class T>
+class CVekPlane;
+template <class T>
+class CVekBoundBox;
 template <class T>
 class CVekMatrix;
 template <class T>

@@ -6,6 +6,7 @@
 #include "VekCore.h"
 #include "VekData.h"
 #include "VekExport.h"
+#include "VekGeometry.h"
 #include "VekIO.h"
 #include "VekLexer.h"
 #include "VekMath.h"
