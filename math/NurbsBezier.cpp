@@ -3,6 +3,18 @@
 namespace vek
 {
 
+double SquareToSegment(CVekVector3D<double> const & point, CVekVector3D<double> const & from,
+                       CVekVector3D<double> const & to) noexcept
+{
+    CVekVector3D<double> const segment = to - from;
+    CVekVector3D<double> const offset = point - from;
+    double const along = offset.Dot(segment);
+    double const square = segment.LengthSquared();
+    if (!(along > 0))
+        return offset.LengthSquared();
+    return along < square ? (offset - segment * (along / square)).LengthSquared() : (point - to).LengthSquared();
+}
+
 CVekBoundBox<double> BezierPiece::Hull() const noexcept
 {
     CVekVector3D<double> smallest = points[0].Projected();
@@ -14,6 +26,19 @@ CVekBoundBox<double> BezierPiece::Hull() const noexcept
         largest = largest.Largest(point);
     }
     return CVekBoundBox<double>(smallest, largest);
+}
+
+double BezierPiece::SquareOfDeviation() const noexcept
+{
+    CVekVector3D<double> const first = First();
+    CVekVector3D<double> const last = Last();
+    double largest = 0;
+    for (unsigned int i = 1; i < degree; ++i)
+    {
+        double const square = SquareToSegment(points[i].Projected(), first, last);
+        largest = square > largest ? square : largest;
+    }
+    return largest;
 }
 
 void BezierPiece::Halve(BezierPiece & first, BezierPiece & second) const noexcept

@@ -38,6 +38,10 @@ struct PieceDerivatives
     CVekVector3D<double> point, first, second;
 };
 
+/// The square of the distance of a point to the segment between two others.
+double SquareToSegment(CVekVector3D<double> const & point, CVekVector3D<double> const & from,
+                       CVekVector3D<double> const & to) noexcept;
+
 /// A rational Bezier curve over [0, 1] that stands for the part [start, end] of a curve's domain.
 struct BezierPiece
 {
@@ -53,6 +57,9 @@ struct BezierPiece
     double Middle() const noexcept { return start + (end - start) / 2; }
     /// The box of the control points; the piece is inside.
     CVekBoundBox<double> Hull() const noexcept;
+    /// The square of the largest distance of a control point to the chord, and so of the whole piece: the distance to a
+    /// segment is a convex function.
+    double SquareOfDeviation() const noexcept;
     /// Makes the two halves; first may be this piece. (De Casteljau's algorithm.)
     void Halve(BezierPiece & first, BezierPiece & second) const noexcept;
     /// By de Casteljau's algorithm, from its last three steps.

@@ -35,10 +35,12 @@ public:
     void Offer(CVekVector3D<double> const & point, double parameter)
     {
         double const square = (point - m_target).LengthSquared();
-        if (square < m_best)
+        // Squares say little about the place of a minimum; one that was refined stays, but for a real improvement.
+        if (square < m_best * (1 - 1e-12))
         {
             m_best = square;
             m_parameter = parameter;
+            m_refined = false;
         }
     }
     /// True when a part of the curve inside the box may have a nearer point, by more than a millionth.
@@ -51,7 +53,7 @@ public:
         while (stack.count > 0)
         {
             vek::BezierPiece & piece = stack.Last();
-            if (!IsWorthwhile(piece.Hull()))
+            if (!IsWorthwhile(piece.Hull()) || !IsChordWorthwhile(piece))
             {
                 --stack.count;
                 continue;
@@ -72,6 +74,12 @@ public:
     }
 
 private:
+    /// The same by the piece's chord, which tells more than a box once the piece is nearly straight.
+    bool IsChordWorthwhile(vek::BezierPiece const & piece) const
+    {
+        double const toChord = sqrt(vek::SquareToSegment(m_target, piece.First(), piece.Last()));
+        return toChord - sqrt(piece.SquareOfDeviation()) < Distance() * (1 - 1e-6);
+    }
     /// Offers the minimum inside a piece where (C - P) C' changes its sign from - to +, by Newton's method between
     /// bounds.
     void Refine(vek::BezierPiece const & piece)
@@ -84,13 +92,22 @@ private:
         for (unsigned int i = 0; i < 60 && t > low && t < high; ++i)
         {
             vek::PieceDerivatives const at = piece.DerivativesAt(t);
-            Offer(at.point, piece.ParameterAt(t));
             double const slope = Slope(at);
             (slope > 0 ? high : low) = t;
             double const next = t - slope / (at.first.LengthSquared() + (at.point - m_target).Dot(at.second));
-            if (fabs(next - t) < 1e-16)
-                return;
+            if (fabs(next - t) < 1e-15)
+                break;
             t = next > low && next < high ? next : low + (high - low) / 2;
+        }
+        CVekVector3D<double> const point = piece.DerivativesAt(t).point;
+        double const square = (point - m_target).LengthSquared();
+        Offer(point, piece.ParameterAt(t));
+        // The first refinement of a minimum is the best: differences of control points of smaller pieces are rounded.
+        if (!m_refined && square <= m_best * (1 + 1e-12) + m_least)
+        {
+            m_best = square;
+            m_parameter = piece.ParameterAt(t);
+            m_refined = true;
         }
     }
     double Slope(vek::PieceDerivatives const & at) const { return (at.point - m_target).Dot(at.first); }
@@ -99,6 +116,7 @@ private:
     double const m_least; // the square of a distance that is none
     double m_best;
     double m_parameter;
+    bool m_refined;
     unsigned int m_halvings;
 };
 

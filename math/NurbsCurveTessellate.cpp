@@ -5,30 +5,6 @@
 namespace
 {
 
-double SquareToSegment(CVekVector3D<double> const & point, CVekVector3D<double> const & from,
-                       CVekVector3D<double> const & to)
-{
-    CVekVector3D<double> const segment = to - from;
-    CVekVector3D<double> const offset = point - from;
-    double const along = offset.Dot(segment);
-    double const square = segment.LengthSquared();
-    if (!(along > 0))
-        return offset.LengthSquared();
-    return along < square ? (offset - segment * (along / square)).LengthSquared() : (point - to).LengthSquared();
-}
-
-/// True when the piece is nowhere farther from its chord than the tolerance: the distance to a segment is convex, so
-/// that it is greatest at a control point.
-bool IsFlat(vek::BezierPiece const & piece, double squareOfTolerance)
-{
-    CVekVector3D<double> const first = piece.First();
-    CVekVector3D<double> const last = piece.Last();
-    for (unsigned int i = 1; i < piece.degree; ++i)
-        if (SquareToSegment(piece.points[i].Projected(), first, last) > squareOfTolerance)
-            return false;
-    return true;
-}
-
 /// Takes the points of a tessellation and counts them; what is beyond the arrays is only counted.
 template <class T>
 struct PolylineWriter
@@ -82,7 +58,7 @@ unsigned int CVekNurbsCurve<T>::Tessellate(T tolerance, CVekVector3D<T> * points
         while (stack.count > 0)
         {
             vek::BezierPiece const & piece = stack.Last();
-            if (piece.level < levels && !IsFlat(piece, allowed * allowed))
+            if (piece.level < levels && piece.SquareOfDeviation() > allowed * allowed)
             {
                 stack.HalveLast(false);
                 continue;
