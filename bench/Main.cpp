@@ -4,6 +4,7 @@
 // with; without it the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones
 // depend on the machine.
 
+#include "CurveBench.h"
 #include "DataBench.h"
 #include "LexBench.h"
 #include "MathBench.h"
@@ -40,6 +41,7 @@ Subject const subjects[] = {
     {L"lexing", [](Options const & options, Aims & aims) { return bench::MeasureLexing(options.quick, aims); }},
     {L"data", [](Options const & options, Aims & aims) { return bench::MeasureData(options.quick, aims); }},
     {L"math", [](Options const & options, Aims & aims) { return bench::MeasureMath(options.quick, aims), true; }},
+    {L"curves", [](Options const & options, Aims &) { return bench::MeasureCurve(options.quick), true; }},
     {L"memory", [](Options const & options, Aims & aims) { return bench::MeasureMemory(options.quick, aims), true; }},
     {L"services", [](Options const & options, Aims &) { return bench::MeasureServices(options.quick), true; }},
     {L"threads", [](Options const & options, Aims &) { return bench::MeasureThreads(options.quick), true; }},

@@ -10,6 +10,7 @@
 #include "VekIO.h"
 #include "VekLexer.h"
 #include "VekMath.h"
+#include "VekNurbs.h"
 #include "VekPackets.h"
 #include "VekText.h"
 #include "VekThread.h"
