@@ -46,12 +46,12 @@ IVekCPUUsage * CVekKernel::CreateCPUUsage()
     return usage;
 }
 
-// The services below are not there yet: creating one fails as it does when memory is exhausted.
-
 IVekCameraUIController * CVekKernel::CreateCameraUIController()
 {
-    return nullptr;
+    return new (std::nothrow) CVekCameraUIController;
 }
+
+// The services below are not there yet: creating one fails as it does when memory is exhausted.
 
 IVekLexer * CVekKernel::CreateLexer()
 {
