@@ -1,8 +1,10 @@
 // veklib_bench: how fast the library is, beside what it is built on.
-//     veklib_bench [--quick] [--services] [FILE]
-// --services leaves the XML out. FILE is a real XML file to measure with; without it the MIME database of the machine
-// is taken. Ratios are between figures of one run: absolute ones depend on the machine.
+//     veklib_bench [--quick] [--services] [--math] [FILE]
+// --services leaves the XML out, --math everything but the mathematics. FILE is a real XML file to measure with;
+// without it the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones depend on
+// the machine.
 
+#include "MathBench.h"
 #include "MemoryBench.h"
 #include "ServiceBench.h"
 #include "ThreadBench.h"
@@ -17,13 +19,15 @@ int wmain(int count, wchar_t ** arguments)
     bench::XmlBenchOptions options;
     std::string_view const database = VEK_MIME_XML;
     options.database.assign(database.begin(), database.end());
-    bool services = false;
+    bool services = false, math = false;
     for (int i = 1; i < count; ++i)
     {
         if (std::wstring_view(arguments[i]) == L"--quick")
             options.quick = true;
         else if (std::wstring_view(arguments[i]) == L"--services")
             services = true;
+        else if (std::wstring_view(arguments[i]) == L"--math")
+            math = true;
         else
             options.database = arguments[i];
     }
@@ -31,15 +35,19 @@ int wmain(int count, wchar_t ** arguments)
         return 1;
     bench::Aims aims;
     bool done = true;
-    if (!services)
+    if (!services && !math)
     {
         bench::MeasureXmlMemory();
         done = bench::MeasureXmlSpeed(options, aims);
         done = bench::MeasureXmlLinearity(aims) && done;
     }
-    bench::MeasureMemory(options.quick, aims);
-    bench::MeasureServices(options.quick);
-    bench::MeasureThreads(options.quick);
+    if (!math)
+    {
+        bench::MeasureMemory(options.quick, aims);
+        bench::MeasureServices(options.quick);
+        bench::MeasureThreads(options.quick);
+    }
+    bench::MeasureMath(options.quick, aims);
     aims.PrintSummary();
     VekLibDeinit();
     return done ? 0 : 1;

