@@ -44,6 +44,7 @@ shared-mime-info            /usr/share/mime/packages/freedesktop.org.xml
 dpkg-dev                    dpkg-source
 libc6-i386                  /lib/ld-linux.so.2
 wine64                      /usr/lib/wine/wine64
+xvfb                        Xvfb
 '
 
 # A component is complete when its stamp holds the key given here. Change a key to have the component made anew.
