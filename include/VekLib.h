@@ -9,6 +9,7 @@
 #include "VekGeometry.h"
 #include "VekIO.h"
 #include "VekMath.h"
+#include "VekNurbs.h"
 #include "VekText.h"
 #include "VekThread.h"
 #include "VekXML.h"

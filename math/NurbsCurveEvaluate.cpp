@@ -1,0 +1,188 @@
+#include "VekNurbs.h"
+
+#include "math/NurbsBasis.h"
+#include "math/NurbsBezier.h"
+
+namespace
+{
+
+constexpr unsigned int maxOrder = CVekNurbsCurve<float>::MAX_DEGREE + 1;
+
+/// A point on a span. DEGREE is the curve's degree where it is known to the compiler, else 0.
+template <unsigned int DEGREE, class T>
+inline CVekVector3D<T> PointOnSpan(CVekVector4D<T> const * points, T const * knots, unsigned int degree, T parameter)
+{
+    T basis[DEGREE ? DEGREE + 1 : maxOrder];
+    vek::BasisFunctions(knots, DEGREE ? DEGREE : degree, parameter, basis);
+    T x = points[0].x * basis[0];
+    T y = points[0].y * basis[0];
+    T z = points[0].z * basis[0];
+    T w = points[0].w * basis[0];
+    for (unsigned int i = 1; i <= (DEGREE ? DEGREE : degree); ++i)
+    {
+        x += points[i].x * basis[i];
+        y += points[i].y * basis[i];
+        z += points[i].z * basis[i];
+        w += points[i].w * basis[i];
+    }
+    return CVekVector3D<T>(x / w, y / w, z / w);
+}
+
+template <unsigned int DEGREE, class T>
+void PointsOnCurve(CVekNurbsCurve<T> const & curve, T const * parameters, unsigned int count, CVekVector3D<T> * results)
+{
+    unsigned int const degree = curve.GetDegree();
+    unsigned int const pointCount = curve.GetPointCount();
+    CVekVector4D<T> const * const points = curve.GetWeightedPoints();
+    T const * const knots = curve.GetKnots();
+    unsigned int span = degree;
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        T const parameter = vek::ClampToDomain(curve, parameters[i]);
+        if (!(knots[span] <= parameter && parameter < knots[span + 1]))
+            span = vek::FindSpan(knots, degree, pointCount, parameter);
+        results[i] = PointOnSpan<DEGREE>(points + (span - degree), knots + span, degree, parameter);
+    }
+}
+
+/// The weighted point and its derivatives up to the degree: differences of the span's control points, then the basis
+/// functions of the lower degree.
+template <class T>
+void WeightedDerivatives(CVekNurbsCurve<T> const & curve, T parameter, unsigned int order, vek::Point4 * derivatives)
+{
+    unsigned int const degree = curve.GetDegree();
+    unsigned int const span = vek::FindSpan(curve.GetKnots(), degree, curve.GetPointCount(), parameter);
+    vek::Point4 points[maxOrder];
+    double knots[2 * maxOrder];
+    vek::LoadSpan(curve, span, points, knots);
+    double basis[maxOrder];
+    for (unsigned int k = 0; k <= order; ++k)
+    {
+        unsigned int const left = degree - k;
+        vek::BasisFunctions(knots + degree, left, static_cast<double>(parameter), basis);
+        derivatives[k] = points[0] * basis[0];
+        for (unsigned int i = 1; i <= left; ++i)
+            derivatives[k] = derivatives[k] + points[i] * basis[i];
+        for (unsigned int i = 0; i < left; ++i)
+            points[i] = (points[i + 1] - points[i]) * (left / (knots[i + degree + 1] - knots[i + k + 1]));
+    }
+}
+
+/// Calls use(k, k-th derivative) for each order, in double precision.
+template <class T, class Use>
+void ForDerivatives(CVekNurbsCurve<T> const & curve, T anyParameter, unsigned int order, Use const & use)
+{
+    unsigned int const highest = order < curve.GetDegree() ? order : curve.GetDegree();
+    vek::Point4 weighted[maxOrder];
+    WeightedDerivatives(curve, vek::ClampToDomain(curve, anyParameter), highest, weighted);
+    CVekVector3D<double> recent[maxOrder]; // the quotient rule goes back by at most the degree
+    for (unsigned int k = 0;; ++k)
+    {
+        CVekVector3D<double> sum;
+        if (k <= highest)
+            sum = weighted[k].Space();
+        double binomial = 1;
+        for (unsigned int i = 1; i <= k && i <= highest; ++i)
+        {
+            binomial = binomial * (static_cast<double>(k - i) + 1) / i;
+            sum -= recent[(k - i) % maxOrder] * (binomial * weighted[i].w);
+        }
+        recent[k % maxOrder] = sum / weighted[0].w;
+        use(k, recent[k % maxOrder]);
+        if (k == order)
+            return;
+    }
+}
+
+} // namespace
+
+template <class T>
+CVekVector3D<T> CVekNurbsCurve<T>::GetPoint(T parameter) const VEK_NOEXCEPT
+{
+    CVekVector3D<T> point;
+    GetPoints(&parameter, 1, &point);
+    return point;
+}
+
+template <class T>
+void CVekNurbsCurve<T>::GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const VEK_NOEXCEPT
+{
+    switch (m_degree)
+    {
+    case 0:
+        for (unsigned int i = 0; i < count; ++i)
+            points[i] = CVekVector3D<T>();
+        break;
+    case 1:
+        PointsOnCurve<1>(*this, parameters, count, points);
+        break;
+    case 2:
+        PointsOnCurve<2>(*this, parameters, count, points);
+        break;
+    case 3:
+        PointsOnCurve<3>(*this, parameters, count, points);
+        break;
+    case 4:
+        PointsOnCurve<4>(*this, parameters, count, points);
+        break;
+    case 5:
+        PointsOnCurve<5>(*this, parameters, count, points);
+        break;
+    default:
+        PointsOnCurve<0>(*this, parameters, count, points);
+        break;
+    }
+}
+
+template <class T>
+bool CVekNurbsCurve<T>::GetDerivatives(T parameter, unsigned int order,
+                                       CVekVector3D<T> * derivatives) const VEK_NOEXCEPT
+{
+    if (IsEmpty() || !derivatives)
+        return false;
+    ForDerivatives(*this, parameter, order,
+                   [derivatives](unsigned int k, CVekVector3D<double> const & derivative)
+                   { derivatives[k] = CVekVector3D<T>(derivative); });
+    return true;
+}
+
+template <class T>
+CVekVector3D<T> CVekNurbsCurve<T>::GetTangent(T parameter) const VEK_NOEXCEPT
+{
+    CVekVector3D<double> tangent;
+    if (IsEmpty())
+        return CVekVector3D<T>();
+    // At the end the curve arrives from before: a lowest derivative of even order points backwards there.
+    double const even = parameter >= GetEnd() ? -1 : 1;
+    ForDerivatives(*this, parameter, m_degree,
+                   [&](unsigned int k, CVekVector3D<double> const & derivative)
+                   {
+                       if (k > 0 && tangent == CVekVector3D<double>())
+                           tangent = (k % 2 == 0 ? even : 1.0) * derivative.Normalised();
+                   });
+    return CVekVector3D<T>(tangent);
+}
+
+template <class T>
+T CVekNurbsCurve<T>::GetCurvature(T parameter) const VEK_NOEXCEPT
+{
+    CVekVector3D<double> derivatives[3];
+    if (IsEmpty())
+        return T(0);
+    ForDerivatives(*this, parameter, 2,
+                   [&](unsigned int k, CVekVector3D<double> const & derivative) { derivatives[k] = derivative; });
+    double const speed = derivatives[1].Length();
+    return speed > 0 ? static_cast<T>((derivatives[1] / speed).Cross(derivatives[2] / speed).Length() / speed) : T(0);
+}
+
+template CVekVector3D<float> CVekNurbsCurve<float>::GetPoint(float) const VEK_NOEXCEPT;
+template CVekVector3D<double> CVekNurbsCurve<double>::GetPoint(double) const VEK_NOEXCEPT;
+template void CVekNurbsCurve<float>::GetPoints(float const *, unsigned int, CVekVector3D<float> *) const VEK_NOEXCEPT;
+template void CVekNurbsCurve<double>::GetPoints(double const *, unsigned int,
+                                                CVekVector3D<double> *) const VEK_NOEXCEPT;
+template bool CVekNurbsCurve<float>::GetDerivatives(float, unsigned int, CVekVector3D<float> *) const VEK_NOEXCEPT;
+template bool CVekNurbsCurve<double>::GetDerivatives(double, unsigned int, CVekVector3D<double> *) const VEK_NOEXCEPT;
+template CVekVector3D<float> CVekNurbsCurve<float>::GetTangent(float) const VEK_NOEXCEPT;
+template CVekVector3D<double> CVekNurbsCurve<double>::GetTangent(double) const VEK_NOEXCEPT;
+template float CVekNurbsCurve<float>::GetCurvature(float) const VEK_NOEXCEPT;
+template double CVekNurbsCurve<double>::GetCurvature(double) const VEK_NOEXCEPT;
