@@ -23,7 +23,7 @@ struct Spot
     double x = 0, y = 0;
 };
 
-/// Finds the pixels in which each primary colour stands out as wanted: '+' for at least 100, '-' for less than 60.
+/// Finds the pixels in which each primary colour stands out as wanted: '+' for at least 100, '-' for less than 80.
 /// "+--" is any red, "++-" any yellow.
 inline Spot FindColor(Picture const & picture, char const * wanted)
 {
@@ -35,7 +35,7 @@ inline Spot FindColor(Picture const & picture, char const * wanted)
             for (unsigned int i = 0; i < 3; ++i)
             {
                 std::uint32_t const primary = picture.At(x, y) >> (16 - 8 * i) & 0xFF;
-                matches = matches && (wanted[i] == '+' ? primary >= 100 : primary < 60);
+                matches = matches && (wanted[i] == '+' ? primary >= 100 : primary < 80);
             }
             if (!matches)
                 continue;

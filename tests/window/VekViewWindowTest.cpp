@@ -19,11 +19,21 @@ constexpr char const * SCENE = R"(<scene>
   <curve degree="1" color="0, 255, 0"><point at="-1, 2.5, 0"/><point at="1, 2.5, 0"/></curve>
 </scene>)";
 
-constexpr POINT MIDDLE{240, 200}; // of the picture: the background
 constexpr char const * RED = "+--";
 constexpr char const * BLUE = "--+";
 constexpr char const * GREEN = "-+-";
 constexpr char const * YELLOW = "++-"; // what is highlighted
+
+std::wstring At(Spot const & spot)
+{
+    return L"@" + std::to_wstring(std::lround(spot.x)) + L"," + std::to_wstring(std::lround(spot.y));
+}
+
+// True when what was at the one place, and as large, is now moved.
+bool IsMoved(Spot const & now, Spot const & before, double x, double y)
+{
+    return std::fabs(now.x - before.x - x) < 1 && std::fabs(now.y - before.y - y) < 1;
+}
 
 class VekViewWindow : public testing::Test
 {
@@ -31,15 +41,23 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_view.IsOpen());
-        m_view.MoveTo(MIDDLE.x, MIDDLE.y);
-        ASSERT_TRUE(m_view.ShowsSoon([](Picture const & p) { return FindColor(p, RED).count > 500; }));
-        m_first = m_view.NewPicture(Picture());
-        m_red = FindColor(m_first, RED);
-        m_blue = FindColor(m_first, BLUE);
-        ASSERT_TRUE(m_first.width == 480 && m_first.height == 400);
-        ASSERT_NEAR(m_red.x + m_blue.x, m_first.width, 2);
+        m_view.Act(L"@240,200"); // the middle, which shows the background
+        ASSERT_TRUE(m_view.ShowsSoon(
+            [this](Picture const & p)
+            {
+                m_first = p;
+                m_red = FindColor(p, RED);
+                m_blue = FindColor(p, BLUE);
+                return p.width == 480 && p.height == 400 && m_red.count > 500 &&
+                       std::fabs(m_red.x + m_blue.x - p.width) < 2 && FindColor(p, GREEN).count > 50;
+            }));
     }
     void TearDown() override { EXPECT_EQ(m_view.Close(), 0); }
+
+    bool ShowsFirstSoon() const
+    {
+        return m_view.ShowsSoon([this](Picture const & p) { return p == m_first; });
+    }
 
     ViewWindow m_view{WriteFileBytes(L"window.xml", SCENE)};
     Picture m_first;
@@ -48,27 +66,29 @@ protected:
 
 TEST_F(VekViewWindow, HighlightsTheTriangleUnderThePointer)
 {
-    m_view.MoveTo(static_cast<int>(m_red.x), static_cast<int>(m_red.y));
+    m_view.Act(At(m_red));
     EXPECT_TRUE(m_view.HasTitleSoon(L" - left"));
     EXPECT_TRUE(m_view.ShowsSoon(
         [&](Picture const & p) { return FindColor(p, YELLOW).count == m_red.count && FindColor(p, RED).count == 0; }));
-    m_view.MoveTo(static_cast<int>(m_blue.x), static_cast<int>(m_blue.y));
+    m_view.Act(At(m_blue));
     EXPECT_TRUE(m_view.HasTitleSoon(L" - right"));
-    m_view.MoveTo(MIDDLE.x, MIDDLE.y);
-    EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return p == m_first; }));
+    m_view.Act(L"@240,200");
+    EXPECT_TRUE(ShowsFirstSoon());
 }
 
 TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
 {
-    // An eighth of a turn to the right brings the left triangle to the front, the right one to the back.
-    POINT const end{MIDDLE.x + 100, MIDDLE.y};
-    m_view.Drag(MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP, MIDDLE, end);
-    Picture const turned = m_view.NewPicture(m_first);
-    Spot const red = FindColor(turned, RED), blue = FindColor(turned, BLUE);
-    EXPECT_GT(red.x, m_red.x + 20);
-    EXPECT_LT(blue.x, m_blue.x - 20);
-    EXPECT_GT(red.count, blue.count * 1.3);
-    m_view.PressKey('O');
+    // A quarter of the height is an eighth of a turn: to the right, it brings the left triangle to the front.
+    m_view.Act(L"@240,200 mousedown 1 @290,200 @340,200 mouseup 1");
+    Spot red, blue;
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [&](Picture const & p)
+        {
+            red = FindColor(p, RED);
+            blue = FindColor(p, BLUE);
+            return red.x > m_red.x + 15 && blue.x < m_blue.x - 35 && red.count > blue.count * 1.3;
+        }));
+    m_view.Act(L"key o");
     EXPECT_TRUE(m_view.HasTitleSoon(L"orthographic"));
     EXPECT_TRUE(m_view.ShowsSoon(
         [](Picture const & p)
@@ -76,7 +96,7 @@ TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
             int const reds = FindColor(p, RED).count, blues = FindColor(p, BLUE).count;
             return reds > 0 && std::abs(reds - blues) < reds / 20;
         }));
-    m_view.PressKey('P');
+    m_view.Act(L"key p");
     EXPECT_TRUE(m_view.HasTitleSoon(L"perspective"));
     EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p)
                                  { return std::abs(FindColor(p, RED).count - red.count) < red.count / 50; }));
@@ -84,41 +104,30 @@ TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
 
 TEST_F(VekViewWindow, ADragThereAndBackOrTakenBackLeavesThePicture)
 {
-    for (unsigned short const key : {0, VK_ESCAPE})
+    for (wchar_t const * const end : {L"@240,200 mouseup 1", L"key Escape @240,200 mouseup 1"})
     {
-        SCOPED_TRACE(key);
-        m_view.MoveTo(MIDDLE.x, MIDDLE.y);
-        m_view.Button(MOUSEEVENTF_LEFTDOWN);
-        m_view.MoveTo(300, 260);
-        m_view.MoveTo(340, 90);
-        EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, GREEN).y > 30 && p != m_first; }));
-        if (key)
-            m_view.PressKey(key);
-        m_view.MoveTo(MIDDLE.x, MIDDLE.y);
-        m_view.Button(MOUSEEVENTF_LEFTUP);
-        EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return p == m_first; }));
+        SCOPED_TRACE(end);
+        m_view.Act(L"@240,200 mousedown 1 @300,260 @340,90");
+        EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).x > m_red.x + 15; }));
+        m_view.Act(end);
+        EXPECT_TRUE(ShowsFirstSoon());
     }
 }
 
 TEST_F(VekViewWindow, MiddleDragKeepsThePointUnderThePointer)
 {
-    POINT const from{static_cast<int>(m_red.x), static_cast<int>(m_red.y)};
-    m_view.Drag(MOUSEEVENTF_MIDDLEDOWN, MOUSEEVENTF_MIDDLEUP, from, {from.x + 60, from.y - 40});
+    Spot target = m_red;
+    target.x += 60;
+    target.y -= 40;
+    m_view.Act(At(m_red) + L" mousedown 2 @100,100 " + At(target) + L" mouseup 2");
     EXPECT_TRUE(m_view.ShowsSoon(
         [&](Picture const & p)
-        {
-            Spot const moved = FindColor(p, YELLOW), other = FindColor(p, BLUE);
-            return std::fabs(moved.x - m_red.x - 60) < 1 && std::fabs(moved.y - m_red.y + 40) < 1 &&
-                   std::fabs(other.x - m_blue.x - 60) < 1 && std::fabs(other.y - m_blue.y + 40) < 1;
-        }));
+        { return IsMoved(FindColor(p, YELLOW), m_red, 60, -40) && IsMoved(FindColor(p, BLUE), m_blue, 60, -40); }));
 }
 
 TEST_F(VekViewWindow, WheelGoesNearerAndFFitsTheScene)
 {
-    POINT const place{static_cast<int>(m_blue.x), static_cast<int>(m_blue.y)};
-    m_view.MoveTo(place.x, place.y);
-    EXPECT_TRUE(m_view.HasTitleSoon(L" - right"));
-    m_view.TurnWheel(4); // twice as near
+    m_view.Act(At(m_blue) + L" click --repeat 4 4"); // four steps: twice as near
     EXPECT_TRUE(m_view.ShowsSoon(
         [&](Picture const & p)
         {
@@ -126,10 +135,9 @@ TEST_F(VekViewWindow, WheelGoesNearerAndFFitsTheScene)
             return std::fabs(nearer.count - 4.0 * m_blue.count) < 0.1 * m_blue.count &&
                    std::fabs(nearer.x - m_blue.x) < 2 && std::fabs(nearer.y - m_blue.y) < 2;
         }));
-    m_view.TurnWheel(8);
+    m_view.Act(L"click --repeat 8 4");
     EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).count == 0; }));
-    m_view.MoveTo(MIDDLE.x, 390);
-    m_view.PressKey('F');
+    m_view.Act(L"@240,390 key f");
     EXPECT_TRUE(m_view.ShowsSoon(
         [](Picture const & p)
         {
@@ -142,7 +150,7 @@ TEST_F(VekViewWindow, WheelGoesNearerAndFFitsTheScene)
 TEST_F(VekViewWindow, RightDragRolls)
 {
     // From the right of the view axis to above it: a quarter to the left.
-    m_view.Drag(MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP, {MIDDLE.x + 60, MIDDLE.y}, {MIDDLE.x, MIDDLE.y - 60});
+    m_view.Act(L"@300,200 mousedown 3 @280,160 @240,140 mouseup 3");
     EXPECT_TRUE(m_view.ShowsSoon(
         [&](Picture const & p)
         {

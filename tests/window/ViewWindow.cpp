@@ -1,5 +1,8 @@
 #include "ViewWindow.h"
 
+#include <cwchar>
+#include <sstream>
+
 namespace
 {
 
@@ -30,15 +33,6 @@ HWND WindowOf(DWORD process)
                                                                                                              : nullptr;
 }
 
-void SendMouse(DWORD flags, DWORD data)
-{
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
-    input.mi.mouseData = data;
-    SendInput(1, &input, sizeof input);
-}
-
 } // namespace
 
 ViewWindow::ViewWindow(std::wstring const & scene)
@@ -67,44 +61,26 @@ ViewWindow::~ViewWindow()
     CloseHandle(m_process.hProcess);
 }
 
-void ViewWindow::MoveTo(int x, int y)
+void ViewWindow::Act(std::wstring const & commands) const
 {
-    POINT place{x, y};
-    ClientToScreen(m_window, &place);
-    SetCursorPos(place.x, place.y);
-    // Messages of the mouse are taken in their order once the window has seen this one.
-    SendMessageW(m_window, WM_NULL, 0, 0);
-}
-
-void ViewWindow::Button(unsigned int flag)
-{
-    SendMouse(flag, 0);
-}
-
-void ViewWindow::TurnWheel(int steps)
-{
-    SendMouse(MOUSEEVENTF_WHEEL, static_cast<DWORD>(steps * WHEEL_DELTA));
-}
-
-void ViewWindow::PressKey(unsigned short key)
-{
-    INPUT inputs[2]{};
-    for (INPUT & input : inputs)
+    std::wstring line = L"xdotool";
+    std::wistringstream words(commands);
+    for (std::wstring word; words >> word;)
     {
-        input.type = INPUT_KEYBOARD;
-        input.ki.wVk = key;
+        POINT place{};
+        if (std::swscanf(word.c_str(), L"@%ld,%ld", &place.x, &place.y) == 2)
+        {
+            ClientToScreen(m_window, &place);
+            word = L"mousemove " + std::to_wstring(place.x) + L" " + std::to_wstring(place.y);
+        }
+        line += L" " + word;
     }
-    inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
-    SendInput(2, inputs, sizeof(INPUT));
-}
-
-void ViewWindow::Drag(unsigned int down, unsigned int up, POINT from, POINT to)
-{
-    MoveTo(from.x, from.y);
-    Button(down);
-    for (int part = 1; part <= 4; ++part)
-        MoveTo(from.x + (to.x - from.x) * part / 4, from.y + (to.y - from.y) * part / 4);
-    Button(up);
+    // Not a Windows program: there is no handle to wait for.
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    CreateProcessW(L"Z:\\usr\\bin\\xdotool", line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                   &process);
 }
 
 Picture ViewWindow::Look() const
@@ -154,20 +130,6 @@ bool ViewWindow::ShowsSoon(std::function<bool(Picture const &)> const & conditio
 bool ViewWindow::HasTitleSoon(std::wstring const & part) const
 {
     return Eventually([&] { return Title().find(part) != std::wstring::npos; });
-}
-
-Picture ViewWindow::NewPicture(Picture const & old) const
-{
-    Picture latest;
-    Eventually(
-        [&]
-        {
-            Picture now = Look();
-            bool const settled = now == latest && !(now == old);
-            latest = std::move(now);
-            return settled;
-        });
-    return latest;
 }
 
 int ViewWindow::Close()

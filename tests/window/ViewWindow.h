@@ -1,5 +1,5 @@
-// vekview in a window of its own on the screen, moved by the system's mouse and keyboard, and seen as the screen shows
-// it.
+// vekview in a window of its own on the X server's screen, moved by that server's mouse and keyboard, and seen as the
+// screen shows it.
 #pragma once
 
 #include "support/Picture.h"
@@ -23,13 +23,9 @@ public:
     ViewWindow & operator=(ViewWindow const &) = delete;
 
     bool IsOpen() const { return m_window != nullptr; }
-    /// The mouse in the window's own coordinates: buttons are MOUSEEVENTF_... of "down" and "up".
-    void MoveTo(int x, int y);
-    void Button(unsigned int flag);
-    void TurnWheel(int steps);
-    void PressKey(unsigned short key);
-    /// A drag in several movements.
-    void Drag(unsigned int down, unsigned int up, POINT from, POINT to);
+    /// Mouse and keyboard, all of it in one go: xdotool's commands, such as L"mousedown 1", and places in the window's
+    /// coordinates as L"@240,200".
+    void Act(std::wstring const & commands) const;
 
     /// What the screen shows inside the window.
     Picture Look() const;
@@ -37,8 +33,6 @@ public:
     /// Looks again and again until the condition holds; false after ten seconds.
     bool ShowsSoon(std::function<bool(Picture const &)> const & condition) const;
     bool HasTitleSoon(std::wstring const & part) const;
-    /// The picture once it no longer changes and is another than that one.
-    Picture NewPicture(Picture const & old) const;
     /// Asks the window to close; the program's exit code, or -1 when it stays.
     int Close();
 
