@@ -62,9 +62,10 @@ void Canvas::DrawLine(Place const & from, Place const & to, std::uint32_t color)
     int const steps = static_cast<int>(std::ceil(length));
     double const part = steps == 0 ? 0.0 : 1.0 / steps;
     double const dx = (to.x - from.x) * part, dy = (to.y - from.y) * part, dz = (to.depth - from.depth) * part;
+    double const depth = from.depth - LINE_LIFT;
+    // What was clipped is not negative, or so little that cutting it off is right: no rounding down is needed.
     for (int i = 0; i <= steps; ++i)
-        Set(static_cast<int>(std::floor(from.x + dx * i)), static_cast<int>(std::floor(from.y + dy * i)),
-            from.depth + dz * i - LINE_LIFT, color);
+        Set(static_cast<int>(from.x + dx * i), static_cast<int>(from.y + dy * i), depth + dz * i, color);
 }
 
 void Canvas::FillTriangle(Place const & a, Place const & b, Place const & c, std::uint32_t color)
@@ -75,14 +76,17 @@ void Canvas::FillTriangle(Place const & a, Place const & b, Place const & c, std
     int left, right, top, bottom;
     Range(a.x, b.x, c.x, m_width, left, right);
     Range(a.y, b.y, c.y, m_height, top, bottom);
+    double const stepA = (b.y - c.y) / area, stepB = (c.y - a.y) / area; // of the weights, for each pixel
     for (int y = top; y <= bottom; ++y)
+    {
+        double const weightA = Side(b, c, left + 0.5, y + 0.5) / area, weightB = Side(c, a, left + 0.5, y + 0.5) / area;
         for (int x = left; x <= right; ++x)
         {
-            double const wa = Side(b, c, x + 0.5, y + 0.5) / area, wb = Side(c, a, x + 0.5, y + 0.5) / area;
-            double const wc = 1.0 - wa - wb;
+            double const wa = weightA + stepA * (x - left), wb = weightB + stepB * (x - left), wc = 1.0 - wa - wb;
             if (wa >= 0 && wb >= 0 && wc >= 0)
                 Set(x, y, wa * a.depth + wb * b.depth + wc * c.depth, color);
         }
+    }
 }
 
 } // namespace tool
