@@ -79,6 +79,16 @@ if [ -e mime.xml ]; then
     run 1 xml set mime.xml mime-type/glob weight 77
 fi
 
+say "== A scene of curves, boxes and triangles, drawn into a PNG file without a window"
+cp "$here/examples/data/viewscene.xml" .
+printf '\n$ vekview viewscene.xml --snapshot viewscene.png --size 1024x768\n'
+if "$here/tools/wine-run" "$(dirname "$program")/vekview.exe" viewscene.xml --snapshot viewscene.png --size 1024x768 < /dev/null; then
+    cp viewscene.png "$here/build/" && echo "=> build/viewscene.png, $(stat -c %s viewscene.png) bytes"
+else
+    echo "demo: no picture"
+    failures=$((failures + 1))
+fi
+
 say "== Bad input ends with a message and an exit code"
 printf '<scene>\n  <camera>\n</scene>\n' > malformed.xml
 printf '<scene><camera/>' > short.xml

@@ -91,7 +91,9 @@ std::vector<float> ElementReader::Numbers(wchar_t const * attribute, std::size_t
     else if (!ParseNumbers(text, numbers) || (count != 0 && numbers.size() != count))
     {
         numbers.clear();
-        std::wstring const wanted = count == 0 ? L"numbers" : count == 1 ? L"a number" : Format(L"%u numbers", count);
+        std::wstring const wanted = count == 0   ? L"numbers"
+                                    : count == 1 ? L"a number"
+                                                 : Format(L"%u numbers", static_cast<unsigned int>(count));
         ComplainOf(attribute, L"is not " + wanted + L" up to 1e9: \"" + Printable(text, 60) + L"\"");
     }
     return numbers;

@@ -121,6 +121,7 @@ bool Window::Handle(UINT message, WPARAM wide, LPARAM narrow)
         return true;
     case WM_CAPTURECHANGED:
         m_view.EndDrag();
+        m_dragEnd = 0;
         return true;
     case WM_DESTROY:
         m_window = nullptr;
@@ -135,17 +136,19 @@ bool Window::HandleButton(UINT message, int x, int y)
 {
     for (DragButton const & button : DRAG_BUTTONS)
     {
-        if (message == button.down && !m_view.IsDragging())
+        if (message == button.down && m_dragEnd == 0)
         {
             m_view.BeginDrag(button.mode, x, y, PickAt(x, y).Hit());
             m_dragEnd = button.up;
             SetCapture(m_window);
             return true;
         }
-        if (message == button.up && m_view.IsDragging() && m_dragEnd == button.up)
+        if (message == button.up && m_dragEnd == button.up)
         {
-            MovePointer(x, y);
+            if (m_view.IsDragging()) // a key may have ended it
+                MovePointer(x, y);
             m_view.EndDrag();
+            m_dragEnd = 0;
             ReleaseCapture();
             return true;
         }
@@ -168,7 +171,6 @@ void Window::PressKey(WPARAM key)
         break;
     case VK_ESCAPE:
         m_view.CancelDrag();
-        ReleaseCapture();
         break;
     default:
         return;

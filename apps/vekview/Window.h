@@ -42,7 +42,7 @@ private:
     SceneView m_view;
     Canvas m_canvas;
     HWND m_window = nullptr;
-    UINT m_dragEnd = 0; // the message that ends the drag
+    UINT m_dragEnd = 0; // the message that ends the drag, 0 without a button down
     int m_highlighted = -1;
     bool m_outOfMemory = false;
     bool m_fitted = false;
