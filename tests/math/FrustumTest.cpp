@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -37,7 +36,7 @@ TEST(Frustum, MembersAndTheirSums)
     EXPECT_EQ(copy.GetProjectionMode(), VEK_PROJECTIONMODE_ORTHOGRAPHIC);
 }
 
-TEST(Frustum, FieldOfView)
+TEST(Frustum, FieldOfViewAndAspectRatio)
 {
     CVekFrustum frustum;
     EXPECT_EQ(frustum.GetFOV(VEK_ANGLE_RADIANS), 0.7853982f);
@@ -47,11 +46,8 @@ TEST(Frustum, FieldOfView)
     EXPECT_FLOAT_EQ(frustum.GetFOV(VEK_ANGLE_RADIANS), 1.1071488f);
     frustum.SetNear(-0.0f);
     EXPECT_EQ(frustum.GetFOV(VEK_ANGLE_DEGREES), 0.0f);
-}
 
-TEST(Frustum, AspectRatio)
-{
-    CVekFrustum frustum;
+    frustum = CVekFrustum();
     EXPECT_TRUE(!frustum.FixAspectRatio(0, 9) && !frustum.FixAspectRatio(16, 0));
     EXPECT_EQ(All(frustum), All(CVekFrustum()));
     EXPECT_TRUE(frustum.FixAspectRatio(16, 9));

@@ -88,7 +88,7 @@ TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
             blue = FindColor(p, BLUE);
             return red.x > m_red.x + 15 && blue.x < m_blue.x - 35 && red.count > blue.count * 1.3;
         }));
-    m_view.Act(L"key o");
+    m_view.Act(L"@340,200 key o");
     EXPECT_TRUE(m_view.HasTitleSoon(L"orthographic"));
     EXPECT_TRUE(m_view.ShowsSoon(
         [](Picture const & p)
@@ -96,7 +96,7 @@ TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
             int const reds = FindColor(p, RED).count, blues = FindColor(p, BLUE).count;
             return reds > 0 && std::abs(reds - blues) < reds / 20;
         }));
-    m_view.Act(L"key p");
+    m_view.Act(L"@340,200 key p");
     EXPECT_TRUE(m_view.HasTitleSoon(L"perspective"));
     EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p)
                                  { return std::abs(FindColor(p, RED).count - red.count) < red.count / 50; }));
@@ -135,7 +135,7 @@ TEST_F(VekViewWindow, WheelGoesNearerAndFFitsTheScene)
             return std::fabs(nearer.count - 4.0 * m_blue.count) < 0.1 * m_blue.count &&
                    std::fabs(nearer.x - m_blue.x) < 2 && std::fabs(nearer.y - m_blue.y) < 2;
         }));
-    m_view.Act(L"click --repeat 8 4");
+    m_view.Act(At(m_blue) + L" click --repeat 8 4");
     EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).count == 0; }));
     m_view.Act(L"@240,390 key f");
     EXPECT_TRUE(m_view.ShowsSoon(

@@ -25,14 +25,6 @@ std::wstring ProgramPath()
     return whole.substr(0, whole.find_last_of(L"\\/") + 1) + L"vekview.exe";
 }
 
-HWND WindowOf(DWORD process)
-{
-    HWND const window = FindWindowW(L"VekView", nullptr);
-    DWORD owner = 0;
-    return window && GetWindowThreadProcessId(window, &owner) && owner == process && IsWindowVisible(window) ? window
-                                                                                                             : nullptr;
-}
-
 } // namespace
 
 ViewWindow::ViewWindow(std::wstring const & scene)
@@ -43,12 +35,10 @@ ViewWindow::ViewWindow(std::wstring const & scene)
     if (!CreateProcessW(ProgramPath().c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &m_process))
         return;
-    Eventually([this] { return (m_window = WindowOf(m_process.dwProcessId)) != nullptr; });
-    if (!m_window)
-        return;
+    // There is no other on this screen.
+    Eventually([this] { return (m_window = FindWindowW(L"VekView", nullptr)) && IsWindowVisible(m_window); });
     SetWindowPos(m_window, HWND_TOP, 20, 20, 0, 0, SWP_NOSIZE);
     SetForegroundWindow(m_window);
-    Eventually([this] { return GetForegroundWindow() == m_window; });
 }
 
 ViewWindow::~ViewWindow()
@@ -65,9 +55,9 @@ void ViewWindow::Act(std::wstring const & commands) const
 {
     std::wstring line = L"xdotool";
     std::wistringstream words(commands);
+    POINT place{}, pointer{};
     for (std::wstring word; words >> word;)
     {
-        POINT place{};
         if (std::swscanf(word.c_str(), L"@%ld,%ld", &place.x, &place.y) == 2)
         {
             ClientToScreen(m_window, &place);
@@ -75,12 +65,13 @@ void ViewWindow::Act(std::wstring const & commands) const
         }
         line += L" " + word;
     }
-    // Not a Windows program: there is no handle to wait for.
+    // Not a Windows program: there is no handle to wait for, but the next one must not overtake it.
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};
     CreateProcessW(L"Z:\\usr\\bin\\xdotool", line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                    &process);
+    Eventually([&] { return GetCursorPos(&pointer) && pointer.x == place.x && pointer.y == place.y; });
 }
 
 Picture ViewWindow::Look() const
@@ -92,34 +83,21 @@ Picture ViewWindow::Look() const
     Picture picture;
     picture.width = inside.right;
     picture.height = inside.bottom;
-    BITMAPINFO format{};
-    format.bmiHeader.biSize = sizeof format.bmiHeader;
-    format.bmiHeader.biWidth = picture.width;
-    format.bmiHeader.biHeight = -picture.height;
-    format.bmiHeader.biPlanes = 1;
-    format.bmiHeader.biBitCount = 32;
+    BITMAPINFO format{{sizeof(BITMAPINFOHEADER), picture.width, -picture.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
     HDC const screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
     void * bits = nullptr;
     HBITMAP const bitmap = CreateDIBSection(screen, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
-    HGDIOBJ const before = SelectObject(memory, bitmap);
+    SelectObject(memory, bitmap);
     BitBlt(memory, 0, 0, picture.width, picture.height, screen, corner.x, corner.y, SRCCOPY);
     GdiFlush();
     auto const * const first = static_cast<std::uint32_t const *>(bits);
     picture.pixels.assign(first, first + picture.width * picture.height);
     for (std::uint32_t & pixel : picture.pixels)
         pixel &= 0x00FFFFFF;
-    SelectObject(memory, before);
-    DeleteObject(bitmap);
     DeleteDC(memory);
+    DeleteObject(bitmap);
     ReleaseDC(nullptr, screen);
     return picture;
-}
-
-std::wstring ViewWindow::Title() const
-{
-    wchar_t text[300] = L"";
-    GetWindowTextW(m_window, text, 300);
-    return text;
 }
 
 bool ViewWindow::ShowsSoon(std::function<bool(Picture const &)> const & condition) const
@@ -127,9 +105,10 @@ bool ViewWindow::ShowsSoon(std::function<bool(Picture const &)> const & conditio
     return Eventually([&] { return condition(Look()); });
 }
 
-bool ViewWindow::HasTitleSoon(std::wstring const & part) const
+bool ViewWindow::HasTitleSoon(wchar_t const * part) const
 {
-    return Eventually([&] { return Title().find(part) != std::wstring::npos; });
+    wchar_t text[300] = L"";
+    return Eventually([&] { return GetWindowTextW(m_window, text, 300) && std::wcsstr(text, part); });
 }
 
 int ViewWindow::Close()

@@ -24,15 +24,14 @@ public:
 
     bool IsOpen() const { return m_window != nullptr; }
     /// Mouse and keyboard, all of it in one go: xdotool's commands, such as L"mousedown 1", and places in the window's
-    /// coordinates as L"@240,200".
+    /// coordinates as L"@240,200", at least one of them.
     void Act(std::wstring const & commands) const;
 
     /// What the screen shows inside the window.
     Picture Look() const;
-    std::wstring Title() const;
     /// Looks again and again until the condition holds; false after ten seconds.
     bool ShowsSoon(std::function<bool(Picture const &)> const & condition) const;
-    bool HasTitleSoon(std::wstring const & part) const;
+    bool HasTitleSoon(wchar_t const * part) const;
     /// Asks the window to close; the program's exit code, or -1 when it stays.
     int Close();
 
