@@ -46,6 +46,11 @@ IVekCPUUsage * CVekKernel::CreateCPUUsage()
     return usage;
 }
 
+IVekCameraUIController * CVekKernel::CreateCameraUIController()
+{
+    return new (std::nothrow) CVekCameraUIController;
+}
+
 IVekLexer * CVekKernel::CreateLexer()
 {
     return new (std::nothrow) CVekLexer;
@@ -54,11 +59,4 @@ IVekLexer * CVekKernel::CreateLexer()
 IVekTokenizer * CVekKernel::CreateTokenizer()
 {
     return new (std::nothrow) CVekTokenizer;
-}
-
-// The service below is not there yet: creating one fails as it does when memory is exhausted.
-
-IVekCameraUIController * CVekKernel::CreateCameraUIController()
-{
-    return nullptr;
 }

@@ -3,6 +3,7 @@
 #ifndef VEK_LIB_H
 #define VEK_LIB_H
 
+#include "VekCamera.h"
 #include "VekCore.h"
 #include "VekData.h"
 #include "VekExport.h"

@@ -110,6 +110,15 @@ run 0 data pack back.xml back.bin
 if cmp -s settings.bin back.bin; then echo "=> back.bin is settings.bin, byte for byte"; else echo "demo: back.bin differs"; failures=$((failures + 1)); fi
 head -c 60 settings.bin > cut.bin
 run 1 data dump cut.bin
+say "== A scene of curves, boxes and triangles, drawn into a PNG file without a window"
+cp "$here/examples/data/viewscene.xml" .
+printf '\n$ vekview viewscene.xml --snapshot viewscene.png --size 1024x768\n'
+if "$here/tools/wine-run" "$(dirname "$program")/vekview.exe" viewscene.xml --snapshot viewscene.png --size 1024x768 < /dev/null; then
+    cp viewscene.png "$here/build/" && echo "=> build/viewscene.png, $(stat -c %s viewscene.png) bytes"
+else
+    echo "demo: no picture"
+    failures=$((failures + 1))
+fi
 
 say "== Bad input ends with a message and an exit code"
 printf '<scene>\n  <camera>\n</scene>\n' > malformed.xml

@@ -47,6 +47,8 @@ clang-format                clang-format
 cppcheck                    cppcheck
 libc6-i386                  /lib/ld-linux.so.2
 wine64                      /usr/lib/wine/wine64
+xvfb                        Xvfb
+xdotool                     xdotool
 '
 
 # A component is complete when its stamp holds the key given here. Change a key to have the component made anew.

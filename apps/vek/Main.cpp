@@ -16,6 +16,8 @@
 namespace tool
 {
 
+wchar_t const * const PROGRAM_NAME = L"vek";
+
 namespace
 {
 

@@ -144,13 +144,13 @@ std::wstring Printable(std::wstring_view text, std::size_t limit)
 
 int Fail(std::wstring_view subject, std::wstring_view message)
 {
-    Console::Err().Write((L"vek: " + Printable(subject) + L": ").append(message).append(L"\n"));
+    Console::Err().Write(PROGRAM_NAME + (L": " + Printable(subject) + L": ").append(message).append(L"\n"));
     return EXIT_FAILED;
 }
 
 void Note(std::wstring_view subject, std::wstring_view message)
 {
-    Console::Err().Write((L"vek: " + Printable(subject) + L": note: ").append(message).append(L"\n"));
+    Console::Err().Write(PROGRAM_NAME + (L": " + Printable(subject) + L": note: ").append(message).append(L"\n"));
 }
 
 std::wstring Format(wchar_t const * format, ...)

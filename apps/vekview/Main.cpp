@@ -1,0 +1,150 @@
+// vekview: shows a scene read from XML in a window, or draws it into a PNG file.
+
+#include "Console.h"
+#include "LogToStderr.h"
+#include "PngFile.h"
+#include "Renderer.h"
+#include "SceneReader.h"
+#include "Utf8.h"
+#include "Window.h"
+#include "XmlFile.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <new>
+
+namespace tool
+{
+
+wchar_t const * const PROGRAM_NAME = L"vekview";
+
+namespace
+{
+
+constexpr int LARGEST_SIZE = 8192;
+
+constexpr char const * HELP =
+    R"(In the window: drag with the left button to orbit, with the middle button to pan, with the right button to roll;
+turn the wheel to go nearer. F fits the scene, P and O switch to perspective and orthographic projection, Escape takes
+a drag back. The triangle under the pointer is highlighted.
+
+Exit codes: 0 done, 1 failed, 2 wrong usage.)";
+
+struct Arguments
+{
+    std::string scene, snapshot, size = "800x600";
+    int width = 0, height = 0;
+};
+
+/// "800x600"; an empty text when that is right, for the command-line parser.
+std::string ParseSize(std::string const & text, Arguments & arguments)
+{
+    int end = 0;
+    bool const parsed = std::sscanf(text.c_str(), "%5dx%5d%n", &arguments.width, &arguments.height, &end) == 2 &&
+                        static_cast<std::size_t>(end) == text.size();
+    bool const inRange = arguments.width >= 1 && arguments.width <= LARGEST_SIZE && arguments.height >= 1 &&
+                         arguments.height <= LARGEST_SIZE;
+    return parsed && inRange ? "" : "--size: \"" + text + "\" is not WIDTHxHEIGHT, each from 1 to 8192";
+}
+
+/// EXIT_DONE with an empty scene: the help or version was asked for and is printed.
+int ParseArguments(int count, wchar_t ** texts, Arguments & arguments)
+{
+    CLI::App app("Shows a scene of NURBS curves, boxes, triangles and grids", "vekview");
+    app.allow_windows_style_options(false); // "/dir/file" is a path
+    app.set_version_flag("--version", "vekview " VEK_VERSION);
+    app.footer(HELP);
+    app.add_option("SCENE", arguments.scene, "The scene's XML file")->required()->type_name("");
+    app.add_option("--snapshot", arguments.snapshot, "Draw into a PNG file instead of a window")->type_name("OUT");
+    app.add_option("--size", arguments.size, "The picture's size (800x600)")->type_name("WxH");
+    std::vector<std::string> reversed; // the parser takes them from the back
+    for (int i = count - 1; i > 0; --i)
+        reversed.push_back(ToUtf8KeepingAll(texts[i]));
+    try
+    {
+        app.parse(reversed);
+        std::string const problem = ParseSize(arguments.size, arguments);
+        if (!problem.empty())
+            throw CLI::ValidationError(problem);
+        return EXIT_DONE;
+    }
+    catch (CLI::ParseError const & error)
+    {
+        arguments.scene.clear();
+        std::ostringstream out, err;
+        bool const isError = app.exit(error, out, err) != 0;
+        Console::Out().Write(FromUtf8(out.str()));
+        if (isError)
+            Console::Err().Write(L"vekview: " + Printable(FromUtf8(error.what())) +
+                                 L"\nRun \"vekview --help\" for more.\n");
+        return isError ? EXIT_USAGE : EXIT_DONE;
+    }
+}
+
+/// False, after telling the user what is wrong with the file.
+bool LoadScene(std::wstring const & path, Scene & scene)
+{
+    auto const document = LoadXml(path);
+    if (!document)
+        return false;
+    Problems const problems = SceneReader::Read(*document, scene);
+    for (std::wstring const & line : problems.Lines())
+        Fail(path, line);
+    if (problems.Count() > problems.Lines().size())
+        Fail(path, Format(L"and %u more", static_cast<unsigned int>(problems.Count() - problems.Lines().size())));
+    return problems.None();
+}
+
+int DrawSnapshot(Scene const & scene, Arguments const & arguments)
+{
+    SceneView view(scene);
+    view.Resize(arguments.width, arguments.height);
+    if (!scene.camera)
+        view.Fit();
+    Canvas canvas;
+    canvas.Resize(arguments.width, arguments.height);
+    Renderer(view, canvas).Draw(scene, -1);
+    std::wstring const path = FromUtf8(arguments.snapshot);
+    return WritePng(canvas, path) ? EXIT_DONE : Fail(path, L"can't be written");
+}
+
+int Run(int count, wchar_t ** texts)
+{
+    Arguments arguments;
+    int const parsed = ParseArguments(count, texts, arguments);
+    if (arguments.scene.empty())
+        return parsed;
+    Library const library;
+    if (!library.Started())
+        return Fail(L"VekLib", L"can't be started");
+    std::wstring const path = FromUtf8(arguments.scene);
+    Scene scene;
+    if (!LoadScene(path, scene))
+        return EXIT_FAILED;
+    if (!arguments.snapshot.empty())
+        return DrawSnapshot(scene, arguments);
+    std::wstring const name = path.substr(path.find_last_of(L"\\/") + 1);
+    Window window(scene, Printable(name, 100));
+    return window.Run(arguments.width, arguments.height) ? EXIT_DONE : Fail(path, L"no window can be opened here");
+}
+
+} // namespace
+
+} // namespace tool
+
+int wmain(int count, wchar_t ** arguments)
+{
+    int code = tool::EXIT_FAILED;
+    try
+    {
+        code = tool::Run(count, arguments);
+    }
+    catch (std::bad_alloc const &)
+    {
+        tool::Console::Err().Write(L"vekview: out of memory\n");
+    }
+    if (!tool::Console::Out().Flush())
+        code = tool::EXIT_FAILED; // whoever reads this output hasn't got all of it
+    return code;
+}

@@ -1,0 +1,162 @@
+// The real window, moved by mouse and keyboard. A red triangle is on the left, a blue one on the right, and a green
+// line above, seen from the front.
+
+#include "ViewWindow.h"
+
+#include "support/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+
+constexpr char const * SCENE = R"(<scene>
+  <camera eye="0, 0, 10" target="0, 0, 0" angle="45"/>
+  <triangle name="left" a="-2.5, -0.5, 0" b="-1.5, -0.5, 0" c="-2, 0.5, 0" color="255, 0, 0"/>
+  <triangle name="right" a="1.5, -0.5, 0" b="2.5, -0.5, 0" c="2, 0.5, 0" color="0, 0, 255"/>
+  <curve degree="1" color="0, 255, 0"><point at="-1, 2.5, 0"/><point at="1, 2.5, 0"/></curve>
+</scene>)";
+
+constexpr char const * RED = "+--";
+constexpr char const * BLUE = "--+";
+constexpr char const * GREEN = "-+-";
+constexpr char const * YELLOW = "++-"; // what is highlighted
+
+std::wstring At(Spot const & spot)
+{
+    return L"@" + std::to_wstring(std::lround(spot.x)) + L"," + std::to_wstring(std::lround(spot.y));
+}
+
+// True when what was at the one place, and as large, is now moved.
+bool IsMoved(Spot const & now, Spot const & before, double x, double y)
+{
+    return std::fabs(now.x - before.x - x) < 1 && std::fabs(now.y - before.y - y) < 1;
+}
+
+class VekViewWindow : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_view.IsOpen());
+        m_view.Act(L"@240,200"); // the middle, which shows the background
+        ASSERT_TRUE(m_view.ShowsSoon(
+            [this](Picture const & p)
+            {
+                m_first = p;
+                m_red = FindColor(p, RED);
+                m_blue = FindColor(p, BLUE);
+                return p.width == 480 && p.height == 400 && m_red.count > 500 &&
+                       std::fabs(m_red.x + m_blue.x - p.width) < 2 && FindColor(p, GREEN).count > 50;
+            }));
+    }
+    void TearDown() override { EXPECT_EQ(m_view.Close(), 0); }
+
+    bool ShowsFirstSoon() const
+    {
+        return m_view.ShowsSoon([this](Picture const & p) { return p == m_first; });
+    }
+
+    ViewWindow m_view{WriteFileBytes(L"window.xml", SCENE)};
+    Picture m_first;
+    Spot m_red, m_blue;
+};
+
+TEST_F(VekViewWindow, HighlightsTheTriangleUnderThePointer)
+{
+    m_view.Act(At(m_red));
+    EXPECT_TRUE(m_view.HasTitleSoon(L" - left"));
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [&](Picture const & p) { return FindColor(p, YELLOW).count == m_red.count && FindColor(p, RED).count == 0; }));
+    m_view.Act(At(m_blue));
+    EXPECT_TRUE(m_view.HasTitleSoon(L" - right"));
+    m_view.Act(L"@240,200");
+    EXPECT_TRUE(ShowsFirstSoon());
+}
+
+TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
+{
+    // A quarter of the height is an eighth of a turn: to the right, it brings the left triangle to the front.
+    m_view.Act(L"@240,200 mousedown 1 @290,200 @340,200 mouseup 1");
+    Spot red, blue;
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [&](Picture const & p)
+        {
+            red = FindColor(p, RED);
+            blue = FindColor(p, BLUE);
+            return red.x > m_red.x + 15 && blue.x < m_blue.x - 35 && red.count > blue.count * 1.3;
+        }));
+    m_view.Act(L"@340,200 key o");
+    EXPECT_TRUE(m_view.HasTitleSoon(L"orthographic"));
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [](Picture const & p)
+        {
+            int const reds = FindColor(p, RED).count, blues = FindColor(p, BLUE).count;
+            return reds > 0 && std::abs(reds - blues) < reds / 20;
+        }));
+    m_view.Act(L"@340,200 key p");
+    EXPECT_TRUE(m_view.HasTitleSoon(L"perspective"));
+    EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p)
+                                 { return std::abs(FindColor(p, RED).count - red.count) < red.count / 50; }));
+}
+
+TEST_F(VekViewWindow, ADragThereAndBackOrTakenBackLeavesThePicture)
+{
+    for (wchar_t const * const end : {L"@240,200 mouseup 1", L"key Escape @240,200 mouseup 1"})
+    {
+        SCOPED_TRACE(end);
+        m_view.Act(L"@240,200 mousedown 1 @300,260 @340,90");
+        EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).x > m_red.x + 15; }));
+        m_view.Act(end);
+        EXPECT_TRUE(ShowsFirstSoon());
+    }
+}
+
+TEST_F(VekViewWindow, MiddleDragKeepsThePointUnderThePointer)
+{
+    Spot target = m_red;
+    target.x += 60;
+    target.y -= 40;
+    m_view.Act(At(m_red) + L" mousedown 2 @100,100 " + At(target) + L" mouseup 2");
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [&](Picture const & p)
+        { return IsMoved(FindColor(p, YELLOW), m_red, 60, -40) && IsMoved(FindColor(p, BLUE), m_blue, 60, -40); }));
+}
+
+TEST_F(VekViewWindow, WheelGoesNearerAndFFitsTheScene)
+{
+    m_view.Act(At(m_blue) + L" click --repeat 4 4"); // four steps: twice as near
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [&](Picture const & p)
+        {
+            Spot const nearer = FindColor(p, YELLOW);
+            return std::fabs(nearer.count - 4.0 * m_blue.count) < 0.1 * m_blue.count &&
+                   std::fabs(nearer.x - m_blue.x) < 2 && std::fabs(nearer.y - m_blue.y) < 2;
+        }));
+    m_view.Act(At(m_blue) + L" click --repeat 8 4");
+    EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).count == 0; }));
+    m_view.Act(L"@240,390 key f");
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [](Picture const & p)
+        {
+            Spot const red = FindColor(p, RED), blue = FindColor(p, BLUE), green = FindColor(p, GREEN);
+            return red.count > 200 && green.count > 50 && std::fabs(red.x + blue.x - p.width) < 2 && red.x > 50 &&
+                   red.y > p.height / 2.0;
+        }));
+}
+
+TEST_F(VekViewWindow, RightDragRolls)
+{
+    // From the right of the view axis to above it: a quarter to the left.
+    m_view.Act(L"@300,200 mousedown 3 @280,160 @240,140 mouseup 3");
+    EXPECT_TRUE(m_view.ShowsSoon(
+        [&](Picture const & p)
+        {
+            Spot const red = FindColor(p, RED), blue = FindColor(p, BLUE);
+            return red.y > p.height * 0.6 && blue.y < p.height * 0.4 && std::fabs(red.x - blue.x) < 2;
+        }));
+}
+
+} // namespace
