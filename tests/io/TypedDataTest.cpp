@@ -1,5 +1,6 @@
 #include "VekLib.h"
 
+#include "support/DataKit.h"
 #include "support/Files.h"
 #include "support/GuardHeap.h"
 #include "support/LogCapture.h"
@@ -104,50 +105,11 @@ std::string Written(int kind, CVekTypedDataWriter & writer, VEK_BYTEORDER order 
     return host.bytes;
 }
 
-/// Writes what a reader has got once more.
-void Copy(CVekTypedDataEntry const & entry, CVekTypedDataWriter & writer)
-{
-    wchar_t const * const name = entry.GetName();
-    VEK_VARIANT const & value = entry.Val();
-    bool copied = true;
-    switch (value.GetType())
-    {
-#define COPY(type, operation, held)                                                                                    \
-    case type:                                                                                                         \
-        copied = writer.operation(name, static_cast<held const &>(value));                                             \
-        break;
-        COPY(1, WriteBool, bool)
-        COPY(2, WriteByte, unsigned char)
-        COPY(3, WriteChar, char)
-        COPY(4, WriteWChar, unsigned short)
-        COPY(5, WriteInt16, short)
-        COPY(6, WriteWord, unsigned short)
-        COPY(7, WriteInt32, int)
-        COPY(8, WriteDWord, unsigned int)
-        COPY(9, WriteFloat, float)
-        COPY(10, WriteDouble, double)
-        COPY(11, WriteString, CVekString<char>)
-        COPY(12, WriteWString, CVekString<wchar_t>)
-        COPY(13, WriteColor, CVekRGBA<unsigned char>)
-        COPY(14, WriteColor, CVekRGBA<float>)
-        COPY(15, WriteVector, CVekVector4D<int>)
-        COPY(16, WriteVector, CVekVector4D<float>)
-        COPY(17, WriteVector, CVekVector4D<double>)
-        COPY(18, WriteMatrix, CVekMatrix4x4<float>)
-        COPY(19, WriteMatrix, CVekMatrix4x4<double>)
-        COPY(20, WriteGUID, GUID)
-#undef COPY
-    default:
-        copied = writer.WriteBuffer(name, value.GetBuffer(), value.GetBufferSize());
-    }
-    EXPECT_TRUE(copied);
-}
-
 std::string Again(CVekTypedDataReader const & reader)
 {
     CVekTypedDataWriter writer;
     for (int i = 0; i < reader.GetNumEntries(); ++i)
-        Copy(*reader.GetEntry(i), writer);
+        EXPECT_TRUE(CopyEntry(*reader.GetEntry(i), writer));
     return Written(HOST, writer);
 }
 
@@ -265,7 +227,7 @@ TEST(TypedData, RandomEntriesAreTheSameThroughAllStreams)
             entry.Val() = number % 2 == 0;
         else
             ((entry.Val() = number) = narrow.c_str()) = wide.c_str();
-        Copy(entry, writer);
+        EXPECT_TRUE(CopyEntry(entry, writer));
     }
     std::string const plain = Written(HOST, writer);
     for (VEK_BYTEORDER const order : {VEK_BYTEORDER_BIG, REVERSED})

@@ -42,14 +42,17 @@ char const * const lexerWords[] = {"if", "while", "==", "=",    "->",          "
 char const * const lexerSeeds[] = {"\1\2\3\4\5\6\7if (x == 10.5) // c\n y = \"text\" /* block */ -17 0x1F 1.2.3",
                                    nullptr};
 
+char const * const packetWords[] = {"VKPF", "FLDR", "BLOB", "NUMB", nullptr};
+
 } // namespace
 
 constinit Target const all[] = {
-    {"xml", RunXml, xmlWords, xmlSeeds, false},        {"elementpath", RunElementPath, nullptr, nullptr, true},
-    {"paths", RunPaths, nullptr, nullptr, true},       {"strings", RunStrings, nullptr, nullptr, true},
-    {"pointers", RunPointers, nullptr, nullptr, true}, {"memorystream", RunMemoryStream, nullptr, nullptr, true},
-    {"variants", RunVariants, nullptr, nullptr, true}, {"element", RunElement, nullptr, nullptr, true},
-    {"lexer", RunLexer, lexerWords, lexerSeeds, true},
+    {"xml", RunXml, xmlWords, xmlSeeds, false},           {"elementpath", RunElementPath, nullptr, nullptr, true},
+    {"paths", RunPaths, nullptr, nullptr, true},          {"strings", RunStrings, nullptr, nullptr, true},
+    {"pointers", RunPointers, nullptr, nullptr, true},    {"memorystream", RunMemoryStream, nullptr, nullptr, true},
+    {"variants", RunVariants, nullptr, nullptr, true},    {"element", RunElement, nullptr, nullptr, true},
+    {"lexer", RunLexer, lexerWords, lexerSeeds, true},    {"data", RunData, nullptr, nullptr, false},
+    {"packets", RunPackets, packetWords, nullptr, false},
 };
 std::span<Target const> const targets(all);
 

@@ -14,5 +14,7 @@ void RunMemoryStream(Bytes input);
 void RunVariants(Bytes input);
 void RunElement(Bytes input);
 void RunLexer(Bytes input);
+void RunData(Bytes input);
+void RunPackets(Bytes input);
 
 } // namespace fuzz
