@@ -12,7 +12,19 @@
 namespace vek
 {
 
-#if defined(__GNUC__)
+#if defined(__SSE2__) && defined(__GNUC__) && !defined(__clang__)
+// The instruction itself: the runtime's function may round twice.
+inline float SquareRoot(float value) VEK_NOEXCEPT
+{
+    typedef float Pack __attribute__((vector_size(16)));
+    return __builtin_ia32_sqrtss(Pack{value, 0, 0, 0})[0];
+}
+inline double SquareRoot(double value) VEK_NOEXCEPT
+{
+    typedef double Pack __attribute__((vector_size(16)));
+    return __builtin_ia32_sqrtsd(Pack{value, 0})[0];
+}
+#elif defined(__GNUC__) || defined(__clang__)
 inline float SquareRoot(float value) VEK_NOEXCEPT
 {
     return __builtin_sqrtf(value);
@@ -56,6 +68,8 @@ constexpr double LargestSquare(double) VEK_NOEXCEPT
 {
     return 1e307;
 }
+
+/// @endcond
 
 /// What the vectors of all sizes have in common. V gives its size N and its components through operator[].
 template <class V, class T, unsigned int N>
@@ -188,7 +202,6 @@ private:
 };
 
 } // namespace vek
-/// @endcond
 
 /// Two components, a plain value. Its operators work component by component; Dot, Length, Normalised, Lerp and more
 /// come with all vectors, see vek::VectorOf.

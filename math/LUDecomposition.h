@@ -33,7 +33,7 @@ public:
             m_order[i] = static_cast<unsigned int>(i);
         // Kept: the last diagonal element is no pivot and never compared with 0.
         size_t const pivots = m_size - 1;
-        if (FactorBlocks<2>(0, pivots, m_size) < pivots)
+        if (FactorBlocks<levels>(0, pivots, m_size) < pivots)
             return 0;
         return static_cast<D>(Row(pivots)[pivots]) * m_determinant;
     }
@@ -41,12 +41,14 @@ public:
 private:
     using P = Pack<T>;
     static constexpr size_t lanes = PackOf<T>::lanes;
-    // The widths of the inner and the outer blocks, and of the columns that the latter's steps are applied to at once.
-    static constexpr size_t innerBlock = 8, outerBlock = 32, chunk = 2048 / outerBlock * 4 / sizeof(T);
+    // The widths of the blocks of each level, and the bytes of their pivots' rows that are worked with at once: they
+    // and the factors of some other rows stay in the first cache.
+    static constexpr int levels = 3;
+    static constexpr size_t widths[levels + 1] = {1, 8, 32, 128};
+    static constexpr size_t stripBytes = 16384;
     // The tile: as many packs as the registers hold beside a row's packs and their product.
-    static constexpr size_t tileRows = sizeof(void *) == 4 ? 2 : 4, tilePacks = 2;
+    static constexpr size_t tileRows = 4, tilePacks = sizeof(void *) == 4 ? 1 : 2;
     static constexpr size_t tileColumns = tilePacks * lanes;
-    static_assert(chunk % tileColumns == 0);
 
     // The sizes of transforms, unrolled.
     template <size_t N>
@@ -176,7 +178,7 @@ private:
         return last;
     }
 
-    // The same by blocks. Level 2 has the outer ones, each factored by the inner ones of level 1.
+    // The same by blocks. Level 3 has the largest ones, each factored by the blocks of level 2, and so on.
     template <int Level>
     size_t FactorBlocks(size_t first, size_t last, size_t end) noexcept
     {
@@ -184,15 +186,14 @@ private:
             return FactorColumns(first, last, end);
         else
         {
-            constexpr size_t width = Level == 1 ? innerBlock : outerBlock;
             for (size_t begin = first, next; begin < last; begin = next)
             {
-                next = last - begin < width ? last : begin + width;
+                next = last - begin < widths[Level] ? last : begin + widths[Level];
                 size_t const own = end - next < lanes ? end : next; // a few columns more don't pay for a block
                 size_t const done = FactorBlocks<Level - 1>(begin, next, own);
                 // A pivot of 0 ends it: all columns are left at the same step.
                 if (done > begin && own < end)
-                    ApplySteps(begin, done, own, end);
+                    ApplySteps<Level>(begin, done, own, end, m_size);
                 if (done < next)
                     return done;
             }
@@ -200,41 +201,51 @@ private:
         }
     }
 
-    // Applies the steps of the pivots first to last - 1 to the columns begin to end - 1.
-    void ApplySteps(size_t first, size_t last, size_t begin, size_t end) noexcept
+    // Applies the steps of the pivots first to last - 1, a block of that level, to the columns begin to end - 1 of the
+    // rows below the first up to rowEnd. The pivots' own rows come first, those of a large block by smaller ones.
+    template <int Level>
+    void ApplySteps(size_t first, size_t last, size_t begin, size_t end, size_t rowEnd) noexcept
     {
+        constexpr bool large = Level == levels;
+        if constexpr (large)
+            for (size_t block = first; block < last; block += widths[Level - 1])
+                ApplySteps<Level - 1>(block, last - block < widths[Level - 1] ? last : block + widths[Level - 1], begin,
+                                      end, last);
+        constexpr size_t chunk = stripBytes / sizeof(T) / widths[Level];
+        static_assert(chunk % tileColumns == 0);
+        alignas(16) T strip[widths[Level] * chunk];
         size_t const depth = last - first;
-        alignas(16) T pivotRows[outerBlock * chunk];
         for (size_t column = begin, width; column < end; column += width)
         {
             width = end - column < chunk ? end - column : chunk;
             size_t const padded = (width + tileColumns - 1) / tileColumns * tileColumns;
             for (size_t k = 0; k < depth; ++k)
             {
-                Subtract<1>(pivotRows, padded, first + k, first, k, column, width);
-                T * const copy = pivotRows + k * padded;
+                if constexpr (!large)
+                    Subtract<1, Level>(strip, padded, first + k, first, k, column, width);
+                T * const copy = strip + k * padded;
                 memcpy(copy, Row(first + k) + column, width * sizeof(T));
                 for (size_t j = width; j < padded; ++j)
                     copy[j] = 0;
             }
             size_t i = last;
-            for (; i + tileRows <= m_size; i += tileRows)
-                Subtract<tileRows>(pivotRows, padded, i, first, depth, column, width);
-            for (; i < m_size; ++i)
-                Subtract<1>(pivotRows, padded, i, first, depth, column, width);
+            for (; i + tileRows <= rowEnd; i += tileRows)
+                Subtract<tileRows, Level>(strip, padded, i, first, depth, column, width);
+            for (; i < rowEnd; ++i)
+                Subtract<1, Level>(strip, padded, i, first, depth, column, width);
         }
     }
 
     // For R rows from row on: subtracts the first depth of the pivot rows, times the rows' factors in the columns from
     // first on.
-    template <size_t R>
+    template <size_t R, int Level>
     void Subtract(T const * pivotRows, size_t stride, size_t row, size_t first, size_t depth, size_t column,
                   size_t width) noexcept
     {
         if (depth == 0)
             return;
         T * rows[R];
-        P factors[outerBlock * R];
+        P factors[widths[Level] * R];
         for (size_t r = 0; r < R; ++r)
         {
             T * const whole = Row(row + r);

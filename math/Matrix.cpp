@@ -1,5 +1,7 @@
 #include "VekMath.h"
 
+#include "math/Pack.h"
+
 #include <stdint.h>
 
 #include <new>
@@ -12,6 +14,28 @@ constexpr unsigned int maxSize = 4;
 unsigned int Smaller(unsigned int a, unsigned int b)
 {
     return a < b ? a : b;
+}
+
+// target = target x other for 4 x 4 elements, which may be the same: each element's sum starts at 0 and runs over k.
+template <class T>
+void Multiply4x4(T * target, T const * other)
+{
+    constexpr unsigned int lanes = vek::PackOf<T>::lanes;
+    vek::Pack<T> rows[4][4 / lanes];
+    for (unsigned int k = 0; k < 4; ++k)
+        for (unsigned int part = 0; part < 4 / lanes; ++part)
+            rows[k][part] = vek::LoadPack(other + k * 4 + part * lanes);
+    for (unsigned int i = 0; i < 4; ++i, target += 4)
+    {
+        vek::Pack<T> sums[4 / lanes] = {};
+#pragma GCC unroll 4
+        for (unsigned int k = 0; k < 4; ++k)
+#pragma GCC unroll 2
+            for (unsigned int part = 0; part < 4 / lanes; ++part)
+                sums[part] = sums[part] + vek::Splat(target[k]) * rows[k][part];
+        for (unsigned int part = 0; part < 4 / lanes; ++part)
+            vek::StorePack<T>(target + part * lanes, sums[part]);
+    }
 }
 
 } // namespace
@@ -113,6 +137,11 @@ CVekMatrix<T> & CVekMatrix<T>::operator*=(CVekMatrix const & other) VEK_NOEXCEPT
 {
     if (!m_elements)
         return *this;
+    if (m_rows == 4 && m_columns == 4 && other.m_elements && other.m_rows == 4 && other.m_columns == 4)
+    {
+        Multiply4x4(m_elements, other.m_elements);
+        return *this;
+    }
     unsigned int const rows = Smaller(m_rows, maxSize);
     unsigned int const columns = Smaller(m_columns, maxSize);
     // Kept: the inner dimension is this matrix's row count, not its column count.

@@ -1,0 +1,218 @@
+#include "VekLib.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+
+namespace
+{
+
+template <class T>
+using Routines = std::conditional_t<std::is_same_v<T, float>, CVekMath32, CVekMath64>;
+
+template <class T>
+class Geometry : public testing::Test
+{
+};
+using Precisions = testing::Types<float, double>;
+TYPED_TEST_SUITE(Geometry, Precisions);
+
+TYPED_TEST(Geometry, BoxToBoxTransform)
+{
+    using T = TypeParam;
+    using V = CVekVector3D<T>;
+    CVekBoundBox<T> const to(V(10, 20, 30), V(12, 28, 46)), from(V(0, -1, 2), V(1, 1, 4)), empty;
+    CVekMatrix4x4<T> m;
+    ASSERT_TRUE(Routines<T>::BoxToBoxTransform(m, to, from, false));
+    EXPECT_EQ(from.Transformed(m), to);
+    ASSERT_TRUE(Routines<T>::BoxToBoxTransform(m, to, from, true));
+    EXPECT_EQ(from.Transformed(m), CVekBoundBox<T>(V(10, 22, 36), V(12, 26, 40))) << "the smallest factor, centred";
+    ASSERT_TRUE(Routines<T>::BoxToBoxTransform(m, empty, from, false));
+    EXPECT_EQ(m.TransformPoint(V(5, 6, 7)), V()) << "onto an empty box";
+    CVekBoundBox<T> const flat(V(0, 0, 0), V(1, 0, 1));
+    for (CVekBoundBox<T> const * const box : {&flat, &empty})
+    {
+        EXPECT_FALSE(Routines<T>::BoxToBoxTransform(m, to, *box, false));
+        EXPECT_EQ(m, CVekMatrix4x4<T>::Identity());
+    }
+}
+
+TYPED_TEST(Geometry, FindBaryCentric)
+{
+    using T = TypeParam;
+    using P = CVekVector2D<T>;
+    P const a(1, 1), b(5, 1), c(1, 9);
+    std::pair<P, CVekVector3D<T>> const rows[] = {
+        {a, {1, 0, 0}}, {b, {0, 1, 0}}, {c, {0, 0, 1}}, {{2, 3}, {0.5, 0.25, 0.25}}, {{-3, 1}, {2, -1, 0}}};
+    for (auto const & [point, expected] : rows)
+    {
+        CVekVector3D<T> weights;
+        EXPECT_TRUE(Routines<T>::FindBaryCentric(point, a, b, c, weights) && weights == expected)
+            << point.x << ", " << point.y;
+    }
+    CVekVector3D<T> untouched(7, 7, 7);
+    EXPECT_FALSE(Routines<T>::FindBaryCentric(a, P(0, 0), P(1, 2), P(2, 4), untouched));
+    EXPECT_EQ(untouched, (CVekVector3D<T>(7, 7, 7)));
+}
+
+TYPED_TEST(Geometry, RayPlaneIntersection)
+{
+    using T = TypeParam;
+    using V = CVekVector3D<T>;
+    CVekPlane<T> const plane(0, 0, 2, -8); // z = 4
+    T t = 0;
+    V hit;
+    T const rows[][3] = {{0, 8, 0.5}, {0, 1, 4}, {5, 6, -1}}; // it meets the plane between, beyond and behind them
+    for (auto const & [from, to, expected] : rows)
+    {
+        hit = V(1, 1, from); // into its own start
+        EXPECT_TRUE(Routines<T>::RayPlaneIntersection(hit, V(1, 1, to), plane, t, hit)) << from;
+        EXPECT_TRUE(t == expected && hit == V(1, 1, 4)) << from;
+    }
+    t = 77;
+    EXPECT_FALSE(Routines<T>::RayPlaneIntersection(V(0, 0, 4), V(1, 0, 4), plane, t, hit)) << "parallel, within";
+    EXPECT_EQ(t, 77);
+}
+
+TYPED_TEST(Geometry, RayTriangleIntersection)
+{
+    using T = TypeParam;
+    using V = CVekVector3D<T>;
+    constexpr unsigned int both = 0, noBacks = VEK_RT_SKIP_BACK_FACES, noFronts = VEK_RT_SKIP_FRONT_FACES;
+    struct Row
+    {
+        char const * name;
+        V from, weights;
+        unsigned int flags;
+        T threshold;
+        bool hit, written;
+    };
+    // The triangle (0,0,0), (4,0,0), (0,4,0), seen along z.
+    Row const rows[] = {
+        {"the middle", {1, 1, 2}, {0.5, 0.25, 0.25}, both, 0, true, true},
+        {"a corner", {4, 0, 2}, {0, 1, 0}, both, 0, true, true},
+        {"outside, its weights told", {-2, 1, 2}, {1.25, -0.5, 0.25}, both, 0, false, true},
+        {"outside, but within the threshold", {-2, 1, 2}, {1.25, -0.5, 0.25}, both, 0.5, true, true},
+        {"outside by a little more", {-2, 1, 2}, {1.25, -0.5, 0.25}, both, T(0.4375), false, true},
+        {"the front", {1, 1, 2}, {0.5, 0.25, 0.25}, noBacks, 0, true, true},
+        {"the front, unwanted", {1, 1, 2}, {}, noFronts, 0, false, false},
+        {"the back", {1, 1, -2}, {0.5, 0.25, 0.25}, noFronts, 0, true, true},
+        {"the back, unwanted", {1, 1, -2}, {}, noBacks, 0, false, false},
+    };
+    for (Row const & row : rows)
+        for (unsigned int turn = 0; turn < 3; ++turn) // the same with its axes exchanged in turn
+        {
+            SCOPED_TRACE(std::string(row.name) + ", turn " + std::to_string(turn));
+            auto const turned = [turn](V const & v) { return V(v[turn % 3], v[(turn + 1) % 3], v[(turn + 2) % 3]); };
+            CVekSetMath32ErrorThreshHold const single(static_cast<float>(row.threshold));
+            CVekSetMath64ErrorThreshHold const twice(row.threshold);
+            T t = 77;
+            V hit, weights;
+            bool const result = Routines<T>::RayTriangleIntersection(
+                turned(row.from), turned({row.from.x, row.from.y, 0}), V(), turned({4, 0, 0}), turned({0, 4, 0}),
+                turned({0, 0, 3}), row.flags, t, hit, &weights);
+            // Kept: in single precision no result is true.
+            EXPECT_EQ(result, row.hit && sizeof(T) == sizeof(double));
+            EXPECT_TRUE(weights == row.weights && t == (row.written ? 1 : 77));
+            EXPECT_EQ(hit, row.written ? turned({row.from.x, row.from.y, 0}) : V());
+        }
+    T t = 77;
+    V hit;
+    auto const ray = [&](V const & to, V const & c, V const & normal) {
+        return Routines<T>::RayTriangleIntersection({1, 1, 2}, to, V(), {4, 0, 0}, c, normal, both, t, hit, nullptr);
+    };
+    EXPECT_FALSE(ray(V(2, 1, 2), V(0, 4, 0), V(0, 0, 1))) << "parallel";
+    EXPECT_FALSE(ray(V(1, 1, 0), V(0, 4, 0), V())) << "no normal";
+    EXPECT_EQ(t, 77);
+    EXPECT_FALSE(ray(V(1, 1, 0), V(8, 0, 0), V(0, 0, 1))) << "a triangle that is a line";
+    EXPECT_EQ(ray(V(1, 1, 0), V(0, 4, 0), V(0, 0, 1)), sizeof(T) == sizeof(double)) << "no weights wanted";
+}
+
+TEST(ErrorThreshold, IsSetForAScope)
+{
+    float const first = CVekMath32::GetErrorThreshold();
+    EXPECT_TRUE(std::bit_cast<uint32_t>(first) == 0x38D1B717u && CVekMath64::GetErrorThreshold() == 0.0001);
+    {
+        CVekSetMath32ErrorThreshHold const outer(0.5f);
+        {
+            CVekSetMath32ErrorThreshHold inner(0.25f);
+            CVekSetMath64ErrorThreshHold const other(0.125);
+            EXPECT_TRUE(CVekMath32::GetErrorThreshold() == 0.25f && CVekMath64::GetErrorThreshold() == 0.125);
+            inner = outer; // takes over what the outer one puts back
+        }
+        EXPECT_TRUE(CVekMath32::GetErrorThreshold() == first && CVekMath64::GetErrorThreshold() == 0.0001);
+        CVekMath32::SetErrorThreshold(2);
+    }
+    EXPECT_EQ(CVekMath32::GetErrorThreshold(), first);
+}
+
+// A sum over the bits of results, and the numbers to work with: the same everywhere.
+class Bits
+{
+public:
+    template <class T>
+    T Next()
+    {
+        m_state = m_state * 6364136223846793005u + 1442695040888963407u;
+        return static_cast<T>(static_cast<int32_t>(m_state >> 32)) / T(1 << 30);
+    }
+    template <class T>
+    CVekVector3D<T> Vector()
+    {
+        T const x = Next<T>(), y = Next<T>();
+        return CVekVector3D<T>(x, y, Next<T>());
+    }
+    template <class T>
+    void Add(T const * values, size_t count)
+    {
+        auto const * const bytes = reinterpret_cast<unsigned char const *>(values);
+        for (size_t i = 0; i < count * sizeof(T); ++i)
+            sum = (sum ^ bytes[i]) * 1099511628211u;
+    }
+    uint64_t sum = 14695981039346656037u;
+
+private:
+    uint64_t m_state = 1;
+};
+
+template <class T>
+uint64_t SumOfRoutines()
+{
+    constexpr unsigned int n = 45;
+    Bits bits;
+    CVekMatrix<T> system(n, n);
+    for (unsigned int i = 0; i < n * n; ++i)
+        system.GetElements()[i] = bits.Next<T>();
+    std::vector<unsigned int> order(n);
+    std::vector<T> x(n, 1);
+    x[0] = Routines<T>::LUDecompose(system, order.data());
+    Routines<T>::LUSubstitution(system, order.data(), x.data(), x.data());
+    bits.Add(system.GetElements(), n * n);
+    bits.Add(x.data(), n);
+    for (int i = 0; i < 100; ++i)
+    {
+        auto const a = bits.Vector<T>(), b = bits.Vector<T>(), c = bits.Vector<T>(), d = bits.Vector<T>();
+        CVekMatrix4x4<T> m, inverse;
+        Routines<T>::BoxToBoxTransform(m, CVekBoundBox<T>(a, b), CVekBoundBox<T>(c, d), false);
+        m *= CVekMatrix4x4<T>::LookAtLeftHanded(a, b, c);
+        m.Inverse(inverse);
+        T outputs[] = {0, m.Determinant(), a.Length(), d.Normalised().x};
+        CVekVector3D<T> results[2];
+        Routines<T>::RayTriangleIntersection(a, b, c, d, a + c, (d - c).Cross(a), 0, outputs[0], results[0],
+                                             &results[1]);
+        bits.Add(m.GetElements(), 16);
+        bits.Add(inverse.GetElements(), 16);
+        bits.Add(outputs, 4);
+        bits.Add(results, 2);
+    }
+    return bits.sum;
+}
+
+// The same constants in every build of the library, 32-bit and 64-bit.
+TEST(PlainArithmetic, HasTheSameBitsInEveryBuild)
+{
+    EXPECT_EQ(SumOfRoutines<float>(), 7781137787330114114u);
+    EXPECT_EQ(SumOfRoutines<double>(), 438293276717278378u);
+}
+
+} // namespace
