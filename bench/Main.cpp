@@ -5,6 +5,7 @@
 // the machine.
 
 #include "MathBench.h"
+#include "CurveBench.h"
 #include "MemoryBench.h"
 #include "ServiceBench.h"
 #include "ThreadBench.h"
@@ -48,6 +49,7 @@ int wmain(int count, wchar_t ** arguments)
         bench::MeasureThreads(options.quick);
     }
     bench::MeasureMath(options.quick, aims);
+    bench::MeasureCurve(options.quick);
     aims.PrintSummary();
     VekLibDeinit();
     return done ? 0 : 1;

@@ -3,6 +3,8 @@
 #include "math/NurbsBasis.h"
 #include "math/NurbsBezier.h"
 
+#include <type_traits>
+
 namespace
 {
 
@@ -18,6 +20,7 @@ inline CVekVector3D<T> PointOnSpan(CVekVector4D<T> const * points, T const * kno
     T y = points[0].y * basis[0];
     T z = points[0].z * basis[0];
     T w = points[0].w * basis[0];
+#pragma GCC unroll 6
     for (unsigned int i = 1; i <= (DEGREE ? DEGREE : degree); ++i)
     {
         x += points[i].x * basis[i];
@@ -42,6 +45,27 @@ void PointsOnCurve(CVekNurbsCurve<T> const & curve, T const * parameters, unsign
         if (!(knots[span] <= parameter && parameter < knots[span + 1]))
             span = vek::FindSpan(knots, degree, pointCount, parameter);
         results[i] = PointOnSpan<DEGREE>(points + (span - degree), knots + span, degree, parameter);
+    }
+}
+
+/// Calls work with the degree as a constant, or 0 for the higher ones.
+template <class Work>
+auto WithDegree(unsigned int degree, Work const & work)
+{
+    switch (degree)
+    {
+    case 1:
+        return work(std::integral_constant<unsigned int, 1>());
+    case 2:
+        return work(std::integral_constant<unsigned int, 2>());
+    case 3:
+        return work(std::integral_constant<unsigned int, 3>());
+    case 4:
+        return work(std::integral_constant<unsigned int, 4>());
+    case 5:
+        return work(std::integral_constant<unsigned int, 5>());
+    default:
+        return work(std::integral_constant<unsigned int, 0>());
     }
 }
 
@@ -99,39 +123,27 @@ void ForDerivatives(CVekNurbsCurve<T> const & curve, T anyParameter, unsigned in
 template <class T>
 CVekVector3D<T> CVekNurbsCurve<T>::GetPoint(T parameter) const VEK_NOEXCEPT
 {
-    CVekVector3D<T> point;
-    GetPoints(&parameter, 1, &point);
-    return point;
+    if (IsEmpty())
+        return CVekVector3D<T>();
+    return WithDegree(m_degree,
+                      [this, parameter](auto degree)
+                      {
+                          T const inside = vek::ClampToDomain(*this, parameter);
+                          unsigned int const span = vek::FindSpan(m_knots, m_degree, m_pointCount, inside);
+                          return PointOnSpan<degree()>(m_points + (span - m_degree), m_knots + span, m_degree, inside);
+                      });
 }
 
 template <class T>
 void CVekNurbsCurve<T>::GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const VEK_NOEXCEPT
 {
-    switch (m_degree)
+    if (IsEmpty())
     {
-    case 0:
         for (unsigned int i = 0; i < count; ++i)
             points[i] = CVekVector3D<T>();
-        break;
-    case 1:
-        PointsOnCurve<1>(*this, parameters, count, points);
-        break;
-    case 2:
-        PointsOnCurve<2>(*this, parameters, count, points);
-        break;
-    case 3:
-        PointsOnCurve<3>(*this, parameters, count, points);
-        break;
-    case 4:
-        PointsOnCurve<4>(*this, parameters, count, points);
-        break;
-    case 5:
-        PointsOnCurve<5>(*this, parameters, count, points);
-        break;
-    default:
-        PointsOnCurve<0>(*this, parameters, count, points);
-        break;
+        return;
     }
+    WithDegree(m_degree, [=, this](auto degree) { PointsOnCurve<degree()>(*this, parameters, count, points); });
 }
 
 template <class T>
