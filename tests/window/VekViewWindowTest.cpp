@@ -19,10 +19,15 @@ constexpr char const * SCENE = R"(<scene>
   <curve degree="1" color="0, 255, 0"><point at="-1, 2.5, 0"/><point at="1, 2.5, 0"/></curve>
 </scene>)";
 
-constexpr char const * RED = "+--";
-constexpr char const * BLUE = "--+";
-constexpr char const * GREEN = "-+-";
-constexpr char const * YELLOW = "++-"; // what is highlighted
+// Where the colours are; yellow is what is highlighted.
+struct Seen
+{
+    explicit Seen(Picture const & p)
+        : red(FindColor(p, "+--")), blue(FindColor(p, "--+")), green(FindColor(p, "-+-")), yellow(FindColor(p, "++-"))
+    {
+    }
+    Spot red, blue, green, yellow;
+};
 
 std::wstring At(Spot const & spot)
 {
@@ -45,11 +50,11 @@ protected:
         ASSERT_TRUE(m_view.ShowsSoon(
             [this](Picture const & p)
             {
-                m_first = p;
-                m_red = FindColor(p, RED);
-                m_blue = FindColor(p, BLUE);
-                return p.width == 480 && p.height == 400 && m_red.count > 500 &&
-                       std::fabs(m_red.x + m_blue.x - p.width) < 2 && FindColor(p, GREEN).count > 50;
+                Seen const seen(m_first = p);
+                m_red = seen.red;
+                m_blue = seen.blue;
+                return p.width == 480 && p.height == 400 && m_red.count > 500 && seen.green.count > 50 &&
+                       std::fabs(m_red.x + m_blue.x - p.width) < 2;
             }));
     }
     void TearDown() override { EXPECT_EQ(m_view.Close(), 0); }
@@ -57,6 +62,10 @@ protected:
     bool ShowsFirstSoon() const
     {
         return m_view.ShowsSoon([this](Picture const & p) { return p == m_first; });
+    }
+    bool Soon(std::function<bool(Seen const &)> const & condition) const
+    {
+        return m_view.ShowsSoon([&](Picture const & p) { return condition(Seen(p)); });
     }
 
     ViewWindow m_view{WriteFileBytes(L"window.xml", SCENE)};
@@ -68,8 +77,7 @@ TEST_F(VekViewWindow, HighlightsTheTriangleUnderThePointer)
 {
     m_view.Act(At(m_red));
     EXPECT_TRUE(m_view.HasTitleSoon(L" - left"));
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [&](Picture const & p) { return FindColor(p, YELLOW).count == m_red.count && FindColor(p, RED).count == 0; }));
+    EXPECT_TRUE(Soon([&](Seen const & s) { return s.yellow.count == m_red.count && s.red.count == 0; }));
     m_view.Act(At(m_blue));
     EXPECT_TRUE(m_view.HasTitleSoon(L" - right"));
     m_view.Act(L"@240,200");
@@ -80,26 +88,20 @@ TEST_F(VekViewWindow, LeftDragOrbitsAndTheProjectionDecidesAboutSizes)
 {
     // A quarter of the height is an eighth of a turn: to the right, it brings the left triangle to the front.
     m_view.Act(L"@240,200 mousedown 1 @290,200 @340,200 mouseup 1");
-    Spot red, blue;
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [&](Picture const & p)
+    int reds = 0;
+    EXPECT_TRUE(Soon(
+        [&](Seen const & s)
         {
-            red = FindColor(p, RED);
-            blue = FindColor(p, BLUE);
-            return red.x > m_red.x + 15 && blue.x < m_blue.x - 35 && red.count > blue.count * 1.3;
+            reds = s.red.count;
+            return s.red.x > m_red.x + 15 && s.blue.x < m_blue.x - 35 && reds > s.blue.count * 1.3;
         }));
     m_view.Act(L"@340,200 key o");
     EXPECT_TRUE(m_view.HasTitleSoon(L"orthographic"));
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [](Picture const & p)
-        {
-            int const reds = FindColor(p, RED).count, blues = FindColor(p, BLUE).count;
-            return reds > 0 && std::abs(reds - blues) < reds / 20;
-        }));
+    EXPECT_TRUE(Soon([](Seen const & s)
+                     { return s.red.count > 0 && std::abs(s.red.count - s.blue.count) < s.red.count / 20; }));
     m_view.Act(L"@340,200 key p");
     EXPECT_TRUE(m_view.HasTitleSoon(L"perspective"));
-    EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p)
-                                 { return std::abs(FindColor(p, RED).count - red.count) < red.count / 50; }));
+    EXPECT_TRUE(Soon([&](Seen const & s) { return std::abs(s.red.count - reds) < reds / 50; }));
 }
 
 TEST_F(VekViewWindow, ADragThereAndBackOrTakenBackLeavesThePicture)
@@ -108,7 +110,7 @@ TEST_F(VekViewWindow, ADragThereAndBackOrTakenBackLeavesThePicture)
     {
         SCOPED_TRACE(end);
         m_view.Act(L"@240,200 mousedown 1 @300,260 @340,90");
-        EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).x > m_red.x + 15; }));
+        EXPECT_TRUE(Soon([&](Seen const & s) { return s.red.x > m_red.x + 15; }));
         m_view.Act(end);
         EXPECT_TRUE(ShowsFirstSoon());
     }
@@ -120,30 +122,27 @@ TEST_F(VekViewWindow, MiddleDragKeepsThePointUnderThePointer)
     target.x += 60;
     target.y -= 40;
     m_view.Act(At(m_red) + L" mousedown 2 @100,100 " + At(target) + L" mouseup 2");
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [&](Picture const & p)
-        { return IsMoved(FindColor(p, YELLOW), m_red, 60, -40) && IsMoved(FindColor(p, BLUE), m_blue, 60, -40); }));
+    EXPECT_TRUE(
+        Soon([&](Seen const & s) { return IsMoved(s.yellow, m_red, 60, -40) && IsMoved(s.blue, m_blue, 60, -40); }));
 }
 
 TEST_F(VekViewWindow, WheelGoesNearerAndFFitsTheScene)
 {
     m_view.Act(At(m_blue) + L" click --repeat 4 4"); // four steps: twice as near
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [&](Picture const & p)
+    EXPECT_TRUE(Soon(
+        [&](Seen const & s)
         {
-            Spot const nearer = FindColor(p, YELLOW);
-            return std::fabs(nearer.count - 4.0 * m_blue.count) < 0.1 * m_blue.count &&
-                   std::fabs(nearer.x - m_blue.x) < 2 && std::fabs(nearer.y - m_blue.y) < 2;
+            return std::fabs(s.yellow.count - 4.0 * m_blue.count) < 0.1 * m_blue.count &&
+                   std::fabs(s.yellow.x - m_blue.x) < 2 && std::fabs(s.yellow.y - m_blue.y) < 2;
         }));
     m_view.Act(At(m_blue) + L" click --repeat 8 4");
-    EXPECT_TRUE(m_view.ShowsSoon([&](Picture const & p) { return FindColor(p, RED).count == 0; }));
+    EXPECT_TRUE(Soon([](Seen const & s) { return s.red.count == 0; }));
     m_view.Act(L"@240,390 key f");
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [](Picture const & p)
+    EXPECT_TRUE(Soon(
+        [](Seen const & s)
         {
-            Spot const red = FindColor(p, RED), blue = FindColor(p, BLUE), green = FindColor(p, GREEN);
-            return red.count > 200 && green.count > 50 && std::fabs(red.x + blue.x - p.width) < 2 && red.x > 50 &&
-                   red.y > p.height / 2.0;
+            return s.red.count > 200 && s.green.count > 50 && std::fabs(s.red.x + s.blue.x - 480) < 2 && s.red.x > 50 &&
+                   s.red.y > 200;
         }));
 }
 
@@ -151,12 +150,8 @@ TEST_F(VekViewWindow, RightDragRolls)
 {
     // From the right of the view axis to above it: a quarter to the left.
     m_view.Act(L"@300,200 mousedown 3 @280,160 @240,140 mouseup 3");
-    EXPECT_TRUE(m_view.ShowsSoon(
-        [&](Picture const & p)
-        {
-            Spot const red = FindColor(p, RED), blue = FindColor(p, BLUE);
-            return red.y > p.height * 0.6 && blue.y < p.height * 0.4 && std::fabs(red.x - blue.x) < 2;
-        }));
+    EXPECT_TRUE(
+        Soon([&](Seen const & s) { return s.red.y > 240 && s.blue.y < 160 && std::fabs(s.red.x - s.blue.x) < 2; }));
 }
 
 } // namespace
