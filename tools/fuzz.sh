@@ -3,13 +3,13 @@
 #     tools/fuzz.sh TARGET SECONDS
 #     tools/fuzz.sh --keep TARGET [BYTES]   add to the corpus of the tests what was found new, the smallest first
 # Without a target it names them all. New inputs are collected in build/fuzz/TARGET, the one of a fault is left in
-# build/fuzz/TARGET.fault.
+# build/fuzz/TARGET.fault. The same seed in VEK_FUZZ_SEED and the same inputs to begin with give the same run.
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 . tools/build-steps.sh
 
 keep=
 if [ "${1:-}" = --keep ]; then keep=yes; shift; fi
-target=${1:-} number=${2:-60000}
+target=${1:-} number=${2:-32000}
 tools/setup.sh < /dev/null || exit 1
 step "build the fuzzer" build-fuzz configure_and_build win32-fuzz --target veklib_fuzz
 fuzzer=(tools/wine-run build/win32-fuzz/bin/veklib_fuzz.exe)

@@ -32,7 +32,7 @@ protected:
     }
     static void Run(std::string const & name, std::string const & input)
     {
-        name.copy(g_input, sizeof g_input - 1);
+        g_input[name.copy(g_input, sizeof g_input - 1)] = 0;
         GetParam().run(fuzz::Bytes(reinterpret_cast<std::uint8_t const *>(input.data()), input.size()));
     }
 };

@@ -23,6 +23,8 @@ struct Target
     char const * const * seeds;
     // Whether any bytes are a sequence of operations, for the test against a model.
     bool isModel;
+    // How long an input gets in the fuzzer. Short sequences say as much as long ones, and in less time.
+    std::size_t longest;
 };
 
 extern std::span<Target const> const targets;

@@ -64,9 +64,12 @@ std::vector<std::string> LoadAll(wchar_t ** folders, int count, fuzz::Target con
     for (int i = 0; i < count; ++i)
         for (auto const & entry : fs::directory_iterator(folders[i]))
             if (entry.path().filename() != "current")
-                inputs.push_back(Load(entry.path()).substr(0, LONGEST_INPUT));
+                inputs.push_back(Load(entry.path()).substr(0, std::min(target.longest, LONGEST_INPUT)));
     if (inputs.empty())
         inputs.push_back("seed");
+    // The smallest first, whatever the folders' order.
+    std::sort(inputs.begin(), inputs.end(),
+              [](auto const & a, auto const & b) { return a.size() != b.size() ? a.size() < b.size() : a < b; });
     return inputs;
 }
 
@@ -145,42 +148,55 @@ int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count
         if (fuzz::NewCoverage() || corpus.empty())
             corpus.push_back(input);
     }
-    std::printf("fuzz %s: %u inputs at the start, %u edges\n", target.name, static_cast<unsigned>(corpus.size()),
-                static_cast<unsigned>(fuzz::KnownEdges()));
-
     using Clock = std::chrono::steady_clock;
     auto const begin = Clock::now();
-    fuzz::Mutator mutator(target.words, static_cast<unsigned>(begin.time_since_epoch().count()));
+    char const * const given = std::getenv("VEK_FUZZ_SEED");
+    unsigned const seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
+                                : static_cast<unsigned>(begin.time_since_epoch().count());
+    fuzz::Mutator mutator(target.words, seed);
+    std::printf("fuzz %s: seed %u, %u inputs at the start, %u edges\n", target.name, seed,
+                static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
     while (Clock::now() - begin < std::chrono::seconds(seconds))
     {
         // Half of them from the latest quarter, which shows what is least known.
         std::size_t const recent = mutator.Below(2) ? corpus.size() - corpus.size() / 4 : 0;
         std::size_t const index = std::min(recent + mutator.Below(corpus.size() - recent), corpus.size() - 1);
-        std::string input = mutator.Change(corpus[index], corpus, LONGEST_INPUT);
+        std::string input = mutator.Change(corpus[index], corpus, std::min(target.longest, LONGEST_INPUT));
         Run(target, input);
         if (!fuzz::NewCoverage())
             continue;
         Store(folders[0], input);
         corpus.push_back(std::move(input));
     }
-    std::printf("fuzz %s: %llu executions in %d s, corpus %u, %u edges, no fault\n", target.name, g_executions.load(),
-                seconds, static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
+    std::printf("fuzz %s: %llu executions in %d s (%llu a second), corpus %u, %u edges, no fault\n", target.name,
+                g_executions.load(), seconds, g_executions.load() / static_cast<unsigned>(std::max(seconds, 1)),
+                static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
     return 0;
 }
 
 int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders, int count)
 {
     std::vector<std::string> inputs = LoadAll(folders + 1, count - 1, target);
-    std::sort(inputs.begin(), inputs.end(), [](auto const & a, auto const & b) { return a.size() < b.size(); });
-    // Twice: the first time all the ways that are made at first use are gone through.
+    // Once without looking: the ways that are made at first use are gone through. Then those come first that show
+    // new edges, before those that only take known ones more often.
     for (std::string const & input : inputs)
         Run(target, input);
+    fuzz::ForgetCoverage();
+    auto const showsEdges = [&](std::string const & input)
+    {
+        std::size_t const before = fuzz::KnownEdges();
+        Run(target, input);
+        return fuzz::NewCoverage() != 0 && fuzz::KnownEdges() > before;
+    };
+    std::stable_partition(inputs.begin(), inputs.end(), showsEdges);
     fuzz::ForgetCoverage();
     unsigned kept = 0;
     for (std::string const & input : inputs)
     {
+        if (input.size() > bytes)
+            continue;
         Run(target, input);
-        if (!fuzz::NewCoverage() || input.size() > bytes)
+        if (!fuzz::NewCoverage())
             continue;
         Store(folders[0], input);
         bytes -= input.size();

@@ -4,6 +4,8 @@
 
 #include "fuzz/targets/Targets.h"
 
+#include <algorithm>
+
 namespace fuzz
 {
 
@@ -50,7 +52,7 @@ public:
         auto const & [other, otherModel] = m_pairs[m_reader.Below(2)];
         Model<T> const text = m_reader.Text<T>(40);
         int const start = m_reader.Number(), count = m_reader.Number();
-        switch (m_reader.Below(10))
+        switch (m_reader.Below(13))
         {
         case 0:
             string.Assign(text.c_str());
@@ -79,6 +81,20 @@ public:
         case 6:
             Reserve(string, model, start, count % 2 == 0);
             break;
+        case 7:
+            Move(string, model, start, m_reader.Number(), count);
+            break;
+        case 8:
+            UseOwnText(string, model, start, count);
+            break;
+        case 9:
+        {
+            Model<T> const format(1, '%');
+            string.AppendFormat((format + T('d')).c_str(), count);
+            std::string const digits = std::to_string(count);
+            model.append(digits.begin(), digits.end());
+            break;
+        }
         default:
             Search(string, model, text, start, count % 2 == 0);
         }
@@ -89,7 +105,7 @@ public:
         }
         Check(string.GetLength() == static_cast<int>(model.size()) && Model<T>(static_cast<T const *>(string)) == model,
               "a string holds what its model holds");
-        Check(string.GetCapacity() > string.GetLength() || string.IsEmpty(), "a string has room for its text");
+        Check(string.GetCapacity() >= string.GetLength(), "a string has room for its text");
     }
 
 private:
@@ -101,6 +117,40 @@ private:
         Check(done == (capacity >= 0), "room is made");
         if (done)
             model = keep && capacity > 0 ? model.substr(0, static_cast<std::size_t>(capacity) - 1) : Model<T>();
+    }
+
+    // Kept: only the end of a text can lengthen it; anything else is cut. A gap, which holds zeros, is not looked into.
+    void Move(CVekString<T> & string, Model<T> & model, int from, int to, int count)
+    {
+        int const length = static_cast<int>(model.size());
+        int const moved = from < 0 ? 0 : std::min(count, length - from);
+        if (to > length)
+            return;
+        string.MoveCharacters(from, to, count);
+        if (to < 0 || moved <= 0 || from == to || to + moved > string.GetCapacity())
+            return;
+        bool const isEnd = count >= length - from;
+        Model<T> const old = model;
+        model = old.substr(0, static_cast<std::size_t>(to)) +
+                old.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(moved));
+        if (!isEnd && to + moved < length)
+            model += old.substr(static_cast<std::size_t>(to + moved));
+        if (!isEnd)
+            model.resize(old.size());
+    }
+    // A text may be a part of the string that it goes to.
+    void UseOwnText(CVekString<T> & string, Model<T> & model, int start, int count)
+    {
+        auto const at = static_cast<std::size_t>(start < 0 ? 0 : start) % (model.size() + 1);
+        T const * const own = static_cast<T const *>(string) + at;
+        if (count % 2)
+        {
+            string.AssignPart(own, 0, count);
+            model = Cut(model.substr(at), 0, count);
+            return;
+        }
+        string.Append(own, 0, count);
+        model += Cut(model.substr(at), 0, count);
     }
 
     void Search(CVekString<T> const & string, Model<T> const & model, Model<T> const & text, int start, bool exact)

@@ -47,12 +47,17 @@ char const * const packetWords[] = {"VKPF", "FLDR", "BLOB", "NUMB", nullptr};
 } // namespace
 
 constinit Target const all[] = {
-    {"xml", RunXml, xmlWords, xmlSeeds, false},           {"elementpath", RunElementPath, nullptr, nullptr, true},
-    {"paths", RunPaths, nullptr, nullptr, true},          {"strings", RunStrings, nullptr, nullptr, true},
-    {"pointers", RunPointers, nullptr, nullptr, true},    {"memorystream", RunMemoryStream, nullptr, nullptr, true},
-    {"variants", RunVariants, nullptr, nullptr, true},    {"element", RunElement, nullptr, nullptr, true},
-    {"lexer", RunLexer, lexerWords, lexerSeeds, true},    {"data", RunData, nullptr, nullptr, false},
-    {"packets", RunPackets, packetWords, nullptr, false},
+    {"xml", RunXml, xmlWords, xmlSeeds, false, 4096},
+    {"elementpath", RunElementPath, nullptr, nullptr, true, 400},
+    {"paths", RunPaths, nullptr, nullptr, true, 1000},
+    {"strings", RunStrings, nullptr, nullptr, true, 600},
+    {"pointers", RunPointers, nullptr, nullptr, true, 400},
+    {"memorystream", RunMemoryStream, nullptr, nullptr, true, 600},
+    {"variants", RunVariants, nullptr, nullptr, true, 400},
+    {"element", RunElement, nullptr, nullptr, true, 400},
+    {"lexer", RunLexer, lexerWords, lexerSeeds, true, 4096},
+    {"data", RunData, nullptr, nullptr, false, 4096},
+    {"packets", RunPackets, packetWords, nullptr, false, 4096},
 };
 std::span<Target const> const targets(all);
 
