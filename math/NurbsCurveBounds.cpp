@@ -24,6 +24,7 @@ double SquareToBox(CVekBoundBox<double> const & box, CVekVector3D<double> const 
 class NearestSearch
 {
 public:
+    // cppcheck-suppress uninitMemberVar ; scratch, written before it is read
     NearestSearch(CVekVector3D<double> const & target, double precision)
         : m_target(target), m_least(precision * precision), m_best(HUGE_VAL), m_parameter(0), m_halvings(0)
     {

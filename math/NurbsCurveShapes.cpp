@@ -161,6 +161,7 @@ bool CVekNurbsCurve<T>::CreateArc(CVekVector3D<T> const & centre, CVekVector3D<T
         points[last] = points[0];
     knots[last + 1] = knots[last + 2] = knots[last + 3] = T(1);
     for (unsigned int i = 1; i < last / 2; ++i)
+        // NOLINTNEXTLINE(bugprone-integer-division): last is even
         knots[2 * i + 1] = knots[2 * i + 2] = static_cast<T>(i) / static_cast<T>(last / 2);
     return Create(2, points, weights, last + 1, knots, last + 4);
 }

@@ -41,7 +41,7 @@ bool Grow(T const * piece)
 {
     CVekString<T> text(piece);
     CVekString<T> copy(text);
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 40; ++i)
     {
         int const before = text.GetLength();
         text.Append(copy);

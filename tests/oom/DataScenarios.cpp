@@ -1,5 +1,7 @@
 #include "oom/DataScenarios.h"
 
+#include <windows.h>
+
 #include <cstdlib>
 
 namespace
@@ -28,6 +30,91 @@ bool UseFileStream()
     stream->Close();
     int found = 0;
     return stream->Open(path, VEK_IO_READ | VEK_IO_BINARY, 0) && stream->Scanf("%d", &found) && found == 17 && printed;
+}
+
+bool KeepTypedData()
+{
+    Released<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+    if (!stream || !stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 4096))
+        return false;
+    CVekTypedDataWriter writer;
+    unsigned char const bytes[50] = {1, 2, 3};
+    bool succeeded = writer.WriteInt32(L"int", 5) & writer.WriteString(L"text", "narrow");
+    succeeded &= writer.WriteWString(L"wide text with a name that is not short", L"wide");
+    succeeded &= writer.WriteBuffer(L"buffer", bytes, sizeof bytes) & writer.WriteGUID(L"guid", GUID());
+    succeeded &= writer.WriteMatrix(L"matrix", CVekMatrix4x4<double>::Identity());
+    for (int i = 0; i < 15; ++i)
+        succeeded &= writer.WriteColor(L"colour", CVekRGBA<float>(1, 2, 3, 4));
+    succeeded &= writer.Write(stream.Get());
+    stream->SetPosition(static_cast<int>(stream->GetSize()), true);
+    CVekTypedDataReader reader;
+    int number = 0;
+    CVekString<wchar_t> text;
+    CVekMatrix<double> matrix;
+    succeeded &= reader.Read(stream.Get());
+    succeeded &= reader.ReadInt32(L"INT", number, 0) & reader.ReadMatrix(L"matrix", matrix);
+    succeeded &= reader.ReadWString(L"wide text with a name that is not short", text, L"") && text.GetLength() == 4;
+    return succeeded;
+}
+
+class Packet final : public CVekResourceFileFolderPacket
+{
+public:
+    Packet() : CVekResourceFileFolderPacket(nullptr) {}
+    ~Packet() override
+    {
+        while (GetNumChildren() > 0)
+            RemoveChild(0);
+    }
+    bool Read(IVekIOStream *) override { return true; }
+    bool Write(IVekIOStream *) override { return true; }
+};
+
+bool BuildPackets()
+{
+    Released<CVekResourceFilePacket> const root(new (std::nothrow) Packet);
+    bool succeeded = root.Get() != nullptr;
+    for (int i = 0; i < 5 && root; ++i)
+    {
+        Released<CVekResourceFilePacket> const child(new (std::nothrow) Packet);
+        int const index = i % 2 ? 0 : -1;
+        succeeded &= child && root->AddChild(child.Get(), index) == (index ? i : 0);
+    }
+    return succeeded && root->GetNumChildren() == 5;
+}
+
+template <class T>
+bool UseCurve()
+{
+    CVekNurbsCurve<T> curve, front, back;
+    CVekVector3D<T> points[20];
+    if (!curve.CreateCircle({}, {2, 0, 0}, {0, 2, 0}))
+        return false;
+    bool succeeded = curve.InsertKnot(T(0.3)) & curve.ElevateDegree() & curve.Split(T(0.4), front, back);
+    CVekNurbsCurve<T> const copy(curve);
+    succeeded &= curve.GetPoint(0).IsNear({2, 0, 0}, T(1e-4)) && !copy.IsEmpty();
+    succeeded &= curve.Tessellate(T(0.1), points, nullptr, 20) > 4;
+    return front.CreateInterpolation(3, points, 5) && succeeded;
+}
+
+bool SolveSystem()
+{
+    CVekMatrix<float> matrix(3, 3);
+    if (!matrix.GetElements())
+        return false;
+    matrix.SetIdentity();
+    unsigned int order[3];
+    float const right[3] = {1, 2, 3};
+    float result[3] = {9, 9, 9};
+    bool const regular = CVekMath32::LUDecompose(matrix, order) == 1;
+    CVekMath32::LUSubstitution(matrix, order, right, result);
+    return regular && result[0] == 1 && result[2] == 3; // or untouched
+}
+
+bool Manipulate()
+{
+    Released<IVekCameraUIController> const controller(getVekLibKernel()->CreateCameraUIController());
+    return static_cast<bool>(controller);
 }
 
 bool Lex()
@@ -59,5 +146,14 @@ bool Lex()
 std::vector<Scenario> const dataScenarios = {
     {"UseMemoryStream", UseMemoryStream, {L"CVekMemoryIOStream"}},
     {"UseFileStream", UseFileStream, {L"CVekFileIOStream"}},
+    {"KeepTypedData", KeepTypedData, {L"CVekMemoryIOStream"}},
+    {"BuildPackets",
+     BuildPackets,
+     {L"CVekResourceFilePacket::AddPacket --> Add pckat failed",
+      L"CVekResourceFilePacket::AddPacket --> Add packet failed"}},
+    {"UseCurve", UseCurve<float>, {L"CVekNurbsCurve"}},
+    {"UseCurveOfDoubles", UseCurve<double>, {L"CVekNurbsCurve"}},
+    {"SolveSystem", SolveSystem, {nullptr}},
+    {"Manipulate", Manipulate, {nullptr}},
     {"Lex", Lex, {L"CVekLexer", L"CVekTokenizer"}},
 };

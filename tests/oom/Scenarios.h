@@ -23,6 +23,7 @@ struct StreamScenario
     char const * name;
     bool (*run)(IVekIOStream & stream);
     std::string (*content)(); // of the stream at the beginning; null for none
+    bool tells;               // whether every failure is seen: single values of a host's stream are 0 without a word
 };
 
 void PrintTo(Scenario const & scenario, std::ostream * out);

@@ -1,5 +1,7 @@
 #include "oom/StreamScenarios.h"
 
+#include "support/TestStream.h"
+
 namespace
 {
 
@@ -10,13 +12,48 @@ bool WriteDocument(IVekIOStream & stream)
     Released<IVekXMLElement> const root(manager.CreateXMLElement());
     document->SetRootElement(root.Get());
     // More than what the writer collects before it writes.
-    for (int i = 0; i < 10000; ++i)
+    for (int i = 0; i < 4000; ++i)
         root->AddChild(Released<IVekXMLElement>(manager.CreateXMLElement()).Get(), -1);
     return Released<IVekXMLWriter>(manager.CreateXMLWriter())->WriteXML(&stream, document.Get());
+}
+
+void Fill(CVekTypedDataWriter & writer)
+{
+    unsigned char const bytes[5] = {1, 2, 3};
+    writer.WriteInt32(L"int", 5);
+    writer.WriteWString(L"text", L"wide");
+    writer.WriteBuffer(L"buffer", bytes, sizeof bytes);
+    writer.WriteVector(L"vector", CVekVector4D<float>(1, 2, 3, 4));
+}
+
+bool WriteTypedData(IVekIOStream & stream)
+{
+    CVekTypedDataWriter writer;
+    Fill(writer);
+    return writer.Write(&stream);
+}
+
+std::string TypedData()
+{
+    TestStream stream;
+    WriteTypedData(stream);
+    return stream.bytes;
+}
+
+bool ReadTypedData(IVekIOStream & stream)
+{
+    CVekTypedDataReader reader;
+    bool const read = reader.Read(&stream);
+    // What came before the failure stays, and can be asked for.
+    int number = 0;
+    reader.ReadInt32(L"int", number, 0);
+    return read && (number == 5 || number == 0);
 }
 
 } // namespace
 
 std::vector<StreamScenario> const streamScenarios = {
-    {"WriteDocument", WriteDocument, nullptr},
+    {"WriteDocument", WriteDocument, nullptr, true},
+    {"WriteTypedData", WriteTypedData, nullptr, true},
+    {"ReadTypedData", ReadTypedData, TypedData, false},
 };

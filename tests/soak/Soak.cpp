@@ -37,6 +37,7 @@ std::atomic<long> g_commandsAlive{0};
 std::atomic<unsigned int> g_beats[THREADS];
 IVekThread * g_workers[SHARED_WORKERS];
 CVekEventHandlerContainer * g_container;
+CVekTypedDataReader * g_reader;
 
 void Expect(bool right, char const * what)
 {
@@ -281,6 +282,51 @@ void UseTextAndStreams(Random & random)
     Expect(VekCreateStrWtoA(text).GetLength() == text.GetLength(), "a text changes its length");
 }
 
+void UseLexer(Random & random)
+{
+    IVekLexer * const lexer = Kernel().CreateLexer();
+    IVekTokenizer * const tokenizer = Kernel().CreateTokenizer();
+    lexer->AddKeyword(L"if", 1, true);
+    Expect(tokenizer->Tokenize(lexer, L"if a 10 if", -1) && tokenizer->GetNumTokens() == 4, "tokens are missing");
+    IVekTokenizer::IToken * const token = tokenizer->GetToken(static_cast<int>(random() % 4));
+    token->AddRef();
+    tokenizer->Release();
+    Expect(token->GetLine() == 0, "a token goes with its tokenizer");
+    token->Release();
+    lexer->Release();
+    CVekNurbsCurve<double> curve;
+    Expect(curve.CreateCircle({}, {1, 0, 0}, {0, 1, 0}) && curve.GetLength() > 6.28, "a circle is too short");
+}
+
+// One reader that all threads ask at once, the first of them making its index.
+void UseSharedReader(Random & random)
+{
+    int const number = static_cast<int>(random() % 500);
+    CVekString<wchar_t> name;
+    name.AppendFormat(L"ENTRY %d", number);
+    int found = -1;
+    Expect(g_reader->ReadInt32(name, found, 0) && found == number, "an entry is not found");
+    Expect(!g_reader->ReadInt32(L"none", found, 0), "an entry is found that isn't there");
+}
+
+CVekTypedDataReader * MakeReader()
+{
+    IVekMemoryIOStream * const stream = Kernel().CreateMemoryIOStream();
+    CVekTypedDataWriter writer;
+    for (int i = 0; i < 500; ++i)
+    {
+        CVekString<wchar_t> name;
+        name.AppendFormat(L"entry %d", i);
+        writer.WriteInt32(name, i);
+    }
+    Expect(stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 40000) && writer.Write(stream), "no typed data");
+    stream->SetPosition(40000, true);
+    auto * const reader = new CVekTypedDataReader;
+    Expect(reader->Read(stream), "typed data can't be read");
+    stream->Release();
+    return reader;
+}
+
 void UseXML(Random &)
 {
     static char const text[] = "<a b='1'><c d='2'/><e><![CDATA[f]]></e></a>";
@@ -308,6 +354,8 @@ Service g_services[] = {{"memory", UseMemory, 0},
                         {"locks", UseLocks, 0},
                         {"log", UseLog, 0},
                         {"text, streams", UseTextAndStreams, 0},
+                        {"lexer, curve", UseLexer, 0},
+                        {"shared typed data", UseSharedReader, 0},
                         {"XML", UseXML, 0}};
 
 DWORD WINAPI UseAll(void * parameter)
@@ -345,6 +393,7 @@ bool Run(int seconds)
 {
     VekLibInit();
     g_container = new CVekEventHandlerContainer;
+    g_reader = MakeReader();
     auto * const tick = new Tick;
     for (IVekThread *& worker : g_workers)
     {
@@ -375,6 +424,7 @@ bool Run(int seconds)
     }
     Expect(tick->Release() == 0, "a worker keeps its callback");
     Expect(g_container->Release() == 0, "the shared container is held");
+    delete g_reader;
     VekLibDeinit();
     return ended;
 }
