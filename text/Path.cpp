@@ -138,6 +138,33 @@ bool FitsPlatformPath(wchar_t const * path)
     return path && vek::BoundedLength(path, MAX_PATH) < MAX_PATH;
 }
 
+// A path as the platform's relative routine can take it: that looks a little behind the end of what it is given.
+struct PlatformPath
+{
+    PlatformPath(wchar_t const * path, unsigned long pathAttributes) : attributes(pathAttributes)
+    {
+        vek::CopyBounded(text, path, -1);
+        length = vek::TextLength(text);
+        size_t colons = 0;
+        while (colons < length && text[length - 1 - colons] == L':')
+            ++colons;
+        // Looking for a file's name it skips the character that follows a colon, be it the end.
+        if (colons % 2 != 0)
+            attributes |= FILE_ATTRIBUTE_DIRECTORY;
+    }
+    // Two characters that two paths have in common it counts as three, as if a separator followed.
+    void EndPair()
+    {
+        bool const isPair = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 || (text[0] == L'\\' && text[1] == L'\\');
+        if (length == 2 && isPair)
+            text[2] = L'\\';
+    }
+
+    wchar_t text[MAX_PATH + 4] = {};
+    unsigned long attributes;
+    size_t length;
+};
+
 } // namespace
 
 char * VekGetFileNameFromPathA(char const * path, char * out, int max)
@@ -198,10 +225,14 @@ bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long from
     out[0] = 0;
     if (!FitsPlatformPath(from) || !FitsPlatformPath(to))
         return false;
+    PlatformPath start(from, fromAttributes);
+    PlatformPath const target(to, toAttributes);
+    start.EndPair();
     // The platform's routine writes "..\" for each component of the one path, then the other path, without asking for
     // room.
     wchar_t relative[MAX_PATH / 2 * 3 + 2 * MAX_PATH] = {};
-    if (!PathRelativePathToW(relative, from, fromAttributes, to, toAttributes) || !FitsPlatformPath(relative))
+    if (!PathRelativePathToW(relative, start.text, start.attributes, target.text, target.attributes) ||
+        !FitsPlatformPath(relative))
         return false;
     vek::CopyBounded(out, relative, -1);
     return true;

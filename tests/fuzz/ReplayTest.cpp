@@ -75,7 +75,7 @@ TEST_P(Fuzz, LongRandomSequencesHold)
         return;
     std::mt19937 random(7);
     // More than 100,000 operations, or as many as the guard heap's speed allows.
-    for (int part = 0; part < (VekGuard::Active ? 20 : 1000); ++part)
+    for (int part = 0; part < (VekGuard::Active ? 20 : 1500); ++part)
     {
         std::string input(2000, '\0');
         for (char & byte : input)

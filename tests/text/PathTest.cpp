@@ -116,6 +116,14 @@ TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
     remove(narrow.c_str());
 }
 
+// What a routine finds in variables that it does not set: separators.
+void FillStack()
+{
+    wchar_t volatile places[4000];
+    for (wchar_t volatile & place : places)
+        place = L'\\';
+}
+
 TEST(PlatformPath, Relative)
 {
     std::wstring const root = L"C:\\";
@@ -131,6 +139,14 @@ TEST(PlatformPath, Relative)
         {deep, DIRECTORY, root, L""},
         {root + std::wstring(257, L'x'), DIRECTORY, L"C:\\b", L""},
         {L"C:\\b", DIRECTORY, root + std::wstring(5000, L'x'), L""},
+        // where the platform's routine would look behind the end of a path
+        {L"C:\\a\\b:", PLAIN_FILE, L"C:\\a\\c", L"..\\c"},
+        {L"C:\\a\\b", PLAIN_FILE, L"C:\\a\\c:", L".\\c:"},
+        {L"C:", DIRECTORY, L"C:\\x", L".\\x"},
+        {L"C:", PLAIN_FILE, L"C:\\x", L".\\x"},
+        {L"ab", DIRECTORY, L"AB\\x", L".\\x"},
+        {L"ab", DIRECTORY, L"ab\\", L"."},
+        {L"\\\\", PLAIN_FILE, L"\\\\", L"."},
     };
     for (auto const & [from, fromAttributes, to, expected] : rows)
     {
@@ -138,6 +154,7 @@ TEST(PlatformPath, Relative)
         Buffer<wchar_t> out(260);
         CVekString<wchar_t> string(L"before");
         bool const made = !expected.empty();
+        FillStack();
         EXPECT_EQ(VekGetRelativePathT(out.data(), from.c_str(), fromAttributes, to.c_str(), 0), made);
         EXPECT_EQ(out.Content(), expected);
         EXPECT_EQ(VekGetRelativePathT(string, from.c_str(), fromAttributes, to.c_str(), 0), made);

@@ -71,7 +71,8 @@ void RunPaths(Bytes input)
                           VekGetFileNameWithoutExtensionW);
         UseParts<char>(reader, VekGetFileNameFromPathA, VekGetFileExtensionA, VekGetFileDirectoryA,
                        VekGetFileNameWithoutExtensionA);
-        std::wstring const first = reader.Text<wchar_t>(250), second = reader.Text<wchar_t>(250);
+        unsigned const longest = reader.Below(2) ? 250 : 5;
+        std::wstring const first = reader.Text<wchar_t>(longest), second = reader.Text<wchar_t>(longest);
         std::wstring folded = first;
         for (wchar_t & unit : folded)
             unit = unit >= L'a' && unit <= L'z' ? static_cast<wchar_t>(unit - 32) : unit;
