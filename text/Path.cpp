@@ -155,8 +155,8 @@ struct PlatformPath
     // Two characters that two paths have in common it counts as three, as if a separator followed.
     void EndPair()
     {
-        bool const isPair = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 || (text[0] == L'\\' && text[1] == L'\\');
-        if (length == 2 && isPair)
+        bool const isRoot = text[1] == L'\\' && (text[0] == L'\\' || text[0] == L':');
+        if (length == 2 && (isRoot || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0))
             text[2] = L'\\';
     }
 

@@ -26,7 +26,7 @@ fi
 "${fuzzer[@]}" "$target" "$number" "$grown" "$corpus"
 status=$?
 if [ $status != 0 ]; then
-    size=$(od -An -tu4 -N4 "$grown/current")
+    size=$(od -An -tu4 -N4 "$grown/current" | tr -d " ")
     tail -c +5 "$grown/current" | head -c "$size" > "$grown.fault"
     echo "fuzz: the input is in $grown.fault ($size bytes)"
 fi

@@ -1,5 +1,6 @@
 #include <stdio.h>
 
+#include "support/FillStack.h"
 #include "text/TextKit.h"
 
 #include <climits>
@@ -116,14 +117,6 @@ TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
     remove(narrow.c_str());
 }
 
-// What a routine finds in variables that it does not set: separators.
-void FillStack()
-{
-    wchar_t volatile places[4000];
-    for (wchar_t volatile & place : places)
-        place = L'\\';
-}
-
 TEST(PlatformPath, Relative)
 {
     std::wstring const root = L"C:\\";
@@ -142,11 +135,13 @@ TEST(PlatformPath, Relative)
         // where the platform's routine would look behind the end of a path
         {L"C:\\a\\b:", PLAIN_FILE, L"C:\\a\\c", L"..\\c"},
         {L"C:\\a\\b", PLAIN_FILE, L"C:\\a\\c:", L".\\c:"},
+        {L"C:\\a\\b", PLAIN_FILE, L"C:\\a\\cd:", L".\\cd:"},
         {L"C:", DIRECTORY, L"C:\\x", L".\\x"},
         {L"C:", PLAIN_FILE, L"C:\\x", L".\\x"},
         {L"ab", DIRECTORY, L"AB\\x", L".\\x"},
         {L"ab", DIRECTORY, L"ab\\", L"."},
         {L"\\\\", PLAIN_FILE, L"\\\\", L"."},
+        {L":\\", PLAIN_FILE, L":\\\\b", L".\\b"},
     };
     for (auto const & [from, fromAttributes, to, expected] : rows)
     {
@@ -154,9 +149,10 @@ TEST(PlatformPath, Relative)
         Buffer<wchar_t> out(260);
         CVekString<wchar_t> string(L"before");
         bool const made = !expected.empty();
-        FillStack();
+        FillStack(L'\\');
         EXPECT_EQ(VekGetRelativePathT(out.data(), from.c_str(), fromAttributes, to.c_str(), 0), made);
         EXPECT_EQ(out.Content(), expected);
+        FillStack(L':');
         EXPECT_EQ(VekGetRelativePathT(string, from.c_str(), fromAttributes, to.c_str(), 0), made);
         EXPECT_EQ(Text(string), made ? expected : L"before");
     }

@@ -3,6 +3,7 @@
 #include "VekLib.h"
 
 #include "fuzz/targets/Targets.h"
+#include "support/FillStack.h"
 
 #include <algorithm>
 #include <memory>
@@ -80,9 +81,11 @@ void RunPaths(Bytes input)
         Check(!VekIsSamePathW(first.c_str(), (folded + L'a').c_str()), "a longer path is another");
         wchar_t relative[260];
         unsigned long const kind = reader.Below(2) ? 16 : 0;
+        FillStack(L'\\');
         bool const found = VekGetRelativePathT(relative, first.c_str(), kind, second.c_str(), 0);
         Check(found || !relative[0], "no relative path is an empty one");
         CVekString<wchar_t> text;
+        FillStack(L':');
         Check(VekGetRelativePathT(text, first.c_str(), kind, second.c_str(), 0) == found &&
                   (!found || text.Compare(relative) == 0),
               "a relative path is the same in a string");
