@@ -461,3 +461,58 @@ TEST(TypedData, AllocationFailures)
 }
 
 } // namespace
+
+// Each typed read finds entries of its own type and takes the default for all others.
+TEST(TypedData, TypedReadsAreExact)
+{
+    CVekTypedDataWriter writer;
+    writer.WriteBool(L"1", true);
+    writer.WriteByte(L"2", 200);
+    writer.WriteChar(L"3", 'c');
+    writer.WriteWChar(L"4", L'w');
+    writer.WriteInt16(L"5", -5);
+    writer.WriteWord(L"6", 60000);
+    writer.WriteInt32(L"7", -7);
+    writer.WriteDWord(L"8", 4000000000u);
+    writer.WriteFloat(L"9", 1.5f);
+    writer.WriteDouble(L"10", 2.5);
+    writer.WriteColor(L"13", CVekRGBA<unsigned char>(1, 2, 3, 4));
+    writer.WriteColor(L"14", CVekRGBA<float>(1, 2, 3, 4));
+    writer.WriteVector(L"15", CVekVector4D<int>(1, 2, 3, 4));
+    writer.WriteVector(L"16", CVekVector4D<float>(1, 2, 3, 4));
+    writer.WriteVector(L"17", CVekVector4D<double>(1, 2, 3, 4));
+    TestStream stream;
+    ASSERT_TRUE(writer.Write(&stream));
+    stream.SetPosition(0, false);
+    CVekTypedDataReader const reader(&stream);
+    auto const check = [](int type, auto read, auto expected, auto other)
+    {
+        for (int entry = 1; entry <= 17; ++entry)
+        {
+            SCOPED_TRACE(testing::Message() << "read of type " << type << ", entry of type " << entry);
+            decltype(other) value{};
+            EXPECT_EQ(read(std::to_wstring(entry).c_str(), value, other), entry == type);
+            EXPECT_TRUE(value == (entry == type ? expected : other));
+        }
+    };
+#define CHECK_READ(type, operation, expected, other)                                                                   \
+    check(                                                                                                             \
+        type, [&](wchar_t const * name, auto & value, auto const & d) { return reader.operation(name, value, d); },    \
+        expected, other)
+    CHECK_READ(1, ReadBool, true, false);
+    CHECK_READ(2, ReadByte, static_cast<unsigned char>(200), static_cast<unsigned char>(9));
+    CHECK_READ(3, ReadChar, 'c', 'd');
+    CHECK_READ(4, ReadWChar, L'w', L'd');
+    CHECK_READ(5, ReadInt16, static_cast<short>(-5), static_cast<short>(9));
+    CHECK_READ(6, ReadWord, static_cast<unsigned short>(60000), static_cast<unsigned short>(9));
+    CHECK_READ(7, ReadInt32, -7, 9);
+    CHECK_READ(8, ReadDWord, 4000000000u, 9u);
+    CHECK_READ(9, ReadFloat, 1.5f, 9.0f);
+    CHECK_READ(10, ReadDouble, 2.5, 9.0);
+    CHECK_READ(13, ReadColor, (CVekRGBA<unsigned char>(1, 2, 3, 4)), (CVekRGBA<unsigned char>(9, 9, 9, 9)));
+    CHECK_READ(14, ReadColor, (CVekRGBA<float>(1, 2, 3, 4)), (CVekRGBA<float>(9, 9, 9, 9)));
+    CHECK_READ(15, ReadVector, (CVekVector4D<int>(1, 2, 3, 4)), (CVekVector4D<int>(9, 9, 9, 9)));
+    CHECK_READ(16, ReadVector, (CVekVector4D<float>(1, 2, 3, 4)), (CVekVector4D<float>(9, 9, 9, 9)));
+    CHECK_READ(17, ReadVector, (CVekVector4D<double>(1, 2, 3, 4)), (CVekVector4D<double>(9, 9, 9, 9)));
+#undef CHECK_READ
+}

@@ -465,3 +465,23 @@ TYPED_TEST(NurbsCurve, FailedAllocationsLeaveTheCurve)
 }
 
 } // namespace
+
+TYPED_TEST(NurbsCurve, ManyPointsAreThePointsOneByOne)
+{
+    using T = TypeParam;
+    for (auto const & curve : TestFixture::Zoo())
+    {
+        SCOPED_TRACE(curve.GetDegree());
+        T parameters[60];
+        CVekVector3D<T> points[60];
+        for (int i = 0; i < 60; ++i) // in order, then to and fro, beyond both ends
+            parameters[i] = static_cast<T>(i < 30 ? i : (i * 37) % 60 - 15) / 29;
+        curve.GetPoints(parameters, 60, points);
+        for (int i = 0; i < 60; ++i)
+            EXPECT_TRUE(points[i] == curve.GetPoint(parameters[i])) << i;
+    }
+    CVekVector3D<T> none(1, 2, 3);
+    T const parameter = 0;
+    CVekNurbsCurve<T>().GetPoints(&parameter, 1, &none);
+    EXPECT_TRUE(none == CVekVector3D<T>());
+}
