@@ -50,7 +50,7 @@ public:
             bool const create = m_reader.Below(2) != 0;
             IVekXMLElement * const child = m_element->FindChild(name.c_str(), create);
             if (found < 0 && create)
-                m_children.push_back(name);
+                m_children.emplace_back(name);
             Check((child != nullptr) == (found >= 0 || create), "FindChild");
             break;
         }
@@ -79,20 +79,20 @@ public:
     }
 
 private:
-    using Attribute = std::pair<std::wstring, std::wstring>;
+    struct Named
+    {
+        explicit Named(std::wstring const & text) : name(text), folded(Lower(text)) {}
+        std::wstring name, folded, value;
+    };
+    using Model = std::vector<Named>;
 
-    int FindChild(std::wstring const & name) const
+    static int FindFolded(Model const & model, std::wstring const & folded)
     {
-        auto const same = [&](std::wstring const & other) { return Lower(other) == Lower(name); };
-        auto const at = std::find_if(m_children.begin(), m_children.end(), same);
-        return at == m_children.end() ? -1 : static_cast<int>(at - m_children.begin());
+        auto const at = std::find_if(model.begin(), model.end(), [&](Named const & it) { return it.folded == folded; });
+        return at == model.end() ? -1 : static_cast<int>(at - model.begin());
     }
-    int FindAttribute(std::wstring const & name) const
-    {
-        auto const same = [&](Attribute const & other) { return Lower(other.first) == Lower(name); };
-        auto const at = std::find_if(m_attributes.begin(), m_attributes.end(), same);
-        return at == m_attributes.end() ? -1 : static_cast<int>(at - m_attributes.begin());
-    }
+    int FindChild(std::wstring const & name) const { return FindFolded(m_children, Lower(name)); }
+    int FindAttribute(std::wstring const & name) const { return FindFolded(m_attributes, Lower(name)); }
 
     // Kept: the index of the last child appends.
     void AddChild(std::wstring const & name, int index)
@@ -100,7 +100,7 @@ private:
         int const last = static_cast<int>(m_children.size()) - 1;
         bool const inserts = index >= 0 && index < last;
         Check(m_element->AddChild(NewElement(name), index) == (inserts ? index : last + 1), "AddChild");
-        m_children.insert(inserts ? m_children.begin() + index : m_children.end(), name);
+        m_children.insert(inserts ? m_children.begin() + index : m_children.end(), Named(name));
     }
     void RemoveChild(int index)
     {
@@ -117,7 +117,7 @@ private:
         Check(m_element->AddAttribute(name.c_str(), VEK_VARIANT(value.c_str()), index) == (taken ? -1 : place),
               "AddAttribute");
         if (!taken)
-            m_attributes.insert(m_attributes.begin() + place, {name, value});
+            m_attributes.insert(m_attributes.begin() + place, Named(name))->value = value;
     }
     void SetAttribute(std::wstring const & name)
     {
@@ -127,36 +127,36 @@ private:
         Check(m_element->SetAttributeValue(name.c_str(), VEK_VARIANT(value.c_str()), add) == (found >= 0 || add),
               "SetAttributeValue");
         if (found >= 0)
-            m_attributes[static_cast<std::size_t>(found)].second = value;
+            m_attributes[static_cast<std::size_t>(found)].value = value;
         else if (add)
-            m_attributes.emplace_back(name, value);
+            m_attributes.emplace_back(name).value = value;
     }
 
     void Compare() const
     {
         Check(m_element->GetNumChildren() == static_cast<int>(m_children.size()), "the number of children");
         for (int i = 0; i < m_element->GetNumChildren(); ++i)
-            Check(m_children[static_cast<std::size_t>(i)] ==
+            Check(m_children[static_cast<std::size_t>(i)].name ==
                       static_cast<wchar_t const *>(m_element->GetChild(i)->GetName()),
                   "a child");
         Check(m_element->GetNumAttributes() == static_cast<int>(m_attributes.size()), "the number of attributes");
         for (int i = 0; i < m_element->GetNumAttributes(); ++i)
         {
-            auto const & [name, value] = m_attributes[static_cast<std::size_t>(i)];
+            auto const & [name, folded, value] = m_attributes[static_cast<std::size_t>(i)];
+            int const first = FindFolded(m_attributes, folded);
             CVekString<wchar_t> text;
             // Texts that look like escaped ones come back changed: there are none without '&'.
             Check(name == static_cast<wchar_t const *>(m_element->GetAttributeName(i)), "an attribute's name");
-            Check(m_element->FindAttributeIndex(name.c_str()) == FindAttribute(name), "an attribute's index");
-            Check(FindAttribute(name) != i || (m_element->GetAttributeValue(name.c_str(), text, L"") &&
-                                               (value == static_cast<wchar_t const *>(text))),
+            Check(m_element->FindAttributeIndex(name.c_str()) == first, "an attribute's index");
+            Check(first != i || (m_element->GetAttributeValue(name.c_str(), text, L"") &&
+                                 value == static_cast<wchar_t const *>(text)),
                   "an attribute's value");
         }
     }
 
     Reader & m_reader;
     Holder<CVekXMLElement> m_element = NewElement();
-    std::vector<std::wstring> m_children;
-    std::vector<Attribute> m_attributes;
+    Model m_children, m_attributes;
 };
 
 } // namespace
