@@ -1,6 +1,6 @@
 #include "core/EventEntry.h"
 
-#include "core/Ref.h"
+#include "VekRef.h"
 
 // A walk unlinks itself before its end, which GCC does not see across the handlers' calls.
 #pragma GCC diagnostic ignored "-Wdangling-pointer"
@@ -59,7 +59,7 @@ bool EventEntry::Fire(CVekEventData * data)
     Walk walk(*this);
     while (walk.next)
     {
-        auto const handler = Ref<CVekEventHandler>::Share(walk.next->Pointer());
+        auto const handler = CVekRef<CVekEventHandler>::Share(walk.next->Pointer());
         walk.next = walk.next->Previous();
         if (handler->OnEvent(data))
             handled = true;

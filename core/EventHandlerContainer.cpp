@@ -1,7 +1,7 @@
 #include "VekCore.h"
+#include "VekRef.h"
 
 #include "core/ProcessState.h"
-#include "core/Ref.h"
 
 namespace
 {
@@ -58,7 +58,7 @@ void CVekEventHandlerContainer::Remove(CVekEventHandler * handler)
 void CVekEventHandlerContainer::RemoveAll()
 {
     EventLock const lock;
-    auto const self = vek::Ref<CVekEventHandlerContainer>::Share(this);
+    auto const self = CVekRef<CVekEventHandlerContainer>::Share(this);
     RemoveEach();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "VekLib.h"
+#include "VekRef.h"
 
-#include "core/PointerList.h"
-#include "core/Ref.h"
+#include "base/PointerList.h"
 
 class CVekXMLManager;
 
@@ -78,5 +78,5 @@ private:
     vek::PointerList<IVekCatchLogOutput> m_catchers;
     unsigned long long m_performanceFrequency = 0;
     vek::EventMap * m_eventMap = nullptr;
-    vek::Ref<CVekXMLManager> m_xmlManager;
+    CVekRef<CVekXMLManager> m_xmlManager;
 };

@@ -8,8 +8,8 @@
 IVekThread * CVekKernel::CreateThread(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag,
                                       unsigned int tickInterval, unsigned int maxTickCount)
 {
-    auto thread = vek::Ref<CVekThread>::Adopt(new (std::nothrow)
-                                                  CVekThread(name, callback, createFlag, tickInterval, maxTickCount));
+    auto thread = CVekRef<CVekThread>::Adopt(new (std::nothrow)
+                                                 CVekThread(name, callback, createFlag, tickInterval, maxTickCount));
     return thread && thread->IsUsable() ? thread.Detach() : nullptr;
 }
 

@@ -1,6 +1,7 @@
 // The kernel's thread commands.
 #include "core/Kernel.h"
 
+#include "base/AsOwn.h"
 #include "core/ProcessState.h"
 #include "thread/Thread.h"
 
@@ -13,13 +14,13 @@ void CVekKernel::ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * 
     // Kept: held across the wait, so that one such command is under way in the whole process.
     CVekSingleLock const lock(&vek::GetProcessState().threadCommandLock, true);
     // The command may release itself on the worker before it is looked at here.
-    auto const own = vek::Ref<CVekThreadCommand>::Share(command);
+    auto const own = CVekRef<CVekThreadCommand>::Share(command);
     CVekSignal signal;
     if (!signal.GetHandle())
         return; // a command that can't be waited for is not run: it may stand on the caller's stack
     command->SetEndSignal(&signal);
     thread->AddCommand(command);
-    if (CVekThread * const worker = CVekThread::From(thread))
+    if (CVekThread * const worker = vek::AsOwn<CVekThread>(*thread))
         worker->WaitForCommand(command, signal);
     else
         signal.Lock();

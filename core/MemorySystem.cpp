@@ -1,8 +1,8 @@
 #include "core/MemorySystem.h"
 
+#include "base/SpinLock.h"
 #include "core/AddressTable.h"
 #include "core/ProcessState.h"
-#include "core/SpinLock.h"
 #include "text/Scan.h"
 
 #include <stdint.h>

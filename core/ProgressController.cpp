@@ -1,7 +1,6 @@
 #include "VekCore.h"
+#include "VekRef.h"
 #include "VekText.h"
-
-#include "core/Ref.h"
 
 #include <new>
 
@@ -84,7 +83,7 @@ void CVekProgressController::Progress(double amount)
 
 void CVekProgressController::Report(Task & task)
 {
-    auto const callback = vek::Ref<Callback>::Share(m_callback);
+    auto const callback = CVekRef<Callback>::Share(m_callback);
     ++task.holds;
     // Kept: true does not take an earlier cancellation back.
     if (!callback->OnProgress(task.progress, m_finishedShare, task.name, m_param))

@@ -35,52 +35,52 @@ class VEK_API CVekFrustum
 {
 public:
     /// Perspective, from -0.5 to 0.5 both ways, near 1, far 100.
-    CVekFrustum() VEK_NOEXCEPT;
+    CVekFrustum() noexcept;
     /// Stores the values as they are.
     CVekFrustum(VEK_PROJECTIONMODE mode, float left, float right, float top, float bottom, float nearPlane,
-                float farPlane) VEK_NOEXCEPT;
-    CVekFrustum(CVekFrustum const &) VEK_NOEXCEPT = default;
-    CVekFrustum & operator=(CVekFrustum const &) VEK_NOEXCEPT = default;
+                float farPlane) noexcept;
+    CVekFrustum(CVekFrustum const &) noexcept = default;
+    CVekFrustum & operator=(CVekFrustum const &) noexcept = default;
     virtual ~CVekFrustum();
 
     /// Stores the values as they are; always true.
     bool SetFrustum(VEK_PROJECTIONMODE mode, float left, float right, float top, float bottom, float nearPlane,
-                    float farPlane) VEK_NOEXCEPT;
+                    float farPlane) noexcept;
 
-    float GetLeft() const VEK_NOEXCEPT { return m_left; }
-    float GetRight() const VEK_NOEXCEPT { return m_right; }
-    float GetTop() const VEK_NOEXCEPT { return m_top; }
-    float GetBottom() const VEK_NOEXCEPT { return m_bottom; }
-    float GetNear() const VEK_NOEXCEPT { return m_near; }
-    float GetFar() const VEK_NOEXCEPT { return m_far; }
-    VEK_PROJECTIONMODE GetProjectionMode() const VEK_NOEXCEPT { return m_mode; }
-    void SetLeft(float value) VEK_NOEXCEPT { m_left = value; }
-    void SetRight(float value) VEK_NOEXCEPT { m_right = value; }
-    void SetTop(float value) VEK_NOEXCEPT { m_top = value; }
-    void SetBottom(float value) VEK_NOEXCEPT { m_bottom = value; }
-    void SetNear(float value) VEK_NOEXCEPT { m_near = value; }
-    void SetFar(float value) VEK_NOEXCEPT { m_far = value; }
-    void SetProjectionMode(VEK_PROJECTIONMODE mode) VEK_NOEXCEPT { m_mode = mode; }
+    float GetLeft() const noexcept { return m_left; }
+    float GetRight() const noexcept { return m_right; }
+    float GetTop() const noexcept { return m_top; }
+    float GetBottom() const noexcept { return m_bottom; }
+    float GetNear() const noexcept { return m_near; }
+    float GetFar() const noexcept { return m_far; }
+    VEK_PROJECTIONMODE GetProjectionMode() const noexcept { return m_mode; }
+    void SetLeft(float value) noexcept { m_left = value; }
+    void SetRight(float value) noexcept { m_right = value; }
+    void SetTop(float value) noexcept { m_top = value; }
+    void SetBottom(float value) noexcept { m_bottom = value; }
+    void SetNear(float value) noexcept { m_near = value; }
+    void SetFar(float value) noexcept { m_far = value; }
+    void SetProjectionMode(VEK_PROJECTIONMODE mode) noexcept { m_mode = mode; }
 
     /// Right minus left, top minus bottom, far minus near.
-    float GetWidth() const VEK_NOEXCEPT { return m_right - m_left; }
-    float GetHeight() const VEK_NOEXCEPT { return m_top - m_bottom; }
-    float GetDepth() const VEK_NOEXCEPT { return m_far - m_near; }
+    float GetWidth() const noexcept { return m_right - m_left; }
+    float GetHeight() const noexcept { return m_top - m_bottom; }
+    float GetDepth() const noexcept { return m_far - m_near; }
 
     /// The arc tangent of the height over near, 0 when near is 0. It is not the angle between the upper and the lower
     /// plane, which is twice the arc tangent of half the height over near.
-    float GetFOV(VEK_ANGLE unit) const VEK_NOEXCEPT;
+    float GetFOV(VEK_ANGLE unit) const noexcept;
     /// Multiplies left and right by width / height. False, with nothing changed, when one of them is 0.
-    bool FixAspectRatio(float width, float height) VEK_NOEXCEPT;
+    bool FixAspectRatio(float width, float height) noexcept;
     /// Multiplies left and right by the first factor, top and bottom by the second.
-    void Scale(float horizontal, float vertical) VEK_NOEXCEPT;
+    void Scale(float horizontal, float vertical) noexcept;
     /// The projection from camera coordinates for row vectors: x and y from -1 to 1, depth from 0 at near to 1 at far.
     /// Equal planes give infinities; the identity for a mode or coordinate system that is none.
-    CVekMatrix4x4<float> CreateProjectionMatrix(VEK_COORDSYSTEM coordSystem) const VEK_NOEXCEPT;
+    CVekMatrix4x4<float> CreateProjectionMatrix(VEK_COORDSYSTEM coordSystem) const noexcept;
 
 private:
-    void FillPerspective(CVekMatrix4x4<float> & matrix, bool leftHanded) const VEK_NOEXCEPT;
-    void FillOrthographic(CVekMatrix4x4<float> & matrix, bool leftHanded) const VEK_NOEXCEPT;
+    void FillPerspective(CVekMatrix4x4<float> & matrix, bool leftHanded) const noexcept;
+    void FillOrthographic(CVekMatrix4x4<float> & matrix, bool leftHanded) const noexcept;
 
     VEK_PROJECTIONMODE m_mode;
     float m_left;
@@ -136,29 +136,20 @@ struct VEK_CAMERASTATE
 
     /// The default frustum and the identity, left-handed, an empty screen, the pivot in the origin, y up.
     VEK_CAMERASTATE()
-    VEK_NOEXCEPT : frustum(),
-                   matrix(CVekMatrix4x4<float>::Identity()),
-                   coordSystem(VEK_COORDSYSTEM_LEFTHANDED),
-                   screenLeft(0),
-                   screenTop(0),
-                   screenRight(0),
-                   screenBottom(0),
-                   pointerStart(),
-                   pointerCurrent(),
-                   pivot(),
-                   up(0, 1, 0),
-                   previousFrustum(),
-                   previousMatrix(CVekMatrix4x4<float>::Identity())
+    noexcept
+        : frustum(), matrix(CVekMatrix4x4<float>::Identity()), coordSystem(VEK_COORDSYSTEM_LEFTHANDED), screenLeft(0),
+          screenTop(0), screenRight(0), screenBottom(0), pointerStart(), pointerCurrent(), pivot(), up(0, 1, 0),
+          previousFrustum(), previousMatrix(CVekMatrix4x4<float>::Identity())
     {
     }
 
-    void SavePrevious() VEK_NOEXCEPT
+    void SavePrevious() noexcept
     {
         previousFrustum = frustum;
         previousMatrix = matrix;
     }
     /// Takes the latest manipulation back.
-    void RestorePrevious() VEK_NOEXCEPT
+    void RestorePrevious() noexcept
     {
         frustum = previousFrustum;
         matrix = previousMatrix;

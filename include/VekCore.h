@@ -20,7 +20,7 @@ struct nothrow_t;
 }
 
 /// Adds 1 to the count as one indivisible step; returns the new count.
-inline unsigned int VekInterlockedIncrement(unsigned int & count) VEK_NOEXCEPT
+inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
 {
 #if defined(_MSC_VER) && !defined(__clang__)
     return static_cast<unsigned int>(_InterlockedIncrement(reinterpret_cast<long volatile *>(&count)));
@@ -30,7 +30,7 @@ inline unsigned int VekInterlockedIncrement(unsigned int & count) VEK_NOEXCEPT
 }
 
 /// Subtracts 1 from the count as one indivisible step; returns the new count.
-inline unsigned int VekInterlockedDecrement(unsigned int & count) VEK_NOEXCEPT
+inline unsigned int VekInterlockedDecrement(unsigned int & count) noexcept
 {
 #if defined(_MSC_VER) && !defined(__clang__)
     return static_cast<unsigned int>(_InterlockedDecrement(reinterpret_cast<long volatile *>(&count)));
@@ -90,10 +90,10 @@ protected:
 class VEK_API CVekPooled
 {
 public:
-    static void * operator new(size_t size) VEK_NOEXCEPT;
-    static void * operator new(size_t size, std::nothrow_t const &) VEK_NOEXCEPT;
-    static void * operator new(size_t, void * place) VEK_NOEXCEPT { return place; }
-    static void operator delete(void * block, size_t size) VEK_NOEXCEPT;
+    static void * operator new(size_t size) noexcept;
+    static void * operator new(size_t size, std::nothrow_t const &) noexcept;
+    static void * operator new(size_t, void * place) noexcept { return place; }
+    static void operator delete(void * block, size_t size) noexcept;
 };
 
 /// The untyped body of CVekPointerArray: pointers in order, in storage that the array owns. It never touches what the
@@ -109,16 +109,16 @@ public:
     CVekPointerArrayBase(CVekPointerArrayBase const &) = default;
     CVekPointerArrayBase & operator=(CVekPointerArrayBase const &) = default;
 
-    int GetCount() const VEK_NOEXCEPT { return m_count; }
-    int GetCapacity() const VEK_NOEXCEPT { return m_capacity; }
-    int GetGrowthStep() const VEK_NOEXCEPT { return m_growthStep; }
+    int GetCount() const noexcept { return m_count; }
+    int GetCapacity() const noexcept { return m_capacity; }
+    int GetGrowthStep() const noexcept { return m_growthStep; }
     /// A step below 1 counts as 1.
-    void SetGrowthStep(int step) VEK_NOEXCEPT { m_growthStep = step; }
+    void SetGrowthStep(int step) noexcept { m_growthStep = step; }
 
     /// Makes room for that many pointers in all; false, with the array unchanged, when it can't grow.
-    bool Reserve(int capacity) VEK_NOEXCEPT;
+    bool Reserve(int capacity) noexcept;
     /// Appends; false, with the array unchanged, when it can't grow.
-    bool Append(void * pointer) VEK_NOEXCEPT
+    bool Append(void * pointer) noexcept
     {
         if (m_count == m_capacity && !Grow())
             return false;
@@ -126,16 +126,16 @@ public:
         return true;
     }
     /// Inserts before the given index (0 to count; anything else is refused); false when refused or out of memory.
-    bool Insert(int index, void * pointer) VEK_NOEXCEPT;
+    bool Insert(int index, void * pointer) noexcept;
     /// Removes the slot; an index outside the array does nothing.
-    void RemoveAt(int index) VEK_NOEXCEPT;
+    void RemoveAt(int index) noexcept;
     /// Frees the storage; count and capacity become 0. The growth step stays.
-    void Free() VEK_NOEXCEPT;
+    void Free() noexcept;
     /// Exchanges everything with the other array.
-    void Swap(CVekPointerArrayBase & other) VEK_NOEXCEPT;
+    void Swap(CVekPointerArrayBase & other) noexcept;
 
 protected:
-    bool Grow() VEK_NOEXCEPT;
+    bool Grow() noexcept;
 
     int m_count = 0;
     int m_capacity = 0;
@@ -150,14 +150,14 @@ class CVekPointerArray : public CVekPointerArrayBase
 {
 public:
     /// The pointer at an index, which must be inside the array.
-    T * operator[](int index) const VEK_NOEXCEPT { return static_cast<T *>(m_storage[index]); }
+    T * operator[](int index) const noexcept { return static_cast<T *>(m_storage[index]); }
     /// The pointer at an index, or null for one outside the array.
-    T * At(int index) const VEK_NOEXCEPT { return Has(index) ? (*this)[index] : nullptr; }
-    bool Has(int index) const VEK_NOEXCEPT { return index >= 0 && index < m_count; }
+    T * At(int index) const noexcept { return Has(index) ? (*this)[index] : nullptr; }
+    bool Has(int index) const noexcept { return index >= 0 && index < m_count; }
     /// Removes the last pointer, which must exist, and returns it.
-    T * TakeLast() VEK_NOEXCEPT { return static_cast<T *>(m_storage[--m_count]); }
-    bool Append(T * pointer) VEK_NOEXCEPT { return CVekPointerArrayBase::Append(pointer); }
-    bool Insert(int index, T * pointer) VEK_NOEXCEPT { return CVekPointerArrayBase::Insert(index, pointer); }
+    T * TakeLast() noexcept { return static_cast<T *>(m_storage[--m_count]); }
+    bool Append(T * pointer) noexcept { return CVekPointerArrayBase::Append(pointer); }
+    bool Insert(int index, T * pointer) noexcept { return CVekPointerArrayBase::Insert(index, pointer); }
 };
 
 /// Receives the library's messages. Hosts implement it and register it with IVekKernel::AddCatchLogOutput.

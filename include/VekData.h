@@ -8,6 +8,7 @@
 #include "VekIO.h"
 #include "VekMath.h"
 #include "VekText.h"
+#include "VekVariant.h"
 
 namespace vek
 {

@@ -18,9 +18,6 @@
 /// Linkage and calling convention of the three entry points, so that GetProcAddress finds them by their plain names.
 #define VEK_ENTRY extern "C" VEK_API
 
-// One allocation failure is one null pointer: nothing of the library throws.
-#define VEK_NOEXCEPT noexcept
-
 /// Declares a group of virtual operations that share a name, each without its semicolon, in slot order.
 /// One compiler family lays such a group out in the order of declaration, the other in reverse: the macro declares it
 /// the right way round for either, so that both see the same table.

@@ -24,25 +24,25 @@ public:
     /// result is the matrix's row order[k], no row is moved; below the diagonal is L (its own diagonal is 1), on it and
     /// above is U. The order table has one entry for each row. Each element is worked in one fixed order of operations,
     /// so that the result has the same bits on every machine.
-    static float LUDecompose(CVekMatrix<float> & a, unsigned int * order) VEK_NOEXCEPT;
+    static float LUDecompose(CVekMatrix<float> & a, unsigned int * order) noexcept;
     /// Solves A x = src with a decomposed matrix and its order table; result may be src. Sums run from low to high
     /// indices. Leaves result as it is when an argument is missing, the order table names rows that the matrix has not,
     /// or there is no memory.
     static void LUSubstitution(CVekMatrix<float> const & a, unsigned int const * order, float const * src,
-                               float * result) VEK_NOEXCEPT;
+                               float * result) noexcept;
     /// Makes the scaling and translation that map box B onto box A; with uniform, all axes are scaled by the smallest
     /// of the three factors, and the centres match. False when B has no extent along an axis: m is the identity then.
     static bool BoxToBoxTransform(CVekMatrix4x4<float> & m, CVekBoundBox<float> const & boxA,
-                                  CVekBoundBox<float> const & boxB, bool uniform) VEK_NOEXCEPT;
+                                  CVekBoundBox<float> const & boxB, bool uniform) noexcept;
     /// The weights of a, b and c that give the point p, as x, y and z of out. False when the three lie on one line: out
     /// is left as it is then.
     static bool FindBaryCentric(CVekVector2D<float> const & p, CVekVector2D<float> const & a,
                                 CVekVector2D<float> const & b, CVekVector2D<float> const & c,
-                                CVekVector3D<float> & out) VEK_NOEXCEPT;
+                                CVekVector3D<float> & out) noexcept;
     /// Where the line from p0 through p1 meets a plane: hit = p0 + (p1 - p0) t, for any t, behind p0 and beyond p1 too.
     /// False when it is parallel: t and hit are left as they are then.
     static bool RayPlaneIntersection(CVekVector3D<float> const & p0, CVekVector3D<float> const & p1,
-                                     CVekPlane<float> const & plane, float & t, CVekVector3D<float> & hit) VEK_NOEXCEPT;
+                                     CVekPlane<float> const & plane, float & t, CVekVector3D<float> & hit) noexcept;
     /// Where the line from p0 through p1 meets the triangle a, b, c with that normal, which need not have length 1;
     /// flags are of VEK_RAYTRIANGLE_FLAGS. t and hit tell the point on the triangle's plane, weights (may be null) the
     /// barycentric weights of a, b and c there; a point belongs to the triangle when each is within [-threshold, 1 +
@@ -52,11 +52,11 @@ public:
                                         CVekVector3D<float> const & a, CVekVector3D<float> const & b,
                                         CVekVector3D<float> const & c, CVekVector3D<float> const & normal,
                                         unsigned int flags, float & t, CVekVector3D<float> & hit,
-                                        CVekVector3D<float> * weights) VEK_NOEXCEPT;
+                                        CVekVector3D<float> * weights) noexcept;
 
     /// The process-wide tolerance of barycentric weights, 0.0001 at the start. It is not guarded by a lock.
-    static void SetErrorThreshold(float threshold) VEK_NOEXCEPT;
-    static float GetErrorThreshold(void) VEK_NOEXCEPT;
+    static void SetErrorThreshold(float threshold) noexcept;
+    static float GetErrorThreshold() noexcept;
 };
 
 /// The numeric routines in double precision, as in CVekMath32 unless they say otherwise.
@@ -64,36 +64,35 @@ class VEK_API CVekMath64
 {
 public:
     /// Of a float matrix only the determinant is accumulated in double precision, the elements are worked as floats.
-    static double LUDecompose(CVekMatrix<float> & a, unsigned int * order) VEK_NOEXCEPT;
-    static double LUDecompose(CVekMatrix<double> & a, unsigned int * order) VEK_NOEXCEPT;
+    static double LUDecompose(CVekMatrix<float> & a, unsigned int * order) noexcept;
+    static double LUDecompose(CVekMatrix<double> & a, unsigned int * order) noexcept;
     static void LUSubstitution(CVekMatrix<float> const & a, unsigned int const * order, double const * src,
-                               double * result) VEK_NOEXCEPT;
+                               double * result) noexcept;
     static void LUSubstitution(CVekMatrix<double> const & a, unsigned int const * order, double const * src,
-                               double * result) VEK_NOEXCEPT;
+                               double * result) noexcept;
     static bool BoxToBoxTransform(CVekMatrix4x4<double> & m, CVekBoundBox<double> const & boxA,
-                                  CVekBoundBox<double> const & boxB, bool uniform) VEK_NOEXCEPT;
+                                  CVekBoundBox<double> const & boxB, bool uniform) noexcept;
     static bool FindBaryCentric(CVekVector2D<double> const & p, CVekVector2D<double> const & a,
                                 CVekVector2D<double> const & b, CVekVector2D<double> const & c,
-                                CVekVector3D<double> & out) VEK_NOEXCEPT;
+                                CVekVector3D<double> & out) noexcept;
     static bool RayPlaneIntersection(CVekVector3D<double> const & p0, CVekVector3D<double> const & p1,
-                                     CVekPlane<double> const & plane, double & t,
-                                     CVekVector3D<double> & hit) VEK_NOEXCEPT;
+                                     CVekPlane<double> const & plane, double & t, CVekVector3D<double> & hit) noexcept;
     /// True for a hit.
     static bool RayTriangleIntersection(CVekVector3D<double> const & p0, CVekVector3D<double> const & p1,
                                         CVekVector3D<double> const & a, CVekVector3D<double> const & b,
                                         CVekVector3D<double> const & c, CVekVector3D<double> const & normal,
                                         unsigned int flags, double & t, CVekVector3D<double> & hit,
-                                        CVekVector3D<double> * weights) VEK_NOEXCEPT;
+                                        CVekVector3D<double> * weights) noexcept;
 
-    static void SetErrorThreshold(double threshold) VEK_NOEXCEPT;
-    static double GetErrorThreshold(void) VEK_NOEXCEPT;
+    static void SetErrorThreshold(double threshold) noexcept;
+    static double GetErrorThreshold() noexcept;
 };
 
 /// Sets the threshold of CVekMath32 for a scope, for all threads, and puts the earlier one back at its end.
 class CVekSetMath32ErrorThreshHold
 {
 public:
-    explicit CVekSetMath32ErrorThreshHold(float threshold) VEK_NOEXCEPT
+    explicit CVekSetMath32ErrorThreshHold(float threshold) noexcept
         : m_previousThreshold(CVekMath32::GetErrorThreshold())
     {
         CVekMath32::SetErrorThreshold(threshold);
@@ -110,7 +109,7 @@ private:
 class CVekSetMath64ErrorThreshHold
 {
 public:
-    explicit CVekSetMath64ErrorThreshHold(double threshold) VEK_NOEXCEPT
+    explicit CVekSetMath64ErrorThreshHold(double threshold) noexcept
         : m_previousThreshold(CVekMath64::GetErrorThreshold())
     {
         CVekMath64::SetErrorThreshold(threshold);

@@ -13,8 +13,10 @@
 #include "VekMath.h"
 #include "VekNurbs.h"
 #include "VekPackets.h"
+#include "VekRef.h"
 #include "VekText.h"
 #include "VekThread.h"
+#include "VekVariant.h"
 #include "VekXML.h"
 
 /// The library's one process-wide object: start-up and shut-down, log catchers, events, and the factory of services.

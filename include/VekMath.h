@@ -14,57 +14,57 @@ namespace vek
 
 #if defined(__SSE2__) && defined(__GNUC__) && !defined(__clang__)
 // The instruction itself: the runtime's function may round twice.
-inline float SquareRoot(float value) VEK_NOEXCEPT
+inline float SquareRoot(float value) noexcept
 {
     typedef float Pack __attribute__((vector_size(16)));
     return __builtin_ia32_sqrtss(Pack{value, 0, 0, 0})[0];
 }
-inline double SquareRoot(double value) VEK_NOEXCEPT
+inline double SquareRoot(double value) noexcept
 {
     typedef double Pack __attribute__((vector_size(16)));
     return __builtin_ia32_sqrtsd(Pack{value, 0})[0];
 }
 #elif defined(__GNUC__) || defined(__clang__)
-inline float SquareRoot(float value) VEK_NOEXCEPT
+inline float SquareRoot(float value) noexcept
 {
     return __builtin_sqrtf(value);
 }
-inline double SquareRoot(double value) VEK_NOEXCEPT
+inline double SquareRoot(double value) noexcept
 {
     return __builtin_sqrt(value);
 }
 #else
 extern "C" double __cdecl sqrt(double);
-inline double SquareRoot(double value) VEK_NOEXCEPT
+inline double SquareRoot(double value) noexcept
 {
     return sqrt(value);
 }
-inline float SquareRoot(float value) VEK_NOEXCEPT
+inline float SquareRoot(float value) noexcept
 {
     return static_cast<float>(sqrt(value)); // the same as the nearest float: a double has more than twice the digits
 }
 #endif
 
 template <class T>
-constexpr T Magnitude(T value) VEK_NOEXCEPT
+constexpr T Magnitude(T value) noexcept
 {
     return value < T(0) ? -value : value;
 }
 
 /// Sums of squares between these have lost no digits and not overflown.
-constexpr float SmallestSquare(float) VEK_NOEXCEPT
+constexpr float SmallestSquare(float) noexcept
 {
     return 1e-30f;
 }
-constexpr double SmallestSquare(double) VEK_NOEXCEPT
+constexpr double SmallestSquare(double) noexcept
 {
     return 1e-280;
 }
-constexpr float LargestSquare(float) VEK_NOEXCEPT
+constexpr float LargestSquare(float) noexcept
 {
     return 1e37f;
 }
-constexpr double LargestSquare(double) VEK_NOEXCEPT
+constexpr double LargestSquare(double) noexcept
 {
     return 1e307;
 }
@@ -76,45 +76,45 @@ template <class V, class T, unsigned int N>
 class VectorOf
 {
 public:
-    friend constexpr bool operator==(V const & a, V const & b) VEK_NOEXCEPT
+    friend constexpr bool operator==(V const & a, V const & b) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             if (!(a[i] == b[i]))
                 return false;
         return true;
     }
-    friend constexpr bool operator!=(V const & a, V const & b) VEK_NOEXCEPT { return !(a == b); }
+    friend constexpr bool operator!=(V const & a, V const & b) noexcept { return !(a == b); }
 
-    friend constexpr V operator+(V a, V const & b) VEK_NOEXCEPT { return a += b; }
-    friend constexpr V operator-(V a, V const & b) VEK_NOEXCEPT { return a -= b; }
-    friend constexpr V operator-(V a) VEK_NOEXCEPT
+    friend constexpr V operator+(V a, V const & b) noexcept { return a += b; }
+    friend constexpr V operator-(V a, V const & b) noexcept { return a -= b; }
+    friend constexpr V operator-(V a) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             a[i] = -a[i];
         return a;
     }
-    friend constexpr V operator*(V a, T factor) VEK_NOEXCEPT { return a *= factor; }
-    friend constexpr V operator*(T factor, V a) VEK_NOEXCEPT { return a *= factor; }
-    friend constexpr V operator/(V a, T divisor) VEK_NOEXCEPT { return a /= divisor; }
-    constexpr V & operator+=(V const & other) VEK_NOEXCEPT
+    friend constexpr V operator*(V a, T factor) noexcept { return a *= factor; }
+    friend constexpr V operator*(T factor, V a) noexcept { return a *= factor; }
+    friend constexpr V operator/(V a, T divisor) noexcept { return a /= divisor; }
+    constexpr V & operator+=(V const & other) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             Self()[i] += other[i];
         return Self();
     }
-    constexpr V & operator-=(V const & other) VEK_NOEXCEPT
+    constexpr V & operator-=(V const & other) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             Self()[i] -= other[i];
         return Self();
     }
-    constexpr V & operator*=(T factor) VEK_NOEXCEPT
+    constexpr V & operator*=(T factor) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             Self()[i] *= factor;
         return Self();
     }
-    constexpr V & operator/=(T divisor) VEK_NOEXCEPT
+    constexpr V & operator/=(T divisor) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             Self()[i] /= divisor;
@@ -122,16 +122,16 @@ public:
     }
 
     /// The scalar product.
-    constexpr T Dot(V const & other) const VEK_NOEXCEPT
+    constexpr T Dot(V const & other) const noexcept
     {
         T sum = Self()[0] * other[0];
         for (unsigned int i = 1; i < N; ++i)
             sum += Self()[i] * other[i];
         return sum;
     }
-    constexpr T LengthSquared() const VEK_NOEXCEPT { return Dot(Self()); }
+    constexpr T LengthSquared() const noexcept { return Dot(Self()); }
     /// The Euclidean length, without overflow or loss of digits in between.
-    T Length() const VEK_NOEXCEPT
+    T Length() const noexcept
     {
         T const sum = LengthSquared();
         if (sum >= SmallestSquare(T()) && sum <= LargestSquare(T()))
@@ -143,7 +143,7 @@ public:
                                                            : largest;
     }
     /// The vector of length 1 in the same direction; the zero vector stays zero.
-    V Normalised() const VEK_NOEXCEPT
+    V Normalised() const noexcept
     {
         T const sum = LengthSquared();
         if (sum >= SmallestSquare(T()) && sum <= LargestSquare(T()))
@@ -156,11 +156,11 @@ public:
         V const scaled = Self() / largest;
         return scaled / SquareRoot(scaled.LengthSquared());
     }
-    T DistanceTo(V const & other) const VEK_NOEXCEPT { return (Self() - other).Length(); }
+    T DistanceTo(V const & other) const noexcept { return (Self() - other).Length(); }
     /// This vector at t = 0, the other at t = 1, both exactly; t may lie outside.
-    constexpr V Lerp(V const & other, T t) const VEK_NOEXCEPT { return Self() * (T(1) - t) + other * t; }
+    constexpr V Lerp(V const & other, T t) const noexcept { return Self() * (T(1) - t) + other * t; }
     /// True when no component differs by more than the tolerance.
-    constexpr bool IsNear(V const & other, T tolerance) const VEK_NOEXCEPT
+    constexpr bool IsNear(V const & other, T tolerance) const noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
             if (!(Self()[i] == other[i] || Magnitude(Self()[i] - other[i]) <= tolerance))
@@ -168,14 +168,14 @@ public:
         return true;
     }
     /// The smaller, the larger component of both vectors in each place.
-    constexpr V Smallest(V const & other) const VEK_NOEXCEPT
+    constexpr V Smallest(V const & other) const noexcept
     {
         V result = Self();
         for (unsigned int i = 0; i < N; ++i)
             result[i] = other[i] < result[i] ? other[i] : result[i];
         return result;
     }
-    constexpr V Largest(V const & other) const VEK_NOEXCEPT
+    constexpr V Largest(V const & other) const noexcept
     {
         V result = Self();
         for (unsigned int i = 0; i < N; ++i)
@@ -183,7 +183,7 @@ public:
         return result;
     }
     /// The place of the component of largest magnitude, the first of equal ones.
-    constexpr unsigned int LargestAxis() const VEK_NOEXCEPT
+    constexpr unsigned int LargestAxis() const noexcept
     {
         unsigned int axis = 0;
         for (unsigned int i = 1; i < N; ++i)
@@ -193,12 +193,12 @@ public:
     }
 
 protected:
-    constexpr VectorOf() VEK_NOEXCEPT = default;
+    constexpr VectorOf() noexcept = default;
 
 private:
-    constexpr V & Self() VEK_NOEXCEPT { return static_cast<V &>(*this); }
-    constexpr V const & Self() const VEK_NOEXCEPT { return static_cast<V const &>(*this); }
-    constexpr T LargestMagnitude() const VEK_NOEXCEPT { return Magnitude(Self()[LargestAxis()]); }
+    constexpr V & Self() noexcept { return static_cast<V &>(*this); }
+    constexpr V const & Self() const noexcept { return static_cast<V const &>(*this); }
+    constexpr T LargestMagnitude() const noexcept { return Magnitude(Self()[LargestAxis()]); }
 };
 
 } // namespace vek
@@ -212,20 +212,20 @@ public:
     T x, y;
 
     /// All components are 0.
-    constexpr CVekVector2D() VEK_NOEXCEPT : x(), y() {}
-    constexpr CVekVector2D(T x_, T y_) VEK_NOEXCEPT : x(x_), y(y_) {}
+    constexpr CVekVector2D() noexcept : x(), y() {}
+    constexpr CVekVector2D(T x_, T y_) noexcept : x(x_), y(y_) {}
     template <class U>
-    constexpr explicit CVekVector2D(CVekVector2D<U> const & other) VEK_NOEXCEPT : x(static_cast<T>(other.x)),
-                                                                                  y(static_cast<T>(other.y))
+    constexpr explicit CVekVector2D(CVekVector2D<U> const & other) noexcept
+        : x(static_cast<T>(other.x)), y(static_cast<T>(other.y))
     {
     }
 
     /// The component 0 or 1; any higher index is the last one.
-    constexpr T & operator[](unsigned int index) VEK_NOEXCEPT { return index == 0 ? x : y; }
-    constexpr T const & operator[](unsigned int index) const VEK_NOEXCEPT { return index == 0 ? x : y; }
+    constexpr T & operator[](unsigned int index) noexcept { return index == 0 ? x : y; }
+    constexpr T const & operator[](unsigned int index) const noexcept { return index == 0 ? x : y; }
 
     /// The third component of the vector product: positive when the other lies to the left, from x towards y.
-    constexpr T Cross(CVekVector2D const & other) const VEK_NOEXCEPT { return x * other.y - y * other.x; }
+    constexpr T Cross(CVekVector2D const & other) const noexcept { return x * other.y - y * other.x; }
 };
 
 /// Three components, a plain value: a point or a direction.
@@ -236,24 +236,20 @@ public:
     T x, y, z;
 
     /// All components are 0.
-    constexpr CVekVector3D() VEK_NOEXCEPT : x(), y(), z() {}
-    constexpr CVekVector3D(T x_, T y_, T z_) VEK_NOEXCEPT : x(x_), y(y_), z(z_) {}
+    constexpr CVekVector3D() noexcept : x(), y(), z() {}
+    constexpr CVekVector3D(T x_, T y_, T z_) noexcept : x(x_), y(y_), z(z_) {}
     template <class U>
-    constexpr explicit CVekVector3D(CVekVector3D<U> const & other) VEK_NOEXCEPT : x(static_cast<T>(other.x)),
-                                                                                  y(static_cast<T>(other.y)),
-                                                                                  z(static_cast<T>(other.z))
+    constexpr explicit CVekVector3D(CVekVector3D<U> const & other) noexcept
+        : x(static_cast<T>(other.x)), y(static_cast<T>(other.y)), z(static_cast<T>(other.z))
     {
     }
 
     /// The component 0 to 2; any higher index is the last one.
-    constexpr T & operator[](unsigned int index) VEK_NOEXCEPT { return index == 0 ? x : index == 1 ? y : z; }
-    constexpr T const & operator[](unsigned int index) const VEK_NOEXCEPT
-    {
-        return index == 0 ? x : index == 1 ? y : z;
-    }
+    constexpr T & operator[](unsigned int index) noexcept { return index == 0 ? x : index == 1 ? y : z; }
+    constexpr T const & operator[](unsigned int index) const noexcept { return index == 0 ? x : index == 1 ? y : z; }
 
     /// The vector product, x cross y = z.
-    constexpr CVekVector3D Cross(CVekVector3D const & other) const VEK_NOEXCEPT
+    constexpr CVekVector3D Cross(CVekVector3D const & other) const noexcept
     {
         return CVekVector3D(y * other.z - z * other.y, z * other.x - x * other.z, x * other.y - y * other.x);
     }
@@ -267,30 +263,28 @@ public:
     T x, y, z, w;
 
     /// All components are 0.
-    constexpr CVekVector4D() VEK_NOEXCEPT : x(), y(), z(), w() {}
-    constexpr CVekVector4D(T x_, T y_, T z_, T w_) VEK_NOEXCEPT : x(x_), y(y_), z(z_), w(w_) {}
+    constexpr CVekVector4D() noexcept : x(), y(), z(), w() {}
+    constexpr CVekVector4D(T x_, T y_, T z_, T w_) noexcept : x(x_), y(y_), z(z_), w(w_) {}
     /// A point with w = 1 or a direction with w = 0.
-    constexpr CVekVector4D(CVekVector3D<T> const & v, T w_) VEK_NOEXCEPT : x(v.x), y(v.y), z(v.z), w(w_) {}
+    constexpr CVekVector4D(CVekVector3D<T> const & v, T w_) noexcept : x(v.x), y(v.y), z(v.z), w(w_) {}
     template <class U>
-    constexpr explicit CVekVector4D(CVekVector4D<U> const & other) VEK_NOEXCEPT : x(static_cast<T>(other.x)),
-                                                                                  y(static_cast<T>(other.y)),
-                                                                                  z(static_cast<T>(other.z)),
-                                                                                  w(static_cast<T>(other.w))
+    constexpr explicit CVekVector4D(CVekVector4D<U> const & other) noexcept
+        : x(static_cast<T>(other.x)), y(static_cast<T>(other.y)), z(static_cast<T>(other.z)), w(static_cast<T>(other.w))
     {
     }
 
     /// The component 0 to 3; any higher index is the last one.
-    constexpr T & operator[](unsigned int index) VEK_NOEXCEPT
+    constexpr T & operator[](unsigned int index) noexcept
     {
         return index == 0 ? x : index == 1 ? y : index == 2 ? z : w;
     }
-    constexpr T const & operator[](unsigned int index) const VEK_NOEXCEPT
+    constexpr T const & operator[](unsigned int index) const noexcept
     {
         return index == 0 ? x : index == 1 ? y : index == 2 ? z : w;
     }
 
     /// x, y and z as they are.
-    constexpr CVekVector3D<T> XYZ() const VEK_NOEXCEPT { return CVekVector3D<T>(x, y, z); }
+    constexpr CVekVector3D<T> XYZ() const noexcept { return CVekVector3D<T>(x, y, z); }
 };
 
 /// A colour with its opacity, a plain value.
@@ -301,25 +295,25 @@ public:
     T red, green, blue, alpha;
 
     /// All components are 0.
-    constexpr CVekRGBA() VEK_NOEXCEPT : red(), green(), blue(), alpha() {}
-    constexpr CVekRGBA(T r, T g, T b, T a) VEK_NOEXCEPT : red(r), green(g), blue(b), alpha(a) {}
+    constexpr CVekRGBA() noexcept : red(), green(), blue(), alpha() {}
+    constexpr CVekRGBA(T r, T g, T b, T a) noexcept : red(r), green(g), blue(b), alpha(a) {}
 
-    friend constexpr bool operator==(CVekRGBA const & a, CVekRGBA const & b) VEK_NOEXCEPT
+    friend constexpr bool operator==(CVekRGBA const & a, CVekRGBA const & b) noexcept
     {
         return a.red == b.red && a.green == b.green && a.blue == b.blue && a.alpha == b.alpha;
     }
-    friend constexpr bool operator!=(CVekRGBA const & a, CVekRGBA const & b) VEK_NOEXCEPT { return !(a == b); }
+    friend constexpr bool operator!=(CVekRGBA const & a, CVekRGBA const & b) noexcept { return !(a == b); }
 
     /// The colour between this one at t = 0 and the other at t = 1; t is clamped to that range. Components of whole
     /// numbers are rounded to the nearest.
-    constexpr CVekRGBA Lerp(CVekRGBA const & other, float t) const VEK_NOEXCEPT
+    constexpr CVekRGBA Lerp(CVekRGBA const & other, float t) const noexcept
     {
         return CVekRGBA(Between(red, other.red, t), Between(green, other.green, t), Between(blue, other.blue, t),
                         Between(alpha, other.alpha, t));
     }
 
 private:
-    static constexpr T Between(T a, T b, float t) VEK_NOEXCEPT
+    static constexpr T Between(T a, T b, float t) noexcept
     {
         constexpr float half = T(0.5f) == T(0) ? 0.5f : 0.0f;
         return t > 0 ? t < 1 ? static_cast<T>(static_cast<float>(a) * (1 - t) + static_cast<float>(b) * t + half) : b
@@ -335,43 +329,38 @@ public:
     T a, b, c, d;
 
     /// All coefficients are 0: no plane at all.
-    constexpr CVekPlane() VEK_NOEXCEPT : a(), b(), c(), d() {}
-    constexpr CVekPlane(T a_, T b_, T c_, T d_) VEK_NOEXCEPT : a(a_), b(b_), c(c_), d(d_) {}
+    constexpr CVekPlane() noexcept : a(), b(), c(), d() {}
+    constexpr CVekPlane(T a_, T b_, T c_, T d_) noexcept : a(a_), b(b_), c(c_), d(d_) {}
     /// The plane with that normal, taken as it is, through a point.
-    constexpr CVekPlane(CVekVector3D<T> const & normal, CVekVector3D<T> const & point) VEK_NOEXCEPT
-        : a(normal.x),
-          b(normal.y),
-          c(normal.z),
-          d(-normal.Dot(point))
+    constexpr CVekPlane(CVekVector3D<T> const & normal, CVekVector3D<T> const & point) noexcept
+        : a(normal.x), b(normal.y), c(normal.z), d(-normal.Dot(point))
     {
     }
     /// The plane through three points, its normal (q - p) cross (r - p): they run counterclockwise when seen from the
     /// front in a right-handed system.
-    constexpr CVekPlane(CVekVector3D<T> const & p, CVekVector3D<T> const & q, CVekVector3D<T> const & r) VEK_NOEXCEPT
+    constexpr CVekPlane(CVekVector3D<T> const & p, CVekVector3D<T> const & q, CVekVector3D<T> const & r) noexcept
         : CVekPlane((q - p).Cross(r - p), p)
     {
     }
     template <class U>
-    constexpr explicit CVekPlane(CVekPlane<U> const & other) VEK_NOEXCEPT : a(static_cast<T>(other.a)),
-                                                                            b(static_cast<T>(other.b)),
-                                                                            c(static_cast<T>(other.c)),
-                                                                            d(static_cast<T>(other.d))
+    constexpr explicit CVekPlane(CVekPlane<U> const & other) noexcept
+        : a(static_cast<T>(other.a)), b(static_cast<T>(other.b)), c(static_cast<T>(other.c)), d(static_cast<T>(other.d))
     {
     }
 
-    friend constexpr bool operator==(CVekPlane const & p, CVekPlane const & q) VEK_NOEXCEPT
+    friend constexpr bool operator==(CVekPlane const & p, CVekPlane const & q) noexcept
     {
         return p.a == q.a && p.b == q.b && p.c == q.c && p.d == q.d;
     }
-    friend constexpr bool operator!=(CVekPlane const & p, CVekPlane const & q) VEK_NOEXCEPT { return !(p == q); }
+    friend constexpr bool operator!=(CVekPlane const & p, CVekPlane const & q) noexcept { return !(p == q); }
     /// The same points with front and back exchanged.
-    constexpr CVekPlane operator-() const VEK_NOEXCEPT { return CVekPlane(-a, -b, -c, -d); }
+    constexpr CVekPlane operator-() const noexcept { return CVekPlane(-a, -b, -c, -d); }
 
-    constexpr CVekVector3D<T> Normal() const VEK_NOEXCEPT { return CVekVector3D<T>(a, b, c); }
+    constexpr CVekVector3D<T> Normal() const noexcept { return CVekVector3D<T>(a, b, c); }
     /// The plane's expression at a point: 0 on it, positive in front. It is the distance when the normal's length is 1.
-    constexpr T Evaluate(CVekVector3D<T> const & point) const VEK_NOEXCEPT { return Normal().Dot(point) + d; }
+    constexpr T Evaluate(CVekVector3D<T> const & point) const noexcept { return Normal().Dot(point) + d; }
     /// The same plane with a normal of length 1; one without a normal stays as it is.
-    CVekPlane Normalised() const VEK_NOEXCEPT
+    CVekPlane Normalised() const noexcept
     {
         T const length = Normal().Length();
         return length == T(0) ? *this : CVekPlane(a / length, b / length, c / length, d / length);
@@ -386,13 +375,13 @@ class CVekMatrix
 {
 public:
     /// An empty matrix: no rows, no columns, no elements.
-    VEK_API CVekMatrix() VEK_NOEXCEPT;
+    VEK_API CVekMatrix() noexcept;
     /// A matrix of that size, its elements not initialised; after a failed allocation it is empty.
-    VEK_API CVekMatrix(unsigned int rows, unsigned int columns) VEK_NOEXCEPT;
-    VEK_API CVekMatrix(CVekMatrix const & other) VEK_NOEXCEPT;
+    VEK_API CVekMatrix(unsigned int rows, unsigned int columns) noexcept;
+    VEK_API CVekMatrix(CVekMatrix const & other) noexcept;
     /// Takes over size and elements through Create; a matrix of fixed size keeps its size and takes the elements that
     /// both have. Without elements in the source this matrix is destroyed (as Destroy does).
-    VEK_API CVekMatrix & operator=(CVekMatrix const & other) VEK_NOEXCEPT;
+    VEK_API CVekMatrix & operator=(CVekMatrix const & other) noexcept;
 
     /// Frees the elements.
     VEK_API virtual ~CVekMatrix();
@@ -402,45 +391,45 @@ public:
     /// Frees the elements; the sizes stay.
     VEK_API virtual void Destroy();
 
-    unsigned int GetRows() const VEK_NOEXCEPT { return m_rows; }
-    unsigned int GetColumns() const VEK_NOEXCEPT { return m_columns; }
+    unsigned int GetRows() const noexcept { return m_rows; }
+    unsigned int GetColumns() const noexcept { return m_columns; }
     /// The first element of row 0, or null without elements; the matrix keeps ownership.
-    T * GetElements() VEK_NOEXCEPT { return m_elements; }
-    T const * GetElements() const VEK_NOEXCEPT { return m_elements; }
+    T * GetElements() noexcept { return m_elements; }
+    T const * GetElements() const noexcept { return m_elements; }
 
     /// The element at a row and column. Outside the matrix it is a zero that belongs to no matrix.
-    T & operator()(unsigned int row, unsigned int column) VEK_NOEXCEPT
+    T & operator()(unsigned int row, unsigned int column) noexcept
     {
         return Has(row, column) ? m_elements[IndexOf(row, column)] : OutsideElement();
     }
-    T const & operator()(unsigned int row, unsigned int column) const VEK_NOEXCEPT
+    T const & operator()(unsigned int row, unsigned int column) const noexcept
     {
         return Has(row, column) ? m_elements[IndexOf(row, column)] : OutsideElement();
     }
 
     /// Sets the diagonal to 1 and everything else to 0.
-    VEK_API void SetIdentity() VEK_NOEXCEPT;
+    VEK_API void SetIdentity() noexcept;
     /// this = this x other, for matrices of up to 4 x 4: of larger ones only the first 4 rows and columns are replaced.
     /// The inner dimension is this matrix's row count; elements that a matrix doesn't have count as 0.
-    VEK_API CVekMatrix & operator*=(CVekMatrix const & other) VEK_NOEXCEPT;
+    VEK_API CVekMatrix & operator*=(CVekMatrix const & other) noexcept;
     /// Adds to the elements [3][0], [3][1] and [3][2], as far as they exist.
-    VEK_API void AddTranslation(T x, T y, T z) VEK_NOEXCEPT;
+    VEK_API void AddTranslation(T x, T y, T z) noexcept;
     /// Multiplies this matrix by the 4 x 4 scale matrix of the three factors.
-    VEK_API void Scale(T x, T y, T z) VEK_NOEXCEPT;
+    VEK_API void Scale(T x, T y, T z) noexcept;
 
 protected:
     /// For matrices whose elements are part of the object.
-    VEK_API CVekMatrix(unsigned int rows, unsigned int columns, T * elements) VEK_NOEXCEPT;
+    VEK_API CVekMatrix(unsigned int rows, unsigned int columns, T * elements) noexcept;
 
-    bool Has(unsigned int row, unsigned int column) const VEK_NOEXCEPT
+    bool Has(unsigned int row, unsigned int column) const noexcept
     {
         return row < m_rows && column < m_columns && m_elements != nullptr;
     }
-    size_t IndexOf(unsigned int row, unsigned int column) const VEK_NOEXCEPT
+    size_t IndexOf(unsigned int row, unsigned int column) const noexcept
     {
         return static_cast<size_t>(row) * m_columns + column;
     }
-    VEK_API static T & OutsideElement() VEK_NOEXCEPT;
+    VEK_API static T & OutsideElement() noexcept;
 
     unsigned int m_rows;
     unsigned int m_columns;
@@ -453,13 +442,13 @@ class CVekMatrixMxN : public CVekMatrix<T>
 {
 public:
     /// All elements are 0.
-    CVekMatrixMxN() VEK_NOEXCEPT : CVekMatrix<T>(M, N, nullptr), m_inline() { this->m_elements = m_inline; }
-    CVekMatrixMxN(CVekMatrixMxN const & other) VEK_NOEXCEPT : CVekMatrix<T>(M, N, nullptr)
+    CVekMatrixMxN() noexcept : CVekMatrix<T>(M, N, nullptr), m_inline() { this->m_elements = m_inline; }
+    CVekMatrixMxN(CVekMatrixMxN const & other) noexcept : CVekMatrix<T>(M, N, nullptr)
     {
         this->m_elements = m_inline;
         CopyElements(other);
     }
-    CVekMatrixMxN & operator=(CVekMatrixMxN const & other) VEK_NOEXCEPT
+    CVekMatrixMxN & operator=(CVekMatrixMxN const & other) noexcept
     {
         CopyElements(other);
         return *this;
@@ -472,7 +461,7 @@ public:
     void Destroy() override {}
 
 private:
-    void CopyElements(CVekMatrixMxN const & other) VEK_NOEXCEPT
+    void CopyElements(CVekMatrixMxN const & other) noexcept
     {
         for (size_t i = 0; i < sizeof(m_inline) / sizeof(T); ++i)
             m_inline[i] = other.m_inline[i];
@@ -486,67 +475,67 @@ template <class T>
 class CVekMatrix4x4 : public CVekMatrixMxN<T, 4, 4>
 {
 public:
-    VEK_API static CVekMatrix4x4 Identity() VEK_NOEXCEPT;
-    VEK_API static CVekMatrix4x4 Translation(CVekVector3D<T> const & offset) VEK_NOEXCEPT;
-    VEK_API static CVekMatrix4x4 Scaling(CVekVector3D<T> const & factors) VEK_NOEXCEPT;
+    VEK_API static CVekMatrix4x4 Identity() noexcept;
+    VEK_API static CVekMatrix4x4 Translation(CVekVector3D<T> const & offset) noexcept;
+    VEK_API static CVekMatrix4x4 Scaling(CVekVector3D<T> const & factors) noexcept;
     /// Rotations by an angle in radians: about x from y to z, about y from z to x, about z from x to y.
-    VEK_API static CVekMatrix4x4 RotationX(T angle) VEK_NOEXCEPT;
-    VEK_API static CVekMatrix4x4 RotationY(T angle) VEK_NOEXCEPT;
-    VEK_API static CVekMatrix4x4 RotationZ(T angle) VEK_NOEXCEPT;
+    VEK_API static CVekMatrix4x4 RotationX(T angle) noexcept;
+    VEK_API static CVekMatrix4x4 RotationY(T angle) noexcept;
+    VEK_API static CVekMatrix4x4 RotationZ(T angle) noexcept;
     /// The rotation about an axis of any length through the origin (Rodrigues' formula), counterclockwise when seen
     /// from the axis's tip in a right-handed system; the identity for an axis of length 0.
-    VEK_API static CVekMatrix4x4 Rotation(CVekVector3D<T> const & axis, T angle) VEK_NOEXCEPT;
+    VEK_API static CVekMatrix4x4 Rotation(CVekVector3D<T> const & axis, T angle) noexcept;
     /// The transform from the world to a viewer at eye: eye becomes the origin, target lies on the view axis, up points
     /// towards +y. The view axis is +z in the left-handed system, -z in the right-handed one. Where up gives no
     /// direction another one is chosen; where target is eye the view goes along +z and -z of the world.
     VEK_API static CVekMatrix4x4 LookAtLeftHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,
-                                                  CVekVector3D<T> const & up) VEK_NOEXCEPT;
+                                                  CVekVector3D<T> const & up) noexcept;
     VEK_API static CVekMatrix4x4 LookAtRightHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,
-                                                   CVekVector3D<T> const & up) VEK_NOEXCEPT;
+                                                   CVekVector3D<T> const & up) noexcept;
 
     /// The same bits as operator*= gives.
-    VEK_API CVekMatrix4x4 operator*(CVekMatrix4x4 const & other) const VEK_NOEXCEPT;
-    bool operator==(CVekMatrix4x4 const & other) const VEK_NOEXCEPT
+    VEK_API CVekMatrix4x4 operator*(CVekMatrix4x4 const & other) const noexcept;
+    bool operator==(CVekMatrix4x4 const & other) const noexcept
     {
         return Row(0) == other.Row(0) && Row(1) == other.Row(1) && Row(2) == other.Row(2) && Row(3) == other.Row(3);
     }
-    bool operator!=(CVekMatrix4x4 const & other) const VEK_NOEXCEPT { return !(*this == other); }
+    bool operator!=(CVekMatrix4x4 const & other) const noexcept { return !(*this == other); }
     /// True when no element differs by more than the tolerance.
-    bool IsNear(CVekMatrix4x4 const & other, T tolerance) const VEK_NOEXCEPT
+    bool IsNear(CVekMatrix4x4 const & other, T tolerance) const noexcept
     {
         return Row(0).IsNear(other.Row(0), tolerance) && Row(1).IsNear(other.Row(1), tolerance) &&
                Row(2).IsNear(other.Row(2), tolerance) && Row(3).IsNear(other.Row(3), tolerance);
     }
 
     /// A row 0 to 3; any higher one is the last.
-    CVekVector4D<T> Row(unsigned int row) const VEK_NOEXCEPT
+    CVekVector4D<T> Row(unsigned int row) const noexcept
     {
         T const * const elements = this->m_elements + 4 * (row < 3 ? row : 3);
         return CVekVector4D<T>(elements[0], elements[1], elements[2], elements[3]);
     }
-    void SetRow(unsigned int row, CVekVector4D<T> const & values) VEK_NOEXCEPT
+    void SetRow(unsigned int row, CVekVector4D<T> const & values) noexcept
     {
         for (unsigned int column = 0; column < 4; ++column)
             this->m_elements[4 * (row < 3 ? row : 3) + column] = values[column];
     }
     /// The first three elements of row 3.
-    CVekVector3D<T> GetTranslation() const VEK_NOEXCEPT { return Row(3).XYZ(); }
-    void SetTranslation(CVekVector3D<T> const & offset) VEK_NOEXCEPT
+    CVekVector3D<T> GetTranslation() const noexcept { return Row(3).XYZ(); }
+    void SetTranslation(CVekVector3D<T> const & offset) noexcept
     {
         SetRow(3, CVekVector4D<T>(offset, this->m_elements[15]));
     }
 
-    VEK_API CVekMatrix4x4 Transposed() const VEK_NOEXCEPT;
+    VEK_API CVekMatrix4x4 Transposed() const noexcept;
     /// By 2 x 2 minors of the upper and the lower half, in double precision.
-    VEK_API T Determinant() const VEK_NOEXCEPT;
+    VEK_API T Determinant() const noexcept;
     /// Writes the inverse, by Gauss-Jordan elimination with partial pivoting in double precision; result may be this
     /// matrix. Returns false and leaves result as it is when the matrix is singular: when a pivot is 0, or no more than
     /// the rounding of what it was computed from, or when the inverse has elements that are not finite. The size of the
     /// elements alone never makes a matrix singular.
-    VEK_API bool Inverse(CVekMatrix4x4 & result) const VEK_NOEXCEPT;
+    VEK_API bool Inverse(CVekMatrix4x4 & result) const noexcept;
 
     /// The row vector v multiplied by this matrix.
-    CVekVector4D<T> Transform(CVekVector4D<T> const & v) const VEK_NOEXCEPT
+    CVekVector4D<T> Transform(CVekVector4D<T> const & v) const noexcept
     {
         T const * const m = this->m_elements;
         return CVekVector4D<T>(
@@ -554,7 +543,7 @@ public:
             v.x * m[2] + v.y * m[6] + v.z * m[10] + v.w * m[14], v.x * m[3] + v.y * m[7] + v.z * m[11] + v.w * m[15]);
     }
     /// A point, w = 1, by a transform whose last column is (0, 0, 0, 1).
-    CVekVector3D<T> TransformPoint(CVekVector3D<T> const & p) const VEK_NOEXCEPT
+    CVekVector3D<T> TransformPoint(CVekVector3D<T> const & p) const noexcept
     {
         T const * const m = this->m_elements;
         return CVekVector3D<T>(p.x * m[0] + p.y * m[4] + p.z * m[8] + m[12],
@@ -562,14 +551,14 @@ public:
                                p.x * m[2] + p.y * m[6] + p.z * m[10] + m[14]);
     }
     /// A direction, w = 0: the translation does not matter. Normals take the transposed inverse.
-    CVekVector3D<T> TransformDirection(CVekVector3D<T> const & v) const VEK_NOEXCEPT
+    CVekVector3D<T> TransformDirection(CVekVector3D<T> const & v) const noexcept
     {
         T const * const m = this->m_elements;
         return CVekVector3D<T>(v.x * m[0] + v.y * m[4] + v.z * m[8], v.x * m[1] + v.y * m[5] + v.z * m[9],
                                v.x * m[2] + v.y * m[6] + v.z * m[10]);
     }
     /// A point by a projection: with the division by w. False when w is 0; the result is left as it is then.
-    bool ProjectPoint(CVekVector3D<T> const & p, CVekVector3D<T> & result) const VEK_NOEXCEPT
+    bool ProjectPoint(CVekVector3D<T> const & p, CVekVector3D<T> & result) const noexcept
     {
         CVekVector4D<T> const v = Transform(CVekVector4D<T>(p, T(1)));
         if (v.w == T(0))
@@ -588,67 +577,65 @@ public:
     /// True for no box: its corners don't count.
     bool empty;
 
-    constexpr CVekBoundBox() VEK_NOEXCEPT : minimum(), maximum(), empty(true) {}
-    constexpr CVekBoundBox(CVekVector3D<T> const & minimum_, CVekVector3D<T> const & maximum_) VEK_NOEXCEPT
-        : minimum(minimum_),
-          maximum(maximum_),
-          empty(false)
+    constexpr CVekBoundBox() noexcept : minimum(), maximum(), empty(true) {}
+    constexpr CVekBoundBox(CVekVector3D<T> const & minimum_, CVekVector3D<T> const & maximum_) noexcept
+        : minimum(minimum_), maximum(maximum_), empty(false)
     {
     }
 
-    friend constexpr bool operator==(CVekBoundBox const & a, CVekBoundBox const & b) VEK_NOEXCEPT
+    friend constexpr bool operator==(CVekBoundBox const & a, CVekBoundBox const & b) noexcept
     {
         return a.empty == b.empty && (a.empty || (a.minimum == b.minimum && a.maximum == b.maximum));
     }
-    friend constexpr bool operator!=(CVekBoundBox const & a, CVekBoundBox const & b) VEK_NOEXCEPT { return !(a == b); }
+    friend constexpr bool operator!=(CVekBoundBox const & a, CVekBoundBox const & b) noexcept { return !(a == b); }
 
     /// The extent along each axis; 0 for an empty box.
-    constexpr CVekVector3D<T> Size() const VEK_NOEXCEPT
+    constexpr CVekVector3D<T> Size() const noexcept
     {
         return empty ? CVekVector3D<T>() : CVekVector3D<T>(maximum - minimum);
     }
     /// The point in the middle; 0 for an empty box.
-    constexpr CVekVector3D<T> Centre() const VEK_NOEXCEPT
+    constexpr CVekVector3D<T> Centre() const noexcept
     {
         return empty ? CVekVector3D<T>() : CVekVector3D<T>((minimum + maximum) / T(2));
     }
     /// The corner 0 to 7: bit 0, 1, 2 takes the maximum of x, y, z.
-    constexpr CVekVector3D<T> Corner(unsigned int index) const VEK_NOEXCEPT
+    constexpr CVekVector3D<T> Corner(unsigned int index) const noexcept
     {
         return CVekVector3D<T>((index & 1u) ? maximum.x : minimum.x, (index & 2u) ? maximum.y : minimum.y,
                                (index & 4u) ? maximum.z : minimum.z);
     }
 
     /// Makes the box just large enough for a point or another box too.
-    constexpr void Extend(CVekVector3D<T> const & point) VEK_NOEXCEPT { Extend(CVekBoundBox(point, point)); }
-    constexpr void Extend(CVekBoundBox const & other) VEK_NOEXCEPT { *this = Union(other); }
+    constexpr void Extend(CVekVector3D<T> const & point) noexcept { Extend(CVekBoundBox(point, point)); }
+    constexpr void Extend(CVekBoundBox const & other) noexcept { *this = Union(other); }
     /// The smallest box around both.
-    constexpr CVekBoundBox Union(CVekBoundBox const & other) const VEK_NOEXCEPT
+    constexpr CVekBoundBox Union(CVekBoundBox const & other) const noexcept
     {
         return empty         ? other
                : other.empty ? *this
                              : CVekBoundBox(minimum.Smallest(other.minimum), maximum.Largest(other.maximum));
     }
     /// True for points of the box, its surface included.
-    constexpr bool Contains(CVekVector3D<T> const & p) const VEK_NOEXCEPT
+    constexpr bool Contains(CVekVector3D<T> const & p) const noexcept
     {
         return !empty && p.x >= minimum.x && p.x <= maximum.x && p.y >= minimum.y && p.y <= maximum.y &&
                p.z >= minimum.z && p.z <= maximum.z;
     }
     /// True when the whole other box is inside; an empty one always is.
-    constexpr bool Contains(CVekBoundBox const & other) const VEK_NOEXCEPT
+    constexpr bool Contains(CVekBoundBox const & other) const noexcept
     {
         return other.empty || (Contains(other.minimum) && Contains(other.maximum));
     }
     /// True when the two have a point in common.
-    constexpr bool Intersects(CVekBoundBox const & other) const VEK_NOEXCEPT
+    constexpr bool Intersects(CVekBoundBox const & other) const noexcept
     {
         return !empty && !other.empty && minimum.x <= other.maximum.x && other.minimum.x <= maximum.x &&
                minimum.y <= other.maximum.y && other.minimum.y <= maximum.y && minimum.z <= other.maximum.z &&
                other.minimum.z <= maximum.z;
     }
     /// The smallest box around the eight transformed corners, by a transform whose last column is (0, 0, 0, 1).
-    CVekBoundBox Transformed(CVekMatrix4x4<T> const & transform) const VEK_NOEXCEPT
+    CVekBoundBox Transformed(CVekMatrix4x4<T> const & transform) const noexcept
     {
         CVekBoundBox box;
         for (unsigned int i = 0; i < 8 && !empty; ++i)

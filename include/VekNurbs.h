@@ -28,20 +28,20 @@ public:
     static constexpr unsigned int MAX_SEGMENTS = 1u << 22;
 
     /// An empty curve.
-    CVekNurbsCurve() VEK_NOEXCEPT : m_degree(0), m_pointCount(0), m_points(nullptr), m_knots(nullptr) {}
+    CVekNurbsCurve() noexcept : m_degree(0), m_pointCount(0), m_points(nullptr), m_knots(nullptr) {}
     /// A copy. When its memory can't be allocated the curve is empty.
-    VEK_API CVekNurbsCurve(CVekNurbsCurve const & other) VEK_NOEXCEPT;
-    VEK_API CVekNurbsCurve & operator=(CVekNurbsCurve const & other) VEK_NOEXCEPT;
+    VEK_API CVekNurbsCurve(CVekNurbsCurve const & other) noexcept;
+    VEK_API CVekNurbsCurve & operator=(CVekNurbsCurve const & other) noexcept;
     /// Takes the other curve's data over and leaves it empty.
-    CVekNurbsCurve(CVekNurbsCurve && other) VEK_NOEXCEPT : CVekNurbsCurve() { Swap(other); }
-    CVekNurbsCurve & operator=(CVekNurbsCurve && other) VEK_NOEXCEPT
+    CVekNurbsCurve(CVekNurbsCurve && other) noexcept : CVekNurbsCurve() { Swap(other); }
+    CVekNurbsCurve & operator=(CVekNurbsCurve && other) noexcept
     {
         CVekNurbsCurve taken(static_cast<CVekNurbsCurve &&>(other));
         Swap(taken);
         return *this;
     }
     VEK_API ~CVekNurbsCurve();
-    void Swap(CVekNurbsCurve & other) VEK_NOEXCEPT
+    void Swap(CVekNurbsCurve & other) noexcept
     {
         Exchange(m_degree, other.m_degree);
         Exchange(m_pointCount, other.m_pointCount);
@@ -54,118 +54,117 @@ public:
     /// Coordinates must be finite, also when multiplied by their weights; weights positive; knots finite and no larger
     /// than a quarter of the largest number. Only at both ends a knot may occur degree + 1 times.
     VEK_API bool Create(unsigned int degree, CVekVector3D<T> const * points, T const * weights, unsigned int pointCount,
-                        T const * knots = nullptr, unsigned int knotCount = 0) VEK_NOEXCEPT;
+                        T const * knots = nullptr, unsigned int knotCount = 0) noexcept;
     /// Makes a straight line from the parameter 0 to 1.
-    VEK_API bool CreateLine(CVekVector3D<T> const & from, CVekVector3D<T> const & to) VEK_NOEXCEPT;
+    VEK_API bool CreateLine(CVekVector3D<T> const & from, CVekVector3D<T> const & to) noexcept;
     /// Makes the Bezier curve of 2 to 33 points, from 0 to 1. The weights may be null.
-    VEK_API bool CreateBezier(CVekVector3D<T> const * points, T const * weights, unsigned int pointCount) VEK_NOEXCEPT;
+    VEK_API bool CreateBezier(CVekVector3D<T> const * points, T const * weights, unsigned int pointCount) noexcept;
     /// Makes an exact arc of the ellipse centre + xAxis cos(angle) + yAxis sin(angle), from 0 to 1: a rational
     /// quadratic curve (P & T, A7.1). The axes' lengths are the radii. Angles are in radians; the sweep may be
     /// negative, is cut to a full turn and must not be 0. The parameter is not proportional to the angle.
     VEK_API bool CreateArc(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis, CVekVector3D<T> const & yAxis,
-                           T startAngle, T sweepAngle) VEK_NOEXCEPT;
+                           T startAngle, T sweepAngle) noexcept;
     /// Makes the full circle, or ellipse, in the same way: from centre + xAxis over centre + yAxis back to the start.
     VEK_API bool CreateCircle(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis,
-                              CVekVector3D<T> const & yAxis) VEK_NOEXCEPT;
+                              CVekVector3D<T> const & yAxis) noexcept;
     /// Makes the curve through these points, of which no two neighbours may be equal, from 0 to 1. There must be more
     /// than degree points. Parameters are by chord length, knots by averaging (P & T, A9.1); the linear system is
     /// banded and totally positive, so that it is solved without pivoting.
     VEK_API bool CreateInterpolation(unsigned int degree, CVekVector3D<T> const * points,
-                                     unsigned int pointCount) VEK_NOEXCEPT;
+                                     unsigned int pointCount) noexcept;
     /// Makes the curve empty.
-    VEK_API void Destroy() VEK_NOEXCEPT;
+    VEK_API void Destroy() noexcept;
 
-    bool IsEmpty() const VEK_NOEXCEPT { return m_points == nullptr; }
-    unsigned int GetDegree() const VEK_NOEXCEPT { return m_degree; }
-    unsigned int GetPointCount() const VEK_NOEXCEPT { return m_pointCount; }
-    unsigned int GetKnotCount() const VEK_NOEXCEPT { return m_points ? m_pointCount + m_degree + 1 : 0; }
+    bool IsEmpty() const noexcept { return m_points == nullptr; }
+    unsigned int GetDegree() const noexcept { return m_degree; }
+    unsigned int GetPointCount() const noexcept { return m_pointCount; }
+    unsigned int GetKnotCount() const noexcept { return m_points ? m_pointCount + m_degree + 1 : 0; }
     /// The control points as (w x, w y, w z, w), null for an empty curve; the curve keeps ownership.
-    CVekVector4D<T> const * GetWeightedPoints() const VEK_NOEXCEPT { return m_points; }
+    CVekVector4D<T> const * GetWeightedPoints() const noexcept { return m_points; }
     /// The knots, null for an empty curve; the curve keeps ownership.
-    T const * GetKnots() const VEK_NOEXCEPT { return m_knots; }
+    T const * GetKnots() const noexcept { return m_knots; }
     /// A control point, 0 for an index outside. The coordinates are as given but for the rounding of x w / w.
-    CVekVector3D<T> GetControlPoint(unsigned int index) const VEK_NOEXCEPT
+    CVekVector3D<T> GetControlPoint(unsigned int index) const noexcept
     {
         return index < m_pointCount ? CVekVector3D<T>(m_points[index].XYZ() / m_points[index].w) : CVekVector3D<T>();
     }
     /// The weight of a control point, 0 for an index outside.
-    T GetWeight(unsigned int index) const VEK_NOEXCEPT { return index < m_pointCount ? m_points[index].w : T(0); }
+    T GetWeight(unsigned int index) const noexcept { return index < m_pointCount ? m_points[index].w : T(0); }
     /// A knot, 0 for an index outside.
-    T GetKnot(unsigned int index) const VEK_NOEXCEPT { return index < GetKnotCount() ? m_knots[index] : T(0); }
+    T GetKnot(unsigned int index) const noexcept { return index < GetKnotCount() ? m_knots[index] : T(0); }
     /// The ends of the domain; 0 for an empty curve.
-    T GetStart() const VEK_NOEXCEPT { return GetKnot(m_degree); }
-    T GetEnd() const VEK_NOEXCEPT { return GetKnot(m_pointCount); }
+    T GetStart() const noexcept { return GetKnot(m_degree); }
+    T GetEnd() const noexcept { return GetKnot(m_pointCount); }
     /// Moves a control point. False for an index outside, and for what Create refuses.
-    VEK_API bool SetControlPoint(unsigned int index, CVekVector3D<T> const & point, T weight) VEK_NOEXCEPT;
+    VEK_API bool SetControlPoint(unsigned int index, CVekVector3D<T> const & point, T weight) noexcept;
 
     /// The point at a parameter, from the basis functions that are not 0 there (after P & T, A2.2 and A4.1). Nothing is
     /// allocated. The second form writes a point for each of count parameters, faster than one by one, with the same
     /// bits; neighbouring parameters should be near each other.
-    VEK_API CVekVector3D<T> GetPoint(T parameter) const VEK_NOEXCEPT;
-    VEK_API void GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const VEK_NOEXCEPT;
+    VEK_API CVekVector3D<T> GetPoint(T parameter) const noexcept;
+    VEK_API void GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const noexcept;
     /// Writes the point and its derivatives by the parameter up to any order, order + 1 vectors (the control points'
     /// differences, and P & T, A4.2). At a knot they are those of the curve after it, at the domain's end before it.
-    VEK_API bool GetDerivatives(T parameter, unsigned int order, CVekVector3D<T> * derivatives) const VEK_NOEXCEPT;
+    VEK_API bool GetDerivatives(T parameter, unsigned int order, CVekVector3D<T> * derivatives) const noexcept;
     /// The direction of growing parameters, of length 1. Where the first derivative is 0 the lowest one that is not 0
     /// tells; without one, 0.
-    VEK_API CVekVector3D<T> GetTangent(T parameter) const VEK_NOEXCEPT;
+    VEK_API CVekVector3D<T> GetTangent(T parameter) const noexcept;
     /// 1 / the radius of the osculating circle, |C' x C''| / |C'|^3; 0 where the first derivative is 0.
-    VEK_API T GetCurvature(T parameter) const VEK_NOEXCEPT;
+    VEK_API T GetCurvature(T parameter) const noexcept;
 
     /// Adds a knot of the domain so many times, without changing the curve (Boehm's algorithm). It may then occur at
     /// most degree times.
-    VEK_API bool InsertKnot(T knot, unsigned int times = 1) VEK_NOEXCEPT;
+    VEK_API bool InsertKnot(T knot, unsigned int times = 1) noexcept;
     /// Makes both of the domain's ends knots that occur degree + 1 times, without changing the curve over its domain:
     /// it then runs from its first control point to its last.
-    VEK_API bool ClampEnds() VEK_NOEXCEPT;
+    VEK_API bool ClampEnds() noexcept;
     /// Raises the degree so many times, without changing the curve; ends are clamped. By averages of refined control
     /// polygons (Prautzsch, Degree elevation of B-spline curves, CAGD 1, 1984), which extrapolate nothing.
-    VEK_API bool ElevateDegree(unsigned int times = 1) VEK_NOEXCEPT;
+    VEK_API bool ElevateDegree(unsigned int times = 1) noexcept;
     /// Makes the two curves before and after a parameter inside the domain, their ends clamped, over their parts of it.
     /// This curve stays as it is, unless it is one of the two itself.
-    VEK_API bool Split(T parameter, CVekNurbsCurve & before, CVekNurbsCurve & after) const VEK_NOEXCEPT;
+    VEK_API bool Split(T parameter, CVekNurbsCurve & before, CVekNurbsCurve & after) const noexcept;
     /// Lets the curve run the other way, over the same domain. False when knots lie too close for that.
-    VEK_API bool Reverse() VEK_NOEXCEPT;
+    VEK_API bool Reverse() noexcept;
     /// Transforms the curve as its points would be, by a projection too. False when a weight doesn't stay positive, as
     /// with a projection that has control points behind the viewer.
-    VEK_API bool Transform(CVekMatrix4x4<T> const & transform) VEK_NOEXCEPT;
+    VEK_API bool Transform(CVekMatrix4x4<T> const & transform) noexcept;
 
     /// Finds the parameter of the curve's point nearest to a given one, and the distance (which may be null). No point
     /// of the curve is nearer by more than one millionth of that distance: the curve is divided, and parts are left out
     /// when the box of their control points is not nearer; minima are refined by Newton's method between bounds. Of
     /// several nearest points it is any.
-    VEK_API bool FindClosestPoint(CVekVector3D<T> const & point, T & parameter,
-                                  T * distance = nullptr) const VEK_NOEXCEPT;
+    VEK_API bool FindClosestPoint(CVekVector3D<T> const & point, T & parameter, T * distance = nullptr) const noexcept;
     /// The length of the curve, or of its part between two parameters in any order, within an absolute tolerance; 0 and
     /// below mean about the precision of T. By Gauss-Legendre quadrature of 8 points, halving until it holds.
-    VEK_API T GetLength(T tolerance = T(0)) const VEK_NOEXCEPT;
-    VEK_API T GetLengthBetween(T from, T to, T tolerance = T(0)) const VEK_NOEXCEPT;
+    VEK_API T GetLength(T tolerance = T(0)) const noexcept;
+    VEK_API T GetLengthBetween(T from, T to, T tolerance = T(0)) const noexcept;
     /// The parameter up to which the curve has a length, within the tolerance as above. Lengths outside the curve's
     /// give the ends of the domain.
-    VEK_API T GetParameterAtLength(T length, T tolerance = T(0)) const VEK_NOEXCEPT;
+    VEK_API T GetParameterAtLength(T length, T tolerance = T(0)) const noexcept;
     /// The number of points of a polyline that is nowhere farther from the curve than the tolerance, which must be
     /// positive; 0 without one. The first capacity points and their parameters are written; either array may be null.
     /// The points are on the curve, its ends and each knot's point among them. The control polygons of halved pieces
     /// decide, so that no bend is missed. A tolerance that would need more than MAX_SEGMENTS segments is not met.
     VEK_API unsigned int Tessellate(T tolerance, CVekVector3D<T> * points, T * parameters,
-                                    unsigned int capacity) const VEK_NOEXCEPT;
+                                    unsigned int capacity) const noexcept;
     /// A box that contains the whole curve and is larger than the smallest one by at most a billionth of the size of
     /// the control polygon, and rounding. An empty curve has no box.
-    VEK_API CVekBoundBox<T> GetBoundBox() const VEK_NOEXCEPT;
+    VEK_API CVekBoundBox<T> GetBoundBox() const noexcept;
 
 private:
     template <class V>
-    static void Exchange(V & a, V & b) VEK_NOEXCEPT
+    static void Exchange(V & a, V & b) noexcept
     {
         V const old = a;
         a = b;
         b = old;
     }
-    bool Allocate(unsigned int degree, unsigned int pointCount) VEK_NOEXCEPT;
-    bool Refine(T const * inserted, unsigned int count, CVekNurbsCurve & result) const VEK_NOEXCEPT;
-    bool Clamped(CVekNurbsCurve & result) const VEK_NOEXCEPT;
-    bool Elevated(CVekNurbsCurve & result) const VEK_NOEXCEPT;
-    bool Part(unsigned int firstPoint, unsigned int count, CVekNurbsCurve & result) const VEK_NOEXCEPT;
+    bool Allocate(unsigned int degree, unsigned int pointCount) noexcept;
+    bool Refine(T const * inserted, unsigned int count, CVekNurbsCurve & result) const noexcept;
+    bool Clamped(CVekNurbsCurve & result) const noexcept;
+    bool Elevated(CVekNurbsCurve & result) const noexcept;
+    bool Part(unsigned int firstPoint, unsigned int count, CVekNurbsCurve & result) const noexcept;
 
     unsigned int m_degree;
     unsigned int m_pointCount;

@@ -1,5 +1,5 @@
 /// @file
-/// Strings and their conversion, paths, and the variant value.
+/// Strings and their conversion, and paths.
 ///
 /// Text is zero-terminated. The A functions take char, their W twins wchar_t; the library's text type, the T of some
 /// names, is wchar_t. Widening sign-extends each byte, narrowing keeps the low byte: no code pages are involved.
@@ -8,7 +8,6 @@
 #define VEK_TEXT_H
 
 #include "VekExport.h"
-#include "VekMath.h"
 
 #include <stdarg.h>
 #include <stddef.h>
@@ -86,29 +85,29 @@ class CVekString
 {
 public:
     /// An empty string.
-    VEK_API CVekString() VEK_NOEXCEPT;
+    VEK_API CVekString() noexcept;
     /// A copy of a text; null gives an empty string.
-    VEK_API explicit CVekString(T const * text) VEK_NOEXCEPT;
+    VEK_API explicit CVekString(T const * text) noexcept;
     /// A copy of exactly length characters, which need no terminator and hold none.
-    VEK_API CVekString(T const * text, int length) VEK_NOEXCEPT;
-    VEK_API CVekString(CVekString const & other) VEK_NOEXCEPT;
+    VEK_API CVekString(T const * text, int length) noexcept;
+    VEK_API CVekString(CVekString const & other) noexcept;
     /// Takes the text over and leaves the other string empty.
-    CVekString(CVekString && other) VEK_NOEXCEPT : m_text(other.m_text) { other.m_text = nullptr; }
+    CVekString(CVekString && other) noexcept : m_text(other.m_text) { other.m_text = nullptr; }
     VEK_API ~CVekString();
 
     /// As Assign.
-    CVekString & operator=(CVekString const & other) VEK_NOEXCEPT
+    CVekString & operator=(CVekString const & other) noexcept
     {
         Assign(other);
         return *this;
     }
-    CVekString & operator=(T const * text) VEK_NOEXCEPT
+    CVekString & operator=(T const * text) noexcept
     {
         Assign(text);
         return *this;
     }
     /// Exchanges the two texts.
-    CVekString & operator=(CVekString && other) VEK_NOEXCEPT
+    CVekString & operator=(CVekString && other) noexcept
     {
         Swap(other);
         return *this;
@@ -117,21 +116,21 @@ public:
     /// Moves the text to a block for that many characters. With keep it stays, cut to capacity - 1 characters if need
     /// be; otherwise the string becomes empty. Capacity 0 gives a fresh empty string. False, with the string unchanged,
     /// when there is no memory or the capacity is negative.
-    VEK_API bool Reserve(int capacity, bool keep) VEK_NOEXCEPT;
+    VEK_API bool Reserve(int capacity, bool keep) noexcept;
 
     /// Replaces the contents; null makes the string empty.
-    VEK_API void Assign(T const * text) VEK_NOEXCEPT;
-    VEK_API void Assign(CVekString const & other) VEK_NOEXCEPT;
+    VEK_API void Assign(T const * text) noexcept;
+    VEK_API void Assign(CVekString const & other) noexcept;
     /// Replaces the contents by count characters of the source from start (0: all that follow).
-    VEK_API void AssignPart(T const * text, int start, int count) VEK_NOEXCEPT;
-    VEK_API void AssignPart(CVekString const & other, int start, int count) VEK_NOEXCEPT;
+    VEK_API void AssignPart(T const * text, int start, int count) noexcept;
+    VEK_API void AssignPart(CVekString const & other, int start, int count) noexcept;
     /// Appends count characters of the source from start (0: all that follow); null appends nothing.
-    void Append(T const * text, int start = 0, int count = 0) VEK_NOEXCEPT
+    void Append(T const * text, int start = 0, int count = 0) noexcept
     {
         if (start != 0 || count < 0 || !AppendShort(text, count))
             AppendAny(text, start, count);
     }
-    void Append(CVekString const & other) VEK_NOEXCEPT
+    void Append(CVekString const & other) noexcept
     {
         int const count = other.GetLength();
         if (count <= 0 || count >= GetCapacity() - GetLength() || count > SHORT_PIECE)
@@ -140,35 +139,35 @@ public:
     }
     /// Appends formatted text (printf rules; "%s" is text of the string's own width). Nothing is appended when it can't
     /// be formatted. An argument may be this string's own text.
-    VEK_API void AppendFormat(T const * format, ...) VEK_NOEXCEPT;
+    VEK_API void AppendFormat(T const * format, ...) noexcept;
 
-    int GetLength() const VEK_NOEXCEPT { return m_text ? Header()[0] : 0; }
+    int GetLength() const noexcept { return m_text ? Header()[0] : 0; }
     /// The number of characters the block was made for.
-    int GetCapacity() const VEK_NOEXCEPT { return m_text ? Header()[1] : 0; }
-    bool IsEmpty() const VEK_NOEXCEPT { return GetLength() == 0; }
+    int GetCapacity() const noexcept { return m_text ? Header()[1] : 0; }
+    bool IsEmpty() const noexcept { return GetLength() == 0; }
     /// The characters, never null; valid until the string is changed or destroyed.
-    operator T const *() const VEK_NOEXCEPT { return m_text ? m_text : NoText(); }
+    operator T const *() const noexcept { return m_text ? m_text : NoText(); }
 
     /// -1, 0 or 1. The argument is the left operand: the result is negative when it sorts before this string. A null
     /// argument gives -1, or 0 when this string is empty. Narrow characters are compared as signed values.
-    VEK_API int Compare(T const * text, bool caseSensitive = true) const VEK_NOEXCEPT;
-    VEK_API int Compare(CVekString const & other, bool caseSensitive = true) const VEK_NOEXCEPT;
+    VEK_API int Compare(T const * text, bool caseSensitive = true) const noexcept;
+    VEK_API int Compare(CVekString const & other, bool caseSensitive = true) const noexcept;
 
     /// The index of the first match at or after start, or -1.
-    VEK_API int Find(T const * pattern, int start = 0, bool caseSensitive = true) const VEK_NOEXCEPT;
+    VEK_API int Find(T const * pattern, int start = 0, bool caseSensitive = true) const noexcept;
     /// The index of the last match that begins at or before start (-1: the last character), or -1.
-    VEK_API int ReverseFind(T const * pattern, int start = -1, bool caseSensitive = true) const VEK_NOEXCEPT;
+    VEK_API int ReverseFind(T const * pattern, int start = -1, bool caseSensitive = true) const noexcept;
     /// The index of the first character at or after start that is any of the set, or -1.
-    VEK_API int FindOneOf(T const * set, int start = 0, bool caseSensitive = true) const VEK_NOEXCEPT;
+    VEK_API int FindOneOf(T const * set, int start = 0, bool caseSensitive = true) const noexcept;
     /// The index of the last character at or before start (-1: the last one) that is any of the set, or -1.
-    VEK_API int ReverseFindOneOf(T const * set, int start = -1, bool caseSensitive = true) const VEK_NOEXCEPT;
+    VEK_API int ReverseFindOneOf(T const * set, int start = -1, bool caseSensitive = true) const noexcept;
 
     /// Moves count characters within the string. When they reach the string's end, the string ends after them at their
     /// new place. Nothing happens when the block has no room for them there: reserve first.
-    VEK_API void MoveCharacters(int from, int to, int count) VEK_NOEXCEPT;
+    VEK_API void MoveCharacters(int from, int to, int count) noexcept;
 
     /// Exchanges the two texts.
-    void Swap(CVekString & other) VEK_NOEXCEPT
+    void Swap(CVekString & other) noexcept
     {
         T * const text = m_text;
         m_text = other.m_text;
@@ -184,14 +183,14 @@ private:
     {
         T * text;
     };
-    explicit CVekString(Block block) VEK_NOEXCEPT : m_text(block.text) {}
+    explicit CVekString(Block block) noexcept : m_text(block.text) {}
 
     // In front of the characters: length, capacity, grow-by.
-    int * Header() const VEK_NOEXCEPT { return reinterpret_cast<int *>(m_text) - 3; }
-    VEK_API static T const * NoText() VEK_NOEXCEPT;
+    int * Header() const noexcept { return reinterpret_cast<int *>(m_text) - 3; }
+    VEK_API static T const * NoText() noexcept;
 
     // Appends up to count characters (0: all) of a short text that is not the string's own, if there is room.
-    bool AppendShort(T const * text, int count) VEK_NOEXCEPT
+    bool AppendShort(T const * text, int count) noexcept
     {
         if (!m_text || !text || IsOwn(text))
             return false;
@@ -217,7 +216,7 @@ private:
             header[0] = length + added;
         return isAll;
     }
-    void AppendHere(T const * text, int count) VEK_NOEXCEPT
+    void AppendHere(T const * text, int count) noexcept
     {
         int & length = *Header();
         T * const end = m_text + length;
@@ -226,13 +225,13 @@ private:
             end[i] = text[i];
         end[count] = 0;
     }
-    bool IsOwn(T const * text) const VEK_NOEXCEPT
+    bool IsOwn(T const * text) const noexcept
     {
         return reinterpret_cast<size_t>(text) - reinterpret_cast<size_t>(m_text) <=
                static_cast<size_t>(GetLength()) * sizeof(T);
     }
-    VEK_API void AppendAny(T const * text, int start, int count) VEK_NOEXCEPT;
-    VEK_API void AppendString(CVekString const & other) VEK_NOEXCEPT;
+    VEK_API void AppendAny(T const * text, int start, int count) noexcept;
+    VEK_API void AppendString(CVekString const & other) noexcept;
 
     T * m_text;
 };
@@ -291,201 +290,5 @@ VEK_API void VekFileCloseW(_iobuf * file);
 /// Whether the file can be opened for reading.
 VEK_API bool VekFileExistA(char const * name);
 VEK_API bool VekFileExistW(wchar_t const * name);
-
-// --- the variant ----------------------------------------------------------------------------------------------------
-
-/// The types of values. The numbers are part of stored formats.
-enum VEK_DATATYPE : int
-{
-    VEK_DT_UNKNOWN = 0,
-    VEK_DT_BOOL = 1,
-    VEK_DT_UCHAR = 2,
-    VEK_DT_CHAR = 3,
-    VEK_DT_WCHAR = 4,
-    VEK_DT_SHORT = 5,
-    VEK_DT_USHORT = 6,
-    VEK_DT_INT = 7,
-    VEK_DT_UINT = 8,
-    VEK_DT_FLOAT = 9,
-    VEK_DT_DOUBLE = 10,
-    VEK_DT_STRINGA = 11,
-    VEK_DT_STRINGW = 12,
-    VEK_DT_RGBA_UCHAR = 13,
-    VEK_DT_RGBA_FLOAT = 14,
-    VEK_DT_VECTOR4D_INT = 15,
-    VEK_DT_VECTOR4D_FLOAT = 16,
-    VEK_DT_VECTOR4D_DOUBLE = 17,
-    VEK_DT_MATRIX4X4_FLOAT = 18,
-    VEK_DT_MATRIX4X4_DOUBLE = 19,
-    VEK_DT_GUID = 20,
-    VEK_DT_BUFFER = 21
-};
-
-/// The bytes a value of the type takes when stored; 0 for texts, buffers and numbers that are no type.
-VEK_API int VekDataTypeSize(VEK_DATATYPE type);
-
-/// A value of any of the library's types. Its constructor sets the type; assigning a value never changes it.
-///
-/// Copies are shallow for the types 13 to 19 and 21: both variants refer to the same object or buffer, each releases
-/// it, and the target's own is not released first. Keep only one of the copies alive.
-class VEK_API VEK_VARIANT
-{
-public:
-    /// A variant of the type of the value. A failed allocation leaves the types 13 to 19 without their object.
-    VEK_VARIANT(bool value);
-    VEK_VARIANT(unsigned char value);
-    VEK_VARIANT(char value);
-    VEK_VARIANT(wchar_t value);
-    VEK_VARIANT(unsigned short value);
-    VEK_VARIANT(unsigned int value);
-    VEK_VARIANT(short value);
-    VEK_VARIANT(int value);
-    VEK_VARIANT(float value);
-    VEK_VARIANT(double value);
-    VEK_VARIANT(GUID const & value);
-    VEK_VARIANT(CVekRGBA<unsigned char> const & value);
-    VEK_VARIANT(CVekRGBA<float> const & value);
-    VEK_VARIANT(CVekVector4D<int> const & value);
-    VEK_VARIANT(CVekVector4D<float> const & value);
-    VEK_VARIANT(CVekVector4D<double> const & value);
-    VEK_VARIANT(CVekMatrix4x4<float> const & value);
-    VEK_VARIANT(CVekMatrix4x4<double> const & value);
-    VEK_VARIANT(char const * value);
-    VEK_VARIANT(wchar_t const * value);
-    /// A buffer; takes the block over as SetBuffer does.
-    VEK_VARIANT(unsigned char * buffer, int size);
-    /// A variant of that type without a value; the types 13 to 19 get an object.
-    VEK_VARIANT(VEK_DATATYPE type);
-    VEK_VARIANT(VEK_VARIANT const & other);
-    VEK_VARIANT & operator=(VEK_VARIANT const & other);
-
-    virtual ~VEK_VARIANT();
-
-    VEK_DATATYPE GetType() const;
-
-    /// The inline value, read as that type whatever the variant's type is.
-    operator bool &();
-    operator bool const &() const;
-    operator unsigned char &();
-    operator unsigned char const &() const;
-    operator char &();
-    operator char const &() const;
-    operator unsigned short &();
-    operator unsigned short const &() const;
-    operator short &();
-    operator short const &() const;
-    operator int &();
-    operator int const &() const;
-    operator unsigned int &();
-    operator unsigned int const &() const;
-    operator float &();
-    operator float const &() const;
-    operator double &();
-    operator double const &() const;
-    operator GUID &();
-    operator GUID const &() const;
-
-    /// The variant's object. In a variant of another type or without its object it is an object of zeros that belongs
-    /// to no variant.
-    operator CVekRGBA<unsigned char> &();
-    operator CVekRGBA<unsigned char> const &() const;
-    operator CVekRGBA<float> &();
-    operator CVekRGBA<float> const &() const;
-    operator CVekVector4D<int> &();
-    operator CVekVector4D<int> const &() const;
-    operator CVekVector4D<float> &();
-    operator CVekVector4D<float> const &() const;
-    operator CVekVector4D<double> &();
-    operator CVekVector4D<double> const &() const;
-    operator CVekMatrix4x4<float> &();
-    operator CVekMatrix4x4<float> const &() const;
-    operator CVekMatrix4x4<double> &();
-    operator CVekMatrix4x4<double> const &() const;
-
-    /// The narrow or the wide text; empty in a variant of another type.
-    operator CVekString<char> const &() const;
-    operator CVekString<wchar_t> const &() const;
-
-    /// Stores into the inline value; the type stays.
-    VEK_VARIANT & operator=(char value);
-    VEK_VARIANT & operator=(unsigned char value);
-    VEK_VARIANT & operator=(bool value);
-    VEK_VARIANT & operator=(short value);
-    VEK_VARIANT & operator=(unsigned short value);
-    VEK_VARIANT & operator=(wchar_t value);
-    VEK_VARIANT & operator=(int value);
-    VEK_VARIANT & operator=(unsigned int value);
-    VEK_VARIANT & operator=(float value);
-    VEK_VARIANT & operator=(double value);
-    VEK_VARIANT & operator=(GUID const & value);
-
-    /// Copies into the variant's object; nothing happens in a variant of another type or without its object.
-    VEK_VARIANT & operator=(CVekRGBA<unsigned char> const & value);
-    VEK_VARIANT & operator=(CVekRGBA<float> const & value);
-    VEK_VARIANT & operator=(CVekVector4D<int> const & value);
-    VEK_VARIANT & operator=(CVekVector4D<float> const & value);
-    VEK_VARIANT & operator=(CVekVector4D<double> const & value);
-    VEK_VARIANT & operator=(CVekMatrix4x4<float> const & value);
-    VEK_VARIANT & operator=(CVekMatrix4x4<double> const & value);
-
-    /// Assigns the narrow or the wide text; the type stays.
-    VEK_VARIANT & operator=(char const * value);
-    VEK_VARIANT & operator=(wchar_t const * value);
-
-    /// The buffer, which stays the variant's, and its size in bytes; null and 0 without one.
-    unsigned char * GetBuffer();
-    unsigned char const * GetBuffer() const;
-    int GetBufferSize() const;
-
-    /// Releases the buffer and takes the given block of the global allocator (malloc or new) over; always true.
-    bool SetBuffer(unsigned char * buffer, int size);
-    /// Releases the buffer and stores a copy of the bytes. False, without a buffer, for a size below 1, null or no
-    /// memory.
-    bool CopyBuffer(unsigned char const * buffer, int size);
-    /// Releases the buffer or the object of the types 13 to 19 and 21; nothing for the others.
-    void DestroyBuffer();
-
-private:
-    template <class T>
-    T * FindObject() const;
-    template <class T>
-    void MakePlainObject(T const & value);
-    template <class T>
-    void StoreInline(T const & value);
-    template <class T>
-    void StoreObject(T const & value);
-    void CheckLayout();
-
-    VEK_DATATYPE m_type;
-    union InlineValue
-    {
-        alignas(8) unsigned char bytes[16];
-        bool boolValue;
-        unsigned char ucharValue;
-        char charValue;
-        wchar_t wcharValue;
-        short shortValue;
-        unsigned short ushortValue;
-        int intValue;
-        unsigned int uintValue;
-        float floatValue;
-        double doubleValue;
-    } m_value;
-    CVekString<char> m_narrowText;
-    CVekString<wchar_t> m_wideText;
-    int m_bufferSize;
-    union HeapValue
-    {
-        void * any;
-        unsigned char * buffer;
-        CVekRGBA<unsigned char> * rgbaUchar;
-        CVekRGBA<float> * rgbaFloat;
-        CVekVector4D<int> * vector4dInt;
-        CVekVector4D<float> * vector4dFloat;
-        CVekVector4D<double> * vector4dDouble;
-        CVekMatrix4x4<float> * matrix4x4Float;
-        CVekMatrix4x4<double> * matrix4x4Double;
-    } m_heap;
-};
 
 #endif

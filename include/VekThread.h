@@ -20,11 +20,11 @@ public:
     virtual ~CVekSyncObject();
 
     /// Waits until the object is free and takes it; true always.
-    virtual bool Lock(void) = 0;
+    virtual bool Lock() = 0;
     /// Gives the object back; true always.
-    virtual bool Unlock(void) = 0;
+    virtual bool Unlock() = 0;
     /// The handle that can be waited for, owned by the object; null where there is none.
-    virtual void * GetHandle(void) const = 0;
+    virtual void * GetHandle() const = 0;
 };
 
 /// Mutual exclusion within the process; its owning thread may take it again. It has no handle, so that it can't take
@@ -37,9 +37,9 @@ public:
     CVekCriticalSection & operator=(CVekCriticalSection const &) = default;
     ~CVekCriticalSection() override;
 
-    bool Lock(void) override;
-    bool Unlock(void) override;
-    void * GetHandle(void) const override;
+    bool Lock() override;
+    bool Unlock() override;
+    void * GetHandle() const override;
 
 private:
     /// The system's critical-section record.
@@ -55,9 +55,9 @@ public:
     CVekMutex & operator=(CVekMutex const &) = default;
     ~CVekMutex() override;
 
-    bool Lock(void) override;
-    bool Unlock(void) override;
-    void * GetHandle(void) const override;
+    bool Lock() override;
+    bool Unlock() override;
+    void * GetHandle() const override;
 
 private:
     void * m_handle;
@@ -73,9 +73,9 @@ public:
     CVekSemaphore & operator=(CVekSemaphore const &) = default;
     ~CVekSemaphore() override;
 
-    bool Lock(void) override;
-    bool Unlock(void) override;
-    void * GetHandle(void) const override;
+    bool Lock() override;
+    bool Unlock() override;
+    void * GetHandle() const override;
 
 private:
     void * m_handle;
@@ -90,16 +90,16 @@ public:
     CVekSignal & operator=(CVekSignal const &) = default;
     ~CVekSignal() override;
 
-    bool Lock(void) override;
-    bool Unlock(void) override;
-    void * GetHandle(void) const override;
+    bool Lock() override;
+    bool Unlock() override;
+    void * GetHandle() const override;
 
     /// Sets the flag; true always.
-    virtual bool SetSignal(void);
+    virtual bool SetSignal();
     /// Clears the flag; true always.
-    virtual bool ResetSignal(void);
+    virtual bool ResetSignal();
     /// Lets the threads that wait now go on and leaves the flag clear; true always.
-    virtual bool PulseSignal(void);
+    virtual bool PulseSignal();
 
 private:
     void * m_handle;
@@ -116,11 +116,11 @@ public:
     ~CVekSingleLock();
 
     /// Locks the object; true always.
-    bool Lock(void);
+    bool Lock();
     /// Unlocks the object, even if this holder never locked it; true always.
-    bool Unlock(void);
+    bool Unlock();
     /// True between Lock and Unlock.
-    bool IsLocked(void);
+    bool IsLocked();
 
 private:
     CVekSyncObject * m_object;
@@ -144,11 +144,11 @@ public:
     ~CVekMultiLock();
 
     /// Waits for one or for all of the objects; true always, after a wait that failed too.
-    bool Lock(void);
+    bool Lock();
     /// Unlocks the object that ended the wait for any of them; true always.
-    bool Unlock(void);
+    bool Unlock();
     /// True between Lock and Unlock.
-    bool IsLocked(void);
+    bool IsLocked();
 
 private:
     bool m_locked;
@@ -167,52 +167,52 @@ public:
     class TickCallback : public IVekObject
     {
     public:
-        virtual void OnTick(void) = 0;
+        virtual void OnTick() = 0;
     };
 
     /// Swaps the callback, between two ticks of a worker that runs, and waits until that is done. The worker holds a
     /// reference to it; null for none.
     virtual void SetTickCallback(TickCallback * callback) = 0;
     /// The callback, without adding a reference; null when there is none.
-    VEK_OVERLOADS(virtual TickCallback * GetTickCallback(void) = 0,
-                  virtual TickCallback const * GetTickCallback(void) const = 0)
+    VEK_OVERLOADS(virtual TickCallback * GetTickCallback() = 0,
+                  virtual TickCallback const * GetTickCallback() const = 0)
     /// The name that debuggers show, owned by the thread object.
-    virtual CVekString<wchar_t> const & GetName(void) const = 0;
+    virtual CVekString<wchar_t> const & GetName() const = 0;
     /// The tick interval that it was created with: 0 ticks with every turn of the loop, any other in the first turn and
     /// then whenever more than that many thousand seconds have passed.
-    virtual unsigned int GetTickInterval(void) = 0;
+    virtual unsigned int GetTickInterval() = 0;
     /// The number of ticks after which the worker ends by itself; 0 for no limit.
-    virtual unsigned int GetMaxTickCount(void) = 0;
+    virtual unsigned int GetMaxTickCount() = 0;
     /// The system's handle of the thread, owned by the thread object; null when it does not run.
-    virtual void * GetHandle(void) = 0;
+    virtual void * GetHandle() = 0;
     /// The system's number of the thread.
-    virtual unsigned int GetThreadID(void) = 0;
+    virtual unsigned int GetThreadID() = 0;
     /// The flag that it was created with.
-    virtual bool GetCreateFlag(void) = 0;
+    virtual bool GetCreateFlag() = 0;
     /// True when called on the worker itself.
-    virtual bool IsCurrentThread(void) = 0;
+    virtual bool IsCurrentThread() = 0;
     /// True while the worker's loop runs.
-    virtual bool IsRunning(void) = 0;
+    virtual bool IsRunning() = 0;
     /// True while there are more calls of Suspend than of Resume.
-    virtual bool IsSuspended(void) = 0;
+    virtual bool IsSuspended() = 0;
     /// Starts the worker; returns the system's result of resuming the new thread (its earlier suspend count).
-    virtual unsigned int Start(void) = 0;
+    virtual unsigned int Start() = 0;
     /// Suspends the worker and waits until it has met the suspension, or has ended; or counts one more suspension.
     /// Returns the new count. On the worker itself it takes effect once the loop is reached again.
-    virtual long Suspend(void) = 0;
+    virtual long Suspend() = 0;
     /// Takes one suspension back and lets the worker run on after the last; returns the new count, 0 if there was none.
-    virtual long Resume(void) = 0;
+    virtual long Resume() = 0;
     /// Takes one suspension back, asks the worker to end and waits up to 5,000 milliseconds for it; returns the
     /// system's wait result: 0 when it has ended, 258 when not yet, 0xFFFFFFFF when there was nothing to wait for. On
     /// the worker itself it does not wait.
-    virtual unsigned int Stop(void) = 0;
+    virtual unsigned int Stop() = 0;
     /// Appends a control message: 2 suspends (the parameter is a CVekSignal to set; such a suspension is not counted),
     /// 3 stops, others are ignored. Of more than 256 that are not handled yet the oldest are lost.
     virtual void PostControlMessage(unsigned int type, void * parameter) = 0;
     /// Appends a command for the worker to run; adds no reference. One that is queued here already stays where it is.
     virtual void AddCommand(CVekThreadCommand * command) = 0;
     /// True while there are commands in the queue.
-    virtual bool HasPendingCommands(void) = 0;
+    virtual bool HasPendingCommands() = 0;
 };
 
 /// A piece of work for a worker thread. Hosts derive from it and write Execute. By default it is released once it has
@@ -242,8 +242,8 @@ public:
 
     /// The signal to be set once the command has run, not owned; null for none.
     void SetEndSignal(CVekSignal * signal) { m_endSignal = signal; }
-    CVekSignal * GetEndSignal(void) const { return m_endSignal; }
-    bool IsAutoDelete(void) const { return m_autoDelete; }
+    CVekSignal * GetEndSignal() const { return m_endSignal; }
+    bool IsAutoDelete() const { return m_autoDelete; }
 
 protected:
     /// Whether it is released once it has run.
@@ -256,9 +256,9 @@ private:
 };
 
 /// The pseudo-handle of the calling thread, which need not be closed.
-VEK_API void * VekGetCurrentThread(void);
+VEK_API void * VekGetCurrentThread();
 /// The system's number of the calling thread.
-VEK_API unsigned int VekGetCurrentThreadID(void);
+VEK_API unsigned int VekGetCurrentThreadID();
 
 /// Shows the wait cursor for a scope. Its end destroys the cursor that it loaded, a shared one of the system.
 class VEK_API CVekWaitCursor

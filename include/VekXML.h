@@ -11,6 +11,7 @@
 #include "VekCore.h"
 #include "VekMath.h"
 #include "VekText.h"
+#include "VekVariant.h"
 
 /// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and
 /// at most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes

@@ -1,6 +1,6 @@
 #include "VekIO.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "io/ByteOrder.h"
 #include "io/FormatText.h"
 #include "io/ScanText.h"

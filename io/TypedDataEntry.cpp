@@ -1,6 +1,6 @@
 #include "VekData.h"
 
-#include "core/Pool.h"
+#include "base/Pool.h"
 #include "text/StringAccess.h"
 
 #include <new>

@@ -1,6 +1,6 @@
 #include "io/TypedDataSink.h"
 
-#include "io/OwnStreams.h"
+#include "base/AsOwn.h"
 
 namespace vek
 {
@@ -8,7 +8,7 @@ namespace vek
 TypedDataSink::TypedDataSink(IVekIOStream & stream) noexcept
     : m_stream(stream), m_reversed(stream.GetStreamByteOrder() != stream.GetSystemByteOrder())
 {
-    if (CVekMemoryIOStream * const memory = ToMemoryStream(stream))
+    if (CVekMemoryIOStream * const memory = AsOwn<CVekMemoryIOStream>(stream))
     {
         size_t const size = memory->GetSize();
         auto const position = static_cast<size_t>(memory->GetPosition());
@@ -18,7 +18,7 @@ TypedDataSink::TypedDataSink(IVekIOStream & stream) noexcept
         m_begin = memory->GetBuffer() + position;
         m_end = memory->GetBuffer() + size;
     }
-    else if (CVekFileIOStream * const file = ToFileStream(stream))
+    else if (CVekFileIOStream * const file = AsOwn<CVekFileIOStream>(stream))
     {
         // A file that takes nothing tells nothing of single values.
         if (!file->GetFileHandle() || !file->IsWritable())

@@ -1,6 +1,6 @@
 #include "io/TypedDataSource.h"
 
-#include "io/OwnStreams.h"
+#include "base/AsOwn.h"
 
 #include <limits.h>
 
@@ -10,7 +10,7 @@ namespace vek
 TypedDataSource::TypedDataSource(IVekIOStream & stream) noexcept
     : m_stream(stream), m_reversed(stream.GetStreamByteOrder() != stream.GetSystemByteOrder())
 {
-    if (CVekMemoryIOStream * const memory = ToMemoryStream(stream))
+    if (CVekMemoryIOStream * const memory = AsOwn<CVekMemoryIOStream>(stream))
     {
         m_kind = Kind::InMemory;
         if (!memory->GetBuffer() || memory->GetPosition() > static_cast<int>(memory->GetSize()))
@@ -18,7 +18,7 @@ TypedDataSource::TypedDataSource(IVekIOStream & stream) noexcept
         m_begin = m_at = memory->GetBuffer() + memory->GetPosition();
         m_end = memory->GetBuffer() + memory->GetSize();
     }
-    else if (CVekFileIOStream * const file = ToFileStream(stream))
+    else if (CVekFileIOStream * const file = AsOwn<CVekFileIOStream>(stream))
     {
         m_kind = Kind::InFile;
         if (!file->GetFileHandle() || !file->IsReadable())

@@ -2,7 +2,7 @@
 
 #include "VekIO.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "io/StreamBits.h"
 
 #include <stddef.h>

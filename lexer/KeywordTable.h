@@ -2,7 +2,7 @@
 
 #include "lexer/LexerKeyword.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 
 #include <stdint.h>
 

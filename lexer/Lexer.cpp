@@ -1,6 +1,6 @@
 #include "VekLexer.h"
+#include "VekRef.h"
 
-#include "core/Ref.h"
 #include "lexer/LexerRun.h"
 #include "lexer/LexerTables.h"
 #include "text/Scan.h"
@@ -79,6 +79,6 @@ int CVekLexer::Parse(wchar_t const * text, int length)
 {
     if (!text || length <= 0)
         return 0;
-    auto const self = vek::Ref<CVekLexer>::Share(this);
+    auto const self = CVekRef<CVekLexer>::Share(this);
     return vek::LexerRun(*this, text, length).Parse();
 }

@@ -18,8 +18,8 @@ void LexerRun::TakeOver() noexcept
     // A callback may be destroyed here, and its destructor may change the lexer once more.
     while (m_lexer.m_callback != m_callback.Get() || m_lexer.m_tables != m_tables.Get())
     {
-        m_tables = Ref<CVekLexer::Tables>::Share(m_lexer.m_tables);
-        m_callback = Ref<IVekLexer::Callback>::Share(m_lexer.m_callback);
+        m_tables = CVekRef<CVekLexer::Tables>::Share(m_lexer.m_tables);
+        m_callback = CVekRef<IVekLexer::Callback>::Share(m_lexer.m_callback);
     }
 }
 

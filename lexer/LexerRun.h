@@ -1,8 +1,8 @@
 #pragma once
 
 #include "VekLexer.h"
+#include "VekRef.h"
 
-#include "core/Ref.h"
 #include "lexer/LexerTables.h"
 #include "lexer/Span.h"
 #include "lexer/WordScan.h"
@@ -75,8 +75,8 @@ private:
     void TakeOver() noexcept;
 
     CVekLexer & m_lexer;
-    Ref<IVekLexer::Callback> m_callback;
-    Ref<CVekLexer::Tables> m_tables;
+    CVekRef<IVekLexer::Callback> m_callback;
+    CVekRef<CVekLexer::Tables> m_tables;
     wchar_t const * const m_text;
     wchar_t const * const m_end;
     wchar_t const * m_at;

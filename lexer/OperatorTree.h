@@ -2,7 +2,7 @@
 
 #include "lexer/LexerOperator.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "lexer/CharClass.h"
 
 namespace vek

@@ -2,7 +2,7 @@
 
 #include "VekCore.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "lexer/Token.h"
 
 #include <bit>

@@ -1,9 +1,9 @@
 #include "VekLexer.h"
+#include "VekRef.h"
 
 #include "VekIO.h"
 
-#include "core/Buffer.h"
-#include "core/Ref.h"
+#include "base/Buffer.h"
 #include "lexer/StreamText.h"
 #include "lexer/TokenizerCallback.h"
 #include "text/Scan.h"
@@ -66,11 +66,11 @@ bool CVekTokenizer::Collect(IVekLexer & lexer, wchar_t const * text, int length)
 {
     vek::TokenList * tokens = nullptr;
     auto const collector =
-        vek::Ref<CVekTokenizerCallback>::Adopt(new (std::nothrow) CVekTokenizerCallback(text, length));
+        CVekRef<CVekTokenizerCallback>::Adopt(new (std::nothrow) CVekTokenizerCallback(text, length));
     if (collector)
     {
-        auto const holder = vek::Ref<IVekLexer>::Share(&lexer);
-        auto const callback = vek::Ref<IVekLexer::Callback>::Share(lexer.GetCallback());
+        auto const holder = CVekRef<IVekLexer>::Share(&lexer);
+        auto const callback = CVekRef<IVekLexer::Callback>::Share(lexer.GetCallback());
         lexer.SetCallback(collector.Get());
         lexer.Parse(text, length);
         lexer.SetCallback(callback.Get());

@@ -11,7 +11,7 @@ using vek::Available;
 using vek::TextLength;
 
 CVekTokenizerCallback::CVekTokenizerCallback(wchar_t const * text, int length)
-    : m_text(text), m_end(text + length), m_tokens(vek::Ref<vek::TokenList>::Adopt(new (std::nothrow) vek::TokenList))
+    : m_text(text), m_end(text + length), m_tokens(CVekRef<vek::TokenList>::Adopt(new (std::nothrow) vek::TokenList))
 {
 }
 

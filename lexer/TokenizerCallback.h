@@ -1,8 +1,8 @@
 #pragma once
 
 #include "VekLexer.h"
+#include "VekRef.h"
 
-#include "core/Ref.h"
 #include "lexer/TokenList.h"
 
 /// Collects what a lexer reports about one text. The texts and the lengths in the text that a lexer does not tell are
@@ -41,5 +41,5 @@ private:
 
     wchar_t const * m_text;
     wchar_t const * m_end;
-    vek::Ref<vek::TokenList> m_tokens;
+    CVekRef<vek::TokenList> m_tokens;
 };

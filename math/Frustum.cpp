@@ -4,32 +4,27 @@
 
 static_assert(sizeof(void *) != 4 || sizeof(CVekFrustum) == 32);
 
-CVekFrustum::CVekFrustum() VEK_NOEXCEPT
+CVekFrustum::CVekFrustum() noexcept
     : CVekFrustum(VEK_PROJECTIONMODE_PERSPECTIVE, -0.5f, 0.5f, 0.5f, -0.5f, 1.0f, 100.0f)
 {
 }
 
 CVekFrustum::CVekFrustum(VEK_PROJECTIONMODE mode, float left, float right, float top, float bottom, float nearPlane,
-                         float farPlane) VEK_NOEXCEPT : m_mode(mode),
-                                                        m_left(left),
-                                                        m_right(right),
-                                                        m_top(top),
-                                                        m_bottom(bottom),
-                                                        m_near(nearPlane),
-                                                        m_far(farPlane)
+                         float farPlane) noexcept
+    : m_mode(mode), m_left(left), m_right(right), m_top(top), m_bottom(bottom), m_near(nearPlane), m_far(farPlane)
 {
 }
 
 CVekFrustum::~CVekFrustum() = default;
 
 bool CVekFrustum::SetFrustum(VEK_PROJECTIONMODE mode, float left, float right, float top, float bottom, float nearPlane,
-                             float farPlane) VEK_NOEXCEPT
+                             float farPlane) noexcept
 {
     *this = CVekFrustum(mode, left, right, top, bottom, nearPlane, farPlane);
     return true;
 }
 
-float CVekFrustum::GetFOV(VEK_ANGLE unit) const VEK_NOEXCEPT
+float CVekFrustum::GetFOV(VEK_ANGLE unit) const noexcept
 {
     constexpr float degreesPerRadian = 57.29578f;
     if (m_near == 0.0f)
@@ -39,7 +34,7 @@ float CVekFrustum::GetFOV(VEK_ANGLE unit) const VEK_NOEXCEPT
     return unit == VEK_ANGLE_RADIANS ? fov : fov * degreesPerRadian;
 }
 
-bool CVekFrustum::FixAspectRatio(float width, float height) VEK_NOEXCEPT
+bool CVekFrustum::FixAspectRatio(float width, float height) noexcept
 {
     if (width == 0.0f || height == 0.0f)
         return false;
@@ -47,7 +42,7 @@ bool CVekFrustum::FixAspectRatio(float width, float height) VEK_NOEXCEPT
     return true;
 }
 
-void CVekFrustum::Scale(float horizontal, float vertical) VEK_NOEXCEPT
+void CVekFrustum::Scale(float horizontal, float vertical) noexcept
 {
     m_left *= horizontal;
     m_right *= horizontal;
@@ -55,7 +50,7 @@ void CVekFrustum::Scale(float horizontal, float vertical) VEK_NOEXCEPT
     m_bottom *= vertical;
 }
 
-CVekMatrix4x4<float> CVekFrustum::CreateProjectionMatrix(VEK_COORDSYSTEM coordSystem) const VEK_NOEXCEPT
+CVekMatrix4x4<float> CVekFrustum::CreateProjectionMatrix(VEK_COORDSYSTEM coordSystem) const noexcept
 {
     CVekMatrix4x4<float> matrix = CVekMatrix4x4<float>::Identity();
     bool const leftHanded = coordSystem == VEK_COORDSYSTEM_LEFTHANDED;
@@ -68,7 +63,7 @@ CVekMatrix4x4<float> CVekFrustum::CreateProjectionMatrix(VEK_COORDSYSTEM coordSy
     return matrix;
 }
 
-void CVekFrustum::FillPerspective(CVekMatrix4x4<float> & matrix, bool leftHanded) const VEK_NOEXCEPT
+void CVekFrustum::FillPerspective(CVekMatrix4x4<float> & matrix, bool leftHanded) const noexcept
 {
     matrix(0, 0) = 2.0f * m_near / (m_right - m_left);
     matrix(1, 1) = 2.0f * m_near / (m_top - m_bottom);
@@ -80,7 +75,7 @@ void CVekFrustum::FillPerspective(CVekMatrix4x4<float> & matrix, bool leftHanded
     matrix(3, 3) = 0.0f;
 }
 
-void CVekFrustum::FillOrthographic(CVekMatrix4x4<float> & matrix, bool leftHanded) const VEK_NOEXCEPT
+void CVekFrustum::FillOrthographic(CVekMatrix4x4<float> & matrix, bool leftHanded) const noexcept
 {
     matrix(0, 0) = 2.0f / (m_right - m_left);
     matrix(1, 1) = 2.0f / (m_top - m_bottom);

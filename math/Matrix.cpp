@@ -41,31 +41,30 @@ void Multiply4x4(T * target, T const * other)
 } // namespace
 
 template <class T>
-CVekMatrix<T>::CVekMatrix() VEK_NOEXCEPT : m_rows(0), m_columns(0), m_elements(nullptr)
+CVekMatrix<T>::CVekMatrix() noexcept : m_rows(0), m_columns(0), m_elements(nullptr)
 {
 }
 
 template <class T>
-CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns) VEK_NOEXCEPT : CVekMatrix()
+CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns) noexcept : CVekMatrix()
 {
     CVekMatrix::Create(rows, columns);
 }
 
 template <class T>
-CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns, T * elements) VEK_NOEXCEPT : m_rows(rows),
-                                                                                                m_columns(columns),
-                                                                                                m_elements(elements)
+CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns, T * elements) noexcept
+    : m_rows(rows), m_columns(columns), m_elements(elements)
 {
 }
 
 template <class T>
-CVekMatrix<T>::CVekMatrix(CVekMatrix const & other) VEK_NOEXCEPT : CVekMatrix()
+CVekMatrix<T>::CVekMatrix(CVekMatrix const & other) noexcept : CVekMatrix()
 {
     *this = other;
 }
 
 template <class T>
-CVekMatrix<T> & CVekMatrix<T>::operator=(CVekMatrix const & other) VEK_NOEXCEPT
+CVekMatrix<T> & CVekMatrix<T>::operator=(CVekMatrix const & other) noexcept
 {
     if (this == &other)
         return *this;
@@ -115,7 +114,7 @@ void CVekMatrix<T>::Destroy()
 }
 
 template <class T>
-T & CVekMatrix<T>::OutsideElement() VEK_NOEXCEPT
+T & CVekMatrix<T>::OutsideElement() noexcept
 {
     static T nothing;
     nothing = T(0);
@@ -123,7 +122,7 @@ T & CVekMatrix<T>::OutsideElement() VEK_NOEXCEPT
 }
 
 template <class T>
-void CVekMatrix<T>::SetIdentity() VEK_NOEXCEPT
+void CVekMatrix<T>::SetIdentity() noexcept
 {
     if (!m_elements)
         return;
@@ -133,7 +132,7 @@ void CVekMatrix<T>::SetIdentity() VEK_NOEXCEPT
 }
 
 template <class T>
-CVekMatrix<T> & CVekMatrix<T>::operator*=(CVekMatrix const & other) VEK_NOEXCEPT
+CVekMatrix<T> & CVekMatrix<T>::operator*=(CVekMatrix const & other) noexcept
 {
     if (!m_elements)
         return *this;
@@ -158,7 +157,7 @@ CVekMatrix<T> & CVekMatrix<T>::operator*=(CVekMatrix const & other) VEK_NOEXCEPT
 }
 
 template <class T>
-void CVekMatrix<T>::AddTranslation(T x, T y, T z) VEK_NOEXCEPT
+void CVekMatrix<T>::AddTranslation(T x, T y, T z) noexcept
 {
     T const offsets[] = {x, y, z};
     for (unsigned int column = 0; column < 3; ++column)
@@ -167,7 +166,7 @@ void CVekMatrix<T>::AddTranslation(T x, T y, T z) VEK_NOEXCEPT
 }
 
 template <class T>
-void CVekMatrix<T>::Scale(T x, T y, T z) VEK_NOEXCEPT
+void CVekMatrix<T>::Scale(T x, T y, T z) noexcept
 {
     CVekMatrix4x4<T> scale;
     scale.SetIdentity();

@@ -128,44 +128,44 @@ private:
 } // namespace
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::Identity() VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::Identity() noexcept
 {
     return Translation(CVekVector3D<T>());
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::Translation(CVekVector3D<T> const & offset) VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::Translation(CVekVector3D<T> const & offset) noexcept
 {
     return FromRows(UnitAxis<T>(0), UnitAxis<T>(1), UnitAxis<T>(2), offset);
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::Scaling(CVekVector3D<T> const & factors) VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::Scaling(CVekVector3D<T> const & factors) noexcept
 {
     return FromRows(CVekVector3D<T>(factors.x, 0, 0), CVekVector3D<T>(0, factors.y, 0),
                     CVekVector3D<T>(0, 0, factors.z), CVekVector3D<T>());
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::RotationX(T angle) VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::RotationX(T angle) noexcept
 {
     return Rotation(UnitAxis<T>(0), angle);
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::RotationY(T angle) VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::RotationY(T angle) noexcept
 {
     return Rotation(UnitAxis<T>(1), angle);
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::RotationZ(T angle) VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::RotationZ(T angle) noexcept
 {
     return Rotation(UnitAxis<T>(2), angle);
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::Rotation(CVekVector3D<T> const & axis, T angle) VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::Rotation(CVekVector3D<T> const & axis, T angle) noexcept
 {
     CVekVector3D<T> const n = axis.Normalised();
     if (n == CVekVector3D<T>())
@@ -180,20 +180,20 @@ CVekMatrix4x4<T> CVekMatrix4x4<T>::Rotation(CVekVector3D<T> const & axis, T angl
 
 template <class T>
 CVekMatrix4x4<T> CVekMatrix4x4<T>::LookAtLeftHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,
-                                                    CVekVector3D<T> const & up) VEK_NOEXCEPT
+                                                    CVekVector3D<T> const & up) noexcept
 {
     return LookAlong(eye, target - eye, up);
 }
 
 template <class T>
 CVekMatrix4x4<T> CVekMatrix4x4<T>::LookAtRightHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,
-                                                     CVekVector3D<T> const & up) VEK_NOEXCEPT
+                                                     CVekVector3D<T> const & up) noexcept
 {
     return LookAlong(eye, eye - target, up);
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::operator*(CVekMatrix4x4 const & other) const VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::operator*(CVekMatrix4x4 const & other) const noexcept
 {
     CVekMatrix4x4 product(*this);
     product *= other;
@@ -201,7 +201,7 @@ CVekMatrix4x4<T> CVekMatrix4x4<T>::operator*(CVekMatrix4x4 const & other) const 
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::Transposed() const VEK_NOEXCEPT
+CVekMatrix4x4<T> CVekMatrix4x4<T>::Transposed() const noexcept
 {
     CVekMatrix4x4 result;
     for (unsigned int row = 0; row < 4; ++row)
@@ -211,7 +211,7 @@ CVekMatrix4x4<T> CVekMatrix4x4<T>::Transposed() const VEK_NOEXCEPT
 }
 
 template <class T>
-T CVekMatrix4x4<T>::Determinant() const VEK_NOEXCEPT
+T CVekMatrix4x4<T>::Determinant() const noexcept
 {
     auto const minor = [this](unsigned int row, unsigned int a, unsigned int b)
     {
@@ -225,7 +225,7 @@ T CVekMatrix4x4<T>::Determinant() const VEK_NOEXCEPT
 }
 
 template <class T>
-bool CVekMatrix4x4<T>::Inverse(CVekMatrix4x4 & result) const VEK_NOEXCEPT
+bool CVekMatrix4x4<T>::Inverse(CVekMatrix4x4 & result) const noexcept
 {
     Elimination elimination(this->m_elements);
     if (!elimination.Run())

@@ -112,7 +112,7 @@ void SetUniformKnots(T * knots, unsigned int degree, unsigned int pointCount)
 } // namespace
 
 template <class T>
-CVekNurbsCurve<T>::CVekNurbsCurve(CVekNurbsCurve const & other) VEK_NOEXCEPT : CVekNurbsCurve()
+CVekNurbsCurve<T>::CVekNurbsCurve(CVekNurbsCurve const & other) noexcept : CVekNurbsCurve()
 {
     if (other.IsEmpty() || !Allocate(other.m_degree, other.m_pointCount))
         return;
@@ -123,7 +123,7 @@ CVekNurbsCurve<T>::CVekNurbsCurve(CVekNurbsCurve const & other) VEK_NOEXCEPT : C
 }
 
 template <class T>
-CVekNurbsCurve<T> & CVekNurbsCurve<T>::operator=(CVekNurbsCurve const & other) VEK_NOEXCEPT
+CVekNurbsCurve<T> & CVekNurbsCurve<T>::operator=(CVekNurbsCurve const & other) noexcept
 {
     if (this == &other)
         return *this;
@@ -139,7 +139,7 @@ CVekNurbsCurve<T>::~CVekNurbsCurve()
 }
 
 template <class T>
-void CVekNurbsCurve<T>::Destroy() VEK_NOEXCEPT
+void CVekNurbsCurve<T>::Destroy() noexcept
 {
     delete[] m_points;
     delete[] m_knots;
@@ -150,7 +150,7 @@ void CVekNurbsCurve<T>::Destroy() VEK_NOEXCEPT
 
 /// Makes room for a curve in an empty one.
 template <class T>
-bool CVekNurbsCurve<T>::Allocate(unsigned int degree, unsigned int pointCount) VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Allocate(unsigned int degree, unsigned int pointCount) noexcept
 {
     if (pointCount > MAX_POINTS)
     {
@@ -173,7 +173,7 @@ bool CVekNurbsCurve<T>::Allocate(unsigned int degree, unsigned int pointCount) V
 
 template <class T>
 bool CVekNurbsCurve<T>::Create(unsigned int degree, CVekVector3D<T> const * points, T const * weights,
-                               unsigned int pointCount, T const * knots, unsigned int knotCount) VEK_NOEXCEPT
+                               unsigned int pointCount, T const * knots, unsigned int knotCount) noexcept
 {
     CVekNurbsCurve created;
     if (!CheckCounts(degree, points, pointCount, knots, knotCount) || !CheckPoints(points, weights, pointCount) ||
@@ -190,7 +190,7 @@ bool CVekNurbsCurve<T>::Create(unsigned int degree, CVekVector3D<T> const * poin
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::SetControlPoint(unsigned int index, CVekVector3D<T> const & point, T weight) VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::SetControlPoint(unsigned int index, CVekVector3D<T> const & point, T weight) noexcept
 {
     CVekVector4D<T> const weighted = Weighted(point, weight);
     if (index >= m_pointCount)
@@ -206,7 +206,7 @@ bool CVekNurbsCurve<T>::SetControlPoint(unsigned int index, CVekVector3D<T> cons
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::Transform(CVekMatrix4x4<T> const & transform) VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Transform(CVekMatrix4x4<T> const & transform) noexcept
 {
     CVekNurbsCurve transformed(*this);
     if (transformed.IsEmpty())
@@ -227,7 +227,7 @@ bool CVekNurbsCurve<T>::Transform(CVekMatrix4x4<T> const & transform) VEK_NOEXCE
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::Reverse() VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Reverse() noexcept
 {
     CVekNurbsCurve reversed(*this);
     if (reversed.IsEmpty())

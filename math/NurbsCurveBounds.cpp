@@ -160,7 +160,7 @@ CVekVector3D<T> RoundOutwards(CVekVector3D<double> const & point, bool up)
 } // namespace
 
 template <class T>
-bool CVekNurbsCurve<T>::FindClosestPoint(CVekVector3D<T> const & point, T & parameter, T * distance) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::FindClosestPoint(CVekVector3D<T> const & point, T & parameter, T * distance) const noexcept
 {
     if (IsEmpty())
         return false;
@@ -196,7 +196,7 @@ bool CVekNurbsCurve<T>::FindClosestPoint(CVekVector3D<T> const & point, T & para
 }
 
 template <class T>
-CVekBoundBox<T> CVekNurbsCurve<T>::GetBoundBox() const VEK_NOEXCEPT
+CVekBoundBox<T> CVekNurbsCurve<T>::GetBoundBox() const noexcept
 {
     if (IsEmpty())
         return CVekBoundBox<T>();
@@ -218,8 +218,7 @@ CVekBoundBox<T> CVekNurbsCurve<T>::GetBoundBox() const VEK_NOEXCEPT
     return CVekBoundBox<T>(RoundOutwards<T>(box.minimum, false), RoundOutwards<T>(box.maximum, true));
 }
 
-template bool CVekNurbsCurve<float>::FindClosestPoint(CVekVector3D<float> const &, float &, float *) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::FindClosestPoint(CVekVector3D<double> const &, double &,
-                                                       double *) const VEK_NOEXCEPT;
-template CVekBoundBox<float> CVekNurbsCurve<float>::GetBoundBox() const VEK_NOEXCEPT;
-template CVekBoundBox<double> CVekNurbsCurve<double>::GetBoundBox() const VEK_NOEXCEPT;
+template bool CVekNurbsCurve<float>::FindClosestPoint(CVekVector3D<float> const &, float &, float *) const noexcept;
+template bool CVekNurbsCurve<double>::FindClosestPoint(CVekVector3D<double> const &, double &, double *) const noexcept;
+template CVekBoundBox<float> CVekNurbsCurve<float>::GetBoundBox() const noexcept;
+template CVekBoundBox<double> CVekNurbsCurve<double>::GetBoundBox() const noexcept;

@@ -1,7 +1,7 @@
 #include "VekNurbs.h"
 
 #include "VekCore.h"
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "math/NurbsBasis.h"
 
 namespace
@@ -109,7 +109,7 @@ void CollectMissing(T const * knots, unsigned int count, unsigned int period, un
 
 /// Makes this curve with knots inserted, which don't decrease, lie in the domain and occur at most degree times in all.
 template <class T>
-bool CVekNurbsCurve<T>::Refine(T const * inserted, unsigned int count, CVekNurbsCurve & result) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Refine(T const * inserted, unsigned int count, CVekNurbsCurve & result) const noexcept
 {
     CVekNurbsCurve refined;
     if (count > MAX_POINTS || !refined.Allocate(m_degree, m_pointCount + count))
@@ -127,7 +127,7 @@ bool CVekNurbsCurve<T>::Refine(T const * inserted, unsigned int count, CVekNurbs
 
 /// The curve of some successive control points between knots that occur degree times, with one knot more at each end.
 template <class T>
-bool CVekNurbsCurve<T>::Part(unsigned int firstPoint, unsigned int count, CVekNurbsCurve & result) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Part(unsigned int firstPoint, unsigned int count, CVekNurbsCurve & result) const noexcept
 {
     CVekNurbsCurve part;
     if (!part.Allocate(m_degree, count))
@@ -143,7 +143,7 @@ bool CVekNurbsCurve<T>::Part(unsigned int firstPoint, unsigned int count, CVekNu
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::InsertKnot(T knot, unsigned int times) VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::InsertKnot(T knot, unsigned int times) noexcept
 {
     if (IsEmpty())
         return false;
@@ -166,7 +166,7 @@ bool CVekNurbsCurve<T>::InsertKnot(T knot, unsigned int times) VEK_NOEXCEPT
 
 /// Makes this curve with clamped ends.
 template <class T>
-bool CVekNurbsCurve<T>::Clamped(CVekNurbsCurve & result) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Clamped(CVekNurbsCurve & result) const noexcept
 {
     T knots[2 * MAX_DEGREE];
     unsigned int count = 0;
@@ -193,13 +193,13 @@ bool CVekNurbsCurve<T>::Clamped(CVekNurbsCurve & result) const VEK_NOEXCEPT
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::ClampEnds() VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::ClampEnds() noexcept
 {
     return !IsEmpty() && Clamped(*this);
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::Split(T parameter, CVekNurbsCurve & before, CVekNurbsCurve & after) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Split(T parameter, CVekNurbsCurve & before, CVekNurbsCurve & after) const noexcept
 {
     if (IsEmpty())
         return false;
@@ -223,7 +223,7 @@ bool CVekNurbsCurve<T>::Split(T parameter, CVekNurbsCurve & before, CVekNurbsCur
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::ElevateDegree(unsigned int times) VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::ElevateDegree(unsigned int times) noexcept
 {
     if (IsEmpty())
         return false;
@@ -247,7 +247,7 @@ bool CVekNurbsCurve<T>::ElevateDegree(unsigned int times) VEK_NOEXCEPT
 /// out each time. Leaving out every (degree + 1)-th knot gives a refinement of the old knots, whose control points are
 /// the values wanted: one refinement for each first knot that is left out.
 template <class T>
-bool CVekNurbsCurve<T>::Elevated(CVekNurbsCurve & result) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::Elevated(CVekNurbsCurve & result) const noexcept
 {
     unsigned int const period = m_degree + 1;
     unsigned int spans = 0;
@@ -274,19 +274,19 @@ bool CVekNurbsCurve<T>::Elevated(CVekNurbsCurve & result) const VEK_NOEXCEPT
     result.Swap(elevated);
     return true;
 }
-template bool CVekNurbsCurve<float>::Refine(float const *, unsigned int, CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::Refine(double const *, unsigned int, CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::Part(unsigned int, unsigned int, CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::Part(unsigned int, unsigned int, CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::InsertKnot(float, unsigned int) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::InsertKnot(double, unsigned int) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::Clamped(CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::Clamped(CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::ClampEnds() VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::ClampEnds() VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::Split(float, CVekNurbsCurve &, CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::Split(double, CVekNurbsCurve &, CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::ElevateDegree(unsigned int) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::ElevateDegree(unsigned int) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::Elevated(CVekNurbsCurve &) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::Elevated(CVekNurbsCurve &) const VEK_NOEXCEPT;
+template bool CVekNurbsCurve<float>::Refine(float const *, unsigned int, CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<double>::Refine(double const *, unsigned int, CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<float>::Part(unsigned int, unsigned int, CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<double>::Part(unsigned int, unsigned int, CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<float>::InsertKnot(float, unsigned int) noexcept;
+template bool CVekNurbsCurve<double>::InsertKnot(double, unsigned int) noexcept;
+template bool CVekNurbsCurve<float>::Clamped(CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<double>::Clamped(CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<float>::ClampEnds() noexcept;
+template bool CVekNurbsCurve<double>::ClampEnds() noexcept;
+template bool CVekNurbsCurve<float>::Split(float, CVekNurbsCurve &, CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<double>::Split(double, CVekNurbsCurve &, CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<float>::ElevateDegree(unsigned int) noexcept;
+template bool CVekNurbsCurve<double>::ElevateDegree(unsigned int) noexcept;
+template bool CVekNurbsCurve<float>::Elevated(CVekNurbsCurve &) const noexcept;
+template bool CVekNurbsCurve<double>::Elevated(CVekNurbsCurve &) const noexcept;

@@ -121,7 +121,7 @@ void ForDerivatives(CVekNurbsCurve<T> const & curve, T anyParameter, unsigned in
 } // namespace
 
 template <class T>
-CVekVector3D<T> CVekNurbsCurve<T>::GetPoint(T parameter) const VEK_NOEXCEPT
+CVekVector3D<T> CVekNurbsCurve<T>::GetPoint(T parameter) const noexcept
 {
     if (IsEmpty())
         return CVekVector3D<T>();
@@ -135,7 +135,7 @@ CVekVector3D<T> CVekNurbsCurve<T>::GetPoint(T parameter) const VEK_NOEXCEPT
 }
 
 template <class T>
-void CVekNurbsCurve<T>::GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const VEK_NOEXCEPT
+void CVekNurbsCurve<T>::GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const noexcept
 {
     if (IsEmpty())
     {
@@ -147,8 +147,7 @@ void CVekNurbsCurve<T>::GetPoints(T const * parameters, unsigned int count, CVek
 }
 
 template <class T>
-bool CVekNurbsCurve<T>::GetDerivatives(T parameter, unsigned int order,
-                                       CVekVector3D<T> * derivatives) const VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::GetDerivatives(T parameter, unsigned int order, CVekVector3D<T> * derivatives) const noexcept
 {
     if (IsEmpty() || !derivatives)
         return false;
@@ -159,7 +158,7 @@ bool CVekNurbsCurve<T>::GetDerivatives(T parameter, unsigned int order,
 }
 
 template <class T>
-CVekVector3D<T> CVekNurbsCurve<T>::GetTangent(T parameter) const VEK_NOEXCEPT
+CVekVector3D<T> CVekNurbsCurve<T>::GetTangent(T parameter) const noexcept
 {
     CVekVector3D<double> tangent;
     if (IsEmpty())
@@ -176,7 +175,7 @@ CVekVector3D<T> CVekNurbsCurve<T>::GetTangent(T parameter) const VEK_NOEXCEPT
 }
 
 template <class T>
-T CVekNurbsCurve<T>::GetCurvature(T parameter) const VEK_NOEXCEPT
+T CVekNurbsCurve<T>::GetCurvature(T parameter) const noexcept
 {
     CVekVector3D<double> derivatives[3];
     if (IsEmpty())
@@ -187,14 +186,13 @@ T CVekNurbsCurve<T>::GetCurvature(T parameter) const VEK_NOEXCEPT
     return speed > 0 ? static_cast<T>((derivatives[1] / speed).Cross(derivatives[2] / speed).Length() / speed) : T(0);
 }
 
-template CVekVector3D<float> CVekNurbsCurve<float>::GetPoint(float) const VEK_NOEXCEPT;
-template CVekVector3D<double> CVekNurbsCurve<double>::GetPoint(double) const VEK_NOEXCEPT;
-template void CVekNurbsCurve<float>::GetPoints(float const *, unsigned int, CVekVector3D<float> *) const VEK_NOEXCEPT;
-template void CVekNurbsCurve<double>::GetPoints(double const *, unsigned int,
-                                                CVekVector3D<double> *) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::GetDerivatives(float, unsigned int, CVekVector3D<float> *) const VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::GetDerivatives(double, unsigned int, CVekVector3D<double> *) const VEK_NOEXCEPT;
-template CVekVector3D<float> CVekNurbsCurve<float>::GetTangent(float) const VEK_NOEXCEPT;
-template CVekVector3D<double> CVekNurbsCurve<double>::GetTangent(double) const VEK_NOEXCEPT;
-template float CVekNurbsCurve<float>::GetCurvature(float) const VEK_NOEXCEPT;
-template double CVekNurbsCurve<double>::GetCurvature(double) const VEK_NOEXCEPT;
+template CVekVector3D<float> CVekNurbsCurve<float>::GetPoint(float) const noexcept;
+template CVekVector3D<double> CVekNurbsCurve<double>::GetPoint(double) const noexcept;
+template void CVekNurbsCurve<float>::GetPoints(float const *, unsigned int, CVekVector3D<float> *) const noexcept;
+template void CVekNurbsCurve<double>::GetPoints(double const *, unsigned int, CVekVector3D<double> *) const noexcept;
+template bool CVekNurbsCurve<float>::GetDerivatives(float, unsigned int, CVekVector3D<float> *) const noexcept;
+template bool CVekNurbsCurve<double>::GetDerivatives(double, unsigned int, CVekVector3D<double> *) const noexcept;
+template CVekVector3D<float> CVekNurbsCurve<float>::GetTangent(float) const noexcept;
+template CVekVector3D<double> CVekNurbsCurve<double>::GetTangent(double) const noexcept;
+template float CVekNurbsCurve<float>::GetCurvature(float) const noexcept;
+template double CVekNurbsCurve<double>::GetCurvature(double) const noexcept;

@@ -109,13 +109,13 @@ double PlaceAtLength(vek::BezierPiece const & piece, double wanted, double total
 } // namespace
 
 template <class T>
-T CVekNurbsCurve<T>::GetLength(T tolerance) const VEK_NOEXCEPT
+T CVekNurbsCurve<T>::GetLength(T tolerance) const noexcept
 {
     return GetLengthBetween(GetStart(), GetEnd(), tolerance);
 }
 
 template <class T>
-T CVekNurbsCurve<T>::GetLengthBetween(T from, T to, T tolerance) const VEK_NOEXCEPT
+T CVekNurbsCurve<T>::GetLengthBetween(T from, T to, T tolerance) const noexcept
 {
     if (IsEmpty())
         return T(0);
@@ -138,7 +138,7 @@ T CVekNurbsCurve<T>::GetLengthBetween(T from, T to, T tolerance) const VEK_NOEXC
 }
 
 template <class T>
-T CVekNurbsCurve<T>::GetParameterAtLength(T length, T tolerance) const VEK_NOEXCEPT
+T CVekNurbsCurve<T>::GetParameterAtLength(T length, T tolerance) const noexcept
 {
     if (IsEmpty() || !(length > T(0)))
         return GetStart();
@@ -158,9 +158,9 @@ T CVekNurbsCurve<T>::GetParameterAtLength(T length, T tolerance) const VEK_NOEXC
     return GetEnd();
 }
 
-template float CVekNurbsCurve<float>::GetLength(float) const VEK_NOEXCEPT;
-template double CVekNurbsCurve<double>::GetLength(double) const VEK_NOEXCEPT;
-template float CVekNurbsCurve<float>::GetLengthBetween(float, float, float) const VEK_NOEXCEPT;
-template double CVekNurbsCurve<double>::GetLengthBetween(double, double, double) const VEK_NOEXCEPT;
-template float CVekNurbsCurve<float>::GetParameterAtLength(float, float) const VEK_NOEXCEPT;
-template double CVekNurbsCurve<double>::GetParameterAtLength(double, double) const VEK_NOEXCEPT;
+template float CVekNurbsCurve<float>::GetLength(float) const noexcept;
+template double CVekNurbsCurve<double>::GetLength(double) const noexcept;
+template float CVekNurbsCurve<float>::GetLengthBetween(float, float, float) const noexcept;
+template double CVekNurbsCurve<double>::GetLengthBetween(double, double, double) const noexcept;
+template float CVekNurbsCurve<float>::GetParameterAtLength(float, float) const noexcept;
+template double CVekNurbsCurve<double>::GetParameterAtLength(double, double) const noexcept;

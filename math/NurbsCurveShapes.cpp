@@ -1,7 +1,7 @@
 #include "VekNurbs.h"
 
 #include "VekCore.h"
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "math/NurbsBasis.h"
 
 #include <math.h>
@@ -116,7 +116,7 @@ struct InterpolationSystem
 } // namespace
 
 template <class T>
-bool CVekNurbsCurve<T>::CreateLine(CVekVector3D<T> const & from, CVekVector3D<T> const & to) VEK_NOEXCEPT
+bool CVekNurbsCurve<T>::CreateLine(CVekVector3D<T> const & from, CVekVector3D<T> const & to) noexcept
 {
     CVekVector3D<T> const points[2] = {from, to};
     return Create(1, points, nullptr, 2);
@@ -124,14 +124,14 @@ bool CVekNurbsCurve<T>::CreateLine(CVekVector3D<T> const & from, CVekVector3D<T>
 
 template <class T>
 bool CVekNurbsCurve<T>::CreateBezier(CVekVector3D<T> const * points, T const * weights,
-                                     unsigned int pointCount) VEK_NOEXCEPT
+                                     unsigned int pointCount) noexcept
 {
     return Create(pointCount - 1, points, weights, pointCount);
 }
 
 template <class T>
 bool CVekNurbsCurve<T>::CreateArc(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis,
-                                  CVekVector3D<T> const & yAxis, T startAngle, T sweepAngle) VEK_NOEXCEPT
+                                  CVekVector3D<T> const & yAxis, T startAngle, T sweepAngle) noexcept
 {
     double const start = static_cast<double>(startAngle);
     double const wanted = static_cast<double>(sweepAngle);
@@ -168,14 +168,14 @@ bool CVekNurbsCurve<T>::CreateArc(CVekVector3D<T> const & centre, CVekVector3D<T
 
 template <class T>
 bool CVekNurbsCurve<T>::CreateCircle(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis,
-                                     CVekVector3D<T> const & yAxis) VEK_NOEXCEPT
+                                     CVekVector3D<T> const & yAxis) noexcept
 {
     return CreateArc(centre, xAxis, yAxis, T(0), static_cast<T>(fullTurn));
 }
 
 template <class T>
 bool CVekNurbsCurve<T>::CreateInterpolation(unsigned int degree, CVekVector3D<T> const * points,
-                                            unsigned int pointCount) VEK_NOEXCEPT
+                                            unsigned int pointCount) noexcept
 {
     CVekNurbsCurve created;
     if (!created.Create(degree, points, nullptr, pointCount))
@@ -207,22 +207,19 @@ bool CVekNurbsCurve<T>::CreateInterpolation(unsigned int degree, CVekVector3D<T>
     return Create(degree, controls.Data(), nullptr, pointCount, created.m_knots, created.GetKnotCount());
 }
 
-template bool CVekNurbsCurve<float>::CreateLine(CVekVector3D<float> const &, CVekVector3D<float> const &) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::CreateLine(CVekVector3D<double> const &,
-                                                 CVekVector3D<double> const &) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<float>::CreateBezier(CVekVector3D<float> const *, float const *,
-                                                  unsigned int) VEK_NOEXCEPT;
-template bool CVekNurbsCurve<double>::CreateBezier(CVekVector3D<double> const *, double const *,
-                                                   unsigned int) VEK_NOEXCEPT;
+template bool CVekNurbsCurve<float>::CreateLine(CVekVector3D<float> const &, CVekVector3D<float> const &) noexcept;
+template bool CVekNurbsCurve<double>::CreateLine(CVekVector3D<double> const &, CVekVector3D<double> const &) noexcept;
+template bool CVekNurbsCurve<float>::CreateBezier(CVekVector3D<float> const *, float const *, unsigned int) noexcept;
+template bool CVekNurbsCurve<double>::CreateBezier(CVekVector3D<double> const *, double const *, unsigned int) noexcept;
 template bool CVekNurbsCurve<float>::CreateArc(CVekVector3D<float> const &, CVekVector3D<float> const &,
-                                               CVekVector3D<float> const &, float, float) VEK_NOEXCEPT;
+                                               CVekVector3D<float> const &, float, float) noexcept;
 template bool CVekNurbsCurve<double>::CreateArc(CVekVector3D<double> const &, CVekVector3D<double> const &,
-                                                CVekVector3D<double> const &, double, double) VEK_NOEXCEPT;
+                                                CVekVector3D<double> const &, double, double) noexcept;
 template bool CVekNurbsCurve<float>::CreateCircle(CVekVector3D<float> const &, CVekVector3D<float> const &,
-                                                  CVekVector3D<float> const &) VEK_NOEXCEPT;
+                                                  CVekVector3D<float> const &) noexcept;
 template bool CVekNurbsCurve<double>::CreateCircle(CVekVector3D<double> const &, CVekVector3D<double> const &,
-                                                   CVekVector3D<double> const &) VEK_NOEXCEPT;
+                                                   CVekVector3D<double> const &) noexcept;
 template bool CVekNurbsCurve<float>::CreateInterpolation(unsigned int, CVekVector3D<float> const *,
-                                                         unsigned int) VEK_NOEXCEPT;
+                                                         unsigned int) noexcept;
 template bool CVekNurbsCurve<double>::CreateInterpolation(unsigned int, CVekVector3D<double> const *,
-                                                          unsigned int) VEK_NOEXCEPT;
+                                                          unsigned int) noexcept;

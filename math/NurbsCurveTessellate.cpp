@@ -40,7 +40,7 @@ unsigned int LevelLimit(unsigned int spans)
 
 template <class T>
 unsigned int CVekNurbsCurve<T>::Tessellate(T tolerance, CVekVector3D<T> * points, T * parameters,
-                                           unsigned int capacity) const VEK_NOEXCEPT
+                                           unsigned int capacity) const noexcept
 {
     double const allowed = static_cast<double>(tolerance);
     if (IsEmpty() || !(allowed > 0))
@@ -71,6 +71,6 @@ unsigned int CVekNurbsCurve<T>::Tessellate(T tolerance, CVekVector3D<T> * points
 }
 
 template unsigned int CVekNurbsCurve<float>::Tessellate(float, CVekVector3D<float> *, float *,
-                                                        unsigned int) const VEK_NOEXCEPT;
+                                                        unsigned int) const noexcept;
 template unsigned int CVekNurbsCurve<double>::Tessellate(double, CVekVector3D<double> *, double *,
-                                                         unsigned int) const VEK_NOEXCEPT;
+                                                         unsigned int) const noexcept;

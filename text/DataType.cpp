@@ -1,4 +1,4 @@
-#include "VekText.h"
+#include "VekVariant.h"
 
 int VekDataTypeSize(VEK_DATATYPE type)
 {

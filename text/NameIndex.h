@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "text/NameHash.h"
 #include "text/Names.h"
 

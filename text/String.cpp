@@ -159,23 +159,23 @@ bool IsAnyOf(T unit, T const * set, bool caseSensitive)
 } // namespace
 
 template <class T>
-CVekString<T>::CVekString() VEK_NOEXCEPT : m_text(Access<T>::Allocate(0, 0))
+CVekString<T>::CVekString() noexcept : m_text(Access<T>::Allocate(0, 0))
 {
 }
 
 template <class T>
-CVekString<T>::CVekString(T const * text) VEK_NOEXCEPT : m_text(CopyText(text, text ? vek::TextLength(text) : 0))
+CVekString<T>::CVekString(T const * text) noexcept : m_text(CopyText(text, text ? vek::TextLength(text) : 0))
 {
 }
 
 template <class T>
-CVekString<T>::CVekString(T const * text, int length) VEK_NOEXCEPT
+CVekString<T>::CVekString(T const * text, int length) noexcept
     : m_text(CopyText(text, text && length > 0 ? static_cast<size_t>(length) : 0))
 {
 }
 
 template <class T>
-CVekString<T>::CVekString(CVekString const & other) VEK_NOEXCEPT
+CVekString<T>::CVekString(CVekString const & other) noexcept
     : m_text(CopyText(static_cast<T const *>(other), static_cast<size_t>(other.GetLength())))
 {
 }
@@ -187,14 +187,14 @@ CVekString<T>::~CVekString()
 }
 
 template <class T>
-T const * CVekString<T>::NoText() VEK_NOEXCEPT
+T const * CVekString<T>::NoText() noexcept
 {
     static constexpr T nothing[1] = {};
     return nothing;
 }
 
 template <class T>
-bool CVekString<T>::Reserve(int capacity, bool keep) VEK_NOEXCEPT
+bool CVekString<T>::Reserve(int capacity, bool keep) noexcept
 {
     if (capacity < 0)
         return false;
@@ -213,34 +213,34 @@ bool CVekString<T>::Reserve(int capacity, bool keep) VEK_NOEXCEPT
 }
 
 template <class T>
-void CVekString<T>::Assign(T const * text) VEK_NOEXCEPT
+void CVekString<T>::Assign(T const * text) noexcept
 {
     // A text that is just assigned gets no extra room: grow-by counts in AssignPart only.
     Store(*this, text, text ? vek::TextLength(text) : 0, 0);
 }
 
 template <class T>
-void CVekString<T>::Assign(CVekString const & other) VEK_NOEXCEPT
+void CVekString<T>::Assign(CVekString const & other) noexcept
 {
     Store(*this, static_cast<T const *>(other), static_cast<size_t>(other.GetLength()), 0);
 }
 
 template <class T>
-void CVekString<T>::AssignPart(T const * text, int start, int count) VEK_NOEXCEPT
+void CVekString<T>::AssignPart(T const * text, int start, int count) noexcept
 {
     Part const part = FindPart(text, start, count);
     Store(*this, text + part.start, part.count, GrowBy(*this));
 }
 
 template <class T>
-void CVekString<T>::AssignPart(CVekString const & other, int start, int count) VEK_NOEXCEPT
+void CVekString<T>::AssignPart(CVekString const & other, int start, int count) noexcept
 {
     Part const part = FindPart(other, start, count);
     Store(*this, other + part.start, part.count, GrowBy(*this));
 }
 
 template <class T>
-void CVekString<T>::AppendAny(T const * text, int start, int count) VEK_NOEXCEPT
+void CVekString<T>::AppendAny(T const * text, int start, int count) noexcept
 {
     Part const part = FindPart(text, start, count);
     if (part.count > 0)
@@ -248,14 +248,14 @@ void CVekString<T>::AppendAny(T const * text, int start, int count) VEK_NOEXCEPT
 }
 
 template <class T>
-void CVekString<T>::AppendString(CVekString const & other) VEK_NOEXCEPT
+void CVekString<T>::AppendString(CVekString const & other) noexcept
 {
     if (!other.IsEmpty())
         Add(*this, static_cast<T const *>(other), static_cast<size_t>(other.GetLength()), GrowBy(*this));
 }
 
 template <class T>
-void CVekString<T>::AppendFormat(T const * format, ...) VEK_NOEXCEPT
+void CVekString<T>::AppendFormat(T const * format, ...) noexcept
 {
     if (!format)
         return;
@@ -266,7 +266,7 @@ void CVekString<T>::AppendFormat(T const * format, ...) VEK_NOEXCEPT
 }
 
 template <class T>
-int CVekString<T>::Compare(T const * text, bool caseSensitive) const VEK_NOEXCEPT
+int CVekString<T>::Compare(T const * text, bool caseSensitive) const noexcept
 {
     if (!text)
         return IsEmpty() ? 0 : -1;
@@ -275,7 +275,7 @@ int CVekString<T>::Compare(T const * text, bool caseSensitive) const VEK_NOEXCEP
 }
 
 template <class T>
-int CVekString<T>::Compare(CVekString const & other, bool caseSensitive) const VEK_NOEXCEPT
+int CVekString<T>::Compare(CVekString const & other, bool caseSensitive) const noexcept
 {
     size_t const shorter = static_cast<size_t>(other.GetLength() < GetLength() ? other.GetLength() : GetLength());
     size_t const same = vek::EqualBlocks(static_cast<T const *>(other), static_cast<T const *>(*this), shorter);
@@ -283,7 +283,7 @@ int CVekString<T>::Compare(CVekString const & other, bool caseSensitive) const V
 }
 
 template <class T>
-int CVekString<T>::Find(T const * pattern, int start, bool caseSensitive) const VEK_NOEXCEPT
+int CVekString<T>::Find(T const * pattern, int start, bool caseSensitive) const noexcept
 {
     int const length = GetLength();
     int const first = start < 0 ? 0 : start;
@@ -296,7 +296,7 @@ int CVekString<T>::Find(T const * pattern, int start, bool caseSensitive) const 
 }
 
 template <class T>
-int CVekString<T>::ReverseFind(T const * pattern, int start, bool caseSensitive) const VEK_NOEXCEPT
+int CVekString<T>::ReverseFind(T const * pattern, int start, bool caseSensitive) const noexcept
 {
     int const length = GetLength();
     if (!pattern || !*pattern || start < -1 || start >= length)
@@ -313,7 +313,7 @@ int CVekString<T>::ReverseFind(T const * pattern, int start, bool caseSensitive)
 }
 
 template <class T>
-int CVekString<T>::FindOneOf(T const * set, int start, bool caseSensitive) const VEK_NOEXCEPT
+int CVekString<T>::FindOneOf(T const * set, int start, bool caseSensitive) const noexcept
 {
     if (!set)
         return -1;
@@ -325,7 +325,7 @@ int CVekString<T>::FindOneOf(T const * set, int start, bool caseSensitive) const
 }
 
 template <class T>
-int CVekString<T>::ReverseFindOneOf(T const * set, int start, bool caseSensitive) const VEK_NOEXCEPT
+int CVekString<T>::ReverseFindOneOf(T const * set, int start, bool caseSensitive) const noexcept
 {
     int const length = GetLength();
     if (!set || start < -1 || start >= length)
@@ -337,7 +337,7 @@ int CVekString<T>::ReverseFindOneOf(T const * set, int start, bool caseSensitive
 }
 
 template <class T>
-void CVekString<T>::MoveCharacters(int from, int to, int count) VEK_NOEXCEPT
+void CVekString<T>::MoveCharacters(int from, int to, int count) noexcept
 {
     int const length = GetLength();
     if (from < 0 || to < 0 || count <= 0 || from == to || from >= length)

@@ -2,7 +2,7 @@
 
 #include "VekText.h"
 
-#include "core/Pool.h"
+#include "base/Pool.h"
 
 #include <limits.h>
 #include <string.h>

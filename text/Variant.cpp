@@ -1,4 +1,4 @@
-#include "VekText.h"
+#include "VekVariant.h"
 
 #include "text/StringAccess.h"
 

@@ -23,19 +23,19 @@ CVekCriticalSection::~CVekCriticalSection()
     DeleteCriticalSection(Record(m_section));
 }
 
-bool CVekCriticalSection::Lock(void)
+bool CVekCriticalSection::Lock()
 {
     EnterCriticalSection(Record(m_section));
     return true;
 }
 
-bool CVekCriticalSection::Unlock(void)
+bool CVekCriticalSection::Unlock()
 {
     LeaveCriticalSection(Record(m_section));
     return true;
 }
 
-void * CVekCriticalSection::GetHandle(void) const
+void * CVekCriticalSection::GetHandle() const
 {
     return nullptr;
 }

@@ -2,12 +2,12 @@
 
 #include <windows.h>
 
-void * VekGetCurrentThread(void)
+void * VekGetCurrentThread()
 {
     return GetCurrentThread();
 }
 
-unsigned int VekGetCurrentThreadID(void)
+unsigned int VekGetCurrentThreadID()
 {
     return GetCurrentThreadId();
 }

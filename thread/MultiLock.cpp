@@ -22,7 +22,7 @@ CVekMultiLock::~CVekMultiLock()
         Unlock();
 }
 
-bool CVekMultiLock::Lock(void)
+bool CVekMultiLock::Lock()
 {
     DWORD const result = WaitForMultipleObjects(m_count, m_handles, m_waitAll, INFINITE);
     if (m_waitAll)
@@ -39,7 +39,7 @@ bool CVekMultiLock::Lock(void)
     return true;
 }
 
-bool CVekMultiLock::Unlock(void)
+bool CVekMultiLock::Unlock()
 {
     for (unsigned int i = 0; i < m_count; ++i)
     {
@@ -52,7 +52,7 @@ bool CVekMultiLock::Unlock(void)
     return true;
 }
 
-bool CVekMultiLock::IsLocked(void)
+bool CVekMultiLock::IsLocked()
 {
     return m_locked;
 }

@@ -11,19 +11,19 @@ CVekMutex::~CVekMutex()
     m_handle = nullptr;
 }
 
-bool CVekMutex::Lock(void)
+bool CVekMutex::Lock()
 {
     WaitForSingleObject(m_handle, INFINITE);
     return true;
 }
 
-bool CVekMutex::Unlock(void)
+bool CVekMutex::Unlock()
 {
     ReleaseMutex(m_handle);
     return true;
 }
 
-void * CVekMutex::GetHandle(void) const
+void * CVekMutex::GetHandle() const
 {
     return m_handle;
 }

@@ -15,20 +15,20 @@ CVekSemaphore::~CVekSemaphore()
     m_handle = nullptr;
 }
 
-bool CVekSemaphore::Lock(void)
+bool CVekSemaphore::Lock()
 {
     WaitForSingleObject(m_handle, INFINITE);
     return true;
 }
 
-bool CVekSemaphore::Unlock(void)
+bool CVekSemaphore::Unlock()
 {
     LONG previousCount;
     ReleaseSemaphore(m_handle, 1, &previousCount);
     return true;
 }
 
-void * CVekSemaphore::GetHandle(void) const
+void * CVekSemaphore::GetHandle() const
 {
     return m_handle;
 }

@@ -11,36 +11,36 @@ CVekSignal::~CVekSignal()
     m_handle = nullptr;
 }
 
-bool CVekSignal::Lock(void)
+bool CVekSignal::Lock()
 {
     WaitForSingleObject(m_handle, INFINITE);
     ResetEvent(m_handle);
     return true;
 }
 
-bool CVekSignal::Unlock(void)
+bool CVekSignal::Unlock()
 {
     return true;
 }
 
-void * CVekSignal::GetHandle(void) const
+void * CVekSignal::GetHandle() const
 {
     return m_handle;
 }
 
-bool CVekSignal::SetSignal(void)
+bool CVekSignal::SetSignal()
 {
     SetEvent(m_handle);
     return true;
 }
 
-bool CVekSignal::ResetSignal(void)
+bool CVekSignal::ResetSignal()
 {
     ResetEvent(m_handle);
     return true;
 }
 
-bool CVekSignal::PulseSignal(void)
+bool CVekSignal::PulseSignal()
 {
     PulseEvent(m_handle);
     return true;

@@ -12,7 +12,7 @@ CVekSingleLock::~CVekSingleLock()
         Unlock();
 }
 
-bool CVekSingleLock::Lock(void)
+bool CVekSingleLock::Lock()
 {
     if (m_object)
         m_object->Lock();
@@ -20,7 +20,7 @@ bool CVekSingleLock::Lock(void)
     return true;
 }
 
-bool CVekSingleLock::Unlock(void)
+bool CVekSingleLock::Unlock()
 {
     // Kept: it does not look whether this holder locked; callers hand a lock taken elsewhere to a holder.
     if (m_object)
@@ -29,7 +29,7 @@ bool CVekSingleLock::Unlock(void)
     return true;
 }
 
-bool CVekSingleLock::IsLocked(void)
+bool CVekSingleLock::IsLocked()
 {
     return m_locked;
 }

@@ -4,42 +4,19 @@
 
 #include "thread/MemberFunctor.h"
 
-#include <string.h>
-
 #include <new>
-
-namespace
-{
-
-/// The table of every CVekThread, which tells one from a host's own thread class of whatever compiler.
-std::atomic<void const *> g_table{nullptr};
-
-void const * TableOf(IVekThread const & thread) noexcept
-{
-    void const * table;
-    memcpy(&table, static_cast<void const *>(&thread), sizeof table);
-    return table;
-}
-
-} // namespace
 
 CVekThread::CVekThread(wchar_t const * name, TickCallback * callback, bool createFlag, unsigned int tickInterval,
                        unsigned int maxTickCount)
-    : m_worker(vek::Ref<vek::Worker>::Adopt(new (std::nothrow)
-                                                vek::Worker(name, callback, createFlag, tickInterval, maxTickCount)))
+    : m_worker(CVekRef<vek::Worker>::Adopt(new (std::nothrow)
+                                               vek::Worker(name, callback, createFlag, tickInterval, maxTickCount)))
 {
-    g_table.store(TableOf(*this), std::memory_order_relaxed);
 }
 
 CVekThread::~CVekThread()
 {
     if (m_worker)
         m_worker->Leave();
-}
-
-CVekThread * CVekThread::From(IVekThread * thread) noexcept
-{
-    return TableOf(*thread) == g_table.load(std::memory_order_relaxed) ? static_cast<CVekThread *>(thread) : nullptr;
 }
 
 void CVekThread::SetTickCallback(TickCallback * callback)
@@ -54,77 +31,77 @@ void CVekThread::SetTickCallback(TickCallback * callback)
     getVekLibKernel()->ExecuteThreadCommand(&command, this);
 }
 
-IVekThread::TickCallback * CVekThread::GetTickCallback(void)
+IVekThread::TickCallback * CVekThread::GetTickCallback()
 {
     return m_worker->GetCallback();
 }
 
-IVekThread::TickCallback const * CVekThread::GetTickCallback(void) const
+IVekThread::TickCallback const * CVekThread::GetTickCallback() const
 {
     return m_worker->GetCallback();
 }
 
-CVekString<wchar_t> const & CVekThread::GetName(void) const
+CVekString<wchar_t> const & CVekThread::GetName() const
 {
     return m_worker->name;
 }
 
-unsigned int CVekThread::GetTickInterval(void)
+unsigned int CVekThread::GetTickInterval()
 {
     return m_worker->tickInterval;
 }
 
-unsigned int CVekThread::GetMaxTickCount(void)
+unsigned int CVekThread::GetMaxTickCount()
 {
     return m_worker->maxTickCount;
 }
 
-void * CVekThread::GetHandle(void)
+void * CVekThread::GetHandle()
 {
     return m_worker->GetHandle();
 }
 
-unsigned int CVekThread::GetThreadID(void)
+unsigned int CVekThread::GetThreadID()
 {
     return m_worker->GetThreadID();
 }
 
-bool CVekThread::GetCreateFlag(void)
+bool CVekThread::GetCreateFlag()
 {
     return m_worker->createFlag;
 }
 
-bool CVekThread::IsCurrentThread(void)
+bool CVekThread::IsCurrentThread()
 {
     return m_worker->IsCurrentThread();
 }
 
-bool CVekThread::IsRunning(void)
+bool CVekThread::IsRunning()
 {
     return m_worker->IsRunning();
 }
 
-bool CVekThread::IsSuspended(void)
+bool CVekThread::IsSuspended()
 {
     return m_worker->IsSuspended();
 }
 
-unsigned int CVekThread::Start(void)
+unsigned int CVekThread::Start()
 {
     return m_worker->Start();
 }
 
-long CVekThread::Suspend(void)
+long CVekThread::Suspend()
 {
     return m_worker->Suspend();
 }
 
-long CVekThread::Resume(void)
+long CVekThread::Resume()
 {
     return m_worker->Resume();
 }
 
-unsigned int CVekThread::Stop(void)
+unsigned int CVekThread::Stop()
 {
     return m_worker->Stop();
 }
@@ -140,7 +117,7 @@ void CVekThread::AddCommand(CVekThreadCommand * command)
         m_worker->AddCommand(command);
 }
 
-bool CVekThread::HasPendingCommands(void)
+bool CVekThread::HasPendingCommands()
 {
     return m_worker->HasPendingCommands();
 }

@@ -1,47 +1,47 @@
 #pragma once
 
+#include "VekRef.h"
 #include "VekThread.h"
 
-#include "core/Ref.h"
 #include "thread/Worker.h"
 
 /// The library's worker thread: the face of what it shares with the thread of the operating system.
 class CVekThread final : public CVekRefCounted<IVekThread>
 {
 public:
+    /// A thread without its shared part, of no use but to tell its class by.
+    CVekThread() = default;
     CVekThread(wchar_t const * name, TickCallback * callback, bool createFlag, unsigned int tickInterval,
                unsigned int maxTickCount);
     CVekThread(CVekThread const &) = delete;
     CVekThread & operator=(CVekThread const &) = delete;
     ~CVekThread() override;
 
-    /// The thread as the library's own class; null for one that a host has implemented.
-    static CVekThread * From(IVekThread * thread) noexcept;
     /// False when the shared part could not be allocated: the object is of no use.
     bool IsUsable() const { return static_cast<bool>(m_worker); }
     /// Waits until the command has run, or the worker has ended without running it.
     void WaitForCommand(CVekThreadCommand * command, CVekSignal & signal) { m_worker->WaitForCommand(command, signal); }
 
     void SetTickCallback(TickCallback * callback) override;
-    TickCallback * GetTickCallback(void) override;
-    TickCallback const * GetTickCallback(void) const override;
-    CVekString<wchar_t> const & GetName(void) const override;
-    unsigned int GetTickInterval(void) override;
-    unsigned int GetMaxTickCount(void) override;
-    void * GetHandle(void) override;
-    unsigned int GetThreadID(void) override;
-    bool GetCreateFlag(void) override;
-    bool IsCurrentThread(void) override;
-    bool IsRunning(void) override;
-    bool IsSuspended(void) override;
-    unsigned int Start(void) override;
-    long Suspend(void) override;
-    long Resume(void) override;
-    unsigned int Stop(void) override;
+    TickCallback * GetTickCallback() override;
+    TickCallback const * GetTickCallback() const override;
+    CVekString<wchar_t> const & GetName() const override;
+    unsigned int GetTickInterval() override;
+    unsigned int GetMaxTickCount() override;
+    void * GetHandle() override;
+    unsigned int GetThreadID() override;
+    bool GetCreateFlag() override;
+    bool IsCurrentThread() override;
+    bool IsRunning() override;
+    bool IsSuspended() override;
+    unsigned int Start() override;
+    long Suspend() override;
+    long Resume() override;
+    unsigned int Stop() override;
     void PostControlMessage(unsigned int type, void * parameter) override;
     void AddCommand(CVekThreadCommand * command) override;
-    bool HasPendingCommands(void) override;
+    bool HasPendingCommands() override;
 
 private:
-    vek::Ref<vek::Worker> m_worker;
+    CVekRef<vek::Worker> m_worker;
 };

@@ -1,6 +1,6 @@
 #include "thread/Worker.h"
 
-#include "core/Ref.h"
+#include "VekRef.h"
 
 #include <windows.h>
 
@@ -16,7 +16,7 @@ constexpr DWORD RESUME_FAILED = static_cast<DWORD>(-1);
 
 DWORD WINAPI WorkerEntry(void * parameter)
 {
-    auto const worker = Ref<Worker>::Adopt(static_cast<Worker *>(parameter));
+    auto const worker = CVekRef<Worker>::Adopt(static_cast<Worker *>(parameter));
     worker->Run();
     return 0;
 }

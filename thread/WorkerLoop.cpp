@@ -1,7 +1,7 @@
 // The part of a worker that runs on its own thread.
 #include "VekLib.h"
+#include "VekRef.h"
 
-#include "core/Ref.h"
 #include "thread/Worker.h"
 
 #include <windows.h>
@@ -26,7 +26,7 @@ LONG CALLBACK ContinueNaming(EXCEPTION_POINTERS * exception)
 void Worker::Run()
 {
     NameThread();
-    auto const timer = Ref<IVekTimer>::Adopt(getVekLibKernel()->CreateTimer());
+    auto const timer = CVekRef<IVekTimer>::Adopt(getVekLibKernel()->CreateTimer());
     m_running = true;
     bool isFirstTick = true;
     unsigned int tickCount = 0;
@@ -107,7 +107,7 @@ bool Worker::IsTickDue(IVekTimer * timer) const
 void Worker::Tick(IVekTimer * timer)
 {
     // A command may swap the callback within its own tick.
-    if (auto const callback = Ref<IVekThread::TickCallback>::Share(m_callback))
+    if (auto const callback = CVekRef<IVekThread::TickCallback>::Share(m_callback))
         callback->OnTick();
     if (tickInterval != 0 && timer)
         timer->Start();

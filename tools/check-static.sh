@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 shopt -s nullglob
 
 files=("$@")
-[ ${#files[@]} -gt 0 ] || files=({core,text,io,xml,lexer,thread,math}/*.cpp)
+[ ${#files[@]} -gt 0 ] || files=({base,text,math,thread,xml,io,lexer,core}/*.cpp)
 deps=$(tools/setup.sh --where)
 includes=$(dirname "$(i686-w64-mingw32-g++-posix -print-libgcc-file-name)")/include/c++
 export CHECK_OPTIONS="--target=i686-w64-mingw32 -std=c++20 -O1 -msse2 -DUNICODE -D_UNICODE -DVEKLIB_BUILD -DXML_STATIC
@@ -27,6 +27,6 @@ cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --i
     --std=c++20 --language=c++ -j "$(nproc)" -Iinclude -I. -DUNICODE -D_UNICODE -D_WIN32 -D__GNUC__=12 \
     --suppress=missingIncludeSystem --suppress=virtualCallInConstructor "${files[@]}" || { echo "cppcheck has findings"; status=1; }
 
-find include core text io xml lexer thread math apps bench examples tests -name '*.cpp' -o -name '*.h' |
+find include base text math thread xml io lexer core apps bench examples tests -name '*.cpp' -o -name '*.h' |
     xargs clang-format --dry-run --Werror || { echo "clang-format would change files"; status=1; }
 exit $status

@@ -18,7 +18,7 @@ for preset in win32-coverage win32-guard-coverage; do
 done
 mkdir -p build/coverage
 filters=()
-for room in include core text io xml lexer thread math; do filters+=(--filter "$room/"); done
+for room in include base text math thread xml io lexer core; do filters+=(--filter "$room/"); done
 step "add up" coverage gcovr --root . --gcov-executable i686-w64-mingw32-gcov-posix --object-directory build \
     "${filters[@]}" --exclude-throw-branches --exclude-unreachable-branches --gcov-ignore-parse-errors \
     --txt build/coverage.txt --json build/coverage/coverage.json --html-details build/coverage/index.html \

@@ -1,6 +1,6 @@
 #include "xml/XMLDTDWriter.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 
 namespace vek
 {

@@ -1,6 +1,6 @@
 #include "xml/XMLDocument.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "xml/XMLElementSupport.h"
 
 #include <wchar.h>

@@ -1,6 +1,6 @@
 #include "VekXML.h"
 
-#include "core/Pool.h"
+#include "base/Pool.h"
 #include "text/Names.h"
 #include "text/StringAccess.h"
 #include "xml/ReleaseTree.h"

@@ -1,6 +1,6 @@
 #include "VekXML.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "text/Names.h"
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"

@@ -1,8 +1,8 @@
 #include "xml/XMLElementSupport.h"
 
 #include "VekLib.h"
-#include "core/Ref.h"
-#include "core/TableOf.h"
+#include "VekRef.h"
+#include "base/AsOwn.h"
 #include "text/Names.h"
 
 #include <stdint.h>
@@ -34,7 +34,7 @@ CVekXMLElement * ToLibraryElement(IVekXMLElement * element, CVekXMLElement const
 {
     if (!element)
         return nullptr;
-    void const * const * const table = TableOf(*element);
+    auto const * const table = static_cast<void const * const *>(TableOf(*element));
     if (table == TableOf(known))
         return static_cast<CVekXMLElement *>(element);
     return HasTypeRecord(table) ? dynamic_cast<CVekXMLElement *>(element) : nullptr;
@@ -44,7 +44,7 @@ IVekXMLElement * AddNewElement(IVekXMLElement & parent, wchar_t const * name) no
 {
     IVekKernel * const kernel = getVekLibKernel();
     IVekXMLManager * const manager = kernel ? kernel->GetXMLManager() : nullptr;
-    auto const child = Ref<IVekXMLElement>::Adopt(manager ? manager->CreateXMLElement() : nullptr);
+    auto const child = CVekRef<IVekXMLElement>::Adopt(manager ? manager->CreateXMLElement() : nullptr);
     if (!child)
         return nullptr;
     child->SetName(name);

@@ -1,6 +1,6 @@
 #include "xml/XMLEscape.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "text/StringAccess.h"
 
 #include <emmintrin.h>

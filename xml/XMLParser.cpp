@@ -1,7 +1,7 @@
 #include "VekIO.h"
 #include "VekLib.h"
+#include "VekRef.h"
 
-#include "core/Ref.h"
 #include "xml/XMLParserState.h"
 
 #include <limits.h>
@@ -28,7 +28,7 @@ struct FileBytes
 
 bool ReadFile(wchar_t const * path, FileBytes & bytes)
 {
-    auto const stream = vek::Ref<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
+    auto const stream = CVekRef<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
     if (!stream)
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to create file io stream");
@@ -86,7 +86,7 @@ bool EnsureRootElement(IVekXMLDocument * document)
 {
     if (document->GetRootElement())
         return true;
-    auto const root = vek::Ref<IVekXMLElement>::Adopt(new (std::nothrow) CVekXMLElement);
+    auto const root = CVekRef<IVekXMLElement>::Adopt(new (std::nothrow) CVekXMLElement);
     return root && document->SetRootElement(root.Get());
 }
 

@@ -2,7 +2,7 @@
 
 #include "VekXML.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "xml/XMLNameCache.h"
 
 #include <expat.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "VekText.h"
+#include "VekVariant.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "xml/XMLValueText.h"
 
 namespace vek

@@ -2,8 +2,8 @@
 
 #include "VekIO.h"
 #include "VekLib.h"
+#include "VekRef.h"
 
-#include "core/Ref.h"
 #include "xml/XMLDTDWriter.h"
 
 namespace
@@ -100,7 +100,7 @@ bool CVekXMLWriter::WriteXMLFile(wchar_t const * path, IVekXMLDocument * documen
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Document has no Element");
         return false;
     }
-    auto const stream = vek::Ref<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
+    auto const stream = CVekRef<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
     if (!stream)
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Failed to create File IO Stream");

@@ -2,7 +2,7 @@
 
 #include "VekXML.h"
 
-#include "core/Buffer.h"
+#include "base/Buffer.h"
 #include "xml/XMLOutput.h"
 
 /// Writes documents, one line for each tag. Walks the tree through the element interface, on a stack of its own.

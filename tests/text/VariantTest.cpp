@@ -1,3 +1,5 @@
+#include "VekVariant.h"
+
 #include "text/TextKit.h"
 
 #include "support/GuardHeap.h"

@@ -2,7 +2,7 @@
 
 #include "VekCore.h"
 
-#include "core/PointerList.h"
+#include "base/PointerList.h"
 #include "fuzz/targets/Targets.h"
 
 #include <algorithm>

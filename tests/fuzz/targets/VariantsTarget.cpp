@@ -1,6 +1,6 @@
 // Variants beside what was put into them last.
 
-#include "VekText.h"
+#include "VekVariant.h"
 
 #include "fuzz/targets/Targets.h"
 

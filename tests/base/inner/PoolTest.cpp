@@ -1,4 +1,4 @@
-#include "core/Pool.h"
+#include "base/Pool.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/SpinLock.h"
+#include "base/SpinLock.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
-#include "core/Pool.h"
+#include "base/Pool.h"
 
 #include "VekCore.h"
-#include "core/SpinLock.h"
+#include "base/SpinLock.h"
 
 #include <stdint.h>
 #include <stdlib.h>
@@ -287,17 +287,17 @@ size_t PoolReservedBytes() noexcept
 } // namespace vek
 
 // NOLINTNEXTLINE(cert-dcl54-cpp): its operator delete is the one that takes the size
-void * CVekPooled::operator new(size_t size) VEK_NOEXCEPT
+void * CVekPooled::operator new(size_t size) noexcept
 {
     return vek::PoolAllocate(size);
 }
 
-void * CVekPooled::operator new(size_t size, std::nothrow_t const &) VEK_NOEXCEPT
+void * CVekPooled::operator new(size_t size, std::nothrow_t const &) noexcept
 {
     return vek::PoolAllocate(size);
 }
 
-void CVekPooled::operator delete(void * block, size_t size) VEK_NOEXCEPT
+void CVekPooled::operator delete(void * block, size_t size) noexcept
 {
     vek::PoolFreeObject(block, size);
 }

@@ -1,6 +1,6 @@
 #include "VekCore.h"
 
-#include "core/Pool.h"
+#include "base/Pool.h"
 
 #include <limits.h>
 #include <string.h>
@@ -24,14 +24,14 @@ size_t BlockBytes(int capacity)
 
 } // namespace
 
-bool CVekPointerArrayBase::Grow() VEK_NOEXCEPT
+bool CVekPointerArrayBase::Grow() noexcept
 {
     int const doubled = m_capacity ? m_capacity : 1;
     int const step = m_growthStep == GROW_DOUBLING ? doubled : (m_growthStep > 1 ? m_growthStep : 1);
     return step <= INT_MAX - m_capacity && Reserve(m_capacity + step);
 }
 
-bool CVekPointerArrayBase::Reserve(int capacity) VEK_NOEXCEPT
+bool CVekPointerArrayBase::Reserve(int capacity) noexcept
 {
     constexpr int limit = INT_MAX / static_cast<int>(2 * sizeof(void *));
     if (capacity <= m_capacity)
@@ -54,7 +54,7 @@ bool CVekPointerArrayBase::Reserve(int capacity) VEK_NOEXCEPT
     return true;
 }
 
-bool CVekPointerArrayBase::Insert(int index, void * pointer) VEK_NOEXCEPT
+bool CVekPointerArrayBase::Insert(int index, void * pointer) noexcept
 {
     if (index < 0 || index > m_count || !Append(pointer))
         return false;
@@ -63,7 +63,7 @@ bool CVekPointerArrayBase::Insert(int index, void * pointer) VEK_NOEXCEPT
     return true;
 }
 
-void CVekPointerArrayBase::RemoveAt(int index) VEK_NOEXCEPT
+void CVekPointerArrayBase::RemoveAt(int index) noexcept
 {
     if (index < 0 || index >= m_count)
         return;
@@ -71,7 +71,7 @@ void CVekPointerArrayBase::RemoveAt(int index) VEK_NOEXCEPT
     memmove(m_storage + index, m_storage + index + 1, static_cast<size_t>(m_count - index) * sizeof(void *));
 }
 
-void CVekPointerArrayBase::Free() VEK_NOEXCEPT
+void CVekPointerArrayBase::Free() noexcept
 {
     if (m_storage)
         vek::PoolFree(m_storage, BlockBytes(m_capacity));
@@ -80,7 +80,7 @@ void CVekPointerArrayBase::Free() VEK_NOEXCEPT
     m_capacity = 0;
 }
 
-void CVekPointerArrayBase::Swap(CVekPointerArrayBase & other) VEK_NOEXCEPT
+void CVekPointerArrayBase::Swap(CVekPointerArrayBase & other) noexcept
 {
     CVekPointerArrayBase const mine = *this;
     *this = other;

@@ -1,4 +1,4 @@
-#include "core/PointerList.h"
+#include "base/PointerList.h"
 
 #include "support/GuardHeap.h"
 
