@@ -1,4 +1,4 @@
-#include "CurveBench.h"
+#include "Benches.h"
 
 #include "VekLib.h"
 

@@ -1,4 +1,4 @@
-#include "DataBench.h"
+#include "Benches.h"
 
 #include "VekLib.h"
 

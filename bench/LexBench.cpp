@@ -1,4 +1,4 @@
-#include "LexBench.h"
+#include "Benches.h"
 
 #include "SwitchLexer.h"
 #include "VekLib.h"

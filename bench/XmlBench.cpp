@@ -1,4 +1,4 @@
-#include "XmlBench.h"
+#include "Benches.h"
 
 #include "Documents.h"
 #include "VekLib.h"

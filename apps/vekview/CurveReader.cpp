@@ -1,8 +1,8 @@
 #include "CurveReader.h"
 
 #include "Console.h"
+#include "LibraryText.h"
 #include "LogToStderr.h"
-#include "XmlFile.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "ElementReader.h"
 
 #include "Console.h"
-#include "XmlFile.h"
+#include "LibraryText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "Console.h"
 #include "CurveReader.h"
-#include "XmlFile.h"
+#include "LibraryText.h"
 
 #include <cmath>
 
