@@ -3,28 +3,31 @@
 #include "Console.h"
 #include "Utf8.h"
 
-#include <CLI/CLI.hpp>
-
 #include <new>
 
 namespace tool
 {
 
-std::optional<int> ParseCommandLine(CLI::App & app, int count, wchar_t ** arguments)
+CommandLine::CommandLine(char const * description) : CLI::App(description, ToUtf8(PROGRAM_NAME))
 {
-    app.allow_windows_style_options(false); // "/dir/file" is a path
-    std::vector<std::string> reversed;      // the parser takes them from the back
+    allow_windows_style_options(false); // "/dir/file" is a path, for the commands that are added later, too
+    set_version_flag("--version", get_name() + " " VEK_VERSION);
+}
+
+std::optional<int> CommandLine::Parse(int count, wchar_t ** arguments)
+{
+    std::vector<std::string> reversed; // the parser takes them from the back
     for (int i = count - 1; i > 0; --i)
         reversed.push_back(ToUtf8KeepingAll(arguments[i]));
     try
     {
-        app.parse(reversed);
+        parse(reversed);
         return std::nullopt;
     }
     catch (CLI::ParseError const & error)
     {
         std::ostringstream out, err;
-        bool const isError = app.exit(error, out, err) != 0;
+        bool const isError = exit(error, out, err) != 0;
         Console::Out().Write(FromUtf8(out.str()));
         if (isError)
             Console::Err().Write(PROGRAM_NAME + (L": " + Printable(FromUtf8(error.what()))) + L"\nRun \"" +

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <optional>
+#include <CLI/CLI.hpp>
 
-namespace CLI
-{
-class App;
-}
+#include <optional>
 
 namespace tool
 {
@@ -18,8 +15,15 @@ extern wchar_t const * const PROGRAM_NAME;
 /// The program itself: parses the command line and does what it asks for. Returns an exit code.
 int Run(int count, wchar_t ** arguments);
 
-/// Parses a command line by the rules in app. Nothing when the program has something to do; otherwise its exit code:
-/// the help or the version is printed, or the user told what is wrong.
-std::optional<int> ParseCommandLine(CLI::App & app, int count, wchar_t ** arguments);
+/// The rules of a program's command line, the program's name and version among them.
+class CommandLine : public CLI::App
+{
+public:
+    explicit CommandLine(char const * description);
+
+    /// Nothing when the program has something to do; otherwise its exit code: the help or the version is printed, or
+    /// the user told what is wrong.
+    std::optional<int> Parse(int count, wchar_t ** arguments);
+};
 
 } // namespace tool

@@ -8,11 +8,10 @@ wchar_t const * const tool::PROGRAM_NAME = L"vek";
 
 int tool::Run(int count, wchar_t ** arguments)
 {
-    CLI::App app("VekLib's command-line tool", "vek");
-    app.set_version_flag("--version", "vek " VEK_VERSION);
+    CommandLine line("VekLib's command-line tool");
     Command command;
-    AddCommands(app, command);
-    if (std::optional<int> const code = ParseCommandLine(app, count, arguments))
+    AddCommands(line, command);
+    if (std::optional<int> const code = line.Parse(count, arguments))
         return *code;
     Library const library;
     if (!library.Started())

@@ -9,8 +9,6 @@
 #include "Window.h"
 #include "XmlFile.h"
 
-#include <CLI/CLI.hpp>
-
 namespace tool
 {
 
@@ -47,7 +45,6 @@ std::string ParseSize(std::string const & text, Arguments & arguments)
 
 void AddArguments(CLI::App & app, Arguments & arguments)
 {
-    app.set_version_flag("--version", "vekview " VEK_VERSION);
     app.footer(HELP);
     app.add_option("SCENE", arguments.scene, "The scene's XML file")->required()->type_name("");
     app.add_option("--snapshot", arguments.snapshot, "Draw into a PNG file instead of a window")->type_name("OUT");
@@ -87,10 +84,10 @@ int DrawSnapshot(Scene const & scene, Arguments const & arguments)
 
 int Run(int count, wchar_t ** texts)
 {
-    CLI::App app("Shows a scene of NURBS curves, boxes, triangles and grids", "vekview");
+    CommandLine line("Shows a scene of NURBS curves, boxes, triangles and grids");
     Arguments arguments;
-    AddArguments(app, arguments);
-    if (std::optional<int> const code = ParseCommandLine(app, count, texts))
+    AddArguments(line, arguments);
+    if (std::optional<int> const code = line.Parse(count, texts))
         return *code;
     Library const library;
     if (!library.Started())
