@@ -202,8 +202,7 @@ public:
     virtual void ReportError();
 };
 
-// --- intrusive list
-// ---------------------------------------------------------------------------------------------------
+// --- intrusive list --------------------------------------------------------------------------------------------------
 
 /// The links that an element of a CVekDirectLinkedList carries. Elements offer them as GetPrev, SetPrev, GetNext,
 /// SetNext.
@@ -304,8 +303,7 @@ private:
     unsigned int m_count = 0;
 };
 
-// --- tracked memory
-// ---------------------------------------------------------------------------------------------------
+// --- tracked memory --------------------------------------------------------------------------------------------------
 
 /// Allocates a block that the library tracks with its size, the file-name part of a source file (null: "Unknown File")
 /// and a line. Null, without a message, when memory is exhausted. The block is aligned as malloc's and is freed with
@@ -318,8 +316,7 @@ VEK_API unsigned char * VekAllocMemory(unsigned int size, char const * file, int
 VEK_API bool VekDeallocMemory(void * pointer, wchar_t const * file, int line);
 VEK_API bool VekDeallocMemory(void * pointer, char const * file, int line);
 
-// --- events
-// -----------------------------------------------------------------------------------------------------------
+// --- events ----------------------------------------------------------------------------------------------------------
 
 class CVekEventHandlerContainer;
 
@@ -388,8 +385,7 @@ private:
     CVekPointerArray<CVekEventHandler> m_handlers;
 };
 
-// --- progress
-// ---------------------------------------------------------------------------------------------------------
+// --- progress --------------------------------------------------------------------------------------------------------
 
 /// Tracks the progress of nested tasks in percent and reports it to a callback. Used by one thread at a time.
 class IVekProgressController : public IVekObject
@@ -477,8 +473,7 @@ private:
     IVekProgressController * m_controller;
 };
 
-// --- randomizer, CPU usage, timer
-// ---------------------------------------------------------------------------------------
+// --- randomizer, CPU usage, timer ------------------------------------------------------------------------------------
 
 /// A source of random values. All randomizers share the runtime's one sequence, which each new one seeds with the time.
 class IVekRandomizer : public IVekObject
