@@ -4,6 +4,7 @@
 #include "text/StringAccess.h"
 
 #include <new>
+#include <utility>
 
 namespace
 {
@@ -18,7 +19,7 @@ bool HasObject(VEK_DATATYPE type)
 CVekTypedDataEntry::CVekTypedDataEntry(wchar_t const * name, VEK_DATATYPE type) : m_name(name), m_value(type) {}
 
 CVekTypedDataEntry::CVekTypedDataEntry(CVekString<wchar_t> && name, VEK_DATATYPE type)
-    : m_name(static_cast<CVekString<wchar_t> &&>(name)), m_value(type)
+    : m_name(std::move(name)), m_value(type)
 {
 }
 
