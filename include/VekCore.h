@@ -154,6 +154,8 @@ public:
     /// The pointer at an index, or null for one outside the array.
     T * At(int index) const noexcept { return Has(index) ? (*this)[index] : nullptr; }
     bool Has(int index) const noexcept { return index >= 0 && index < m_count; }
+    /// Replaces the pointer at an index, which must be inside the array.
+    void Set(int index, T * pointer) noexcept { m_storage[index] = pointer; }
     /// Removes the last pointer, which must exist, and returns it.
     T * TakeLast() noexcept { return static_cast<T *>(m_storage[--m_count]); }
     bool Append(T * pointer) noexcept { return CVekPointerArrayBase::Append(pointer); }
