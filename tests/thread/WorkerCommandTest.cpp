@@ -6,7 +6,6 @@
 #include <thread>
 
 using WorkerKit::Command;
-using WorkerKit::Gate;
 using WorkerKit::Ticks;
 using WorkerKit::Until;
 using WorkerKit::Workers;
@@ -27,25 +26,17 @@ TEST_F(Workers, RunCommandsInOrder)
             kernel.ExecuteThreadCommand(new Command([&] { calls += 'f'; }), thread.Get());
         }));
     thread->AddCommand(nullptr);
+    kernel.PostThreadCommand(nullptr, thread.Get());
+    kernel.ExecuteThreadCommand(nullptr, thread.Get());
     EXPECT_TRUE(thread->HasPendingCommands());
     thread->Start();
     EXPECT_TRUE(Until([&] { return Command::s_destroyed - destroyed == 7; }));
     Command last([&] { calls += '.'; }, false);
     kernel.ExecuteThreadCommand(&last, thread.Get());
+    kernel.ExecuteThreadCommand(&last, nullptr);
+    kernel.PostThreadCommand(&last, nullptr);
     EXPECT_EQ(calls, "abcdefg.") << "on the worker itself they run at once";
-    EXPECT_EQ(last.GetRefCount(), 1u);
-    EXPECT_EQ(last.GetEndSignal(), nullptr);
-    EXPECT_FALSE(thread->HasPendingCommands());
-}
-
-TEST_F(Workers, IgnoreNothing)
-{
-    Thread const thread = Create();
-    Command command([] {}, false);
-    kernel.ExecuteThreadCommand(nullptr, thread.Get());
-    kernel.ExecuteThreadCommand(&command, nullptr);
-    kernel.PostThreadCommand(nullptr, thread.Get());
-    kernel.PostThreadCommand(&command, nullptr);
+    EXPECT_TRUE(last.GetRefCount() == 1 && !last.GetEndSignal());
     EXPECT_FALSE(thread->HasPendingCommands());
 }
 
@@ -90,12 +81,10 @@ TEST_F(Workers, LaunchSetsTheSignalAndReleases)
         Deciding() : CVekThreadCommand(false) {}
         void Execute() override { SetAutoDelete(true); }
     };
-    auto * const deciding = new Deciding;
+    CVekRef<Deciding> const deciding(new Deciding);
     deciding->AddRef();
-    CallSlot(deciding, 6);
-    EXPECT_TRUE(deciding->IsAutoDelete());
     deciding->Launch();
-    EXPECT_EQ(deciding->Release(), 0u);
+    EXPECT_EQ(deciding->GetRefCount(), 1u);
 }
 
 TEST_F(Workers, RunCommandsOnceTheyAreResumed)
@@ -136,13 +125,13 @@ TEST_F(Workers, EndWhileOthersWaitForTheirCommand)
     {
         SCOPED_TRACE(autoDelete);
         Ticks ticks;
-        Gate gate;
+        std::latch gate{1};
         Thread const thread = InLastTick(ticks, gate);
         bool ran = false;
         CVekRef<Command> const command(new Command([&] { ran = true; }, autoDelete));
         std::thread caller([&] { kernel.ExecuteThreadCommand(CVekRef(command).Detach(), thread.Get()); });
         EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
-        gate.Open();
+        gate.count_down();
         caller.join();
         for (char const * when : {"it has ended meanwhile", "it has ended before"})
         {
@@ -200,7 +189,7 @@ TEST_F(Workers, WaitForAWorkerThatStartsLater)
 TEST_F(Workers, KeptCommandsLeftBehindAreNotRun)
 {
     Ticks ticks;
-    Gate gate;
+    std::latch gate{1};
     Thread thread = InLastTick(ticks, gate);
     CVekSignal signal;
     bool ran = false;
@@ -212,7 +201,7 @@ TEST_F(Workers, KeptCommandsLeftBehindAreNotRun)
         command->SetEndSignal(&signal);
         thread->AddCommand(command);
     }
-    gate.Open();
+    gate.count_down();
     EXPECT_TRUE(HasEnded(thread));
     EXPECT_FALSE(ran);
     EXPECT_EQ(Command::s_destroyed - destroyed, 1) << "kept: one that deletes itself is released";

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <latch>
 
 namespace WorkerKit
 {
@@ -55,21 +56,6 @@ private:
     std::function<void()> m_work;
 };
 
-// Open or closed; waits without end while it is closed.
-class Gate
-{
-public:
-    void Open() { SetEvent(m_event); }
-    void Pass() { WaitForSingleObject(m_event, INFINITE); }
-    Gate() = default;
-    Gate(Gate const &) = delete;
-    Gate & operator=(Gate const &) = delete;
-    ~Gate() { CloseHandle(m_event); }
-
-private:
-    HANDLE m_event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-};
-
 class Workers : public testing::Test
 {
 protected:
@@ -88,11 +74,11 @@ protected:
         EXPECT_EQ(thread->Start(), 1u);
         return thread;
     }
-    // In its last tick, until the gate is opened.
-    Thread InLastTick(Ticks & ticks, Gate & gate)
+    // In its last tick, until the gate is counted down.
+    Thread InLastTick(Ticks & ticks, std::latch & gate)
     {
         ticks.count = 0;
-        ticks.onTick = [&gate] { gate.Pass(); };
+        ticks.onTick = [&gate] { gate.wait(); };
         Thread thread = Started(0, 1, &ticks);
         EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
         return thread;

@@ -4,33 +4,26 @@
 
 #include <string>
 #include <thread>
+#include <tuple>
 
-using WorkerKit::Gate;
 using WorkerKit::Ticks;
 using WorkerKit::Until;
 using WorkerKit::Workers;
 
 TEST_F(Workers, TickUpToTheirLimit)
 {
-    struct Row
-    {
-        char const * name;
-        unsigned int interval, limit;
-        bool hasCallback;
-        int ticks;
-    };
-    Row const rows[] = {
+    std::tuple<char const *, unsigned int, unsigned int, bool, int> const rows[] = {
         {"each turn", 0, 3, true, 3},
         {"without callback", 0, 3, false, 0},
         {"the first turn", 5, 1, true, 1},
     };
-    for (Row const & row : rows)
+    for (auto const & [name, interval, limit, hasCallback, expected] : rows)
     {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(name);
         Ticks ticks;
-        Thread thread = Started(row.interval, row.limit, row.hasCallback ? &ticks : nullptr);
+        Thread thread = Started(interval, limit, hasCallback ? &ticks : nullptr);
         EXPECT_TRUE(HasEnded(thread));
-        EXPECT_EQ(ticks.count, row.ticks);
+        EXPECT_EQ(ticks.count, expected);
         DWORD const begin = GetTickCount();
         thread.Reset();
         EXPECT_LT(GetTickCount() - begin, 1000u) << "it is not waited for again";
@@ -146,7 +139,8 @@ TEST_F(Workers, KeptTheRingOfMessagesIsReused)
     Thread const thread = Started(0, 0, &ticks);
     thread->Suspend();
     for (unsigned int type = 0; type < 1000; ++type)
-        thread->PostControlMessage(type % 5 == 3 ? 99 : type % 5 == 2 ? 98 : type, nullptr); // none to act on
+        thread->PostControlMessage(type % 5 == 3 ? 99 : type % 5 == 2 ? 98 : type,
+                                   nullptr); // none to act on
     thread->Resume();
     EXPECT_TRUE(Ticking(ticks));
     thread->Suspend();
@@ -204,8 +198,8 @@ TEST_F(Workers, AcknowledgeAPostedSuspension)
 TEST_F(Workers, OutliveTheirObjectInALongCall)
 {
     Ticks ticks;
-    Gate gate;
-    ticks.onTick = [&] { gate.Pass(); };
+    std::latch gate{1};
+    ticks.onTick = [&] { gate.wait(); };
     Thread thread = Started(0, 0, &ticks);
     EXPECT_EQ(thread->Start(), 1u) << "kept: a second start is not refused";
     EXPECT_TRUE(Until([&] { return ticks.count == 2; }));
@@ -214,7 +208,7 @@ TEST_F(Workers, OutliveTheirObjectInALongCall)
     DWORD const milliseconds = GetTickCount() - begin;
     EXPECT_TRUE(milliseconds > 4900 && milliseconds < 9000) << milliseconds;
     EXPECT_GT(ticks.GetRefCount(), 1u) << "still in use";
-    gate.Open();
+    gate.count_down();
     EXPECT_TRUE(Until([&] { return ticks.GetRefCount() == 1; }));
     EXPECT_EQ(ticks.count, 2) << "both have left their loop";
 }
@@ -242,7 +236,7 @@ TEST_F(Workers, MayEndTheirOwnObject)
 TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
 {
     Ticks ticks;
-    Gate gate;
+    std::latch gate{1};
     Thread const thread = InLastTick(ticks, gate);
     std::vector<std::thread> callers;
     std::atomic<int> returned = 0;
@@ -250,7 +244,7 @@ TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
         callers.emplace_back([&] { thread->Suspend(), ++returned; });
     Sleep(50);
     EXPECT_EQ(returned, 0);
-    gate.Open();
+    gate.count_down();
     for (std::thread & caller : callers)
         caller.join();
     EXPECT_EQ(thread->Resume(), 2) << "each call counts";
@@ -285,17 +279,18 @@ TEST_F(Workers, SwapTheirCallbackBetweenTicks)
 TEST_F(Workers, SwapTheCallbackOfAWorkerThatEndsMeanwhile)
 {
     Ticks first, second;
-    Gate gate;
+    std::latch gate{1};
     Thread const thread = InLastTick(first, gate);
     std::thread caller([&] { thread->SetTickCallback(&second); });
     EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
-    gate.Open();
+    gate.count_down();
     caller.join();
     EXPECT_EQ(thread->GetTickCallback(), &second);
     EXPECT_TRUE(first.GetRefCount() == 1 && second.GetRefCount() == 2);
 }
 
-// A callback may end as soon as the object of an ended worker is gone, whose thread is perhaps still leaving.
+// A callback may end as soon as the object of an ended worker is gone, whose
+// thread is perhaps still leaving.
 TEST_F(Workers, LetGoOfTheirCallbackWithTheirObject)
 {
     Ticks ticks;
