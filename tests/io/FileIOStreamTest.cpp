@@ -136,21 +136,17 @@ TEST_F(FileIOStream, MessagesWithoutFile)
     ASSERT_TRUE(Open(WRITE_BINARY));
     m_stream.Close();
     m_stream.Close();
-    CVekFileIOStream never;
-    for (CVekFileIOStream * const stream : {&never, &m_stream})
+    for (OperationWithoutStream const & operation : OPERATIONS_WITHOUT_STREAM)
     {
-        for (OperationWithoutStream const & operation : OPERATIONS_WITHOUT_STREAM)
-        {
-            SCOPED_TRACE(operation.name);
-            EXPECT_FALSE(operation.call(*stream));
-            EXPECT_EQ(m_log.Take(), Message(L"CVekFileIOStream::", operation.file, L" --> File is not opened"));
-        }
-        EXPECT_TRUE(stream->GetSize() == 0 && stream->GetPosition() == 0);
-        std::wstring const message = L"CVekFileIOStream::GetSize --> File is not opened";
-        EXPECT_EQ(m_log.Take(), message + L"\n" + message) << "kept: GetPosition names GetSize";
-        EXPECT_FALSE(stream->SetPosition(0, false) || stream->Flush());
-        EXPECT_EQ(m_log.Take(), L"");
+        SCOPED_TRACE(operation.name);
+        EXPECT_FALSE(operation.call(m_stream));
+        EXPECT_EQ(m_log.Take(), Message(L"CVekFileIOStream::", operation.file, L" --> File is not opened"));
     }
+    EXPECT_TRUE(m_stream.GetSize() == 0 && m_stream.GetPosition() == 0);
+    std::wstring const message = L"CVekFileIOStream::GetSize --> File is not opened";
+    EXPECT_EQ(m_log.Take(), message + L"\n" + message) << "kept: GetPosition names GetSize";
+    EXPECT_FALSE(m_stream.SetPosition(0, false) || m_stream.Flush());
+    EXPECT_EQ(m_log.Take(), L"");
 }
 
 TEST_F(FileIOStream, TypedValuesAndText)
