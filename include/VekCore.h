@@ -165,7 +165,8 @@ class IVekCatchLogOutput : public IVekObject
 {
 public:
     /// Called for each message that passes the debug output level, one at a time in the whole process. The text ends in
-    /// a newline and is valid only during the call. It must not add or remove catchers.
+    /// a newline and is valid only during the call. It must not add or remove catchers. The kernel takes no further
+    /// reference for the call. An exception that leaves it ends the process.
     virtual void OnLogOutput(int level, wchar_t const * text) = 0;
 };
 
@@ -352,7 +353,7 @@ public:
     /// Called for each event that is fired; true when the handler dealt with it. The data belongs to whoever fires. The
     /// handler may fire, subscribe and unsubscribe here, itself and its container included, and unregister the event:
     /// each handler that is still subscribed is then called once for each of its subscriptions that the event had when
-    /// it was fired. It keeps a reference to itself during the call.
+    /// it was fired. One more reference is held to it during the call. An exception that leaves it ends the process.
     virtual bool OnEvent(CVekEventData * data) = 0;
 
     /// Makes the container its own, not counted. Null forgets it and unsubscribes the handler from its event.
@@ -401,7 +402,8 @@ public:
     public:
         /// Called with each change: the current task's progress and the share of the whole that ended tasks have
         /// finished, both in percent, the current task's name (valid during the call), and the controller's parameter.
-        /// False asks the working code to stop. The controller keeps a reference to the callback during the call.
+        /// False asks the working code to stop. The controller keeps a reference to the callback during the call. An
+        /// exception that leaves it ends the process.
         virtual bool OnProgress(double taskProgress, double finishedShare, wchar_t const * taskName, int param) = 0;
     };
 
