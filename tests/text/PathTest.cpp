@@ -80,12 +80,11 @@ TYPED_TEST(Path, PartsAreLimitedTo1024CharactersByDefault)
 
 TYPED_TEST(Path, IsSamePathIsLiteralButForCase)
 {
-    std::tuple<char const *, char const *, bool> const rows[] = {
-        // clang-format off
-        {"C:\\A\\B", "c:\\a\\b", true}, {"C:/a", "C:\\a", false}, {"a\\.\\b", "a\\b", false},
-        {"", "", true}, {"a", "", false},
-        // clang-format on
-    };
+    std::tuple<char const *, char const *, bool> const rows[] = {{"C:\\A\\B", "c:\\a\\b", true},
+                                                                 {"C:/a", "C:\\a", false},
+                                                                 {"a\\.\\b", "a\\b", false},
+                                                                 {"", "", true},
+                                                                 {"a", "", false}};
     for (auto const & [first, second, same] : rows)
         EXPECT_EQ(Api<TypeParam>::IsSamePath(Text<TypeParam>(first).c_str(), Text<TypeParam>(second).c_str()), same)
             << first << " and " << second;
@@ -146,7 +145,8 @@ TEST(PlatformPath, Relative)
         {L":\\", PLAIN_FILE, L":\\\\b", L".\\b"},
         // a directory of two characters that doesn't begin the other path as a whole component
         {L".\\", DIRECTORY, L".\\b", L"\\b"},
-        {L"a\\", DIRECTORY, L"a\\b", L"\\b"},
+        {L"a\\", DIRECTORY, L"a\\", L"\\"},
+        {L"a:", DIRECTORY, L"a:b", L"."},
     };
     for (auto const & [from, fromAttributes, to, expected] : rows)
     {
