@@ -80,14 +80,10 @@ TYPED_TEST(Path, PartsAreLimitedTo1024CharactersByDefault)
 
 TYPED_TEST(Path, IsSamePathIsLiteralButForCase)
 {
-    std::tuple<char const *, char const *, bool> const rows[] = {{"C:\\A\\B", "c:\\a\\b", true},
-                                                                 {"C:/a", "C:\\a", false},
-                                                                 {"a\\.\\b", "a\\b", false},
-                                                                 {"", "", true},
-                                                                 {"a", "", false}};
-    for (auto const & [first, second, same] : rows)
-        EXPECT_EQ(Api<TypeParam>::IsSamePath(Text<TypeParam>(first).c_str(), Text<TypeParam>(second).c_str()), same)
-            << first << " and " << second;
+    auto const isSame = [](char const * first, char const * second)
+    { return Api<TypeParam>::IsSamePath(Text<TypeParam>(first).c_str(), Text<TypeParam>(second).c_str()); };
+    EXPECT_TRUE(isSame("C:\\A\\B", "c:\\a\\b") && isSame("", ""));
+    EXPECT_FALSE(isSame("C:/a", "C:\\a") || isSame("a\\.\\b", "a\\b") || isSame("", "a") || isSame("a", "")); // kept
 }
 
 TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
