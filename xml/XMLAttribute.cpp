@@ -4,6 +4,8 @@
 #include "text/StringAccess.h"
 #include "xml/XMLValueText.h"
 
+#include <utility>
+
 namespace
 {
 
@@ -25,7 +27,7 @@ CVekXMLAttribute::CVekXMLAttribute(wchar_t const * name, int nameLength, wchar_t
 }
 
 CVekXMLAttribute::CVekXMLAttribute(CVekString<wchar_t> && name, CVekString<wchar_t> && value)
-    : m_name(static_cast<CVekString<wchar_t> &&>(name)), m_value(static_cast<CVekString<wchar_t> &&>(value))
+    : m_name(std::move(name)), m_value(std::move(value))
 {
 }
 

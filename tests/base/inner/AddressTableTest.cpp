@@ -1,4 +1,4 @@
-#include "core/AddressTable.h"
+#include "base/AddressTable.h"
 
 #include "support/GuardHeap.h"
 
@@ -20,6 +20,7 @@ TEST(AddressTable, AgreesWithASet)
         // Few different low bits, as the addresses of one stripe have.
         std::uintptr_t const value = (random() % 4000 + 1) * 1024 + 16;
         auto * const address = reinterpret_cast<void *>(value);
+        ASSERT_EQ(table.Has(address), model.count(value) == 1) << turn;
         if (!adds)
         {
             ASSERT_EQ(table.Remove(address), model.erase(value) == 1) << turn;
