@@ -18,6 +18,10 @@ namespace std
 {
 struct nothrow_t;
 }
+namespace vek
+{
+struct ArrayAttachment;
+}
 
 /// Adds 1 to the count as one indivisible step; returns the new count.
 inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
@@ -135,6 +139,8 @@ public:
     void Swap(CVekPointerArrayBase & other) noexcept;
 
 protected:
+    friend struct vek::ArrayAttachment;
+
     bool Grow() noexcept;
 
     int m_count = 0;

@@ -338,6 +338,11 @@ private:
 };
 
 /// The library's XML element. Destruction and RemoveAllChildren work through trees of any depth without recursion.
+///
+/// A host may derive from it: an object made by one of the public constructors is taken for the library's own wherever
+/// an element is, and what it overrides is called (AddChild, AddAttribute, SetName and AddCDATASection by a parser that
+/// reads into it as a root; Release and GetName by its parent). One that is made when memory is exhausted may be taken
+/// for an element of a foreign implementation.
 class VEK_API CVekXMLElement : public CVekRefCounted<IVekXMLElement>, public CVekPooled
 {
 public:
@@ -416,8 +421,10 @@ public:
     unsigned char const * GetCDATASection() const override;
 
 private:
+    friend class CVekXMLManager;
     friend class CVekXMLParser;
 
+    struct ChildNames;
     struct Tree;
 
     explicit CVekXMLElement(CVekString<wchar_t> && name);
@@ -426,7 +433,9 @@ private:
     void DestrotyChildren(); // Kept: spelled so.
     void DestroyAttributes();
     bool VariantToString(VEK_VARIANT const & value, CVekString<wchar_t> & text);
+    int FindChildIndex(wchar_t const * name) const;
     void RemoveChildAt(int index);
+    void Renamed();
     void RemoveSection();
     template <class T>
     bool ReadAttribute(int index, T & value, T const & defaultValue) const;
@@ -438,7 +447,10 @@ private:
     CVekPointerArray<CVekXMLElement> m_children;
     CVekPointerArray<CVekXMLAttribute> m_attributes;
     unsigned char * m_cdata = nullptr;
-    int m_hasCDATA = 0;
+    // One field of 32 bits.
+    bool m_hasCDATA = false;
+    bool m_isKnownByAddress = false;
+    bool m_isNameIndexed = false;
     int m_cdataSize = 0;
 };
 

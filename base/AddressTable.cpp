@@ -1,4 +1,4 @@
-#include "core/AddressTable.h"
+#include "base/AddressTable.h"
 
 #include <stdint.h>
 #include <stdlib.h>
@@ -34,6 +34,15 @@ bool AddressTable::Add(void * address) noexcept
     Put(address);
     ++m_count;
     return true;
+}
+
+bool AddressTable::Has(void const * address) const noexcept
+{
+    void * const * const slots = Slots();
+    size_t slot = Home(address);
+    while (slots[slot] && slots[slot] != address)
+        slot = (slot + 1) & (m_slotCount - 1);
+    return slots[slot] != nullptr;
 }
 
 bool AddressTable::Remove(void * address) noexcept

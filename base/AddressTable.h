@@ -5,8 +5,8 @@
 namespace vek
 {
 
-/// A set of addresses for the look-up of a tracked block: open addressing, with a few slots of its own; larger ones are
-/// allocated, by doubling, and given back when they are mostly empty. Not locked.
+/// A set of addresses: open addressing, with a few slots of its own; larger ones are allocated, by doubling, and given
+/// back when they are mostly empty. Not locked.
 class AddressTable
 {
 public:
@@ -17,6 +17,8 @@ public:
 
     /// Adds an address that is not in the set; false when there is no memory for it.
     bool Add(void * address) noexcept;
+    /// Whether the address, which is not null, is in the set.
+    bool Has(void const * address) const noexcept;
     /// Takes an address out; false when it is not in the set.
     bool Remove(void * address) noexcept;
 
@@ -24,6 +26,7 @@ private:
     static constexpr size_t OWN_SLOTS = 32;
 
     void ** Slots() noexcept { return m_allocated ? m_allocated : m_own; }
+    void * const * Slots() const noexcept { return m_allocated ? m_allocated : m_own; }
     size_t Home(void const * address) const noexcept;
     void Put(void * address) noexcept;
     bool Resize(size_t slotCount) noexcept;
