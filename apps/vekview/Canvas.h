@@ -6,7 +6,8 @@
 namespace tool
 {
 
-/// A picture that knows how near each pixel is. Everything is drawn here, pixel by pixel, so that a window and a file show the same.
+/// A picture that knows how near each pixel is. Everything is drawn here, pixel by pixel, so that a window and a file
+/// show the same.
 class Canvas
 {
 public:

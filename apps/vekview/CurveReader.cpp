@@ -15,7 +15,7 @@ namespace
 
 constexpr Color CURVE_COLOR(240, 170, 70, 255);
 // A curve strays from its segments by this part of its size at most: too little to be seen while all of it is in the
-// window, but not from close by.
+// window. Its corners show close up.
 constexpr double FINENESS = 1.0 / 4000.0;
 constexpr unsigned int MOST_SEGMENTS = 1000000;
 

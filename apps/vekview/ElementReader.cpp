@@ -33,8 +33,7 @@ bool ParseNumbers(std::wstring const & text, std::vector<double> & numbers)
             return place == text.c_str() + text.size();
         wchar_t * end = nullptr;
         double const number = std::wcstod(place, &end);
-        if (end == place || !(std::fabs(number) <= ElementReader::LARGEST) ||
-            (*end != 0 && !IsSeparator(*end)))
+        if (end == place || !(std::fabs(number) <= ElementReader::LARGEST) || (*end != 0 && !IsSeparator(*end)))
             return false;
         numbers.push_back(number);
         place = end;

@@ -27,7 +27,8 @@ std::uint32_t Pixel(Color const & color)
 
 Renderer::Renderer(SceneView const & view, Canvas & canvas)
     : m_view(view), m_canvas(canvas), m_volume(view.DrawnVolume()),
-      m_isPerspective(view.GetProjection() == VEK_PROJECTIONMODE_PERSPECTIVE), m_toPicture(view.WorldToPicture()), m_toCamera(view.WorldToCamera())
+      m_isPerspective(view.GetProjection() == VEK_PROJECTIONMODE_PERSPECTIVE), m_toPicture(view.WorldToPicture()),
+      m_toCamera(view.WorldToCamera())
 {
 }
 
