@@ -14,9 +14,9 @@ namespace
 constexpr std::uint32_t BACKGROUND = 0x00202428;
 constexpr Color HIGHLIGHT(255, 230, 60, 255);
 constexpr double AMBIENT = 0.35;
-// Lines on a triangle are seen: they are drawn this much nearer, by a part of their distance in perspective, where that
-// is about a pixel everywhere, and of the volume's height in an orthographic view.
-constexpr double LINE_LIFT = 1e-3;
+// Lines on a triangle are seen: they are drawn this much nearer, by a part of their distance in perspective, of the
+// volume's height in an orthographic view.
+constexpr double LINE_LIFT = 2e-4;
 
 std::uint32_t Pixel(Color const & color)
 {
