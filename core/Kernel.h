@@ -5,6 +5,8 @@
 
 #include "base/PointerList.h"
 
+#include <atomic>
+
 class CVekXMLManager;
 
 namespace vek
@@ -74,7 +76,7 @@ private:
     /// The event's entry, under the event-map lock; null when there is none.
     vek::EventEntry * FindEvent(GUID const & id) const;
 
-    int m_initCount = 0;
+    std::atomic<int> m_initCount = 0; // hosts with several threads start and stop the library from any
     vek::PointerList<IVekCatchLogOutput> m_catchers;
     unsigned long long m_performanceFrequency = 0;
     vek::EventMap * m_eventMap = nullptr;
