@@ -3,8 +3,10 @@
 // heap, handles and tracked blocks always.
 
 #include "VekLib.h"
+#include "VekRef.h"
 
 #include "core/MemorySystem.h"
+#include "support/FaultReport.h"
 #include "support/GuardHeap.h"
 
 #ifndef NOMINMAX
@@ -14,7 +16,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -28,6 +29,7 @@ namespace
 constexpr int THREADS = 8;
 constexpr int SHARED_WORKERS = 3;
 constexpr int HANG_SECONDS = 60;
+constexpr int HANG_STATUS = 97;
 constexpr GUID SHARED_EVENT = {0x50AC, 0, 0, {}};
 
 using Random = std::mt19937;
@@ -170,12 +172,8 @@ void UseWorkers(Random & random)
         worker->HasPendingCommands();
         break;
     case 4:
-    {
-        auto * const tick = new Tick;
-        worker->SetTickCallback(tick);
-        tick->Release();
+        worker->SetTickCallback(CVekRef<Tick>(new Tick).Get());
         break;
-    }
     case 5:
         worker->AddRef();
         Expect(worker->GetName().GetLength() == 6 && worker->GetTickInterval() == 0 && worker->GetMaxTickCount() == 0 &&
@@ -192,44 +190,39 @@ void UseWorkers(Random & random)
         Kernel().PostThreadCommand(new Command(nullptr, worker), worker);
         break;
     default:
-        IVekThread * const own = Kernel().CreateThread(L"short", nullptr, false, 0, random() % 3);
-        auto * const tick = new Tick;
-        own->SetTickCallback(tick);
-        tick->Release();
+        CVekRef<IVekThread> own(Kernel().CreateThread(L"short", nullptr, false, 0, random() % 3));
+        own->SetTickCallback(CVekRef<Tick>(new Tick).Get());
         own->Start();
         auto const done = std::make_shared<std::atomic<bool>>();
-        Kernel().ExecuteThreadCommand(new Command(done), own);
+        Kernel().ExecuteThreadCommand(new Command(done), own.Get());
         if (random() % 2)
             own->Suspend();
-        own->Release();
+        own.Reset();
         g_commandsMade -= !*done; // the worker may have ended before, after its ticks
     }
 }
 
 void UseLog(Random & random)
 {
-    auto * const catcher = new Catcher;
-    Kernel().AddCatchLogOutput(catcher);
+    CVekRef<Catcher> const catcher(new Catcher);
+    Kernel().AddCatchLogOutput(catcher.Get());
     VekLogOutput(0, L"soak %u", random());
     VekLogOutput(1, L"suppressed %u", random());
     Expect(catcher->calls > 0, "a message is not delivered");
-    Kernel().RemoveCatchLogOutput(catcher);
-    catcher->Release();
+    Kernel().RemoveCatchLogOutput(catcher.Get());
 }
 
 // Handlers in a container that all threads share.
 void UseSharedContainer(Random & random)
 {
-    auto * const handler = new Handler;
-    handler->AddRef();
-    g_container->Add(handler);
-    Kernel().AddEventHandler(SHARED_EVENT, handler);
+    auto const handler = CVekRef<Handler>::Share(new Handler); // the container takes the other reference
+    g_container->Add(handler.Get());
+    Kernel().AddEventHandler(SHARED_EVENT, handler.Get());
     Kernel().IsEventRegistered(SHARED_EVENT);
     if (random() % 50 == 0)
         g_container->RemoveAll();
     else
-        g_container->Remove(handler);
-    handler->Release();
+        g_container->Remove(handler.Get());
 }
 
 void UseSettings(Random &)
@@ -280,7 +273,7 @@ void UseSharedReader(Random & random)
 
 CVekTypedDataReader * MakeReader()
 {
-    IVekMemoryIOStream * const stream = Kernel().CreateMemoryIOStream();
+    CVekRef<IVekMemoryIOStream> const stream(Kernel().CreateMemoryIOStream());
     CVekTypedDataWriter writer;
     for (int i = 0; i < 500; ++i)
     {
@@ -288,11 +281,10 @@ CVekTypedDataReader * MakeReader()
         name.AppendFormat(L"entry %d", i);
         writer.WriteInt32(name, i);
     }
-    Expect(stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 40000) && writer.Write(stream), "no typed data");
+    Expect(stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 40000) && writer.Write(stream.Get()), "no typed data");
     stream->SetPosition(40000, true);
     auto * const reader = new CVekTypedDataReader;
-    Expect(reader->Read(stream), "typed data can't be read");
-    stream->Release();
+    Expect(reader->Read(stream.Get()), "typed data can't be read");
     return reader;
 }
 
@@ -325,22 +317,6 @@ DWORD WINAPI UseAll(void * parameter)
     return 0;
 }
 
-bool IsHanging(std::array<unsigned int, THREADS> & last, std::array<int, THREADS> & still)
-{
-    for (std::size_t i = 0; i < THREADS; ++i)
-    {
-        unsigned int const beat = g_beats[i];
-        still[i] = beat == last[i] ? still[i] + 1 : 0;
-        last[i] = beat;
-        if (still[i] >= HANG_SECONDS)
-        {
-            std::fprintf(stderr, "soak: thread %u hangs\n", static_cast<unsigned int>(i));
-            return true;
-        }
-    }
-    return false;
-}
-
 /// Everything at once for so many seconds; false when a thread hangs.
 bool Run(int seconds)
 {
@@ -358,13 +334,16 @@ bool Run(int seconds)
     HANDLE threads[THREADS];
     for (std::uintptr_t i = 0; i < THREADS; ++i)
         threads[i] = CreateThread(nullptr, 0, UseAll, reinterpret_cast<void *>(i), 0, nullptr);
-    std::array<unsigned int, THREADS> last{};
-    std::array<int, THREADS> still{};
+    unsigned int last[THREADS] = {};
+    int lastSecond[THREADS] = {};
     for (int second = 0; second < seconds; ++second)
     {
         Sleep(1000);
-        if (IsHanging(last, still))
-            return false;
+        for (int i = 0; i < THREADS; ++i)
+            if (unsigned int const beat = g_beats[i]; beat != last[i])
+                last[i] = beat, lastSecond[i] = second;
+            else if (second - lastSecond[i] >= HANG_SECONDS)
+                return false;
     }
     g_stop = true;
     bool const ended = WaitForMultipleObjects(THREADS, threads, TRUE, HANG_SECONDS * 1000) != WAIT_TIMEOUT;
@@ -399,9 +378,10 @@ DWORD HandleCount()
 int wmain(int count, wchar_t ** arguments)
 {
     int const seconds = count > 1 ? static_cast<int>(std::wcstol(arguments[1], nullptr, 10)) : 60;
+    VekTest::ReportFaults("the soak");
     setvbuf(stdout, nullptr, _IONBF, 0);
     if (!Run(1)) // what library and runtime keep for good is there after that
-        return 97;
+        return HANG_STATUS;
     for (Service & service : g_services)
         service.turns = 0;
     std::size_t const blocks = VekGuard::LiveBlocks();
@@ -409,7 +389,7 @@ int wmain(int count, wchar_t ** arguments)
     DWORD const handles = HandleCount();
     std::printf("soak: %d threads, %d seconds\n", THREADS, seconds);
     if (!Run(seconds))
-        return 97;
+        return HANG_STATUS;
 
     CVekMemorySystem const & memory = *CVekMemorySystem::Get();
     for (Service const & service : g_services)

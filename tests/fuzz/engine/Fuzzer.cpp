@@ -10,6 +10,7 @@
 #include "fuzz/Target.h"
 #include "fuzz/engine/Coverage.h"
 #include "fuzz/engine/Mutator.h"
+#include "support/FaultReport.h"
 #include "support/GuardHeap.h"
 
 #ifndef NOMINMAX
@@ -100,24 +101,6 @@ DWORD WINAPI Watch(void *)
             TerminateProcess(GetCurrentProcess(), 97);
         }
     }
-}
-
-// Where the fault is, for addr2line; the callers as far as the frames tell.
-LONG WINAPI ReportFault(EXCEPTION_POINTERS * pointers)
-{
-    std::fprintf(stderr, "fuzz: fault %08lx at %p, callers", pointers->ExceptionRecord->ExceptionCode,
-                 pointers->ExceptionRecord->ExceptionAddress);
-#ifdef __i386__
-    auto const * frame = reinterpret_cast<std::uintptr_t const *>(pointers->ContextRecord->Ebp);
-    for (int depth = 0; depth < 12 && !IsBadReadPtr(frame, 2 * sizeof *frame) && frame[0] > 4096; ++depth)
-    {
-        std::fprintf(stderr, " %p", reinterpret_cast<void *>(frame[1]));
-        frame = reinterpret_cast<std::uintptr_t const *>(frame[0]);
-    }
-#endif
-    std::fprintf(stderr, "\n");
-    TerminateProcess(GetCurrentProcess(), 96);
-    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 void Run(fuzz::Target const & target, std::string const & input)
@@ -250,8 +233,7 @@ void fuzz::Check(bool holds, char const * what)
 
 int wmain(int count, wchar_t ** arguments)
 {
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    SetUnhandledExceptionFilter(ReportFault);
+    VekTest::ReportFaults("the fuzzer's target");
     setvbuf(stdout, nullptr, _IONBF, 0);
     std::wstring_view const option = count > 3 ? arguments[1] : L"";
     if (option == L"--pack" || option == L"--unpack")

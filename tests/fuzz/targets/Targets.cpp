@@ -1,4 +1,4 @@
-#include "fuzz/targets/Targets.h"
+#include "fuzz/Target.h"
 
 namespace fuzz
 {
