@@ -5,6 +5,8 @@
 
 #include "base/PointerList.h"
 
+#include <atomic>
+
 class CVekXMLManager;
 
 namespace vek
@@ -78,7 +80,7 @@ private:
     /// The event's entry, under the event-map lock; null when there is none.
     vek::EventEntry * FindEvent(GUID const & id) const;
 
-    int m_initCount = 0;
+    std::atomic<int> m_initCount = 0; // hosts with several threads start and stop the library from any
     vek::PointerList<IVekCatchLogOutput> m_catchers;
     CatcherWalk * m_catcherWalks = nullptr; // the innermost one
     unsigned long long m_performanceFrequency = 0;

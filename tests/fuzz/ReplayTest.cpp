@@ -2,8 +2,8 @@
 
 #include "VekLib.h"
 
+#include "fuzz/Pack.h"
 #include "fuzz/Target.h"
-#include "support/Files.h"
 #include "support/GuardHeap.h"
 
 #include <gtest/gtest.h>
@@ -34,19 +34,6 @@ protected:
         g_input[name.copy(g_input, sizeof g_input - 1)] = 0;
         GetParam().run(fuzz::Bytes(reinterpret_cast<std::uint8_t const *>(input.data()), input.size()));
     }
-    // All files of the target's folder there; their number.
-    static int RunAll(char const * folder)
-    {
-        int count = 0;
-        std::error_code isMissing;
-        auto const path = std::filesystem::path(VEK_TEST_SOURCE "/fuzz") / folder / GetParam().name;
-        for (auto const & entry : std::filesystem::directory_iterator(path, isMissing))
-        {
-            Run(entry.path().string(), FileBytes(entry.path().wstring()));
-            ++count;
-        }
-        return count;
-    }
 };
 
 } // namespace
@@ -64,9 +51,15 @@ TEST_P(Fuzz, CorpusHolds)
 {
     for (char const * const * seed = GetParam().seeds; seed && *seed; ++seed)
         Run(*seed, *seed);
-    EXPECT_GT(RunAll("corpus"), 0) << "tools/fuzz.sh --keep makes a corpus";
-    // What has shown a fault once.
-    RunAll("found");
+    std::filesystem::path const folder = VEK_TEST_SOURCE "/fuzz", name = GetParam().name;
+    auto const corpus = fuzz::LoadPack(folder / "corpus" / (name.wstring() + L".pack"));
+    EXPECT_FALSE(corpus.empty()) << "tools/fuzz.sh --keep makes a corpus";
+    for (std::size_t i = 0; i < corpus.size(); ++i)
+        Run(std::to_string(i) + " of the pack", corpus[i]);
+    // What has shown a fault once stands in files of its own.
+    std::error_code isMissing;
+    for (auto const & entry : std::filesystem::directory_iterator(folder / "found" / name, isMissing))
+        Run(entry.path().string(), FileBytes(entry.path().wstring()));
 }
 
 TEST_P(Fuzz, LongRandomSequencesHold)

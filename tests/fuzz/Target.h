@@ -28,6 +28,11 @@ struct Target
 };
 
 extern std::span<Target const> const targets;
+void RunXml(Bytes input);
+void RunPaths(Bytes input);
+void RunLexer(Bytes input);
+void RunData(Bytes input);
+void RunPackets(Bytes input);
 
 // Ends the process when the condition does not hold; what is shown names it.
 void Check(bool holds, char const * what);

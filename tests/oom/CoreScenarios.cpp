@@ -1,4 +1,4 @@
-#include "oom/CoreScenarios.h"
+#include "oom/Scenarios.h"
 
 #include <windows.h>
 
@@ -109,7 +109,7 @@ public:
 bool FireEvents()
 {
     bool succeeded = Kernel().RegisterEvent(EVENT);
-    Released<CVekEventHandlerContainer> const container(new (std::nothrow) CVekEventHandlerContainer);
+    CVekRef<CVekEventHandlerContainer> const container(new (std::nothrow) CVekEventHandlerContainer);
     for (int i = 0; i < 5 && container; ++i)
     {
         auto * const handler = new (std::nothrow) Handler;
@@ -127,7 +127,7 @@ bool FireEvents()
 
 bool TrackProgress()
 {
-    Released<IVekProgressController> const progress(Kernel().CreateProgressController());
+    CVekRef<IVekProgressController> const progress(Kernel().CreateProgressController());
     if (!progress)
         return false;
     for (int depth = 0; depth < 10; ++depth)
@@ -147,7 +147,7 @@ public:
 
 bool RunWorker()
 {
-    Released<IVekThread> const thread(Kernel().CreateThread(L"worker", nullptr, false, 0, 0));
+    CVekRef<IVekThread> const thread(Kernel().CreateThread(L"worker", nullptr, false, 0, 0));
     if (!thread)
         return false;
     thread->Start();
@@ -170,9 +170,9 @@ bool RunWorker()
 
 bool MakeServices()
 {
-    Released<IVekTimer> const timer(Kernel().CreateTimer());
-    Released<IVekRandomizer> const randomizer(Kernel().CreateRandomizer());
-    Released<IVekCPUUsage> const usage(Kernel().CreateCPUUsage());
+    CVekRef<IVekTimer> const timer(Kernel().CreateTimer());
+    CVekRef<IVekRandomizer> const randomizer(Kernel().CreateRandomizer());
+    CVekRef<IVekCPUUsage> const usage(Kernel().CreateCPUUsage());
     VekLogOutput(0, L"said %s", L"aloud");
     return timer && randomizer && usage;
 }

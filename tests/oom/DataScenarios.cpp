@@ -1,4 +1,4 @@
-#include "oom/DataScenarios.h"
+#include "oom/Scenarios.h"
 
 #include <windows.h>
 
@@ -10,7 +10,7 @@ namespace
 
 bool UseMemoryStream()
 {
-    Released<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+    CVekRef<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
     if (!stream || !stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 1000))
         return false;
     int found = 0;
@@ -24,7 +24,7 @@ bool UseFileStream()
     wchar_t path[300] = L"oom.bin";
     if (folder)
         VekStrPrintfW(path, 300, L"%s/oom.bin", folder);
-    Released<IVekFileIOStream> const stream(getVekLibKernel()->CreateFileIOStream());
+    CVekRef<IVekFileIOStream> const stream(getVekLibKernel()->CreateFileIOStream());
     if (!stream || !stream->Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0))
         return false;
     bool const printed = stream->Printf("%d %s", 17, "text") && stream->WriteDouble(1.5, true);
@@ -35,7 +35,7 @@ bool UseFileStream()
 
 bool KeepTypedData()
 {
-    Released<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+    CVekRef<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
     if (!stream || !stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 4096))
         return false;
     CVekTypedDataWriter writer;
@@ -93,11 +93,11 @@ struct Bare final : CVekResourceFilePacket
 template <int INDEX>
 bool BuildPackets()
 {
-    Released<Packet> const root(new (std::nothrow) Packet);
+    CVekRef<Packet> const root(new (std::nothrow) Packet);
     bool succeeded = root.Get() != nullptr;
     for (int i = 0; i < 5 && root; ++i)
     {
-        Released<CVekResourceFilePacket> const child(new (std::nothrow) Packet);
+        CVekRef<CVekResourceFilePacket> const child(new (std::nothrow) Packet);
         int const count = root->GetNumChildren();
         int const added = child ? root->AddChild(child.Get(), INDEX) : -1;
         isSound &= root->GetNumChildren() == count + (added != -1) &&
@@ -143,14 +143,14 @@ bool SolveSystem()
 
 bool Manipulate()
 {
-    Released<IVekCameraUIController> const controller(getVekLibKernel()->CreateCameraUIController());
+    CVekRef<IVekCameraUIController> const controller(getVekLibKernel()->CreateCameraUIController());
     return static_cast<bool>(controller);
 }
 
 bool Lex()
 {
-    Released<IVekLexer> const lexer(getVekLibKernel()->CreateLexer());
-    Released<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
+    CVekRef<IVekLexer> const lexer(getVekLibKernel()->CreateLexer());
+    CVekRef<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
     if (!lexer || !tokenizer)
         return false;
     bool succeeded = lexer->AddComment(L"//", L"\n") == 1;

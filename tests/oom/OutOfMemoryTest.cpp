@@ -2,10 +2,7 @@
 // n-th and all later ones failing. In builds without the guard heap nothing can be made to fail: each scenario runs
 // once.
 
-#include "oom/CoreScenarios.h"
-#include "oom/DataScenarios.h"
-#include "oom/StreamScenarios.h"
-#include "oom/XMLScenarios.h"
+#include "oom/Scenarios.h"
 #include "support/GuardHeap.h"
 #include "support/TestStream.h"
 #include "support/WarmUp.h"
@@ -30,8 +27,8 @@ void PrintTo(StreamScenario const & scenario, std::ostream * out)
 namespace
 {
 
-// Keeps the first message that the scenario does not state, without allocating.
-class MessageCheck final : public IVekCatchLogOutput
+// Keeps the first message that the scenario does not expect, without allocating.
+class MessageCheck final : public CVekRefCounted<IVekCatchLogOutput>
 {
 public:
     explicit MessageCheck(Scenario const & scenario) : m_scenario(scenario)
@@ -42,23 +39,19 @@ public:
     MessageCheck(MessageCheck const &) = delete;
     MessageCheck & operator=(MessageCheck const &) = delete;
 
-    unsigned int AddRef() override { return ++m_count; }
-    unsigned int Release() override { return --m_count; }
-    unsigned int GetRefCount() const override { return m_count; }
     void OnLogOutput(int, wchar_t const * text) override
     {
-        for (auto const * const * stated = m_scenario.messages; *stated; ++stated)
-            if (std::wcsncmp(text, *stated, std::wcslen(*stated)) == 0)
+        for (auto const * const * expected = m_scenario.messages; *expected; ++expected)
+            if (std::wcsncmp(text, *expected, std::wcslen(*expected)) == 0)
                 return;
-        if (!m_unstated[0])
-            std::wcsncpy(m_unstated, text, std::size(m_unstated) - 1);
+        if (!m_unexpected[0])
+            std::wcsncpy(m_unexpected, text, std::size(m_unexpected) - 1);
     }
-    wchar_t const * Unstated() const { return m_unstated; }
+    wchar_t const * Unexpected() const { return m_unexpected; }
 
 private:
     Scenario const & m_scenario;
-    unsigned int m_count = 1;
-    wchar_t m_unstated[200] = L"";
+    wchar_t m_unexpected[200] = L"";
 };
 
 // What the library and the runtime keep from their first use on.
@@ -93,7 +86,7 @@ void FailEach(Scenario const & scenario, void (*fail)(std::size_t), int & failur
             fail(n);
             succeeded = scenario.run();
             failed = VekGuard::FailReset();
-            EXPECT_STREQ(messages.Unstated(), L"");
+            EXPECT_STREQ(messages.Unexpected(), L"");
         }
         EXPECT_TRUE(succeeded || failed);
         EXPECT_TRUE(std::exchange(isSound, true)) << "a failed step has left its object unsound";

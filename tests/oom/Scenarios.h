@@ -3,9 +3,11 @@
 #pragma once
 
 #include "VekLib.h"
+#include "VekRef.h"
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 struct Scenario
 {
@@ -32,23 +34,7 @@ struct StreamScenario
 void PrintTo(Scenario const & scenario, std::ostream * out);
 void PrintTo(StreamScenario const & scenario, std::ostream * out);
 
-// Releases an object at the end of a scope; null is allowed.
-template <class T>
-class Released
-{
-public:
-    explicit Released(T * object) : m_object(object) {}
-    Released(Released const &) = delete;
-    Released & operator=(Released const &) = delete;
-    ~Released()
-    {
-        if (m_object)
-            m_object->Release();
-    }
-    T * operator->() const { return m_object; }
-    T * Get() const { return m_object; }
-    explicit operator bool() const { return m_object != nullptr; }
-
-private:
-    T * m_object;
-};
+extern std::vector<Scenario> const coreScenarios; // kernel, memory, text, matrices, events, progress and workers
+extern std::vector<Scenario> const dataScenarios; // streams, typed data, packets, curves, lexer
+extern std::vector<Scenario> const xmlScenarios;
+extern std::vector<StreamScenario> const streamScenarios;

@@ -1,4 +1,4 @@
-#include "oom/StreamScenarios.h"
+#include "oom/Scenarios.h"
 
 #include "support/TestStream.h"
 
@@ -8,13 +8,13 @@ namespace
 bool WriteDocument(IVekIOStream & stream)
 {
     IVekXMLManager & manager = *getVekLibKernel()->GetXMLManager();
-    Released<IVekXMLDocument> const document(manager.CreateXMLDocument());
-    Released<IVekXMLElement> const root(manager.CreateXMLElement());
+    CVekRef<IVekXMLDocument> const document(manager.CreateXMLDocument());
+    CVekRef<IVekXMLElement> const root(manager.CreateXMLElement());
     document->SetRootElement(root.Get());
     // More than what the writer collects before it writes.
     for (int i = 0; i < 4000; ++i)
-        root->AddChild(Released<IVekXMLElement>(manager.CreateXMLElement()).Get(), -1);
-    return Released<IVekXMLWriter>(manager.CreateXMLWriter())->WriteXML(&stream, document.Get());
+        root->AddChild(CVekRef<IVekXMLElement>(manager.CreateXMLElement()).Get(), -1);
+    return CVekRef<IVekXMLWriter>(manager.CreateXMLWriter())->WriteXML(&stream, document.Get());
 }
 
 void Fill(CVekTypedDataWriter & writer)

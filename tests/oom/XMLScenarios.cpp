@@ -1,4 +1,4 @@
-#include "oom/XMLScenarios.h"
+#include "oom/Scenarios.h"
 
 #include "support/GuardHeap.h"
 
@@ -17,7 +17,7 @@ IVekXMLManager & Manager()
 
 bool Build()
 {
-    Released<IVekXMLElement> const root(Manager().CreateXMLElement());
+    CVekRef<IVekXMLElement> const root(Manager().CreateXMLElement());
     if (!root)
         return false;
     root->SetName(L"root");
@@ -40,8 +40,8 @@ bool Build()
 
 bool Parse()
 {
-    Released<IVekXMLDocument> const document(Manager().CreateXMLDocument());
-    Released<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
+    CVekRef<IVekXMLDocument> const document(Manager().CreateXMLDocument());
+    CVekRef<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
     if (!document || !parser)
         return false;
     bool const parsed = parser->ParseXMLMemory(DOCUMENT, sizeof DOCUMENT - 1, document.Get());
@@ -53,10 +53,10 @@ bool Parse()
 bool Write()
 {
     // The document must be whole, so that only writing fails.
-    Released<IVekXMLDocument> const document(Manager().CreateXMLDocument());
-    Released<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
-    Released<IVekXMLWriter> const writer(Manager().CreateXMLWriter());
-    Released<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+    CVekRef<IVekXMLDocument> const document(Manager().CreateXMLDocument());
+    CVekRef<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
+    CVekRef<IVekXMLWriter> const writer(Manager().CreateXMLWriter());
+    CVekRef<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
     if (!document || !parser || !writer || !stream)
         return false;
     return parser->ParseXMLMemory(DOCUMENT, sizeof DOCUMENT - 1, document.Get()) &&

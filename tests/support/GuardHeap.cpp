@@ -20,19 +20,19 @@ namespace
 
 using Byte = unsigned char;
 
-constexpr std::size_t kPage = 4096;
-constexpr std::size_t kAlignment = 2 * sizeof(void *);
-constexpr std::size_t kArenaPages = 16384; // 64 MB
-constexpr std::size_t kArenas = 12;
-constexpr std::size_t kLargest = static_cast<std::size_t>(1) << 30;
-constexpr std::size_t kOwnReservation = 1 << 20; // blocks from this size on
-constexpr std::size_t kLargeBlocks = 256;
-constexpr std::size_t kMostGuarded = 20000;
-constexpr std::size_t kQuarantinePages = 8192; // of one size class that wait before they are used again
-constexpr std::size_t kLead = 32;              // bytes before a block that are checked, as far as they lie in its page
-constexpr Byte kSlack = 0xA5;
-constexpr Byte kFresh = 0xCD;
-constexpr std::size_t kClasses = 20;
+constexpr std::size_t PAGE_BYTES = 4096;
+constexpr std::size_t ALIGNMENT = 2 * sizeof(void *);
+constexpr std::size_t ARENA_PAGES = 16384; // 64 MB
+constexpr std::size_t ARENAS = 12;
+constexpr std::size_t LARGEST = static_cast<std::size_t>(1) << 30;
+constexpr std::size_t OWN_RESERVATION = 1 << 20; // blocks from this size on
+constexpr std::size_t LARGE_BLOCKS = 256;
+constexpr std::size_t MOST_GUARDED = 20000;
+constexpr std::size_t QUARANTINE_PAGES = 8192; // of one size class that wait before they are used again
+constexpr std::size_t LEAD = 32;               // bytes before a block that are checked, as far as they lie in its page
+constexpr Byte SLACK = 0xA5;
+constexpr Byte FRESH = 0xCD;
+constexpr std::size_t CLASSES = 20;
 
 enum class State : std::uint8_t
 {
@@ -79,13 +79,13 @@ struct alignas(16) Header
     std::uint32_t counted;
     std::size_t size;
 };
-constexpr std::uint32_t kMagic = 0x6B654756;
+constexpr std::uint32_t MAGIC = 0x6B654756;
 
 SRWLOCK g_lock = SRWLOCK_INIT;
-Arena g_arenas[kArenas];
+Arena g_arenas[ARENAS];
 std::size_t g_arenaCount;
-Queue g_waiting[kClasses];
-Large g_large[kLargeBlocks];
+Queue g_waiting[CLASSES];
+Large g_large[LARGE_BLOCKS];
 HANDLE g_heap;
 std::size_t g_guarded, g_liveBlocks, g_liveBytes;
 
@@ -125,7 +125,7 @@ std::size_t ClassPages(std::size_t sizeClass)
 
 std::size_t PageNumber(std::size_t arena, std::size_t page)
 {
-    return arena * kArenaPages + page;
+    return arena * ARENA_PAGES + page;
 }
 
 // The first page of a run that is not in use, numbered over all arenas; -1 when the arenas are exhausted.
@@ -136,20 +136,21 @@ std::ptrdiff_t TakeRun(std::size_t sizeClass)
     auto reuse = [&]() -> std::ptrdiff_t
     {
         std::size_t const number = queue.first - 1;
-        queue.first = g_arenas[number / kArenaPages].pages[number % kArenaPages].next;
+        queue.first = g_arenas[number / ARENA_PAGES].pages[number % ARENA_PAGES].next;
         --queue.length;
         return static_cast<std::ptrdiff_t>(number);
     };
-    if (queue.length * pages > kQuarantinePages)
+    if (queue.length * pages > QUARANTINE_PAGES)
         return reuse();
-    if (g_arenaCount == 0 || g_arenas[g_arenaCount - 1].used + pages > kArenaPages)
+    if (g_arenaCount == 0 || g_arenas[g_arenaCount - 1].used + pages > ARENA_PAGES)
     {
         Arena arena{};
-        if (g_arenaCount < kArenas)
-            arena.base = static_cast<Byte *>(VirtualAlloc(nullptr, kArenaPages * kPage, MEM_RESERVE, PAGE_NOACCESS));
+        if (g_arenaCount < ARENAS)
+            arena.base =
+                static_cast<Byte *>(VirtualAlloc(nullptr, ARENA_PAGES * PAGE_BYTES, MEM_RESERVE, PAGE_NOACCESS));
         if (arena.base)
             arena.pages = static_cast<PageRecord *>(
-                VirtualAlloc(nullptr, kArenaPages * sizeof(PageRecord), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+                VirtualAlloc(nullptr, ARENA_PAGES * sizeof(PageRecord), MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
         if (!arena.pages)
             return queue.length ? reuse() : -1;
         g_arenas[g_arenaCount++] = arena;
@@ -162,44 +163,44 @@ std::ptrdiff_t TakeRun(std::size_t sizeClass)
 
 void * PlaceAtEnd(Byte * end, std::size_t size)
 {
-    Byte * const block = end - (size + kAlignment - 1) / kAlignment * kAlignment;
-    std::size_t const inPage = reinterpret_cast<std::uintptr_t>(block) % kPage;
-    std::size_t const lead = inPage < kLead ? inPage : kLead;
-    std::memset(block - lead, kSlack, lead);
-    std::memset(block, kFresh, size);
-    std::memset(block + size, kSlack, static_cast<std::size_t>(end - block) - size);
+    Byte * const block = end - (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    std::size_t const inPage = reinterpret_cast<std::uintptr_t>(block) % PAGE_BYTES;
+    std::size_t const lead = inPage < LEAD ? inPage : LEAD;
+    std::memset(block - lead, SLACK, lead);
+    std::memset(block, FRESH, size);
+    std::memset(block + size, SLACK, static_cast<std::size_t>(end - block) - size);
     return block;
 }
 
 void CheckSlack(Byte const * block, std::size_t size, Byte const * end)
 {
-    std::size_t const inPage = reinterpret_cast<std::uintptr_t>(block) % kPage;
-    for (std::size_t i = 1; i <= (inPage < kLead ? inPage : kLead); ++i)
-        if (*(block - i) != kSlack)
+    std::size_t const inPage = reinterpret_cast<std::uintptr_t>(block) % PAGE_BYTES;
+    for (std::size_t i = 1; i <= (inPage < LEAD ? inPage : LEAD); ++i)
+        if (*(block - i) != SLACK)
             Fault("written before a block", block);
     for (Byte const * at = block + size; at < end; ++at)
-        if (*at != kSlack)
+        if (*at != SLACK)
             Fault("written behind a block", block);
 }
 
 void * AllocateGuarded(std::size_t size, bool counted)
 {
-    std::size_t const pages = (size + kPage - 1) / kPage;
+    std::size_t const pages = (size + PAGE_BYTES - 1) / PAGE_BYTES;
     std::size_t sizeClass = 0;
     while (ClassPages(sizeClass) < pages)
         ++sizeClass;
     std::ptrdiff_t const number = TakeRun(sizeClass);
     if (number < 0)
         return nullptr;
-    Arena & arena = g_arenas[static_cast<std::size_t>(number) / kArenaPages];
-    std::size_t const first = static_cast<std::size_t>(number) % kArenaPages;
-    Byte * const run = arena.base + first * kPage;
+    Arena & arena = g_arenas[static_cast<std::size_t>(number) / ARENA_PAGES];
+    std::size_t const first = static_cast<std::size_t>(number) % ARENA_PAGES;
+    Byte * const run = arena.base + first * PAGE_BYTES;
     // Only the pages in use are committed, at the run's end.
-    Byte * const end = run + ClassPages(sizeClass) * kPage;
-    if (!VirtualAlloc(end - pages * kPage, pages * kPage, MEM_COMMIT, PAGE_READWRITE))
+    Byte * const end = run + ClassPages(sizeClass) * PAGE_BYTES;
+    if (!VirtualAlloc(end - pages * PAGE_BYTES, pages * PAGE_BYTES, MEM_COMMIT, PAGE_READWRITE))
         return nullptr;
     void * const block = PlaceAtEnd(end, size);
-    std::size_t const page = static_cast<std::size_t>(static_cast<Byte *>(block) - arena.base) / kPage;
+    std::size_t const page = static_cast<std::size_t>(static_cast<Byte *>(block) - arena.base) / PAGE_BYTES;
     arena.pages[page] = {static_cast<std::uint32_t>(size),     0,           static_cast<std::uint16_t>(page - first),
                          static_cast<std::uint8_t>(sizeClass), State::Live, counted};
     ++g_guarded;
@@ -212,8 +213,8 @@ void * AllocateLarge(std::size_t size, bool counted)
     {
         if (entry.base)
             continue;
-        std::size_t const bytes = (size + kPage - 1) / kPage * kPage;
-        Byte * const base = static_cast<Byte *>(VirtualAlloc(nullptr, bytes + kPage, MEM_RESERVE, PAGE_NOACCESS));
+        std::size_t const bytes = (size + PAGE_BYTES - 1) / PAGE_BYTES * PAGE_BYTES;
+        Byte * const base = static_cast<Byte *>(VirtualAlloc(nullptr, bytes + PAGE_BYTES, MEM_RESERVE, PAGE_NOACCESS));
         if (!base)
             return nullptr;
         if (!VirtualAlloc(base, bytes, MEM_COMMIT, PAGE_READWRITE))
@@ -235,7 +236,7 @@ void * AllocateOrdinary(std::size_t size, bool counted)
     if (!raw)
         return nullptr;
     // The heap aligns to 8 on 32-bit, which is what malloc promises there.
-    Header const header{kMagic, counted, size};
+    Header const header{MAGIC, counted, size};
     std::memcpy(raw, &header, sizeof header);
     return static_cast<Byte *>(raw) + sizeof header;
 }
@@ -255,7 +256,7 @@ void * Allocate(std::size_t size)
         }
         --g_failIn;
     }
-    if (size > kLargest)
+    if (size > LARGEST)
     {
         errno = ENOMEM;
         return nullptr;
@@ -263,9 +264,9 @@ void * Allocate(std::size_t size)
     bool const counted = !(g_uncountedDepth && g_uncountedThread == thread);
     std::size_t const room = size ? size : 1;
     void * block = nullptr;
-    if (room >= kOwnReservation)
+    if (room >= OWN_RESERVATION)
         block = AllocateLarge(room, counted);
-    else if (g_guarded < kMostGuarded)
+    else if (g_guarded < MOST_GUARDED)
         block = AllocateGuarded(room, counted);
     if (!block)
         block = AllocateOrdinary(room, counted);
@@ -302,15 +303,15 @@ Found Find(void * block)
     for (std::size_t i = 0; i < g_arenaCount; ++i)
     {
         Arena & arena = g_arenas[i];
-        if (at < arena.base || at >= arena.base + kArenaPages * kPage)
+        if (at < arena.base || at >= arena.base + ARENA_PAGES * PAGE_BYTES)
             continue;
-        PageRecord & record = arena.pages[static_cast<std::size_t>(at - arena.base) / kPage];
+        PageRecord & record = arena.pages[static_cast<std::size_t>(at - arena.base) / PAGE_BYTES];
         if (record.state == State::Freed)
             Fault("freed twice", block);
         Byte const * const end = arena.base + (static_cast<std::size_t>(&record - arena.pages) - record.runStartBack +
                                                ClassPages(record.sizeClass)) *
-                                                  kPage;
-        if (record.state != State::Live || end - (record.size + kAlignment - 1) / kAlignment * kAlignment != at)
+                                                  PAGE_BYTES;
+        if (record.state != State::Live || end - (record.size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT != at)
             Fault("not the start of a block", block);
         return {Found::Kind::Guarded, record.size, record.counted, &arena, &record, nullptr};
     }
@@ -320,7 +321,7 @@ Found Find(void * block)
     // The runtime's own blocks (from functions that allocate inside msvcrt.dll) are told by the missing header.
     Header header;
     std::memcpy(&header, at - sizeof header, sizeof header);
-    if (header.magic == kMagic)
+    if (header.magic == MAGIC)
         return {Found::Kind::Ordinary, header.size, header.counted != 0, nullptr, nullptr, nullptr};
     return {Found::Kind::Foreign, 0, false, nullptr, nullptr, nullptr};
 }
@@ -330,9 +331,10 @@ void FreeGuarded(Byte * block, Arena & arena, PageRecord & record)
     std::size_t const page = static_cast<std::size_t>(&record - arena.pages);
     std::size_t const first = page - record.runStartBack;
     std::size_t const sizeClass = record.sizeClass;
-    Byte * const end = arena.base + (first + ClassPages(sizeClass)) * kPage;
+    Byte * const end = arena.base + (first + ClassPages(sizeClass)) * PAGE_BYTES;
     CheckSlack(block, record.size, end);
-    VirtualFree(arena.base + page * kPage, static_cast<std::size_t>(end - arena.base) - page * kPage, MEM_DECOMMIT);
+    VirtualFree(arena.base + page * PAGE_BYTES, static_cast<std::size_t>(end - arena.base) - page * PAGE_BYTES,
+                MEM_DECOMMIT);
     record.state = State::Freed;
     --g_guarded;
 
@@ -341,7 +343,7 @@ void FreeGuarded(Byte * block, Arena & arena, PageRecord & record)
         static_cast<std::uint32_t>(PageNumber(static_cast<std::size_t>(&arena - g_arenas), first)) + 1;
     Queue & queue = g_waiting[sizeClass];
     if (queue.length++)
-        g_arenas[(queue.last - 1) / kArenaPages].pages[(queue.last - 1) % kArenaPages].next = number;
+        g_arenas[(queue.last - 1) / ARENA_PAGES].pages[(queue.last - 1) % ARENA_PAGES].next = number;
     else
         queue.first = number;
     queue.last = number;
@@ -370,7 +372,7 @@ void Free(void * block)
             return;
         case Found::Kind::Large:
             CheckSlack(static_cast<Byte *>(block), found.size,
-                       found.large->base + (found.size + kPage - 1) / kPage * kPage);
+                       found.large->base + (found.size + PAGE_BYTES - 1) / PAGE_BYTES * PAGE_BYTES);
             VirtualFree(found.large->base, 0, MEM_RELEASE);
             *found.large = {};
             return;
@@ -505,6 +507,30 @@ Uncounted::~Uncounted()
     Locked const lock;
     --g_uncountedDepth;
 }
+
+} // namespace VekGuard
+
+#else
+
+namespace VekGuard
+{
+
+std::size_t LiveBlocks() noexcept
+{
+    return 0;
+}
+std::size_t LiveBytes() noexcept
+{
+    return 0;
+}
+void FailAllocation(std::size_t) noexcept {}
+void FailFrom(std::size_t) noexcept {}
+bool FailReset() noexcept
+{
+    return false;
+}
+Uncounted::Uncounted() noexcept = default;
+Uncounted::~Uncounted() = default;
 
 } // namespace VekGuard
 

@@ -7,9 +7,12 @@
 
 namespace VekGuard
 {
-#ifdef VEKLIB_GUARD
 
+#ifdef VEKLIB_GUARD
 constexpr bool Active = true;
+#else
+constexpr bool Active = false;
+#endif
 
 std::size_t LiveBlocks() noexcept; // uncounted ones (see Uncounted) left out
 std::size_t LiveBytes() noexcept;
@@ -30,33 +33,4 @@ public:
     Uncounted & operator=(Uncounted const &) = delete;
 };
 
-#else
-
-constexpr bool Active = false;
-
-inline std::size_t LiveBlocks() noexcept
-{
-    return 0;
-}
-inline std::size_t LiveBytes() noexcept
-{
-    return 0;
-}
-inline void FailAllocation(std::size_t) noexcept {}
-inline void FailFrom(std::size_t) noexcept {}
-inline bool FailReset() noexcept
-{
-    return false;
-}
-
-class Uncounted
-{
-public:
-    Uncounted() noexcept {}
-    ~Uncounted() {}
-    Uncounted(Uncounted const &) = delete;
-    Uncounted & operator=(Uncounted const &) = delete;
-};
-
-#endif
 } // namespace VekGuard

@@ -46,11 +46,8 @@ public:
 
 private:
     // Lives within the capture, whatever its count says.
-    struct Catcher final : IVekCatchLogOutput
+    struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
     {
-        unsigned int AddRef() override { return ++count; }
-        unsigned int Release() override { return --count; }
-        unsigned int GetRefCount() const override { return count; }
         void OnLogOutput(int level, wchar_t const * text) override
         {
             std::wstring line = text;
@@ -64,7 +61,6 @@ private:
             lines.push_back(std::move(line));
         }
 
-        unsigned int count = 1;
         mutable std::mutex mutex;
         std::vector<std::wstring> lines;
         std::wstring oddities;

@@ -1,6 +1,7 @@
 // The main function of every test program: a watchdog for tests that hang, a report of faults, the leak check of the
 // guarded build, and short output.
 
+#include "support/FaultReport.h"
 #include "support/GuardHeap.h"
 #include "support/WarmUp.h"
 
@@ -13,8 +14,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,83 +23,21 @@
 namespace
 {
 
-constexpr UINT kFaultStatus = 96;
-constexpr UINT kHangStatus = 97;
+constexpr UINT HANG_STATUS = 97;
 
 // Written by the listener, read by the watchdog and the fault report; both must work while the heap is locked.
 char g_testName[256] = "(start-up)";
 HANDLE g_testChanged;
 DWORD g_milliseconds = 60000;
 
-void Report(char const * format, ...) __attribute__((format(gnu_printf, 1, 2)));
-void Report(char const * format, ...)
-{
-    char text[512];
-    va_list arguments;
-    va_start(arguments, format);
-    int const length = __mingw_vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    DWORD written;
-    if (length > 0)
-        WriteFile(GetStdHandle(STD_ERROR_HANDLE), text, std::min<DWORD>(static_cast<DWORD>(length), sizeof text - 1),
-                  &written, nullptr);
-}
-
 DWORD WINAPI Watch(void *)
 {
     // A test that takes its time is one during which nothing is signalled.
     while (WaitForSingleObject(g_testChanged, g_milliseconds) != WAIT_TIMEOUT)
         ;
-    Report("\nwatchdog: %s has been running for %lu s, giving up\n", g_testName, g_milliseconds / 1000);
-    TerminateProcess(GetCurrentProcess(), kHangStatus);
+    VekTest::Report("\nwatchdog: %s has been running for %lu s, giving up\n", g_testName, g_milliseconds / 1000);
+    TerminateProcess(GetCurrentProcess(), HANG_STATUS);
     return 0;
-}
-
-// Addresses as the linker knows them, for addr2line.
-std::uintptr_t Linked(std::uintptr_t address)
-{
-    auto const base = reinterpret_cast<std::uintptr_t>(GetModuleHandleW(nullptr));
-    auto const size =
-        reinterpret_cast<IMAGE_NT_HEADERS const *>(
-            base + static_cast<std::uintptr_t>(reinterpret_cast<IMAGE_DOS_HEADER const *>(base)->e_lfanew))
-            ->OptionalHeader.SizeOfImage;
-    std::uintptr_t const preferred = sizeof(void *) == 4 ? 0x400000 : static_cast<std::uintptr_t>(0x140000000ull);
-    return address - base < size ? address - base + preferred : address;
-}
-
-LONG WINAPI ReportFault(EXCEPTION_POINTERS * pointers)
-{
-    EXCEPTION_RECORD const & record = *pointers->ExceptionRecord;
-    char path[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, path, sizeof path);
-    char const * const separator = std::strrchr(path, '\\');
-    Report("\nfault %08lx in %s at %p (addr2line -Cfie %s 0x%zx)\n", record.ExceptionCode, g_testName,
-           record.ExceptionAddress, separator ? separator + 1 : path,
-           static_cast<std::size_t>(Linked(reinterpret_cast<std::uintptr_t>(record.ExceptionAddress))));
-    if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters >= 2)
-        Report("  %s address 0x%zx\n", record.ExceptionInformation[0] ? "writing" : "reading",
-               static_cast<std::size_t>(record.ExceptionInformation[1]));
-    if (record.ExceptionCode == EXCEPTION_ILLEGAL_INSTRUCTION)
-        Report("  a trap: undefined behaviour, or the guard heap's complaint above\n");
-#ifdef __i386__
-    Report("  callers:");
-    auto const * frame = reinterpret_cast<std::uintptr_t const *>(pointers->ContextRecord->Ebp);
-    for (int depth = 0; depth < 16; ++depth)
-    {
-        MEMORY_BASIC_INFORMATION memory;
-        if (!VirtualQuery(frame, &memory, sizeof memory) || memory.State != MEM_COMMIT ||
-            memory.Protect != PAGE_READWRITE)
-            break;
-        Report(" 0x%zx", static_cast<std::size_t>(Linked(frame[1])));
-        auto const * const next = reinterpret_cast<std::uintptr_t const *>(frame[0]);
-        if (next <= frame)
-            break;
-        frame = next;
-    }
-    Report("\n");
-#endif
-    TerminateProcess(GetCurrentProcess(), kFaultStatus);
-    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 class Listener : public testing::EmptyTestEventListener
@@ -164,8 +101,7 @@ void WarmRuntimeUp()
 
 int main(int argc, char ** argv)
 {
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    SetUnhandledExceptionFilter(ReportFault);
+    VekTest::ReportFaults(g_testName);
     setvbuf(stdout, nullptr, _IONBF, 0);
 
     GTEST_FLAG_SET(brief, true);
@@ -182,7 +118,7 @@ int main(int argc, char ** argv)
     int const status = RUN_ALL_TESTS();
     if (testing::UnitTest::GetInstance()->test_to_run_count() == 0)
     {
-        Report("no test was run\n");
+        VekTest::Report("no test was run\n");
         return 1;
     }
     std::strcpy(g_testName, "(end of the program)");

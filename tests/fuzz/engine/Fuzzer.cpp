@@ -1,13 +1,16 @@
-// veklib_fuzz TARGET SECONDS GROWN-FOLDER SEED-FOLDER...: runs a target with inputs made of those in the folders, keeps
-// in the first folder what shows a new way through the library, and stops at the first fault. The input that runs
-// stands in GROWN-FOLDER/current, its length first, whatever happens to the process.
-// veklib_fuzz --minimise TARGET BYTES OUT-FOLDER FOLDER...: copies the smallest inputs that show all known ways.
+// veklib_fuzz TARGET SECONDS GROWN-FOLDER FROM...: runs a target with inputs made of those in the folders, files and
+// packs, keeps in the first folder what shows a new way through the library, and stops at the first fault. The input
+// that runs stands in GROWN-FOLDER/current, its length first, whatever happens to the process. veklib_fuzz --minimise
+// TARGET BYTES PACK FROM...: packs the smallest inputs that show all known ways. veklib_fuzz --pack PACK FROM...: packs
+// all inputs. veklib_fuzz --unpack FOLDER FROM...: stores each input in a file, named by its content.
 
 #include "VekLib.h"
 
+#include "fuzz/Pack.h"
 #include "fuzz/Target.h"
 #include "fuzz/engine/Coverage.h"
 #include "fuzz/engine/Mutator.h"
+#include "support/FaultReport.h"
 #include "support/GuardHeap.h"
 
 #ifndef NOMINMAX
@@ -21,8 +24,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace
 {
@@ -40,12 +41,6 @@ struct Current
 Current * g_current;
 std::atomic<unsigned long long> g_executions;
 
-std::string Load(fs::path const & path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void Store(fs::path const & folder, std::string const & input)
 {
     std::uint64_t hash = 0xCBF29CE484222325u;
@@ -53,23 +48,37 @@ void Store(fs::path const & folder, std::string const & input)
         hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
     char name[20];
     std::snprintf(name, sizeof name, "%08x%08x", static_cast<unsigned>(hash >> 32), static_cast<unsigned>(hash));
-    std::ofstream(folder / name, std::ios::binary) << input;
+    StoreBytes((folder / name).wstring(), input);
 }
 
-std::vector<std::string> LoadAll(wchar_t ** folders, int count, fuzz::Target const & target)
+// What is in folders, in packs and in files that are one input each; the smallest first.
+std::vector<std::string> LoadAll(wchar_t ** from, int count)
 {
     std::vector<std::string> inputs;
+    for (int i = 0; i < count; ++i)
+    {
+        if (fs::path(from[i]).extension() == ".pack")
+            std::ranges::copy(fuzz::LoadPack(from[i]), std::back_inserter(inputs));
+        else if (fs::is_directory(from[i]))
+            for (auto const & entry : fs::directory_iterator(from[i]))
+                inputs.push_back(entry.path().filename() == "current" ? "" : FileBytes(entry.path().wstring()));
+        else
+            inputs.push_back(FileBytes(from[i]));
+    }
+    fuzz::SortInputs(inputs);
+    return inputs;
+}
+
+std::vector<std::string> LoadFor(fuzz::Target const & target, wchar_t ** from, int count)
+{
+    std::vector<std::string> inputs = LoadAll(from, count);
     for (char const * const * seed = target.seeds; seed && *seed; ++seed)
         inputs.push_back(*seed);
-    for (int i = 0; i < count; ++i)
-        for (auto const & entry : fs::directory_iterator(folders[i]))
-            if (entry.path().filename() != "current")
-                inputs.push_back(Load(entry.path()).substr(0, std::min(target.longest, LONGEST_INPUT)));
+    for (std::string & input : inputs)
+        input.resize(std::min({input.size(), target.longest, LONGEST_INPUT}));
     if (inputs.empty())
         inputs.push_back("seed");
-    // The smallest first, whatever the folders' order.
-    std::sort(inputs.begin(), inputs.end(),
-              [](auto const & a, auto const & b) { return a.size() != b.size() ? a.size() < b.size() : a < b; });
+    fuzz::SortInputs(inputs);
     return inputs;
 }
 
@@ -92,24 +101,6 @@ DWORD WINAPI Watch(void *)
             TerminateProcess(GetCurrentProcess(), 97);
         }
     }
-}
-
-// Where the fault is, for addr2line; the callers as far as the frames tell.
-LONG WINAPI ReportFault(EXCEPTION_POINTERS * pointers)
-{
-    std::fprintf(stderr, "fuzz: fault %08lx at %p, callers", pointers->ExceptionRecord->ExceptionCode,
-                 pointers->ExceptionRecord->ExceptionAddress);
-#ifdef __i386__
-    auto const * frame = reinterpret_cast<std::uintptr_t const *>(pointers->ContextRecord->Ebp);
-    for (int depth = 0; depth < 12 && !IsBadReadPtr(frame, 2 * sizeof *frame) && frame[0] > 4096; ++depth)
-    {
-        std::fprintf(stderr, " %p", reinterpret_cast<void *>(frame[1]));
-        frame = reinterpret_cast<std::uintptr_t const *>(frame[0]);
-    }
-#endif
-    std::fprintf(stderr, "\n");
-    TerminateProcess(GetCurrentProcess(), 96);
-    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 void Run(fuzz::Target const & target, std::string const & input)
@@ -142,7 +133,7 @@ int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count
     MapCurrent(folders[0]);
     CloseHandle(CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr));
     std::vector<std::string> corpus;
-    for (std::string const & input : LoadAll(folders, count, target))
+    for (std::string const & input : LoadFor(target, folders, count))
     {
         Run(target, input);
         if (fuzz::NewCoverage() || corpus.empty())
@@ -176,7 +167,7 @@ int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count
 
 int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders, int count)
 {
-    std::vector<std::string> inputs = LoadAll(folders + 1, count - 1, target);
+    std::vector<std::string> inputs = LoadFor(target, folders + 1, count - 1), kept;
     // Once without looking: the ways that are made at first use are gone through. Then those come first that show
     // new edges, before those that only take known ones more often.
     for (std::string const & input : inputs)
@@ -190,7 +181,6 @@ int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders,
     };
     std::stable_partition(inputs.begin(), inputs.end(), showsEdges);
     fuzz::ForgetCoverage();
-    unsigned kept = 0;
     for (std::string const & input : inputs)
     {
         if (input.size() > bytes)
@@ -198,12 +188,24 @@ int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders,
         Run(target, input);
         if (!fuzz::NewCoverage())
             continue;
-        Store(folders[0], input);
         bytes -= input.size();
-        ++kept;
+        kept.push_back(input);
     }
-    std::printf("fuzz %s: %u of %u inputs kept, %u edges\n", target.name, kept, static_cast<unsigned>(inputs.size()),
-                static_cast<unsigned>(fuzz::KnownEdges()));
+    fuzz::StorePack(folders[0], kept);
+    std::printf("fuzz %s: %u of %u inputs kept, %u edges\n", target.name, static_cast<unsigned>(kept.size()),
+                static_cast<unsigned>(inputs.size()), static_cast<unsigned>(fuzz::KnownEdges()));
+    return 0;
+}
+
+int Repack(bool pack, wchar_t ** arguments, int count)
+{
+    std::vector<std::string> const inputs = LoadAll(arguments + 1, count - 1);
+    if (pack)
+        fuzz::StorePack(arguments[0], inputs);
+    for (std::string const & input : inputs)
+        if (!pack)
+            Store(arguments[0], input);
+    std::printf("fuzz: %u inputs\n", static_cast<unsigned>(inputs.size()));
     return 0;
 }
 
@@ -231,10 +233,12 @@ void fuzz::Check(bool holds, char const * what)
 
 int wmain(int count, wchar_t ** arguments)
 {
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    SetUnhandledExceptionFilter(ReportFault);
+    VekTest::ReportFaults("the fuzzer's target");
     setvbuf(stdout, nullptr, _IONBF, 0);
-    bool const minimise = count > 1 && std::wstring_view(arguments[1]) == L"--minimise";
+    std::wstring_view const option = count > 3 ? arguments[1] : L"";
+    if (option == L"--pack" || option == L"--unpack")
+        return Repack(option == L"--pack", arguments + 2, count - 2);
+    bool const minimise = option == L"--minimise";
     int const first = minimise ? 2 : 1;
     fuzz::Target const * const target = count > first + 2 ? Find(arguments[first]) : nullptr;
     if (!target || !VekLibInit())

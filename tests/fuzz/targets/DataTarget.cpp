@@ -2,7 +2,7 @@
 
 #include "VekLib.h"
 
-#include "fuzz/targets/Targets.h"
+#include "fuzz/Target.h"
 #include "support/DataKit.h"
 #include "support/TestStream.h"
 

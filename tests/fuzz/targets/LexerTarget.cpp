@@ -2,7 +2,7 @@
 
 #include "VekLib.h"
 
-#include "fuzz/targets/Targets.h"
+#include "fuzz/Target.h"
 #include "support/XMLKit.h"
 
 #include <cwctype>
@@ -44,8 +44,7 @@ struct Language
 
 bool IsSame(std::wstring const & a, std::wstring const & b, bool caseSensitive)
 {
-    return (caseSensitive ? VekStrCompareW(a.c_str(), b.c_str(), true) : VekStrCompareW(a.c_str(), b.c_str(), false)) ==
-           0;
+    return VekStrCompareW(a.c_str(), b.c_str(), caseSensitive) == 0;
 }
 
 bool IsWord(wchar_t unit)

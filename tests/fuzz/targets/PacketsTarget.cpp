@@ -5,7 +5,7 @@
 #include "packetfile/Format.h"
 #include "packetfile/Manager.h"
 
-#include "fuzz/targets/Targets.h"
+#include "fuzz/Target.h"
 #include "support/TestStream.h"
 
 #include <vector>

@@ -2,7 +2,7 @@
 
 #include "VekLib.h"
 
-#include "fuzz/targets/Targets.h"
+#include "fuzz/Target.h"
 #include "support/FillStack.h"
 
 #include <algorithm>
