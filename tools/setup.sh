@@ -42,6 +42,7 @@ googletest                  /usr/src/googletest/CMakeLists.txt
 libcli11-dev                /usr/include/CLI/CLI.hpp
 shared-mime-info            /usr/share/mime/packages/freedesktop.org.xml
 dpkg-dev                    dpkg-source
+clang                       clang++
 clang-tidy                  clang-tidy
 clang-format                clang-format
 cppcheck                    cppcheck

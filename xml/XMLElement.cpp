@@ -8,6 +8,8 @@
 
 #include <string.h>
 
+#include <utility>
+
 namespace
 {
 
@@ -31,27 +33,14 @@ CVekXMLElement::CVekXMLElement() = default;
 
 CVekXMLElement::CVekXMLElement(wchar_t const * name, int nameLength) : m_name(name, nameLength) {}
 
-CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(static_cast<CVekString<wchar_t> &&>(name)) {}
+CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(std::move(name)) {}
 
-// Makes an element in one block with a short name; null when memory is exhausted.
+// Null when memory is exhausted.
 CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
 {
-    using Access = vek::StringAccess<wchar_t>;
-    constexpr int embeddedUnits = 128;
-    auto const units = static_cast<size_t>(nameLength);
-    if (nameLength < embeddedUnits)
-    {
-        void * const block = vek::PoolAllocate(sizeof(CVekXMLElement) + Access::EmbeddedBytes(units));
-        return block
-                   ? new (block)
-                         CVekXMLElement(Access::Embed(static_cast<char *>(block) + sizeof(CVekXMLElement), name, units))
-                   : nullptr;
-    }
-    auto * const element = new CVekXMLElement(name, nameLength);
-    if (!element || element->m_name.GetLength() == nameLength)
-        return element;
-    delete element;
-    return nullptr;
+    return vek::MakeInOneBlock<CVekXMLElement>([](void * block, CVekString<wchar_t> && text)
+                                               { return new (block) CVekXMLElement(std::move(text)); },
+                                               vek::TextPiece{name, nameLength});
 }
 
 CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) = default;
