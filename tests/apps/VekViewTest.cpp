@@ -147,11 +147,7 @@ TEST_F(VekView, FitsSceneWithoutCamera)
 
 TEST_F(VekView, TellsWhatIsWrongWithAScene)
 {
-    struct
-    {
-        std::string inside;
-        char const * message;
-    } const rows[] = {
+    std::pair<std::string, char const *> const rows[] = {
         {"<sphere/>", "unknown element <sphere>"},
         {R"(<box max="1, 1, 1"/>)", "box 1: attribute \"min\" is missing"},
         {R"(<box min="0 0 0" max="1 1 1"/><box min="0, 0" max="1, 1, 1"/>)",
@@ -183,13 +179,13 @@ TEST_F(VekView, TellsWhatIsWrongWithAScene)
         {R"(<camera eye="1, 1, 1" target="1, 1, 1"/>)", "camera 1: eye and target are the same point"},
         {std::string(CAMERA) + "/>" + CAMERA + "/>", "camera 2: there is one already"},
     };
-    for (auto const & row : rows)
+    for (auto const & [inside, message] : rows)
     {
-        Outcome const outcome = Snapshot(Scene(row.inside));
-        EXPECT_EQ(outcome.code, 1) << row.inside;
-        EXPECT_THAT(outcome.err, HasSubstr(row.message)) << row.inside;
-        EXPECT_THAT(outcome.err, HasSubstr("vekview: ")) << row.inside;
-        EXPECT_EQ(CountFiles(m_folder), 1) << row.inside; // no picture
+        Outcome const outcome = Snapshot(Scene(inside));
+        EXPECT_EQ(outcome.code, 1) << inside;
+        EXPECT_THAT(outcome.err, HasSubstr(message)) << inside;
+        EXPECT_THAT(outcome.err, HasSubstr("vekview: ")) << inside;
+        EXPECT_EQ(CountFiles(m_folder), 1) << inside; // no picture
     }
     EXPECT_THAT(Snapshot("<drawing/>").err, HasSubstr("the outermost element is <drawing>, not <scene>"));
     std::string many;

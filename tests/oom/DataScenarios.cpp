@@ -129,13 +129,13 @@ bool UseCurve()
 
 bool SolveSystem()
 {
-    CVekMatrix<float> matrix(3, 3);
+    CVekMatrix<float> matrix(100, 100);
     if (!matrix.GetElements())
         return false;
     matrix.SetIdentity();
-    unsigned int order[3];
-    float const right[3] = {1, 2, 3};
-    float result[3] = {9, 9, 9};
+    unsigned int order[100];
+    float const right[100] = {1, 2, 3};
+    float result[100] = {9, 9, 9};
     bool const regular = CVekMath32::LUDecompose(matrix, order) == 1;
     CVekMath32::LUSubstitution(matrix, order, right, result);
     return regular && result[0] == 1 && result[2] == 3; // or untouched

@@ -22,11 +22,9 @@ constexpr char const * SCENE = R"(<scene>
 // Where the colours are; yellow is what is highlighted.
 struct Seen
 {
-    explicit Seen(Picture const & p)
-        : red(FindColor(p, "+--")), blue(FindColor(p, "--+")), green(FindColor(p, "-+-")), yellow(FindColor(p, "++-"))
-    {
-    }
-    Spot red, blue, green, yellow;
+    Picture const & p;
+    Spot red = FindColor(p, "+--"), blue = FindColor(p, "--+"), green = FindColor(p, "-+-"),
+         yellow = FindColor(p, "++-");
 };
 
 std::wstring At(Spot const & spot)
@@ -50,7 +48,7 @@ protected:
         ASSERT_TRUE(m_view.ShowsSoon(
             [this](Picture const & p)
             {
-                Seen const seen(m_first = p);
+                Seen const seen{m_first = p};
                 m_red = seen.red;
                 m_blue = seen.blue;
                 return p.width == 480 && p.height == 400 && m_red.count > 500 && seen.green.count > 50 &&
@@ -65,7 +63,7 @@ protected:
     }
     bool Soon(std::function<bool(Seen const &)> const & condition) const
     {
-        return m_view.ShowsSoon([&](Picture const & p) { return condition(Seen(p)); });
+        return m_view.ShowsSoon([&](Picture const & p) { return condition(Seen{p}); });
     }
 
     ViewWindow m_view{WriteFileBytes(L"window.xml", SCENE)};
@@ -121,20 +119,17 @@ TEST_F(VekViewWindow, ADragThereAndBackOrTakenBackLeavesThePicture)
 {
     for (wchar_t const * const end : {L"@240,200", L"key Escape @340,90"})
     {
-        SCOPED_TRACE(end);
         m_view.Act(L"@240,200 mousedown 1 @300,260 @340,90");
-        EXPECT_TRUE(Soon([&](Seen const & s) { return s.red.x > m_red.x + 15; }));
+        EXPECT_TRUE(Soon([&](Seen const & s) { return s.red.x > m_red.x + 15; })) << end;
         m_view.Act(end);
-        EXPECT_TRUE(ShowsFirstSoon());
+        EXPECT_TRUE(ShowsFirstSoon()) << end;
         m_view.Act(L"mouseup 1 @245,200");
     }
 }
 
 TEST_F(VekViewWindow, MiddleDragKeepsThePointUnderThePointer)
 {
-    Spot target = m_red;
-    target.x += 60;
-    target.y -= 40;
+    Spot const target{0, m_red.x + 60, m_red.y - 40};
     m_view.Act(At(m_red) + L" mousedown 2 @100,100 " + At(target) + L" mouseup 2");
     EXPECT_TRUE(
         Soon([&](Seen const & s) { return IsMoved(s.yellow, m_red, 60, -40) && IsMoved(s.blue, m_blue, 60, -40); }));
