@@ -156,11 +156,7 @@ TEST_F(Workers, EndACommandThatIsWaitedForThemselves)
     {
         explicit Watched(std::string & text) : endings(text) {}
         ~Watched() override { endings += std::to_string(VekGetCurrentThreadID()) + ";"; }
-        unsigned int AddRef() override
-        {
-            endings += "counted;";
-            return CVekThreadCommand::AddRef();
-        }
+        unsigned int AddRef() override { return endings += "counted;", CVekThreadCommand::AddRef(); }
         void Execute() override { endings += std::to_string(GetRefCount()) + " in "; }
         std::string & endings;
     };
