@@ -6,6 +6,7 @@
 #include <thread>
 
 using WorkerKit::Command;
+using WorkerKit::Gate;
 using WorkerKit::Ticks;
 using WorkerKit::Until;
 using WorkerKit::Workers;
@@ -125,13 +126,13 @@ TEST_F(Workers, EndWhileOthersWaitForTheirCommand)
     {
         SCOPED_TRACE(autoDelete);
         Ticks ticks;
-        std::latch gate{1};
+        Gate gate;
         Thread const thread = InLastTick(ticks, gate);
         bool ran = false;
         CVekRef<Command> const command(new Command([&] { ran = true; }, autoDelete));
         std::thread caller([&] { kernel.ExecuteThreadCommand(CVekRef(command).Detach(), thread.Get()); });
         EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
-        gate.count_down();
+        gate.Open();
         caller.join();
         for (char const * when : {"it has ended meanwhile", "it has ended before"})
         {
@@ -155,11 +156,7 @@ TEST_F(Workers, EndACommandThatIsWaitedForThemselves)
     {
         explicit Watched(std::string & text) : endings(text) {}
         ~Watched() override { endings += std::to_string(VekGetCurrentThreadID()) + ";"; }
-        unsigned int AddRef() override
-        {
-            endings += "counted;";
-            return CVekThreadCommand::AddRef();
-        }
+        unsigned int AddRef() override { return endings += "counted;", CVekThreadCommand::AddRef(); }
         void Execute() override { endings += std::to_string(GetRefCount()) + " in "; }
         std::string & endings;
     };
@@ -189,7 +186,7 @@ TEST_F(Workers, WaitForAWorkerThatStartsLater)
 TEST_F(Workers, KeptCommandsLeftBehindAreNotRun)
 {
     Ticks ticks;
-    std::latch gate{1};
+    Gate gate;
     Thread thread = InLastTick(ticks, gate);
     CVekSignal signal;
     bool ran = false;
@@ -201,7 +198,7 @@ TEST_F(Workers, KeptCommandsLeftBehindAreNotRun)
         command->SetEndSignal(&signal);
         thread->AddCommand(command);
     }
-    gate.count_down();
+    gate.Open();
     EXPECT_TRUE(HasEnded(thread));
     EXPECT_FALSE(ran);
     EXPECT_EQ(Command::s_destroyed - destroyed, 1) << "kept: one that deletes itself is released";

@@ -9,7 +9,6 @@
 
 #include <atomic>
 #include <functional>
-#include <latch>
 
 namespace WorkerKit
 {
@@ -56,6 +55,14 @@ private:
     std::function<void()> m_work;
 };
 
+// Waits until it is opened, for good.
+struct Gate
+{
+    void Open() { signal.SetSignal(); }
+    void Pass() const { WaitForSingleObject(signal.GetHandle(), INFINITE); }
+    CVekSignal signal;
+};
+
 class Workers : public testing::Test
 {
 protected:
@@ -74,11 +81,11 @@ protected:
         EXPECT_EQ(thread->Start(), 1u);
         return thread;
     }
-    // In its last tick, until the gate is counted down.
-    Thread InLastTick(Ticks & ticks, std::latch & gate)
+    // In its last tick, until the gate is opened.
+    Thread InLastTick(Ticks & ticks, Gate & gate)
     {
         ticks.count = 0;
-        ticks.onTick = [&gate] { gate.wait(); };
+        ticks.onTick = [&gate] { gate.Pass(); };
         Thread thread = Started(0, 1, &ticks);
         EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
         return thread;

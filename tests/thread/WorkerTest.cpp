@@ -6,6 +6,7 @@
 #include <thread>
 #include <tuple>
 
+using WorkerKit::Gate;
 using WorkerKit::Ticks;
 using WorkerKit::Until;
 using WorkerKit::Workers;
@@ -198,8 +199,8 @@ TEST_F(Workers, AcknowledgeAPostedSuspension)
 TEST_F(Workers, OutliveTheirObjectInALongCall)
 {
     Ticks ticks;
-    std::latch gate{1};
-    ticks.onTick = [&] { gate.wait(); };
+    Gate gate;
+    ticks.onTick = [&] { gate.Pass(); };
     Thread thread = Started(0, 0, &ticks);
     EXPECT_EQ(thread->Start(), 1u) << "kept: a second start is not refused";
     EXPECT_TRUE(Until([&] { return ticks.count == 2; }));
@@ -208,7 +209,7 @@ TEST_F(Workers, OutliveTheirObjectInALongCall)
     DWORD const milliseconds = GetTickCount() - begin;
     EXPECT_TRUE(milliseconds > 4900 && milliseconds < 9000) << milliseconds;
     EXPECT_GT(ticks.GetRefCount(), 1u) << "still in use";
-    gate.count_down();
+    gate.Open();
     EXPECT_TRUE(Until([&] { return ticks.GetRefCount() == 1; }));
     EXPECT_EQ(ticks.count, 2) << "both have left their loop";
 }
@@ -236,7 +237,7 @@ TEST_F(Workers, MayEndTheirOwnObject)
 TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
 {
     Ticks ticks;
-    std::latch gate{1};
+    Gate gate;
     Thread const thread = InLastTick(ticks, gate);
     std::vector<std::thread> callers;
     std::atomic<int> returned = 0;
@@ -244,7 +245,7 @@ TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
         callers.emplace_back([&] { thread->Suspend(), ++returned; });
     Sleep(50);
     EXPECT_EQ(returned, 0);
-    gate.count_down();
+    gate.Open();
     for (std::thread & caller : callers)
         caller.join();
     EXPECT_EQ(thread->Resume(), 2) << "each call counts";
@@ -279,11 +280,11 @@ TEST_F(Workers, SwapTheirCallbackBetweenTicks)
 TEST_F(Workers, SwapTheCallbackOfAWorkerThatEndsMeanwhile)
 {
     Ticks first, second;
-    std::latch gate{1};
+    Gate gate;
     Thread const thread = InLastTick(first, gate);
     std::thread caller([&] { thread->SetTickCallback(&second); });
     EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
-    gate.count_down();
+    gate.Open();
     caller.join();
     EXPECT_EQ(thread->GetTickCallback(), &second);
     EXPECT_TRUE(first.GetRefCount() == 1 && second.GetRefCount() == 2);
