@@ -260,6 +260,7 @@ bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from, unsign
     return Store(out, relative);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): kept: by value, as hosts link it
 bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base)
 {
     // The platform's routine looks a little in front of what it writes, and behind a ".." that ends the path.
