@@ -17,7 +17,7 @@ namespace
 template <class T>
 using Routines = std::conditional_t<std::is_same_v<T, float>, CVekMath32, CVekMath64>;
 
-// The stated loops, written down as they are, to compare with.
+// Plain loops in the order of operations that the library keeps, to compare with.
 template <class T>
 [[gnu::noinline]] T PlainDecompose(CVekMatrix<T> & matrix, unsigned int * order)
 {

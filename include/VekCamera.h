@@ -119,29 +119,23 @@ struct VEK_CAMERASTATE
     /// The volume of a square screen: what is drawn is a copy after FixAspectRatio with the screen's width and height.
     CVekFrustum frustum;
     /// From the world to camera coordinates, for row vectors. A point is drawn at p * matrix * the copy's projection.
-    CVekMatrix4x4<float> matrix;
-    VEK_COORDSYSTEM coordSystem;
+    CVekMatrix4x4<float> matrix = CVekMatrix4x4<float>::Identity();
+    VEK_COORDSYSTEM coordSystem = VEK_COORDSYSTEM_LEFTHANDED;
     /// Where the picture is, in pixels with y downwards, or any other unit that the pointer has too.
-    float screenLeft, screenTop, screenRight, screenBottom;
+    float screenLeft = 0, screenTop = 0, screenRight = 0, screenBottom = 0;
     CVekVector2D<float> pointerStart;
     CVekVector2D<float> pointerCurrent;
     /// The point in the world about which the camera orbits, and whose depth the other modes work at. A pivot that is
     /// not in front of the near plane of a perspective view counts as being on that plane there.
     CVekVector3D<float> pivot;
     /// The direction in the world about which sideways drags orbit; zero for the camera's own y axis.
-    CVekVector3D<float> up;
+    CVekVector3D<float> up = CVekVector3D<float>(0, 1, 0);
     /// What frustum and matrix were before the latest call of Manipulate.
     CVekFrustum previousFrustum;
-    CVekMatrix4x4<float> previousMatrix;
+    CVekMatrix4x4<float> previousMatrix = CVekMatrix4x4<float>::Identity();
 
     /// The default frustum and the identity, left-handed, an empty screen, the pivot in the origin, y up.
-    VEK_CAMERASTATE()
-    noexcept
-        : frustum(), matrix(CVekMatrix4x4<float>::Identity()), coordSystem(VEK_COORDSYSTEM_LEFTHANDED), screenLeft(0),
-          screenTop(0), screenRight(0), screenBottom(0), pointerStart(), pointerCurrent(), pivot(), up(0, 1, 0),
-          previousFrustum(), previousMatrix(CVekMatrix4x4<float>::Identity())
-    {
-    }
+    VEK_CAMERASTATE() noexcept = default;
 
     void SavePrevious() noexcept
     {

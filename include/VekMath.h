@@ -130,9 +130,11 @@ public:
         return sum;
     }
     constexpr T LengthSquared() const noexcept { return Dot(Self()); }
-    /// The Euclidean length, without overflow or loss of digits in between.
+    /// The Euclidean length, without overflow or loss of digits in between. Not for whole numbers, as all that follows
+    /// from it: Normalised and DistanceTo.
     T Length() const noexcept
     {
+        static_assert(T(1) / T(2) != T(0), "lengths are for float and double");
         T const sum = LengthSquared();
         if (sum >= SmallestSquare(T()) && sum <= LargestSquare(T()))
             return SquareRoot(sum);
@@ -145,6 +147,7 @@ public:
     /// The vector of length 1 in the same direction; the zero vector stays zero.
     V Normalised() const noexcept
     {
+        static_assert(T(1) / T(2) != T(0), "directions of length 1 are for float and double");
         T const sum = LengthSquared();
         if (sum >= SmallestSquare(T()) && sum <= LargestSquare(T()))
             return Self() / SquareRoot(sum);
@@ -315,8 +318,8 @@ public:
 private:
     static constexpr T Between(T a, T b, float t) noexcept
     {
-        constexpr float half = T(0.5f) == T(0) ? 0.5f : 0.0f;
-        return t > 0 ? t < 1 ? static_cast<T>(static_cast<float>(a) * (1 - t) + static_cast<float>(b) * t + half) : b
+        constexpr float HALF = T(0.5f) == T(0) ? 0.5f : 0.0f;
+        return t > 0 ? t < 1 ? static_cast<T>(static_cast<float>(a) * (1 - t) + static_cast<float>(b) * t + HALF) : b
                      : a;
     }
 };
@@ -404,7 +407,7 @@ public:
     }
     T const & operator()(unsigned int row, unsigned int column) const noexcept
     {
-        return Has(row, column) ? m_elements[IndexOf(row, column)] : OutsideElement();
+        return Has(row, column) ? m_elements[IndexOf(row, column)] : ZERO;
     }
 
     /// Sets the diagonal to 1 and everything else to 0.
@@ -429,7 +432,9 @@ protected:
     {
         return static_cast<size_t>(row) * m_columns + column;
     }
+    /// One for each thread, 0 again at each call.
     VEK_API static T & OutsideElement() noexcept;
+    static constexpr T ZERO = T(0);
 
     unsigned int m_rows;
     unsigned int m_columns;
@@ -475,6 +480,15 @@ template <class T>
 class CVekMatrix4x4 : public CVekMatrixMxN<T, 4, 4>
 {
 public:
+    /// All elements are 0.
+    CVekMatrix4x4() noexcept = default;
+    template <class U>
+    explicit CVekMatrix4x4(CVekMatrix4x4<U> const & other) noexcept
+    {
+        for (size_t i = 0; i < 16; ++i)
+            this->m_elements[i] = static_cast<T>(other.GetElements()[i]);
+    }
+
     VEK_API static CVekMatrix4x4 Identity() noexcept;
     VEK_API static CVekMatrix4x4 Translation(CVekVector3D<T> const & offset) noexcept;
     VEK_API static CVekMatrix4x4 Scaling(CVekVector3D<T> const & factors) noexcept;
@@ -487,7 +501,8 @@ public:
     VEK_API static CVekMatrix4x4 Rotation(CVekVector3D<T> const & axis, T angle) noexcept;
     /// The transform from the world to a viewer at eye: eye becomes the origin, target lies on the view axis, up points
     /// towards +y. The view axis is +z in the left-handed system, -z in the right-handed one. Where up gives no
-    /// direction another one is chosen; where target is eye the view goes along +z and -z of the world.
+    /// direction it is +y, or for a view along y the one of +z and -z for which +x runs to the right; where target is
+    /// eye the view goes along +z and -z of the world.
     VEK_API static CVekMatrix4x4 LookAtLeftHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,
                                                   CVekVector3D<T> const & up) noexcept;
     VEK_API static CVekMatrix4x4 LookAtRightHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,

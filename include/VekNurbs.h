@@ -51,8 +51,10 @@ public:
 
     /// Makes the curve of these control points and knots, which are copied. Null for the weights makes them all 1; null
     /// and 0 for the knots makes them uniform from 0 to 1, so that the curve runs from the first point to the last.
-    /// Coordinates must be finite, also when multiplied by their weights; weights positive; knots finite and no larger
-    /// than a quarter of the largest number. Only at both ends a knot may occur degree + 1 times.
+    /// Coordinates must be finite, also when multiplied by their weights: the products are what the curve keeps, with
+    /// the digits that they have (they underflow when both are very small). Weights must be positive normal numbers,
+    /// knots finite and no larger than a quarter of the largest number. Only at both ends a knot may occur degree + 1
+    /// times.
     VEK_API bool Create(unsigned int degree, CVekVector3D<T> const * points, T const * weights, unsigned int pointCount,
                         T const * knots = nullptr, unsigned int knotCount = 0) noexcept;
     /// Makes a straight line from the parameter 0 to 1.
@@ -69,7 +71,9 @@ public:
                               CVekVector3D<T> const & yAxis) noexcept;
     /// Makes the curve through these points, of which no two neighbours may be equal, from 0 to 1. There must be more
     /// than degree points. Parameters are by chord length, knots by averaging (P & T, A9.1); the linear system is
-    /// banded and totally positive, so that it is solved without pivoting.
+    /// banded and totally positive, so that it is solved without pivoting. The higher the degree and the more unequal
+    /// the points' distances are, the farther swings the curve between them, until control points in T are too coarse
+    /// for it. False when it would then miss a point by more than 256 roundings of the points' extent.
     VEK_API bool CreateInterpolation(unsigned int degree, CVekVector3D<T> const * points,
                                      unsigned int pointCount) noexcept;
     /// Makes the curve empty.
@@ -140,8 +144,12 @@ public:
     VEK_API T GetLength(T tolerance = T(0)) const noexcept;
     VEK_API T GetLengthBetween(T from, T to, T tolerance = T(0)) const noexcept;
     /// The parameter up to which the curve has a length, within the tolerance as above. Lengths outside the curve's
-    /// give the ends of the domain.
+    /// give the ends of the domain, NaN its start. The second form writes a parameter for each of count lengths, with
+    /// the same bits. Each length goes on where the one before was found, so that rising ones, as for even steps, take
+    /// the curve's length once; the first form takes it up to its place each time.
     VEK_API T GetParameterAtLength(T length, T tolerance = T(0)) const noexcept;
+    VEK_API void GetParametersAtLengths(T const * lengths, unsigned int count, T * parameters,
+                                        T tolerance = T(0)) const noexcept;
     /// The number of points of a polyline that is nowhere farther from the curve than the tolerance, which must be
     /// positive; 0 without one. The first capacity points and their parameters are written; either array may be null.
     /// The points are on the curve, its ends and each knot's point among them. The control polygons of halved pieces

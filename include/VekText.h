@@ -47,13 +47,25 @@ VEK_API void VekStrCatA(char * target, char const * source, int max = -1);
 VEK_API void VekStrCatW(wchar_t * target, wchar_t const * source, int max = -1);
 
 /// Formats into a buffer of size characters, terminator included. Returns the number of characters written, or -1 when
-/// the text was cut to fit or could not be formatted; the buffer is terminated whenever size is above 0. The last
-/// argument of the second form is a started argument list (va_list), so a lone argument of type char * needs a cast to
-/// char const *.
+/// the text was cut to fit or could not be formatted; the buffer is terminated whenever size is above 0, and a text
+/// that was cut stays in it. The last argument of the second form is a started argument list (va_list), which is a char
+/// * to the compiler: a lone argument that is a char * or an array of char needs a cast to char const *.
 VEK_API int VekStrPrintfA(char * buffer, int size, char const * format, ...);
 VEK_API int VekStrPrintfW(wchar_t * buffer, int size, wchar_t const * format, ...);
 VEK_API int VekStrPrintfA(char * buffer, int size, char const * format, va_list arguments);
 VEK_API int VekStrPrintfW(wchar_t * buffer, int size, wchar_t const * format, va_list arguments);
+/// A lone argument of any other type, which might be taken for a list: 0, nullptr and text in quotes turn into a char
+/// *.
+template <class T>
+int VekStrPrintfA(char * buffer, int size, char const * format, T argument)
+{
+    return VekStrPrintfA(buffer, size, format, argument, 0); // the second one is not looked at
+}
+template <class T>
+int VekStrPrintfW(wchar_t * buffer, int size, wchar_t const * format, T argument)
+{
+    return VekStrPrintfW(buffer, size, format, argument, 0);
+}
 
 /// The number of characters the formatted text needs without its terminator; -1 when it can't be formatted.
 VEK_API int VekPrintfLengthA(char const * format, ...);
@@ -77,9 +89,10 @@ VEK_API double VekStrToFloatW(wchar_t const * text);
 // --- the string -----------------------------------------------------------------------------------------------------
 
 /// A text that owns its characters: one pointer to them, with length, capacity and grow-by in front of them in the same
-/// block. Always terminated; copies never share. When memory runs out, an operation leaves the string as it is. A text
-/// argument may be part of the string itself. Starts and counts outside the source are cut to it; negative ones mean
-/// nothing to take.
+/// block. Only a string that was moved from, and a text that a variant doesn't use, have no block: they are empty and
+/// get one when they are changed. Always terminated; copies never share. When memory runs out, an operation leaves the
+/// string as it is. A text argument may be part of the string itself. Starts and counts outside the source are cut to
+/// it; negative ones mean nothing to take.
 template <class T>
 class CVekString
 {
@@ -121,10 +134,13 @@ public:
     /// Replaces the contents; null makes the string empty.
     VEK_API void Assign(T const * text) noexcept;
     VEK_API void Assign(CVekString const & other) noexcept;
-    /// Replaces the contents by count characters of the source from start (0: all that follow).
+    /// Replaces the contents by count characters of the source from start (0: all that follow). A start is counted from
+    /// the beginning of a text at each call, so that it never passes the end: whoever cuts a long one into many pieces
+    /// passes text + start with a start of 0, or a string.
     VEK_API void AssignPart(T const * text, int start, int count) noexcept;
     VEK_API void AssignPart(CVekString const & other, int start, int count) noexcept;
-    /// Appends count characters of the source from start (0: all that follow); null appends nothing.
+    /// Appends count characters of the source from start (0: all that follow); null appends nothing. A start is counted
+    /// as AssignPart does.
     void Append(T const * text, int start = 0, int count = 0) noexcept
     {
         if (start != 0 || count < 0 || !AppendShort(text, count))
@@ -147,11 +163,34 @@ public:
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     /// The characters, never null; valid until the string is changed or destroyed.
     operator T const *() const noexcept { return m_text ? m_text : NoText(); }
+    /// The characters are never null, so that a condition would always be true: ask IsEmpty.
+    explicit operator bool() const = delete;
 
     /// -1, 0 or 1. The argument is the left operand: the result is negative when it sorts before this string. A null
     /// argument gives -1, or 0 when this string is empty. Narrow characters are compared as signed values.
     VEK_API int Compare(T const * text, bool caseSensitive = true) const noexcept;
     VEK_API int Compare(CVekString const & other, bool caseSensitive = true) const noexcept;
+
+    /// Comparisons by value, with case: the order of VekStrCompareA and VekStrCompareW, the operands as they stand. A
+    /// null text is as an empty one.
+    friend bool operator==(CVekString const & a, CVekString const & b) noexcept { return Order(a, b) == 0; }
+    friend bool operator==(CVekString const & a, T const * b) noexcept { return Order(a, b) == 0; }
+    friend bool operator==(T const * a, CVekString const & b) noexcept { return Order(a, b) == 0; }
+    friend bool operator!=(CVekString const & a, CVekString const & b) noexcept { return Order(a, b) != 0; }
+    friend bool operator!=(CVekString const & a, T const * b) noexcept { return Order(a, b) != 0; }
+    friend bool operator!=(T const * a, CVekString const & b) noexcept { return Order(a, b) != 0; }
+    friend bool operator<(CVekString const & a, CVekString const & b) noexcept { return Order(a, b) < 0; }
+    friend bool operator<(CVekString const & a, T const * b) noexcept { return Order(a, b) < 0; }
+    friend bool operator<(T const * a, CVekString const & b) noexcept { return Order(a, b) < 0; }
+    friend bool operator>(CVekString const & a, CVekString const & b) noexcept { return Order(a, b) > 0; }
+    friend bool operator>(CVekString const & a, T const * b) noexcept { return Order(a, b) > 0; }
+    friend bool operator>(T const * a, CVekString const & b) noexcept { return Order(a, b) > 0; }
+    friend bool operator<=(CVekString const & a, CVekString const & b) noexcept { return Order(a, b) <= 0; }
+    friend bool operator<=(CVekString const & a, T const * b) noexcept { return Order(a, b) <= 0; }
+    friend bool operator<=(T const * a, CVekString const & b) noexcept { return Order(a, b) <= 0; }
+    friend bool operator>=(CVekString const & a, CVekString const & b) noexcept { return Order(a, b) >= 0; }
+    friend bool operator>=(CVekString const & a, T const * b) noexcept { return Order(a, b) >= 0; }
+    friend bool operator>=(T const * a, CVekString const & b) noexcept { return Order(a, b) >= 0; }
 
     /// The index of the first match at or after start, or -1.
     VEK_API int Find(T const * pattern, int start = 0, bool caseSensitive = true) const noexcept;
@@ -184,6 +223,11 @@ private:
         T * text;
     };
     explicit CVekString(Block block) noexcept : m_text(block.text) {}
+
+    // Compare takes its left operand as the argument.
+    static int Order(CVekString const & a, CVekString const & b) noexcept { return b.Compare(a); }
+    static int Order(T const * a, CVekString const & b) noexcept { return b.Compare(a); }
+    static int Order(CVekString const & a, T const * b) noexcept { return -a.Compare(b); }
 
     // In front of the characters: length, capacity, grow-by.
     int * Header() const noexcept { return reinterpret_cast<int *>(m_text) - 3; }
@@ -246,7 +290,7 @@ VEK_API CVekString<wchar_t> VekCreateStrAtoT(char const * text);
 
 // --- paths and files ------------------------------------------------------------------------------------------------
 // A slash, a backslash or a colon ends a path component. A limit max counts characters without the terminator; -1
-// stands for 1,024.
+// stands for 1,024. The array out must not be the path itself, as it is emptied first.
 
 /// Copies the text after the last separator to out. Returns where it begins in path, or null for an empty path.
 VEK_API char * VekGetFileNameFromPathA(char const * path, char * out, int max = -1);
@@ -261,7 +305,8 @@ VEK_API wchar_t * VekGetFileExtensionW(wchar_t const * path, wchar_t * out, int 
 VEK_API void VekGetFileDirectoryA(char const * path, char * out, int max = -1);
 VEK_API void VekGetFileDirectoryW(wchar_t const * path, wchar_t * out, int max = -1);
 
-/// Copies the path, directory included, without what VekGetFileExtension finds and the character before that.
+/// Copies the path, directory included, without what VekGetFileExtension finds and the character before that. A bare
+/// name without a dot is copied whole: "dir\file" gives "dir", "file" gives "file".
 VEK_API void VekGetFileNameWithoutExtensionA(char const * path, char * out, int max = -1);
 VEK_API void VekGetFileNameWithoutExtensionW(wchar_t const * path, wchar_t * out, int max = -1);
 
@@ -270,15 +315,16 @@ VEK_API bool VekIsSamePathA(char const * first, char const * second);
 VEK_API bool VekIsSamePathW(wchar_t const * first, wchar_t const * second);
 
 /// The path that leads from one file or directory to another; the attributes are the platform's file attributes. Paths
-/// of 260 characters or more, or without a common root, give false. The array must hold 260 characters and is empty
-/// after a failure; the string is unchanged then.
+/// of 260 characters or more, or without a common root, give false, and so does a string without memory for the result.
+/// The array must hold 260 characters and is empty after a failure; the string is unchanged then.
 VEK_API bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long fromAttributes, wchar_t const * to,
                                  unsigned long toAttributes);
 VEK_API bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from, unsigned long fromAttributes,
                                  wchar_t const * to, unsigned long toAttributes);
 
 /// Replaces path by base, a backslash and path, with "." and ".." components resolved, whether or not path is absolute
-/// already. False, with path unchanged, when the joined path has 260 characters or more.
+/// already. False, with path unchanged, when the result has 260 characters or more, the joined path 1,040, or there is
+/// no memory for the result. A base whose copy there was no memory for is taken for an empty one.
 VEK_API bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base);
 
 /// Opens a file with a mode of fopen; null on failure. The caller closes it with VekFileClose.

@@ -40,7 +40,9 @@ VEK_API int VekDataTypeSize(VEK_DATATYPE type);
 /// A value of any of the library's types. Its constructor sets the type; assigning a value never changes it.
 ///
 /// Copies are shallow for the types 13 to 19 and 21: both variants refer to the same object or buffer, each releases
-/// it, and the target's own is not released first. Keep only one of the copies alive.
+/// it, and the target's own is not released first. Keep only one of the copies alive, or detach the others: assigning
+/// VEK_VARIANT(VEK_DT_UNKNOWN) to one lets go of the shared block without releasing it. SetBuffer and DestroyBuffer
+/// release it for all.
 class VEK_API VEK_VARIANT
 {
 public:
@@ -99,7 +101,7 @@ public:
     operator GUID const &() const;
 
     /// The variant's object. In a variant of another type or without its object it is an object of zeros that belongs
-    /// to no variant.
+    /// to no variant; all threads share it, so nothing should be written there.
     operator CVekRGBA<unsigned char> &();
     operator CVekRGBA<unsigned char> const &() const;
     operator CVekRGBA<float> &();
@@ -150,7 +152,9 @@ public:
     unsigned char const * GetBuffer() const;
     int GetBufferSize() const;
 
-    /// Releases the buffer and takes the given block of the global allocator (malloc or new) over; always true.
+    /// Releases the buffer and takes the given block of the global allocator (malloc or new) over; always true. Given
+    /// the variant's own buffer, only the size changes. The size is 0 without a block, and none is below 0. A variant
+    /// of the types 13 to 19 frees a block of a size below 1 at once, and keeps its own object when that is given.
     bool SetBuffer(unsigned char * buffer, int size);
     /// Releases the buffer and stores a copy of the bytes. False, without a buffer, for a size below 1, null or no
     /// memory.
@@ -162,12 +166,16 @@ private:
     template <class T>
     T * FindObject() const;
     template <class T>
-    void MakePlainObject(T const & value);
+    T & Object();
+    template <class T>
+    T const & Object() const;
+    template <class T>
+    void MakeObject();
     template <class T>
     void StoreInline(T const & value);
     template <class T>
     void StoreObject(T const & value);
-    void CheckLayout();
+    struct Layout;
 
     VEK_DATATYPE m_type;
     union InlineValue

@@ -1,24 +1,14 @@
 #include "VekData.h"
 
-#include "base/Pool.h"
+#include "text/DataTypes.h"
 #include "text/StringAccess.h"
 
-#include <new>
-
-namespace
-{
-
-bool HasObject(VEK_DATATYPE type)
-{
-    return type >= VEK_DT_RGBA_UCHAR && type <= VEK_DT_MATRIX4X4_DOUBLE;
-}
-
-} // namespace
+#include <utility>
 
 CVekTypedDataEntry::CVekTypedDataEntry(wchar_t const * name, VEK_DATATYPE type) : m_name(name), m_value(type) {}
 
 CVekTypedDataEntry::CVekTypedDataEntry(CVekString<wchar_t> && name, VEK_DATATYPE type)
-    : m_name(static_cast<CVekString<wchar_t> &&>(name)), m_value(type)
+    : m_name(std::move(name)), m_value(type)
 {
 }
 
@@ -28,20 +18,14 @@ CVekTypedDataEntry & CVekTypedDataEntry::operator=(CVekTypedDataEntry const & ot
 
 CVekTypedDataEntry::~CVekTypedDataEntry() = default;
 
-// Makes a whole entry, in one block with a short name; null when memory is exhausted.
+// Null when memory is exhausted, also that for the value's object.
 CVekTypedDataEntry * CVekTypedDataEntry::Make(wchar_t const * name, int nameLength, VEK_DATATYPE type)
 {
-    using Access = vek::StringAccess<wchar_t>;
-    constexpr int embeddedUnits = 128;
-    auto const units = static_cast<size_t>(nameLength);
-    bool const embeds = nameLength < embeddedUnits;
-    void * const block = vek::PoolAllocate(sizeof(CVekTypedDataEntry) + (embeds ? Access::EmbeddedBytes(units) : 0));
-    if (!block)
-        return nullptr;
-    char * const place = static_cast<char *>(block) + sizeof(CVekTypedDataEntry);
-    auto * const entry = new (block)
-        CVekTypedDataEntry(embeds ? Access::Embed(place, name, units) : CVekString<wchar_t>(name, nameLength), type);
-    if (entry->m_name.GetLength() == nameLength && (!HasObject(type) || entry->m_value.GetBuffer()))
+    auto * const entry =
+        vek::MakeInOneBlock<CVekTypedDataEntry>([type](void * block, CVekString<wchar_t> && text)
+                                                { return new (block) CVekTypedDataEntry(std::move(text), type); },
+                                                vek::TextPiece{name, nameLength});
+    if (!entry || !vek::IsObject(type) || entry->m_value.GetBuffer())
         return entry;
     delete entry;
     return nullptr;

@@ -1,6 +1,6 @@
 #include "io/TypedDataLoad.h"
 
-#include "VekMath.h"
+#include "text/DataTypes.h"
 
 #include <stdlib.h>
 
@@ -9,8 +9,10 @@ namespace vek
 namespace
 {
 
+// One Load for each way a type's values are stored.
+
 template <class T>
-bool LoadInline(TypedDataSource & source, VEK_VARIANT & value) noexcept
+bool Load(Held<T>, TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
     T loaded{};
     if (!source.Get(loaded))
@@ -19,7 +21,7 @@ bool LoadInline(TypedDataSource & source, VEK_VARIANT & value) noexcept
     return true;
 }
 
-bool LoadBool(TypedDataSource & source, VEK_VARIANT & value) noexcept
+bool Load(Held<bool>, TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
     unsigned char loaded = 0;
     if (!source.Get(loaded))
@@ -30,16 +32,16 @@ bool LoadBool(TypedDataSource & source, VEK_VARIANT & value) noexcept
 
 // A text ends with its first zero, wherever the stored length would end it.
 template <class T>
-bool LoadText(TypedDataSource & source, VEK_VARIANT & value) noexcept
+bool Load(Held<CVekString<T>>, TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
-    constexpr int shortLength = 255;
-    T shortText[shortLength + 1];
+    constexpr int SHORT_LENGTH = 255;
+    T shortText[SHORT_LENGTH + 1];
     Buffer<T> longText;
     T const * text = shortText;
     int length = 0;
     if (!source.Get(length) || length < 0)
         return false;
-    if (length > shortLength)
+    if (length > SHORT_LENGTH)
     {
         if (!LoadUnits(source, length, longText))
             return false;
@@ -57,7 +59,7 @@ bool LoadText(TypedDataSource & source, VEK_VARIANT & value) noexcept
 }
 
 // Colours and vectors: four components.
-template <class Value, class T>
+template <class T, class Value>
 bool LoadFour(TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
     T loaded[4];
@@ -68,7 +70,19 @@ bool LoadFour(TypedDataSource & source, VEK_VARIANT & value) noexcept
 }
 
 template <class T>
-bool LoadMatrix(TypedDataSource & source, VEK_VARIANT & value) noexcept
+bool Load(Held<CVekRGBA<T>>, TypedDataSource & source, VEK_VARIANT & value) noexcept
+{
+    return LoadFour<T, CVekRGBA<T>>(source, value);
+}
+
+template <class T>
+bool Load(Held<CVekVector4D<T>>, TypedDataSource & source, VEK_VARIANT & value) noexcept
+{
+    return LoadFour<T, CVekVector4D<T>>(source, value);
+}
+
+template <class T>
+bool Load(Held<CVekMatrix4x4<T>>, TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
     CVekMatrix4x4<T> & matrix = value;
     return source.Get(matrix.GetElements(), 16);
@@ -80,7 +94,7 @@ bool LoadPieces(TypedDataSource & source, int size, VEK_VARIANT & value) noexcep
     return LoadUnits(source, size, bytes) && value.CopyBuffer(bytes.Data(), size);
 }
 
-bool LoadBuffer(TypedDataSource & source, VEK_VARIANT & value) noexcept
+bool Load(Held<HeldBytes>, TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
     int size = 0;
     if (!source.Get(size) || size < 0)
@@ -99,65 +113,21 @@ bool LoadBuffer(TypedDataSource & source, VEK_VARIANT & value) noexcept
     return false;
 }
 
-bool LoadOther(TypedDataSource & source, VEK_VARIANT & value) noexcept
+// Kept: of a GUID nothing is stored but its name and type.
+bool Load(Held<GUID>, TypedDataSource &, VEK_VARIANT &) noexcept
 {
-    switch (value.GetType())
-    {
-    case VEK_DT_STRINGA:
-        return LoadText<char>(source, value);
-    case VEK_DT_STRINGW:
-        return LoadText<wchar_t>(source, value);
-    case VEK_DT_RGBA_UCHAR:
-        return LoadFour<CVekRGBA<unsigned char>, unsigned char>(source, value);
-    case VEK_DT_RGBA_FLOAT:
-        return LoadFour<CVekRGBA<float>, float>(source, value);
-    case VEK_DT_VECTOR4D_INT:
-        return LoadFour<CVekVector4D<int>, int>(source, value);
-    case VEK_DT_VECTOR4D_FLOAT:
-        return LoadFour<CVekVector4D<float>, float>(source, value);
-    case VEK_DT_VECTOR4D_DOUBLE:
-        return LoadFour<CVekVector4D<double>, double>(source, value);
-    case VEK_DT_MATRIX4X4_FLOAT:
-        return LoadMatrix<float>(source, value);
-    case VEK_DT_MATRIX4X4_DOUBLE:
-        return LoadMatrix<double>(source, value);
-    case VEK_DT_BUFFER:
-        return LoadBuffer(source, value);
-    default:
-        // Kept: of a GUID nothing is stored but its name and type.
-        return true;
-    }
+    return true;
+}
+bool Load(Held<void>, TypedDataSource &, VEK_VARIANT &) noexcept
+{
+    return true;
 }
 
 } // namespace
 
 bool LoadValue(TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
-    switch (value.GetType())
-    {
-    case VEK_DT_BOOL:
-        return LoadBool(source, value);
-    case VEK_DT_UCHAR:
-        return LoadInline<unsigned char>(source, value);
-    case VEK_DT_CHAR:
-        return LoadInline<char>(source, value);
-    case VEK_DT_WCHAR:
-        return LoadInline<wchar_t>(source, value);
-    case VEK_DT_SHORT:
-        return LoadInline<short>(source, value);
-    case VEK_DT_USHORT:
-        return LoadInline<unsigned short>(source, value);
-    case VEK_DT_INT:
-        return LoadInline<int>(source, value);
-    case VEK_DT_UINT:
-        return LoadInline<unsigned int>(source, value);
-    case VEK_DT_FLOAT:
-        return LoadInline<float>(source, value);
-    case VEK_DT_DOUBLE:
-        return LoadInline<double>(source, value);
-    default:
-        return LoadOther(source, value);
-    }
+    return Visit(value.GetType(), [&](auto held) { return Load(held, source, value); });
 }
 
 } // namespace vek

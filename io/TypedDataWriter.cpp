@@ -1,13 +1,13 @@
 #include "VekData.h"
 
 #include "io/TypedDataSink.h"
+#include "text/DataTypes.h"
 #include "text/Names.h"
-
-#include <guiddef.h>
 
 namespace
 {
 
+using vek::Held;
 using vek::TypedDataSink;
 
 // The inline value of a type, or one of an object's type.
@@ -23,83 +23,71 @@ bool PutText(TypedDataSink & sink, CVekString<T> const & text)
     return sink.Put(text.GetLength()) && sink.Put(static_cast<T const *>(text), static_cast<size_t>(text.GetLength()));
 }
 
+// One Put for each way a type's values are stored.
+
 template <class T>
-bool PutColor(TypedDataSink & sink, CVekRGBA<T> const & color)
+bool Put(Held<T>, TypedDataSink & sink, VEK_VARIANT const & value)
 {
+    return sink.Put(ValueOf<T>(value));
+}
+
+bool Put(Held<bool>, TypedDataSink & sink, VEK_VARIANT const & value)
+{
+    return sink.Put(static_cast<unsigned char>(ValueOf<bool>(value) ? 1 : 0));
+}
+
+bool Put(Held<wchar_t>, TypedDataSink & sink, VEK_VARIANT const & value)
+{
+    return sink.Put(static_cast<wchar_t>(ValueOf<unsigned short>(value)));
+}
+
+template <class T>
+bool Put(Held<CVekString<T>>, TypedDataSink & sink, VEK_VARIANT const & value)
+{
+    return PutText(sink, ValueOf<CVekString<T>>(value));
+}
+
+template <class T>
+bool Put(Held<CVekRGBA<T>>, TypedDataSink & sink, VEK_VARIANT const & value)
+{
+    CVekRGBA<T> const & color = value;
     T const components[] = {color.red, color.green, color.blue, color.alpha};
     return sink.Put(components, 4);
 }
 
 template <class T>
-bool PutVector(TypedDataSink & sink, CVekVector4D<T> const & vector)
+bool Put(Held<CVekVector4D<T>>, TypedDataSink & sink, VEK_VARIANT const & value)
 {
+    CVekVector4D<T> const & vector = value;
     T const components[] = {vector.x, vector.y, vector.z, vector.w};
     return sink.Put(components, 4);
 }
 
-bool PutBuffer(TypedDataSink & sink, VEK_VARIANT const & value)
+template <class T>
+bool Put(Held<CVekMatrix4x4<T>>, TypedDataSink & sink, VEK_VARIANT const & value)
+{
+    return sink.Put(ValueOf<CVekMatrix4x4<T>>(value).GetElements(), 16);
+}
+
+bool Put(Held<vek::HeldBytes>, TypedDataSink & sink, VEK_VARIANT const & value)
 {
     int const size = value.GetBufferSize();
     return sink.Put(size) && (size == 0 || sink.PutBlock(value.GetBuffer(), static_cast<size_t>(size)));
 }
 
-bool PutInline(TypedDataSink & sink, VEK_VARIANT const & value)
+// Kept: of a GUID nothing is written but its name and type.
+bool Put(Held<GUID>, TypedDataSink &, VEK_VARIANT const &)
 {
-    switch (value.GetType())
-    {
-    case VEK_DT_BOOL:
-        return sink.Put(static_cast<unsigned char>(ValueOf<bool>(value) ? 1 : 0));
-    case VEK_DT_UCHAR:
-        return sink.Put(ValueOf<unsigned char>(value));
-    case VEK_DT_CHAR:
-        return sink.Put(ValueOf<char>(value));
-    case VEK_DT_WCHAR:
-        return sink.Put(static_cast<wchar_t>(ValueOf<unsigned short>(value)));
-    case VEK_DT_SHORT:
-        return sink.Put(ValueOf<short>(value));
-    case VEK_DT_USHORT:
-        return sink.Put(ValueOf<unsigned short>(value));
-    case VEK_DT_INT:
-        return sink.Put(ValueOf<int>(value));
-    case VEK_DT_UINT:
-        return sink.Put(ValueOf<unsigned int>(value));
-    case VEK_DT_FLOAT:
-        return sink.Put(ValueOf<float>(value));
-    case VEK_DT_DOUBLE:
-        return sink.Put(ValueOf<double>(value));
-    default:
-        // Kept: of a GUID nothing is written but its name and type, as of types that are not known.
-        return true;
-    }
+    return true;
+}
+bool Put(Held<void>, TypedDataSink &, VEK_VARIANT const &)
+{
+    return true;
 }
 
 bool PutValue(TypedDataSink & sink, VEK_VARIANT const & value)
 {
-    switch (value.GetType())
-    {
-    case VEK_DT_STRINGA:
-        return PutText(sink, ValueOf<CVekString<char>>(value));
-    case VEK_DT_STRINGW:
-        return PutText(sink, ValueOf<CVekString<wchar_t>>(value));
-    case VEK_DT_RGBA_UCHAR:
-        return PutColor(sink, ValueOf<CVekRGBA<unsigned char>>(value));
-    case VEK_DT_RGBA_FLOAT:
-        return PutColor(sink, ValueOf<CVekRGBA<float>>(value));
-    case VEK_DT_VECTOR4D_INT:
-        return PutVector(sink, ValueOf<CVekVector4D<int>>(value));
-    case VEK_DT_VECTOR4D_FLOAT:
-        return PutVector(sink, ValueOf<CVekVector4D<float>>(value));
-    case VEK_DT_VECTOR4D_DOUBLE:
-        return PutVector(sink, ValueOf<CVekVector4D<double>>(value));
-    case VEK_DT_MATRIX4X4_FLOAT:
-        return sink.Put(ValueOf<CVekMatrix4x4<float>>(value).GetElements(), 16);
-    case VEK_DT_MATRIX4X4_DOUBLE:
-        return sink.Put(ValueOf<CVekMatrix4x4<double>>(value).GetElements(), 16);
-    case VEK_DT_BUFFER:
-        return PutBuffer(sink, value);
-    default:
-        return PutInline(sink, value);
-    }
+    return vek::Visit(value.GetType(), [&](auto held) { return Put(held, sink, value); });
 }
 
 } // namespace

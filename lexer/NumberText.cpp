@@ -1,5 +1,7 @@
 #include "lexer/NumberText.h"
 
+#include "text/PlainNumber.h"
+
 #include <locale.h>
 #include <stdio.h>
 #include <wchar.h>
@@ -14,32 +16,14 @@ namespace
 // could differ.
 constexpr int EXACT_INTEGER = 1 << 24;
 constexpr int EXACT_POWER = 10;
-constexpr double POWERS_OF_TEN[EXACT_POWER + 1] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
 
 bool ExactReal(wchar_t const * text, size_t length, float & value) noexcept
 {
-    size_t i = text[0] == L'-' ? 1 : 0;
-    int number = 0;
-    int digits = 0;
-    int decimals = 0;
-    bool isBehindPoint = false;
-    for (; i < length; ++i)
-    {
-        if (text[i] == L'.')
-        {
-            isBehindPoint = true;
-            continue;
-        }
-        number = number * 10 + (text[i] - L'0');
-        ++digits;
-        decimals += isBehindPoint;
-        if (number > EXACT_INTEGER || decimals > EXACT_POWER)
-            return false;
-    }
-    if (digits == 0)
+    PlainNumber number;
+    if (number.Scan(text, text + length) != text + length || number.Digits() == 0 || number.Whole() > EXACT_INTEGER ||
+        number.Decimals() > EXACT_POWER)
         return false;
-    float const real = static_cast<float>(static_cast<double>(number) / POWERS_OF_TEN[decimals]);
-    value = text[0] == L'-' ? -real : real;
+    value = static_cast<float>(number.Value());
     return true;
 }
 

@@ -71,8 +71,7 @@ bool CameraView::ReadMatrix(VEK_CAMERASTATE const & state)
     if (state.coordSystem != VEK_COORDSYSTEM_LEFTHANDED && state.coordSystem != VEK_COORDSYSTEM_RIGHTHANDED)
         return false;
     forward = state.coordSystem == VEK_COORDSYSTEM_LEFTHANDED ? 1.0 : -1.0;
-    for (unsigned int row = 0; row < 4; ++row)
-        matrix.SetRow(row, CVekVector4D<double>(state.matrix.Row(row)));
+    matrix = CVekMatrix4x4<double>(state.matrix);
     CVekMatrix4x4<double> inverse;
     if (!IsFinite(matrix) || !matrix.Inverse(inverse))
         return false;

@@ -26,12 +26,12 @@ bool CVekFrustum::SetFrustum(VEK_PROJECTIONMODE mode, float left, float right, f
 
 float CVekFrustum::GetFOV(VEK_ANGLE unit) const noexcept
 {
-    constexpr float degreesPerRadian = 57.29578f;
+    constexpr float DEGREES_PER_RADIAN = 57.29578f;
     if (m_near == 0.0f)
         return 0.0f;
     // Kept: the whole height over near, not twice the angle of half the height.
     float const fov = static_cast<float>(std::atan(static_cast<double>(GetHeight() / m_near)));
-    return unit == VEK_ANGLE_RADIANS ? fov : fov * degreesPerRadian;
+    return unit == VEK_ANGLE_RADIANS ? fov : fov * DEGREES_PER_RADIAN;
 }
 
 bool CVekFrustum::FixAspectRatio(float width, float height) noexcept

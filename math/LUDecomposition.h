@@ -33,22 +33,22 @@ public:
             m_order[i] = static_cast<unsigned int>(i);
         // Kept: the last diagonal element is no pivot and never compared with 0.
         size_t const pivots = m_size - 1;
-        if (FactorBlocks<levels>(0, pivots, m_size) < pivots)
+        if (FactorBlocks<LEVELS>(0, pivots, m_size) < pivots)
             return 0;
         return static_cast<D>(Row(pivots)[pivots]) * m_determinant;
     }
 
 private:
     using P = Pack<T>;
-    static constexpr size_t lanes = PackOf<T>::lanes;
+    static constexpr size_t LANES = PackOf<T>::LANES;
     // The widths of the blocks of each level, and the bytes of their pivots' rows that are worked with at once: they
     // and the factors of some other rows stay in the first cache.
-    static constexpr int levels = 3;
-    static constexpr size_t widths[levels + 1] = {1, 8, 32, 128};
-    static constexpr size_t stripBytes = 16384;
+    static constexpr int LEVELS = 3;
+    static constexpr size_t WIDTHS[LEVELS + 1] = {1, 8, 32, 128};
+    static constexpr size_t STRIP_BYTES = 16384;
     // The tile: as many packs as the registers hold beside a row's packs and their product.
-    static constexpr size_t tileRows = 4, tilePacks = sizeof(void *) == 4 ? 1 : 2;
-    static constexpr size_t tileColumns = tilePacks * lanes;
+    static constexpr size_t TILE_ROWS = 4, TILE_PACKS = sizeof(void *) == 4 ? 1 : 2;
+    static constexpr size_t TILE_COLUMNS = TILE_PACKS * LANES;
 
     // The sizes of transforms, unrolled.
     template <size_t N>
@@ -60,8 +60,8 @@ private:
             m_order[i] = static_cast<unsigned int>(state.rows[i] / N);
         if (!regular)
             return 0;
-        constexpr D signs[] = {1, -1};
-        return static_cast<D>(m_elements[state.rows[N - 1] + N - 1]) * m_determinant * signs[state.negative];
+        constexpr D SIGNS[] = {1, -1};
+        return static_cast<D>(m_elements[state.rows[N - 1] + N - 1]) * m_determinant * SIGNS[state.negative];
     }
 
     template <size_t N>
@@ -169,7 +169,7 @@ private:
                 T * const row = Row(i);
                 T const factor = row[k] = row[k] / pivot;
                 size_t j = k + 1;
-                for (P const factors = Splat(factor); j + lanes <= end; j += lanes)
+                for (P const factors = Splat(factor); j + LANES <= end; j += LANES)
                     StorePack<T>(row + j, LoadPack(row + j) - LoadPack(pivotRow + j) * factors);
                 for (; j < end; ++j)
                     row[j] = row[j] - pivotRow[j] * factor;
@@ -188,8 +188,8 @@ private:
         {
             for (size_t begin = first, next; begin < last; begin = next)
             {
-                next = last - begin < widths[Level] ? last : begin + widths[Level];
-                size_t const own = end - next < lanes ? end : next; // a few columns more don't pay for a block
+                next = last - begin < WIDTHS[Level] ? last : begin + WIDTHS[Level];
+                size_t const own = end - next < LANES ? end : next; // a few columns more don't pay for a block
                 size_t const done = FactorBlocks<Level - 1>(begin, next, own);
                 // A pivot of 0 ends it: all columns are left at the same step.
                 if (done > begin && own < end)
@@ -206,22 +206,22 @@ private:
     template <int Level>
     void ApplySteps(size_t first, size_t last, size_t begin, size_t end, size_t rowEnd) noexcept
     {
-        constexpr bool large = Level == levels;
-        if constexpr (large)
-            for (size_t block = first; block < last; block += widths[Level - 1])
-                ApplySteps<Level - 1>(block, last - block < widths[Level - 1] ? last : block + widths[Level - 1], begin,
+        constexpr bool LARGE = Level == LEVELS;
+        if constexpr (LARGE)
+            for (size_t block = first; block < last; block += WIDTHS[Level - 1])
+                ApplySteps<Level - 1>(block, last - block < WIDTHS[Level - 1] ? last : block + WIDTHS[Level - 1], begin,
                                       end, last);
-        constexpr size_t chunk = stripBytes / sizeof(T) / widths[Level];
-        static_assert(chunk % tileColumns == 0);
-        alignas(16) T strip[widths[Level] * chunk];
+        constexpr size_t CHUNK = STRIP_BYTES / sizeof(T) / WIDTHS[Level];
+        static_assert(CHUNK % TILE_COLUMNS == 0);
+        alignas(16) T strip[WIDTHS[Level] * CHUNK];
         size_t const depth = last - first;
         for (size_t column = begin, width; column < end; column += width)
         {
-            width = end - column < chunk ? end - column : chunk;
-            size_t const padded = (width + tileColumns - 1) / tileColumns * tileColumns;
+            width = end - column < CHUNK ? end - column : CHUNK;
+            size_t const padded = (width + TILE_COLUMNS - 1) / TILE_COLUMNS * TILE_COLUMNS;
             for (size_t k = 0; k < depth; ++k)
             {
-                if constexpr (!large)
+                if constexpr (!LARGE)
                     Subtract<1, Level>(strip, padded, first + k, first, k, column, width);
                 T * const copy = strip + k * padded;
                 memcpy(copy, Row(first + k) + column, width * sizeof(T));
@@ -229,8 +229,8 @@ private:
                     copy[j] = 0;
             }
             size_t i = last;
-            for (; i + tileRows <= rowEnd; i += tileRows)
-                Subtract<tileRows, Level>(strip, padded, i, first, depth, column, width);
+            for (; i + TILE_ROWS <= rowEnd; i += TILE_ROWS)
+                Subtract<TILE_ROWS, Level>(strip, padded, i, first, depth, column, width);
             for (; i < rowEnd; ++i)
                 Subtract<1, Level>(strip, padded, i, first, depth, column, width);
         }
@@ -245,7 +245,7 @@ private:
         if (depth == 0)
             return;
         T * rows[R];
-        P factors[widths[Level] * R];
+        P factors[WIDTHS[Level] * R];
         for (size_t r = 0; r < R; ++r)
         {
             T * const whole = Row(row + r);
@@ -254,16 +254,16 @@ private:
                 factors[k * R + r] = Splat(whole[first + k]);
         }
         size_t j = 0;
-        for (; j + tileColumns <= width; j += tileColumns)
+        for (; j + TILE_COLUMNS <= width; j += TILE_COLUMNS)
         {
             SubtractTile<R>(rows, pivotRows + j, stride, factors, depth);
             for (size_t r = 0; r < R; ++r)
-                rows[r] += tileColumns;
+                rows[r] += TILE_COLUMNS;
         }
         if (j == width)
             return;
         // The columns that are left, through a tile of their own.
-        T rest[R][tileColumns] = {};
+        T rest[R][TILE_COLUMNS] = {};
         T * restRows[R];
         for (size_t r = 0; r < R; ++r)
             memcpy(restRows[r] = rest[r], rows[r], (width - j) * sizeof(T));
@@ -276,29 +276,29 @@ private:
     static void SubtractTile(T * const * rows, T const * pivotRows, size_t stride, P const * factors,
                              size_t depth) noexcept
     {
-        P tile[R][tilePacks];
+        P tile[R][TILE_PACKS];
 #pragma GCC unroll 8
         for (size_t r = 0; r < R; ++r)
 #pragma GCC unroll 8
-            for (size_t c = 0; c < tilePacks; ++c)
-                tile[r][c] = LoadPack(rows[r] + c * lanes);
+            for (size_t c = 0; c < TILE_PACKS; ++c)
+                tile[r][c] = LoadPack(rows[r] + c * LANES);
         for (size_t k = 0; k < depth; ++k, pivotRows += stride, factors += R)
         {
-            P pivots[tilePacks];
+            P pivots[TILE_PACKS];
 #pragma GCC unroll 8
-            for (size_t c = 0; c < tilePacks; ++c)
-                pivots[c] = *reinterpret_cast<P const *>(pivotRows + c * lanes);
+            for (size_t c = 0; c < TILE_PACKS; ++c)
+                pivots[c] = *reinterpret_cast<P const *>(pivotRows + c * LANES);
 #pragma GCC unroll 8
             for (size_t r = 0; r < R; ++r)
 #pragma GCC unroll 8
-                for (size_t c = 0; c < tilePacks; ++c)
+                for (size_t c = 0; c < TILE_PACKS; ++c)
                     tile[r][c] = tile[r][c] - pivots[c] * factors[r];
         }
 #pragma GCC unroll 8
         for (size_t r = 0; r < R; ++r)
 #pragma GCC unroll 8
-            for (size_t c = 0; c < tilePacks; ++c)
-                StorePack<T>(rows[r] + c * lanes, tile[r][c]);
+            for (size_t c = 0; c < TILE_PACKS; ++c)
+                StorePack<T>(rows[r] + c * LANES, tile[r][c]);
     }
 
     T * m_elements;

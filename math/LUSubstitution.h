@@ -29,9 +29,9 @@ public:
             return SolveSmall<3>(src, result);
         if (m_size == 4)
             return SolveSmall<4>(src, result);
-        if (m_size <= smallSize)
+        if (m_size <= SMALL_SIZE)
         {
-            V small[smallSize];
+            V small[SMALL_SIZE];
             Solve(src, small, result);
             return;
         }
@@ -42,14 +42,14 @@ public:
     }
 
 private:
-    static constexpr size_t smallSize = 64, group = 4;
+    static constexpr size_t SMALL_SIZE = 64, GROUP = 4;
 
     T const * Row(size_t i) const noexcept { return m_elements + static_cast<size_t>(m_order[i]) * m_size; }
 
     void Solve(V const * src, V * y, V * result) const noexcept
     {
         size_t i = 0;
-        for (; i + group <= m_size; i += group)
+        for (; i + GROUP <= m_size; i += GROUP)
             ForwardGroup(i, src, y);
         for (; i < m_size; ++i)
             y[i] = src[m_order[i]] - Sum(Row(i), 0, i, V(0), y);
@@ -91,19 +91,19 @@ private:
     // Four sums at a time: one alone would wait for each of its additions.
     void ForwardGroup(size_t i, V const * src, V * y) const noexcept
     {
-        T const * const rows[group] = {Row(i), Row(i + 1), Row(i + 2), Row(i + 3)};
-        V sums[group] = {};
+        T const * const rows[GROUP] = {Row(i), Row(i + 1), Row(i + 2), Row(i + 3)};
+        V sums[GROUP] = {};
         for (size_t j = 0; j < i; ++j)
 #pragma GCC unroll 4
-            for (size_t r = 0; r < group; ++r)
+            for (size_t r = 0; r < GROUP; ++r)
                 sums[r] += static_cast<V>(rows[r][j]) * y[j];
-        V own[group];
+        V own[GROUP];
 #pragma GCC unroll 4
-        for (size_t r = 0; r < group; ++r)
+        for (size_t r = 0; r < GROUP; ++r)
         {
             y[i + r] = own[r] = src[m_order[i + r]] - sums[r];
 #pragma GCC unroll 4
-            for (size_t below = r + 1; below < group; ++below)
+            for (size_t below = r + 1; below < GROUP; ++below)
                 sums[below] += static_cast<V>(rows[below][i + r]) * own[r];
         }
     }

@@ -3,7 +3,7 @@
 namespace
 {
 
-constexpr vek::Geometry<float> geometry(L"CVekMath32");
+constexpr vek::Geometry<float> GEOMETRY(L"CVekMath32");
 
 float g_errorThreshold = 0.0001f;
 
@@ -11,32 +11,32 @@ float g_errorThreshold = 0.0001f;
 
 float CVekMath32::LUDecompose(CVekMatrix<float> & a, unsigned int * order) noexcept
 {
-    return geometry.LUDecompose(a, order);
+    return GEOMETRY.LUDecompose(a, order);
 }
 
 void CVekMath32::LUSubstitution(CVekMatrix<float> const & a, unsigned int const * order, float const * src,
                                 float * result) noexcept
 {
-    geometry.LUSubstitution(a, order, src, result);
+    GEOMETRY.LUSubstitution(a, order, src, result);
 }
 
 bool CVekMath32::BoxToBoxTransform(CVekMatrix4x4<float> & m, CVekBoundBox<float> const & boxA,
                                    CVekBoundBox<float> const & boxB, bool uniform) noexcept
 {
-    return geometry.BoxToBoxTransform(m, boxA, boxB, uniform);
+    return GEOMETRY.BoxToBoxTransform(m, boxA, boxB, uniform);
 }
 
 bool CVekMath32::FindBaryCentric(CVekVector2D<float> const & p, CVekVector2D<float> const & a,
                                  CVekVector2D<float> const & b, CVekVector2D<float> const & c,
                                  CVekVector3D<float> & out) noexcept
 {
-    return geometry.FindBaryCentric(p, a, b, c, out);
+    return GEOMETRY.FindBaryCentric(p, a, b, c, out);
 }
 
 bool CVekMath32::RayPlaneIntersection(CVekVector3D<float> const & p0, CVekVector3D<float> const & p1,
                                       CVekPlane<float> const & plane, float & t, CVekVector3D<float> & hit) noexcept
 {
-    return geometry.RayPlaneIntersection(p0, p1, plane, t, hit);
+    return GEOMETRY.RayPlaneIntersection(p0, p1, plane, t, hit);
 }
 
 bool CVekMath32::RayTriangleIntersection(CVekVector3D<float> const & p0, CVekVector3D<float> const & p1,
@@ -45,7 +45,7 @@ bool CVekMath32::RayTriangleIntersection(CVekVector3D<float> const & p0, CVekVec
                                          unsigned int flags, float & t, CVekVector3D<float> & hit,
                                          CVekVector3D<float> * weights) noexcept
 {
-    geometry.RayTriangleIntersection(p0, p1, a, b, c, normal, flags, g_errorThreshold, t, hit, weights);
+    GEOMETRY.RayTriangleIntersection(p0, p1, a, b, c, normal, flags, g_errorThreshold, t, hit, weights);
     // Kept: false for a hit too; only the double version tells a hit by its result.
     return false;
 }

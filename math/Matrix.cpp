@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr unsigned int maxSize = 4;
+constexpr unsigned int MAX_SIZE = 4;
 
 unsigned int Smaller(unsigned int a, unsigned int b)
 {
@@ -20,21 +20,21 @@ unsigned int Smaller(unsigned int a, unsigned int b)
 template <class T>
 void Multiply4x4(T * target, T const * other)
 {
-    constexpr unsigned int lanes = vek::PackOf<T>::lanes;
-    vek::Pack<T> rows[4][4 / lanes];
+    constexpr unsigned int LANES = vek::PackOf<T>::LANES;
+    vek::Pack<T> rows[4][4 / LANES];
     for (unsigned int k = 0; k < 4; ++k)
-        for (unsigned int part = 0; part < 4 / lanes; ++part)
-            rows[k][part] = vek::LoadPack(other + k * 4 + part * lanes);
+        for (unsigned int part = 0; part < 4 / LANES; ++part)
+            rows[k][part] = vek::LoadPack(other + k * 4 + part * LANES);
     for (unsigned int i = 0; i < 4; ++i, target += 4)
     {
-        vek::Pack<T> sums[4 / lanes] = {};
+        vek::Pack<T> sums[4 / LANES] = {};
 #pragma GCC unroll 4
         for (unsigned int k = 0; k < 4; ++k)
 #pragma GCC unroll 2
-            for (unsigned int part = 0; part < 4 / lanes; ++part)
+            for (unsigned int part = 0; part < 4 / LANES; ++part)
                 sums[part] = sums[part] + vek::Splat(target[k]) * rows[k][part];
-        for (unsigned int part = 0; part < 4 / lanes; ++part)
-            vek::StorePack<T>(target + part * lanes, sums[part]);
+        for (unsigned int part = 0; part < 4 / LANES; ++part)
+            vek::StorePack<T>(target + part * LANES, sums[part]);
     }
 }
 
@@ -116,7 +116,7 @@ void CVekMatrix<T>::Destroy()
 template <class T>
 T & CVekMatrix<T>::OutsideElement() noexcept
 {
-    static T nothing;
+    thread_local T nothing; // a thread that writes to it disturbs no other
     nothing = T(0);
     return nothing;
 }
@@ -141,11 +141,11 @@ CVekMatrix<T> & CVekMatrix<T>::operator*=(CVekMatrix const & other) noexcept
         Multiply4x4(m_elements, other.m_elements);
         return *this;
     }
-    unsigned int const rows = Smaller(m_rows, maxSize);
-    unsigned int const columns = Smaller(m_columns, maxSize);
+    unsigned int const rows = Smaller(m_rows, MAX_SIZE);
+    unsigned int const columns = Smaller(m_columns, MAX_SIZE);
     // Kept: the inner dimension is this matrix's row count, not its column count.
     unsigned int const inner = other.m_elements ? Smaller(m_rows, Smaller(m_columns, other.m_rows)) : 0;
-    T result[maxSize][maxSize] = {};
+    T result[MAX_SIZE][MAX_SIZE] = {};
     for (unsigned int i = 0; i < rows; ++i)
         for (unsigned int j = 0; j < Smaller(columns, other.m_columns); ++j)
             for (unsigned int k = 0; k < inner; ++k)

@@ -34,7 +34,10 @@ CVekVector3D<T> RightOf(CVekVector3D<T> const & up, CVekVector3D<T> const & z)
     // Shorter ones are mere rounding.
     if (right.Length() > (sizeof(T) == sizeof(float) ? static_cast<T>(FLT_EPSILON) : static_cast<T>(DBL_EPSILON)) * 4)
         return right.Normalised();
-    return UnitAxis<T>(z.LargestAxis() == 1 ? 2 : 1).Cross(z).Normalised();
+    // +y is up, but in a plan +x runs to the right.
+    if (z.LargestAxis() != 1)
+        return UnitAxis<T>(1).Cross(z).Normalised();
+    return (z.y > T(0) ? z.Cross(UnitAxis<T>(2)) : UnitAxis<T>(2).Cross(z)).Normalised();
 }
 
 template <class T>
@@ -57,10 +60,10 @@ public:
     template <class T>
     explicit Elimination(T const * elements)
     {
-        for (int row = 0; row < size; ++row)
-            for (int column = 0; column < size; ++column)
+        for (int row = 0; row < SIZE; ++row)
+            for (int column = 0; column < SIZE; ++column)
             {
-                m_left[row][column] = static_cast<double>(elements[row * size + column]);
+                m_left[row][column] = static_cast<double>(elements[row * SIZE + column]);
                 m_terms[row][column] = fabs(m_left[row][column]);
                 m_right[row][column] = row == column ? 1 : 0;
             }
@@ -68,24 +71,24 @@ public:
 
     bool Run()
     {
-        for (int column = 0; column < size; ++column)
+        for (int column = 0; column < SIZE; ++column)
         {
             int const pivot = FindPivot(column);
             // A NaN is no pivot either.
             if (!(fabs(m_left[pivot][column]) > 4 * DBL_EPSILON * m_terms[pivot][column]))
                 return false;
-            for (int i = 0; i < size && pivot != column; ++i)
+            for (int i = 0; i < SIZE && pivot != column; ++i)
             {
                 Swap(m_left[pivot][i], m_left[column][i]);
                 Swap(m_terms[pivot][i], m_terms[column][i]);
                 Swap(m_right[pivot][i], m_right[column][i]);
             }
-            for (int row = 0; row < size; ++row)
+            for (int row = 0; row < SIZE; ++row)
                 if (row != column)
                     Subtract(row, column);
         }
-        for (int row = 0; row < size; ++row)
-            for (int column = 0; column < size; ++column)
+        for (int row = 0; row < SIZE; ++row)
+            for (int column = 0; column < SIZE; ++column)
                 m_right[row][column] /= m_left[row][row];
         return true;
     }
@@ -93,7 +96,7 @@ public:
     double Inverse(int row, int column) const { return m_right[row][column]; }
 
 private:
-    static constexpr int size = 4;
+    static constexpr int SIZE = 4;
 
     static void Swap(double & a, double & b)
     {
@@ -104,7 +107,7 @@ private:
     int FindPivot(int column) const
     {
         int pivot = column;
-        for (int row = column + 1; row < size; ++row)
+        for (int row = column + 1; row < SIZE; ++row)
             if (fabs(m_left[row][column]) > fabs(m_left[pivot][column]))
                 pivot = row;
         return pivot;
@@ -112,7 +115,7 @@ private:
     void Subtract(int row, int pivot)
     {
         double const factor = m_left[row][pivot] / m_left[pivot][pivot];
-        for (int i = 0; i < size; ++i)
+        for (int i = 0; i < SIZE; ++i)
         {
             m_left[row][i] -= factor * m_left[pivot][i];
             m_terms[row][i] += fabs(factor) * m_terms[pivot][i];
@@ -120,9 +123,9 @@ private:
         }
     }
 
-    double m_left[size][size];
-    double m_terms[size][size];
-    double m_right[size][size];
+    double m_left[SIZE][SIZE];
+    double m_terms[SIZE][SIZE];
+    double m_right[SIZE][SIZE];
 };
 
 } // namespace

@@ -1,6 +1,12 @@
 #include "VekNurbs.h"
 
 #include "VekCore.h"
+#include "math/NurbsCurveBounds.h"
+#include "math/NurbsCurveEdit.h"
+#include "math/NurbsCurveEvaluate.h"
+#include "math/NurbsCurveLength.h"
+#include "math/NurbsCurveShapes.h"
+#include "math/NurbsCurveTessellate.h"
 
 #include <limits>
 #include <new>
@@ -9,7 +15,7 @@ namespace
 {
 
 template <class T>
-constexpr T largestKnot = std::numeric_limits<T>::max() / 4;
+constexpr T LARGEST_KNOT = std::numeric_limits<T>::max() / 4;
 
 template <class T>
 bool IsFinite(T value)
@@ -23,6 +29,13 @@ bool IsFinite(CVekVector4D<T> const & v)
     return IsFinite(v.x) && IsFinite(v.y) && IsFinite(v.z) && IsFinite(v.w);
 }
 
+/// A smaller weight would lose digits whenever it is multiplied.
+template <class T>
+bool IsWeight(T value)
+{
+    return value >= std::numeric_limits<T>::min() && IsFinite(value);
+}
+
 template <class T>
 CVekVector4D<T> Weighted(CVekVector3D<T> const & point, T weight)
 {
@@ -32,15 +45,15 @@ CVekVector4D<T> Weighted(CVekVector3D<T> const & point, T weight)
 bool CheckCounts(unsigned int degree, void const * points, unsigned int pointCount, void const * knots,
                  unsigned int knotCount)
 {
-    constexpr unsigned int maxDegree = CVekNurbsCurve<float>::MAX_DEGREE;
-    constexpr unsigned int maxPoints = CVekNurbsCurve<float>::MAX_POINTS;
-    if (degree < 1 || degree > maxDegree)
-        VekLogOutput(0, L"CVekNurbsCurve::Create --> Degree %u is not 1 to %u", degree, maxDegree);
+    constexpr unsigned int MAX_DEGREE = CVekNurbsCurve<float>::MAX_DEGREE;
+    constexpr unsigned int MAX_POINTS = CVekNurbsCurve<float>::MAX_POINTS;
+    if (degree < 1 || degree > MAX_DEGREE)
+        VekLogOutput(0, L"CVekNurbsCurve::Create --> Degree %u is not 1 to %u", degree, MAX_DEGREE);
     else if (!points)
         VekLogOutput(0, L"CVekNurbsCurve::Create --> Control points are NULL");
-    else if (pointCount <= degree || pointCount > maxPoints)
+    else if (pointCount <= degree || pointCount > MAX_POINTS)
         VekLogOutput(0, L"CVekNurbsCurve::Create --> Number of control points %u is not %u to %u", pointCount,
-                     degree + 1, maxPoints);
+                     degree + 1, MAX_POINTS);
     else if (!knots && knotCount)
         VekLogOutput(0, L"CVekNurbsCurve::Create --> Knots are NULL");
     else if (knots && knotCount != pointCount + degree + 1)
@@ -56,9 +69,9 @@ bool CheckPoints(CVekVector3D<T> const * points, T const * weights, unsigned int
     for (unsigned int i = 0; i < count; ++i)
     {
         T const weight = weights ? weights[i] : T(1);
-        if (!(weight > T(0)) || !IsFinite(weight))
+        if (!IsWeight(weight))
         {
-            VekLogOutput(0, L"CVekNurbsCurve::Create --> Weight %u is not positive and finite", i);
+            VekLogOutput(0, L"CVekNurbsCurve::Create --> Weight %u is not a positive normal number", i);
             return false;
         }
         if (!IsFinite(CVekVector4D<T>(points[i], weight)) || !IsFinite(Weighted(points[i], weight)))
@@ -77,7 +90,7 @@ bool CheckKnots(T const * knots, unsigned int degree, unsigned int pointCount)
     unsigned int times = 0;
     for (unsigned int i = 0; i <= last; ++i)
     {
-        if (!(knots[i] >= -largestKnot<T> && knots[i] <= largestKnot<T>))
+        if (!(knots[i] >= -LARGEST_KNOT<T> && knots[i] <= LARGEST_KNOT<T>))
         {
             VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u is not finite or too large", i);
             return false;
@@ -193,9 +206,11 @@ template <class T>
 bool CVekNurbsCurve<T>::SetControlPoint(unsigned int index, CVekVector3D<T> const & point, T weight) noexcept
 {
     CVekVector4D<T> const weighted = Weighted(point, weight);
+    if (IsEmpty())
+        return false;
     if (index >= m_pointCount)
         VekLogOutput(0, L"CVekNurbsCurve::SetControlPoint --> Index %u is not less than %u", index, m_pointCount);
-    else if (!(weight > T(0)) || !IsFinite(weighted))
+    else if (!IsWeight(weight) || !IsFinite(weighted))
         VekLogOutput(0, L"CVekNurbsCurve::SetControlPoint --> Control point %u or its weight is not valid", index);
     else
     {
@@ -215,10 +230,10 @@ bool CVekNurbsCurve<T>::Transform(CVekMatrix4x4<T> const & transform) noexcept
     {
         CVekVector4D<T> & point = transformed.m_points[i];
         point = transform.Transform(point);
-        if (!(point.w > T(0)) || !IsFinite(point))
+        if (!IsWeight(point.w) || !IsFinite(point))
         {
             VekLogOutput(
-                0, L"CVekNurbsCurve::Transform --> Control point %u becomes not finite or its weight 0 or less", i);
+                0, L"CVekNurbsCurve::Transform --> Control point %u becomes not finite or its weight not positive", i);
             return false;
         }
     }

@@ -10,7 +10,7 @@ template <class T>
 struct PackOf
 {
     typedef T Type __attribute__((vector_size(16)));
-    static constexpr size_t lanes = 16 / sizeof(T);
+    static constexpr size_t LANES = 16 / sizeof(T);
 };
 template <class T>
 using Pack = typename PackOf<T>::Type;

@@ -10,11 +10,11 @@
 namespace
 {
 
-constexpr int defaultLimit = 1024;
+constexpr int DEFAULT_LIMIT = 1024;
 
 int LimitOf(int max)
 {
-    return max == -1 ? defaultLimit : max;
+    return max == -1 ? DEFAULT_LIMIT : max;
 }
 
 // The index of the last separator (or dot, where asked for), or -1. Nothing before the path is looked at.
@@ -71,8 +71,8 @@ void GetFileNameWithoutExtension(T const * path, T * out, int max)
 {
     size_t const length = vek::TextLength(path);
     out[0] = 0;
-    T extension[defaultLimit + 1] = {};
-    GetFileExtension(path, extension, defaultLimit);
+    T extension[DEFAULT_LIMIT + 1] = {};
+    GetFileExtension(path, extension, DEFAULT_LIMIT);
     size_t const extensionLength = vek::TextLength(extension);
     int const limit = LimitOf(max);
     // A bare name without separator and dot is wholly its own extension, and is given whole.
@@ -86,21 +86,23 @@ void GetFileNameWithoutExtension(T const * path, T * out, int max)
 template <class T>
 bool IsSamePath(T const * first, T const * second)
 {
-    static constexpr T nothing[1] = {};
+    static constexpr T NOTHING[1] = {};
     // Kept: literally character by character; "a/b" and "a\b" are two paths.
-    return vek::CompareTexts(first ? first : nothing, second ? second : nothing, SIZE_MAX, false) == 0;
+    return vek::CompareTexts(first ? first : NOTHING, second ? second : NOTHING, SIZE_MAX, false) == 0;
 }
 
 // The runtime takes a mode of any other form for a fault of the program.
 template <class T>
 bool IsFileMode(T const * mode)
 {
+    while (mode && *mode == T(' '))
+        ++mode;
     if (!mode || (mode[0] != T('r') && mode[0] != T('w') && mode[0] != T('a')))
         return false;
-    static constexpr char options[] = "+btcnSRTDN ";
+    static constexpr char OPTIONS[] = "+btcnSRTDN ";
     for (++mode; *mode && *mode != T(','); ++mode)
     {
-        char const * option = options;
+        char const * option = OPTIONS;
         while (*option && static_cast<T>(*option) != *mode)
             ++option;
         if (!*option)
@@ -127,8 +129,8 @@ void CloseFile(FILE * file)
 template <class T>
 bool FileExists(T const * name)
 {
-    static constexpr T mode[] = {'r', 'b', 0};
-    FILE * const file = OpenFile(name, mode);
+    static constexpr T MODE[] = {'r', 'b', 0};
+    FILE * const file = OpenFile(name, MODE);
     CloseFile(file);
     return file != nullptr;
 }
@@ -136,6 +138,13 @@ bool FileExists(T const * name)
 bool FitsPlatformPath(wchar_t const * path)
 {
     return path && vek::BoundedLength(path, MAX_PATH) < MAX_PATH;
+}
+
+// False, with the string unchanged, when there is no memory.
+bool Store(CVekString<wchar_t> & string, wchar_t const * text)
+{
+    string.Assign(text);
+    return string == text;
 }
 
 // A path as the platform's relative routine can take it: that looks a little behind the end of what it is given.
@@ -152,11 +161,12 @@ struct PlatformPath
         if (colons % 2 != 0)
             attributes |= FILE_ATTRIBUTE_DIRECTORY;
     }
-    // Two characters that two paths have in common it counts as three, as if a separator followed.
-    void EndPair()
+    // A beginning of two characters that two paths have in common it counts as three, as if a separator followed.
+    void EndPair(PlatformPath const & other)
     {
         bool const isRoot = text[1] == L'\\' && (text[0] == L'\\' || text[0] == L':');
-        if (length == 2 && (isRoot || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0))
+        if (length == 2 && (isRoot || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) &&
+            PathCommonPrefixW(text, other.text, nullptr) == 3)
             text[2] = L'\\';
     }
 
@@ -227,7 +237,7 @@ bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long from
         return false;
     PlatformPath start(from, fromAttributes);
     PlatformPath const target(to, toAttributes);
-    start.EndPair();
+    start.EndPair(target);
     // The platform's routine writes "..\" for each component of the one path, then the other path, without asking for
     // room.
     wchar_t relative[MAX_PATH / 2 * 3 + 2 * MAX_PATH] = {};
@@ -244,26 +254,24 @@ bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from, unsign
     wchar_t relative[MAX_PATH];
     if (!VekGetRelativePathT(relative, from, fromAttributes, to, toAttributes))
         return false;
-    out.Assign(relative);
-    return true;
+    return Store(out, relative);
 }
 
 bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base)
 {
-    // Kept: joined with a backslash whether or not one is there already, and whether or not path is absolute.
-    base.Append(L"\\");
-    base.Append(path);
-    if (!FitsPlatformPath(base))
-        return false;
     // The platform's routine looks a little in front of what it writes, and behind a ".." that ends the path.
-    constexpr size_t margin = 4;
-    wchar_t joined[MAX_PATH + margin] = {};
-    wchar_t absolute[margin + MAX_PATH + margin] = {};
-    vek::CopyBounded(joined, static_cast<wchar_t const *>(base), -1);
-    if (!PathCanonicalizeW(absolute + margin, joined))
+    constexpr size_t MARGIN = 4, ROOM = 4 * MAX_PATH;
+    wchar_t joined[ROOM + MARGIN] = {};
+    wchar_t absolute[MARGIN + ROOM + MARGIN] = {};
+    auto const baseLength = static_cast<size_t>(base.GetLength()), pathLength = static_cast<size_t>(path.GetLength());
+    if (baseLength + 1 + pathLength >= ROOM)
         return false;
-    path.Assign(absolute + margin);
-    return true;
+    // Kept: joined with a backslash whether or not one is there already, and whether or not path is absolute.
+    memcpy(joined, static_cast<wchar_t const *>(base), baseLength * sizeof(wchar_t));
+    joined[baseLength] = L'\\';
+    memcpy(joined + baseLength + 1, static_cast<wchar_t const *>(path), pathLength * sizeof(wchar_t));
+    return PathCanonicalizeW(absolute + MARGIN, joined) && FitsPlatformPath(absolute + MARGIN) &&
+           Store(path, absolute + MARGIN);
 }
 
 _iobuf * VekFileOpenA(char const * name, char const * mode)

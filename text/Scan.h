@@ -5,6 +5,8 @@
 
 #include <stdint.h>
 
+#include <bit>
+
 namespace vek
 {
 
@@ -28,7 +30,7 @@ size_t BoundedLength(T const * text, size_t max) noexcept
         int const ends = _mm_movemask_epi8(CharTraits<T>::Equal(units, zero));
         if (ends != 0)
         {
-            length += static_cast<size_t>(__builtin_ctz(static_cast<unsigned int>(ends))) / sizeof(T);
+            length += static_cast<size_t>(std::countr_zero(static_cast<unsigned int>(ends))) / sizeof(T);
             break;
         }
     }
@@ -74,9 +76,9 @@ int CompareTexts(T const * first, T const * second, size_t limit, bool caseSensi
 template <class T>
 size_t EqualBlocks(T const * first, T const * second, size_t length) noexcept
 {
-    constexpr size_t lanes = sizeof(__m128i) / sizeof(T);
+    constexpr size_t LANES = sizeof(__m128i) / sizeof(T);
     size_t same = 0;
-    for (; same + lanes <= length; same += lanes)
+    for (; same + LANES <= length; same += LANES)
     {
         __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const *>(first + same));
         __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const *>(second + same));

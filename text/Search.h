@@ -4,6 +4,8 @@
 
 #include <limits.h>
 
+#include <bit>
+
 namespace vek
 {
 
@@ -68,14 +70,14 @@ private:
     }
     int FirstMatch(T const * text, int position, unsigned int hits) const noexcept
     {
-        constexpr unsigned int lane = (1U << sizeof(T)) - 1;
+        constexpr unsigned int LANE = (1U << sizeof(T)) - 1;
         while (hits != 0)
         {
-            int const bit = __builtin_ctz(hits);
+            int const bit = std::countr_zero(hits);
             int const candidate = position + bit / static_cast<int>(sizeof(T));
             if (EqualsPattern(text + candidate))
                 return candidate;
-            hits &= ~(lane << bit);
+            hits &= ~(LANE << bit);
         }
         return -1;
     }

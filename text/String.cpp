@@ -121,14 +121,14 @@ template <class T>
 void AppendArguments(CVekString<T> & string, T const * format, va_list arguments)
 {
     // Formatted aside first: an argument may be the string's own text, which ends where the new text begins.
-    constexpr int shortSize = 256;
-    T shortText[shortSize];
+    constexpr int SHORT_SIZE = 256;
+    T shortText[SHORT_SIZE];
     va_list again;
     va_copy(again, arguments);
-    int length = vek::CharTraits<T>::Format(shortText, shortSize, format, arguments);
+    int length = vek::CharTraits<T>::Format(shortText, SHORT_SIZE, format, arguments);
     T * text = shortText;
     T * block = nullptr;
-    if (length < 0 || length >= shortSize)
+    if (length < 0 || length >= SHORT_SIZE)
     {
         va_list once;
         va_copy(once, again);
@@ -189,8 +189,8 @@ CVekString<T>::~CVekString()
 template <class T>
 T const * CVekString<T>::NoText() noexcept
 {
-    static constexpr T nothing[1] = {};
-    return nothing;
+    static constexpr T NOTHING[1] = {};
+    return NOTHING;
 }
 
 template <class T>

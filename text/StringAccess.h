@@ -8,6 +8,7 @@
 #include <string.h>
 
 #include <bit>
+#include <utility>
 
 namespace vek
 {
@@ -141,27 +142,56 @@ struct StringAccess
         SetLength(place, length);
         return CVekString<T>(typename CVekString<T>::Block{place});
     }
-    /// Gives the string that length and returns the place of its characters, which the caller writes; the old ones are
-    /// lost. Null, with the string unchanged, when there is no memory.
-    static T * Resize(CVekString<T> & string, size_t length) noexcept
-    {
-        T *& text = string.m_text;
-        if (!text || static_cast<size_t>(Header(text).capacity) <= length)
-        {
-            T * const grown = length < static_cast<size_t>(MAX_CAPACITY) ? Allocate(length + 1, GrowBy(text)) : nullptr;
-            if (!grown)
-                return nullptr;
-            Free(text);
-            text = grown;
-        }
-        SetLength(text, length);
-        return text;
-    }
 
 private:
     static constexpr int EMBEDDED = INT_MIN; // in place of the grow-by
 
     static bool IsEmbedded(T * text) noexcept { return Header(text).growBy == EMBEDDED; }
 };
+
+/// A text of known length.
+struct TextPiece
+{
+    wchar_t const * text;
+    int length;
+};
+
+/// A new object of copies of the texts, which share its block when all of them are short. It is made by the function
+/// construct, from its place and one string for each text. Null when memory is exhausted.
+template <class T, class Construct, class... Pieces>
+T * MakeInOneBlock(Construct construct, Pieces... pieces) noexcept
+{
+    using Access = StringAccess<wchar_t>;
+    constexpr int EMBEDDED_UNITS = 128;
+    bool const isShort = ((pieces.length < EMBEDDED_UNITS) && ...);
+    size_t const textBytes = (Access::EmbeddedBytes(static_cast<size_t>(pieces.length)) + ...);
+    size_t const size = sizeof(T) + (isShort ? textBytes : 0);
+    auto * const block = static_cast<char *>(PoolAllocate(size));
+    if (!block)
+        return nullptr;
+    char * free = block + sizeof(T);
+    bool isWhole = true;
+    auto const copy = [&](TextPiece const & piece)
+    {
+        if (!isShort)
+        {
+            CVekString<wchar_t> text(piece.text, piece.length);
+            isWhole = isWhole && text.GetLength() == piece.length;
+            return text;
+        }
+        auto const units = static_cast<size_t>(piece.length);
+        char * const place = free;
+        free += Access::EmbeddedBytes(units);
+        return Access::Embed(place, piece.text, units);
+    };
+    auto const finish = [&](auto &&... texts) -> T *
+    {
+        if (isWhole)
+            return construct(static_cast<void *>(block), std::move(texts)...);
+        PoolFree(block, size);
+        return nullptr;
+    };
+    return finish(copy(pieces)...);
+}
 
 } // namespace vek

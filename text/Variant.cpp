@@ -1,8 +1,6 @@
-#include "VekVariant.h"
-
+#include "text/DataTypes.h"
 #include "text/StringAccess.h"
 
-#include <guiddef.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -11,48 +9,17 @@
 
 // The blocks of plain values and buffers come from malloc: a host's own global allocator is the same runtime's.
 
-namespace
-{
-
-template <class T>
-constexpr VEK_DATATYPE typeOf = VEK_DT_UNKNOWN;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekRGBA<unsigned char>> = VEK_DT_RGBA_UCHAR;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekRGBA<float>> = VEK_DT_RGBA_FLOAT;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekVector4D<int>> = VEK_DT_VECTOR4D_INT;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekVector4D<float>> = VEK_DT_VECTOR4D_FLOAT;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekVector4D<double>> = VEK_DT_VECTOR4D_DOUBLE;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekMatrix4x4<float>> = VEK_DT_MATRIX4X4_FLOAT;
-template <>
-constexpr VEK_DATATYPE typeOf<CVekMatrix4x4<double>> = VEK_DT_MATRIX4X4_DOUBLE;
-
-// Reading an object that a variant doesn't have gives this one, all zeros each time.
-template <class T>
-T & NoObject()
-{
-    static T object;
-    object = T();
-    return object;
-}
-
-} // namespace
-
-void VEK_VARIANT::CheckLayout()
+struct VEK_VARIANT::Layout
 {
     static_assert(sizeof(m_value) == 16 && alignof(InlineValue) == 8 && sizeof(GUID) == 16);
     static_assert(sizeof(m_narrowText) == sizeof(void *) && sizeof(m_wideText) == sizeof(void *));
     static_assert(sizeof(VEK_VARIANT) == (sizeof(void *) == 4 ? 40 : 64));
-}
+};
 
 template <class T>
 T * VEK_VARIANT::FindObject() const
 {
-    if (m_type != typeOf<T> || !m_heap.any)
+    if (m_type != vek::TYPE_OF<T> || !m_heap.any)
         return nullptr;
     // A buffer size tells a block that was set from an object of this variant's own.
     if (m_bufferSize != 0 && (!std::is_trivially_copyable_v<T> || static_cast<size_t>(m_bufferSize) < sizeof(T)))
@@ -60,13 +27,37 @@ T * VEK_VARIANT::FindObject() const
     return static_cast<T *>(m_heap.any);
 }
 
+// Reading an object that a variant doesn't have gives one of zeros.
 template <class T>
-void VEK_VARIANT::MakePlainObject(T const & value)
+T & VEK_VARIANT::Object()
 {
-    static_assert(std::is_trivially_copyable_v<T>);
-    m_heap.any = malloc(sizeof(T));
-    if (m_heap.any)
-        memcpy(m_heap.any, &value, sizeof(T));
+    if (T * const object = FindObject<T>())
+        return *object;
+    static T none;
+    none = T();
+    return none;
+}
+
+template <class T>
+T const & VEK_VARIANT::Object() const
+{
+    if (T const * const object = FindObject<T>())
+        return *object;
+    static T const NONE;
+    return NONE;
+}
+
+template <class T>
+void VEK_VARIANT::MakeObject()
+{
+    if constexpr (std::is_trivially_copyable_v<T>)
+    {
+        m_heap.any = malloc(sizeof(T));
+        if (m_heap.any)
+            new (m_heap.any) T();
+    }
+    else
+        m_heap.any = new (std::nothrow) T();
 }
 
 template <class T>
@@ -89,32 +80,14 @@ VEK_VARIANT::VEK_VARIANT(VEK_DATATYPE type)
     : m_type(type), m_value(), m_narrowText(vek::StringAccess<char>::Blockless()),
       m_wideText(vek::StringAccess<wchar_t>::Blockless()), m_bufferSize(0), m_heap()
 {
-    switch (type)
-    {
-    case VEK_DT_RGBA_UCHAR:
-        MakePlainObject(CVekRGBA<unsigned char>());
-        break;
-    case VEK_DT_RGBA_FLOAT:
-        MakePlainObject(CVekRGBA<float>());
-        break;
-    case VEK_DT_VECTOR4D_INT:
-        MakePlainObject(CVekVector4D<int>());
-        break;
-    case VEK_DT_VECTOR4D_FLOAT:
-        MakePlainObject(CVekVector4D<float>());
-        break;
-    case VEK_DT_VECTOR4D_DOUBLE:
-        MakePlainObject(CVekVector4D<double>());
-        break;
-    case VEK_DT_MATRIX4X4_FLOAT:
-        m_heap.matrix4x4Float = new (std::nothrow) CVekMatrix4x4<float>();
-        break;
-    case VEK_DT_MATRIX4X4_DOUBLE:
-        m_heap.matrix4x4Double = new (std::nothrow) CVekMatrix4x4<double>();
-        break;
-    default:
-        break;
-    }
+    if (!vek::IsObject(type))
+        return;
+    vek::Visit(type,
+               [this]<class T>(vek::Held<T>)
+               {
+                   if constexpr (vek::IsObject(vek::TYPE_OF<T>))
+                       MakeObject<T>();
+               });
 }
 
 VEK_VARIANT::VEK_VARIANT(bool value) : VEK_VARIANT(VEK_DT_BOOL)
@@ -342,86 +315,72 @@ VEK_VARIANT::operator GUID const &() const
 
 VEK_VARIANT::operator CVekRGBA<unsigned char> &()
 {
-    CVekRGBA<unsigned char> * const object = FindObject<CVekRGBA<unsigned char>>();
-    return object ? *object : NoObject<CVekRGBA<unsigned char>>();
+    return Object<CVekRGBA<unsigned char>>();
 }
 
 VEK_VARIANT::operator CVekRGBA<unsigned char> const &() const
 {
-    CVekRGBA<unsigned char> * const object = FindObject<CVekRGBA<unsigned char>>();
-    return object ? *object : NoObject<CVekRGBA<unsigned char>>();
+    return Object<CVekRGBA<unsigned char>>();
 }
 
 VEK_VARIANT::operator CVekRGBA<float> &()
 {
-    CVekRGBA<float> * const object = FindObject<CVekRGBA<float>>();
-    return object ? *object : NoObject<CVekRGBA<float>>();
+    return Object<CVekRGBA<float>>();
 }
 
 VEK_VARIANT::operator CVekRGBA<float> const &() const
 {
-    CVekRGBA<float> * const object = FindObject<CVekRGBA<float>>();
-    return object ? *object : NoObject<CVekRGBA<float>>();
+    return Object<CVekRGBA<float>>();
 }
 
 VEK_VARIANT::operator CVekVector4D<int> &()
 {
-    CVekVector4D<int> * const object = FindObject<CVekVector4D<int>>();
-    return object ? *object : NoObject<CVekVector4D<int>>();
+    return Object<CVekVector4D<int>>();
 }
 
 VEK_VARIANT::operator CVekVector4D<int> const &() const
 {
-    CVekVector4D<int> * const object = FindObject<CVekVector4D<int>>();
-    return object ? *object : NoObject<CVekVector4D<int>>();
+    return Object<CVekVector4D<int>>();
 }
 
 VEK_VARIANT::operator CVekVector4D<float> &()
 {
-    CVekVector4D<float> * const object = FindObject<CVekVector4D<float>>();
-    return object ? *object : NoObject<CVekVector4D<float>>();
+    return Object<CVekVector4D<float>>();
 }
 
 VEK_VARIANT::operator CVekVector4D<float> const &() const
 {
-    CVekVector4D<float> * const object = FindObject<CVekVector4D<float>>();
-    return object ? *object : NoObject<CVekVector4D<float>>();
+    return Object<CVekVector4D<float>>();
 }
 
 VEK_VARIANT::operator CVekVector4D<double> &()
 {
-    CVekVector4D<double> * const object = FindObject<CVekVector4D<double>>();
-    return object ? *object : NoObject<CVekVector4D<double>>();
+    return Object<CVekVector4D<double>>();
 }
 
 VEK_VARIANT::operator CVekVector4D<double> const &() const
 {
-    CVekVector4D<double> * const object = FindObject<CVekVector4D<double>>();
-    return object ? *object : NoObject<CVekVector4D<double>>();
+    return Object<CVekVector4D<double>>();
 }
 
 VEK_VARIANT::operator CVekMatrix4x4<float> &()
 {
-    CVekMatrix4x4<float> * const object = FindObject<CVekMatrix4x4<float>>();
-    return object ? *object : NoObject<CVekMatrix4x4<float>>();
+    return Object<CVekMatrix4x4<float>>();
 }
 
 VEK_VARIANT::operator CVekMatrix4x4<float> const &() const
 {
-    CVekMatrix4x4<float> * const object = FindObject<CVekMatrix4x4<float>>();
-    return object ? *object : NoObject<CVekMatrix4x4<float>>();
+    return Object<CVekMatrix4x4<float>>();
 }
 
 VEK_VARIANT::operator CVekMatrix4x4<double> &()
 {
-    CVekMatrix4x4<double> * const object = FindObject<CVekMatrix4x4<double>>();
-    return object ? *object : NoObject<CVekMatrix4x4<double>>();
+    return Object<CVekMatrix4x4<double>>();
 }
 
 VEK_VARIANT::operator CVekMatrix4x4<double> const &() const
 {
-    CVekMatrix4x4<double> * const object = FindObject<CVekMatrix4x4<double>>();
-    return object ? *object : NoObject<CVekMatrix4x4<double>>();
+    return Object<CVekMatrix4x4<double>>();
 }
 
 VEK_VARIANT::operator CVekString<char> const &() const
@@ -575,9 +534,12 @@ int VEK_VARIANT::GetBufferSize() const
 
 bool VEK_VARIANT::SetBuffer(unsigned char * buffer, int size)
 {
-    DestroyBuffer();
-    bool const isObjectType = m_type >= VEK_DT_RGBA_UCHAR && m_type <= VEK_DT_MATRIX4X4_DOUBLE;
-    if (isObjectType && size <= 0)
+    bool const isObject = vek::IsObject(m_type);
+    if (buffer != m_heap.buffer)
+        DestroyBuffer();
+    else if (isObject && m_bufferSize == 0)
+        return true; // the variant's own object is no buffer
+    if (isObject && size <= 0)
     {
         // Nothing would tell the block from an object of the variant's own later.
         free(buffer);
@@ -607,7 +569,7 @@ bool VEK_VARIANT::CopyBuffer(unsigned char const * buffer, int size)
 void VEK_VARIANT::DestroyBuffer()
 {
     // Kept: a block that was set on a variant of any other type is not released.
-    if (m_type != VEK_DT_BUFFER && (m_type < VEK_DT_RGBA_UCHAR || m_type > VEK_DT_MATRIX4X4_DOUBLE))
+    if (m_type != VEK_DT_BUFFER && !vek::IsObject(m_type))
         return;
     if (m_type == VEK_DT_MATRIX4X4_FLOAT && m_bufferSize == 0)
         delete m_heap.matrix4x4Float;

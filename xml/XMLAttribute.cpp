@@ -9,11 +9,6 @@
 namespace
 {
 
-using Access = vek::StringAccess<wchar_t>;
-
-// Texts below this length share the block of their attribute.
-constexpr size_t EMBEDDED_UNITS = 128;
-
 bool IsText(CVekString<wchar_t> const & value, wchar_t const * text, int length)
 {
     return vek::EqualsNoCase(value, value.GetLength(), text, length);
@@ -31,26 +26,13 @@ CVekXMLAttribute::CVekXMLAttribute(CVekString<wchar_t> && name, CVekString<wchar
 {
 }
 
-// Makes an attribute of short texts in one block with them; null when memory is exhausted.
+// Null when memory is exhausted.
 CVekXMLAttribute * CVekXMLAttribute::Make(wchar_t const * name, int nameLength, wchar_t const * value, int valueLength)
 {
-    auto const nameUnits = static_cast<size_t>(nameLength);
-    auto const valueUnits = static_cast<size_t>(valueLength);
-    if (nameUnits < EMBEDDED_UNITS && valueUnits < EMBEDDED_UNITS)
-    {
-        size_t const nameBytes = Access::EmbeddedBytes(nameUnits);
-        auto * const block = static_cast<char *>(
-            vek::PoolAllocate(sizeof(CVekXMLAttribute) + nameBytes + Access::EmbeddedBytes(valueUnits)));
-        char * const texts = block + sizeof(CVekXMLAttribute);
-        return block ? new (static_cast<void *>(block)) CVekXMLAttribute(
-                           Access::Embed(texts, name, nameUnits), Access::Embed(texts + nameBytes, value, valueUnits))
-                     : nullptr;
-    }
-    auto * const attribute = new CVekXMLAttribute(name, nameLength, value, valueLength);
-    if (!attribute || (attribute->m_name.GetLength() == nameLength && attribute->m_value.GetLength() == valueLength))
-        return attribute;
-    delete attribute;
-    return nullptr;
+    return vek::MakeInOneBlock<CVekXMLAttribute>(
+        [](void * block, CVekString<wchar_t> && nameText, CVekString<wchar_t> && valueText)
+        { return new (block) CVekXMLAttribute(std::move(nameText), std::move(valueText)); },
+        vek::TextPiece{name, nameLength}, vek::TextPiece{value, valueLength});
 }
 
 // A copy is an object of its own, with a count of its own.

@@ -66,27 +66,14 @@ CVekXMLElement::CVekXMLElement(wchar_t const * name, int nameLength)
 
 CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(std::move(name)) {}
 
-// Makes an element in one block with a short name; null when memory is exhausted.
+// Null when memory is exhausted.
 CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
 {
-    using Access = vek::StringAccess<wchar_t>;
-    constexpr int embeddedUnits = 128;
-    auto const units = static_cast<size_t>(nameLength);
     if (nameLength == 0)
-        return new CVekXMLElement(Access::Blockless());
-    if (nameLength < embeddedUnits)
-    {
-        void * const block = vek::PoolAllocate(sizeof(CVekXMLElement) + Access::EmbeddedBytes(units));
-        return block
-                   ? new (block)
-                         CVekXMLElement(Access::Embed(static_cast<char *>(block) + sizeof(CVekXMLElement), name, units))
-                   : nullptr;
-    }
-    auto * const element = new CVekXMLElement(CVekString<wchar_t>(name, nameLength));
-    if (!element || element->m_name.GetLength() == nameLength)
-        return element;
-    delete element;
-    return nullptr;
+        return new CVekXMLElement(vek::StringAccess<wchar_t>::Blockless());
+    return vek::MakeInOneBlock<CVekXMLElement>([](void * block, CVekString<wchar_t> && text)
+                                               { return new (block) CVekXMLElement(std::move(text)); },
+                                               vek::TextPiece{name, nameLength});
 }
 
 CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) : CVekXMLElement()

@@ -224,7 +224,7 @@ TEST_F(CameraController, ManySmallOrbitsKeepShape)
 
 TEST_F(CameraController, RefusesWhatMakesNoCamera)
 {
-    constexpr float nan = std::numeric_limits<float>::quiet_NaN(), infinite = std::numeric_limits<float>::infinity();
+    float const nan = std::numeric_limits<float>::quiet_NaN(), infinite = std::numeric_limits<float>::infinity();
     constexpr unsigned int ALL = 15, PAN_ONLY = 8, ROLL_ONLY = 4;
     constexpr int PERSPECTIVE = 1, ORTHOGRAPHIC = 3;
     struct
@@ -251,7 +251,7 @@ TEST_F(CameraController, RefusesWhatMakesNoCamera)
         {"matrix NaN", ALL, PERSPECTIVE, [=](auto & s) { s.matrix(2, 1) = nan; }},
         {"flat volume", ALL, PERSPECTIVE, [](auto & s) { s.frustum.SetLeft(0.6f); }},
         {"near 0", ALL, PERSPECTIVE, [](auto & s) { s.frustum.SetNear(0); }},
-        {"deliberate: near 0 bars only the pan", PAN_ONLY, ORTHOGRAPHIC, [](auto & s) { s.frustum.SetNear(0); }},
+        {"kept: near 0 bars only the pan", PAN_ONLY, ORTHOGRAPHIC, [](auto & s) { s.frustum.SetNear(0); }},
         {"near negative", 0, ORTHOGRAPHIC, [](auto & s) { s.frustum.SetNear(-5); }},
         {"near NaN", ALL, ORTHOGRAPHIC, [=](auto & s) { s.frustum.SetNear(nan); }},
         {"no projection", ALL, 4, [](auto &) {}},
@@ -272,7 +272,7 @@ TEST_F(CameraController, RefusesWhatMakesNoCamera)
             {
                 float const old = before.matrix.GetElements()[i], now = state.matrix.GetElements()[i];
                 EXPECT_TRUE(refused ? now == old || std::isnan(old) : std::isfinite(now)) << i;
-                // Deliberate: the copy is made for refused modes and records too.
+                // Kept: the copy is made for refused modes and records too.
                 EXPECT_TRUE(state.previousMatrix.GetElements()[i] == old || std::isnan(old)) << i;
             }
             EXPECT_EQ(state.previousFrustum.GetRight(), before.frustum.GetRight());

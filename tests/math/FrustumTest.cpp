@@ -42,7 +42,7 @@ TEST(Frustum, FieldOfViewAndAspectRatio)
     EXPECT_EQ(frustum.GetFOV(VEK_ANGLE_RADIANS), 0.7853982f);
     for (int unit : {0, 1, 3, -2})
         EXPECT_EQ(frustum.GetFOV(static_cast<VEK_ANGLE>(unit)), 45.0f) << unit;
-    frustum.SetTop(1.5f); // deliberate: of the full height, here 2 over 1
+    frustum.SetTop(1.5f); // kept: of the full height, here 2 over 1
     EXPECT_FLOAT_EQ(frustum.GetFOV(VEK_ANGLE_RADIANS), 1.1071488f);
     frustum.SetNear(-0.0f);
     EXPECT_EQ(frustum.GetFOV(VEK_ANGLE_DEGREES), 0.0f);

@@ -78,7 +78,7 @@ TYPED_TEST(Geometry, RayTriangleIntersection)
 {
     using T = TypeParam;
     using V = CVekVector3D<T>;
-    constexpr unsigned int both = 0, noBacks = VEK_RT_SKIP_BACK_FACES, noFronts = VEK_RT_SKIP_FRONT_FACES;
+    constexpr unsigned int BOTH = 0, NO_BACKS = VEK_RT_SKIP_BACK_FACES, NO_FRONTS = VEK_RT_SKIP_FRONT_FACES;
     struct Row
     {
         char const * name;
@@ -89,15 +89,15 @@ TYPED_TEST(Geometry, RayTriangleIntersection)
     };
     // The triangle (0,0,0), (4,0,0), (0,4,0), seen along z.
     Row const rows[] = {
-        {"the middle", {1, 1, 2}, {0.5, 0.25, 0.25}, both, 0, true, true},
-        {"a corner", {4, 0, 2}, {0, 1, 0}, both, 0, true, true},
-        {"outside, its weights told", {-2, 1, 2}, {1.25, -0.5, 0.25}, both, 0, false, true},
-        {"outside, but within the threshold", {-2, 1, 2}, {1.25, -0.5, 0.25}, both, 0.5, true, true},
-        {"outside by a little more", {-2, 1, 2}, {1.25, -0.5, 0.25}, both, T(0.4375), false, true},
-        {"the front", {1, 1, 2}, {0.5, 0.25, 0.25}, noBacks, 0, true, true},
-        {"the front, unwanted", {1, 1, 2}, {}, noFronts, 0, false, false},
-        {"the back", {1, 1, -2}, {0.5, 0.25, 0.25}, noFronts, 0, true, true},
-        {"the back, unwanted", {1, 1, -2}, {}, noBacks, 0, false, false},
+        {"the middle", {1, 1, 2}, {0.5, 0.25, 0.25}, BOTH, 0, true, true},
+        {"a corner", {4, 0, 2}, {0, 1, 0}, BOTH, 0, true, true},
+        {"outside, its weights told", {-2, 1, 2}, {1.25, -0.5, 0.25}, BOTH, 0, false, true},
+        {"outside, but within the threshold", {-2, 1, 2}, {1.25, -0.5, 0.25}, BOTH, 0.5, true, true},
+        {"outside by a little more", {-2, 1, 2}, {1.25, -0.5, 0.25}, BOTH, T(0.4375), false, true},
+        {"the front", {1, 1, 2}, {0.5, 0.25, 0.25}, NO_BACKS, 0, true, true},
+        {"the front, unwanted", {1, 1, 2}, {}, NO_FRONTS, 0, false, false},
+        {"the back", {1, 1, -2}, {0.5, 0.25, 0.25}, NO_FRONTS, 0, true, true},
+        {"the back, unwanted", {1, 1, -2}, {}, NO_BACKS, 0, false, false},
     };
     for (Row const & row : rows)
         for (unsigned int turn = 0; turn < 3; ++turn) // the same with its axes exchanged in turn
@@ -119,7 +119,7 @@ TYPED_TEST(Geometry, RayTriangleIntersection)
     T t = 77;
     V hit;
     auto const ray = [&](V const & to, V const & c, V const & normal) {
-        return Routines<T>::RayTriangleIntersection({1, 1, 2}, to, V(), {4, 0, 0}, c, normal, both, t, hit, nullptr);
+        return Routines<T>::RayTriangleIntersection({1, 1, 2}, to, V(), {4, 0, 0}, c, normal, BOTH, t, hit, nullptr);
     };
     EXPECT_FALSE(ray(V(2, 1, 2), V(0, 4, 0), V(0, 0, 1))) << "parallel";
     EXPECT_FALSE(ray(V(1, 1, 0), V(0, 4, 0), V())) << "no normal";
@@ -178,17 +178,17 @@ private:
 template <class T>
 uint64_t SumOfRoutines()
 {
-    constexpr unsigned int n = 45;
+    constexpr unsigned int SIZE = 45;
     Bits bits;
-    CVekMatrix<T> system(n, n);
-    for (unsigned int i = 0; i < n * n; ++i)
+    CVekMatrix<T> system(SIZE, SIZE);
+    for (unsigned int i = 0; i < SIZE * SIZE; ++i)
         system.GetElements()[i] = bits.Next<T>();
-    std::vector<unsigned int> order(n);
-    std::vector<T> x(n, 1);
+    std::vector<unsigned int> order(SIZE);
+    std::vector<T> x(SIZE, 1);
     x[0] = Routines<T>::LUDecompose(system, order.data());
     Routines<T>::LUSubstitution(system, order.data(), x.data(), x.data());
-    bits.Add(system.GetElements(), n * n);
-    bits.Add(x.data(), n);
+    bits.Add(system.GetElements(), SIZE * SIZE);
+    bits.Add(x.data(), SIZE);
     for (int i = 0; i < 100; ++i)
     {
         auto const a = bits.Vector<T>(), b = bits.Vector<T>(), c = bits.Vector<T>(), d = bits.Vector<T>();

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <thread>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace
@@ -46,7 +48,7 @@ TYPED_TEST(Matrix, CreateAndDestroy)
     CVekMatrix<TypeParam> matrix;
     EXPECT_TRUE(matrix.GetRows() == 0 && matrix.GetColumns() == 0 && matrix.GetElements() == nullptr);
     EXPECT_TRUE(matrix.Create(3, 2) && &matrix(2, 1) == matrix.GetElements() + 5);
-    // Deliberate: true without memory too, with the old sizes and no elements.
+    // Kept: true without memory too, with the old sizes and no elements.
     EXPECT_TRUE(matrix.Create(UINT_MAX, UINT_MAX));
     EXPECT_TRUE(matrix.GetRows() == 3 && matrix.GetColumns() == 2 && matrix.GetElements() == nullptr);
     // Nothing of this has elements to touch.
@@ -121,7 +123,7 @@ TYPED_TEST(Matrix, IdentityTranslationAndScale)
     EXPECT_EQ(this->All(thin), (std::vector<TypeParam>{1, 2, 3, 4, 5, 6, 17, 28}));
 }
 
-// The product as it is stated, over elements that count as 0 outside their matrix.
+// Sums of products over the row count, with elements that count as 0 outside their matrix.
 TYPED_TEST(Matrix, ProductStaysWithinBothMatrices)
 {
     for (unsigned int shape = 0; shape < 6 * 7 * 5 * 6; ++shape)
@@ -134,7 +136,7 @@ TYPED_TEST(Matrix, ProductStaysWithinBothMatrices)
             for (unsigned int j = 0; j < columns; ++j)
             {
                 TypeParam sum = 0;
-                for (unsigned int k = 0; k < rows; ++k) // deliberate: the row count is the inner dimension
+                for (unsigned int k = 0; k < rows; ++k) // kept: the row count is the inner dimension
                     sum += before(i, k) * other(k, j);
                 ASSERT_EQ(product(i, j), i < 4 && j < 4 ? sum : before(i, j))
                     << rows << 'x' << columns << " by " << other.GetRows() << 'x' << other.GetColumns() << " at " << i
@@ -155,6 +157,11 @@ TYPED_TEST(Matrix, AnElementOutsideBelongsToNoMatrix)
         matrix(0, outside) = 7;
         EXPECT_EQ(matrix(outside, outside), 0);
     }
+    TypeParam & written = matrix(9, 9);
+    written = 7;
+    EXPECT_EQ(std::as_const(matrix)(9, 9), 0);
+    std::thread([&] { EXPECT_NE(&matrix(9, 9), &written); }).join();
+    EXPECT_EQ(written, 7) << "neither reading nor another thread changes it";
     EXPECT_EQ(this->All(matrix), (std::vector<TypeParam>{1, 2, 3, 4}));
 }
 

@@ -30,13 +30,13 @@ static_assert(CVekRGBA<float>(0, 0, 0, 0).Lerp(CVekRGBA<float>(1, 1, 1, 1), 2).r
 static_assert(CVekPlane<float>({0, 0, 0}, {1, 0, 0}, {0, 1, 0}).Evaluate({5, 5, 3}) == 3);
 
 using Box = CVekBoundBox<int>;
-constexpr Box unitBox({0, 0, 0}, {2, 2, 2});
-static_assert(Box().empty && Box().Size() == Point() && Box().Union(unitBox) == unitBox &&
-              unitBox.Union(Box()) == unitBox);
-static_assert(unitBox.Union(Box({-2, 1, 1}, {1, 4, 1})) == Box({-2, 0, 0}, {2, 4, 2}));
-static_assert(unitBox.Contains(Point(2, 0, 1)) && !unitBox.Contains(Point(3, 0, 1)) && !Box().Contains(Point()));
-static_assert(unitBox.Contains(Box()) && unitBox.Centre() == Point(1, 1, 1) && unitBox.Corner(5) == Point(2, 0, 2));
-static_assert(unitBox.Intersects(Box({2, 2, 2}, {3, 3, 3})) && !unitBox.Intersects(Box({0, 3, 0}, {1, 4, 1})));
+constexpr Box UNIT_BOX({0, 0, 0}, {2, 2, 2});
+static_assert(Box().empty && Box().Size() == Point() && Box().Union(UNIT_BOX) == UNIT_BOX &&
+              UNIT_BOX.Union(Box()) == UNIT_BOX);
+static_assert(UNIT_BOX.Union(Box({-2, 1, 1}, {1, 4, 1})) == Box({-2, 0, 0}, {2, 4, 2}));
+static_assert(UNIT_BOX.Contains(Point(2, 0, 1)) && !UNIT_BOX.Contains(Point(3, 0, 1)) && !Box().Contains(Point()));
+static_assert(UNIT_BOX.Contains(Box()) && UNIT_BOX.Centre() == Point(1, 1, 1) && UNIT_BOX.Corner(5) == Point(2, 0, 2));
+static_assert(UNIT_BOX.Intersects(Box({2, 2, 2}, {3, 3, 3})) && !UNIT_BOX.Intersects(Box({0, 3, 0}, {1, 4, 1})));
 
 template <class T>
 class Vectors : public testing::Test
@@ -124,6 +124,8 @@ TYPED_TEST(Vectors, Rotations)
     M product = turn;
     product *= move;
     EXPECT_EQ(product, turn * move);
+    CVekMatrix4x4<float> const single(move);
+    EXPECT_TRUE(single(3, 2) == 3 && M(single) == move);
     M projection = M::Identity();
     projection(2, 3) = 1;
     projection(3, 3) = 0;
@@ -146,10 +148,12 @@ TYPED_TEST(Vectors, LookAt)
     {
         char const * name;
         V eye, target, up;
+        bool plan = false; // +x runs to the right
     };
     Row const rows[] = {
         {"plain", {1, 2, 3}, {4, 4, 4}, {0, 1, 0}},
-        {"from above", {0, 5, 0}, {0, 0, 0}, {0, 1, 0}},
+        {"from above", {0, 5, 0}, {0, 0, 0}, {0, 1, 0}, true},
+        {"from below", {0, -5, 0}, {0, 0, 0}, {0, 0, 0}, true},
         {"no up", {1, 0, 0}, {3, 0, 1}, {0, 0, 0}},
         {"up within rounding of the view", {0, 0, 0}, {1, 1, 1}, {1, 1, 1 + std::numeric_limits<T>::epsilon()}},
         {"nowhere", {1, 2, 3}, {1, 2, 3}, {0, 1, 0}},
@@ -169,6 +173,7 @@ TYPED_TEST(Vectors, LookAt)
             EXPECT_TRUE((turn * turn.Transposed()).IsNear(M::Identity(), near));
             V const up = view.TransformDirection(row.up);
             EXPECT_TRUE(std::fabs(up.x) <= near && up.y >= -near);
+            EXPECT_TRUE(!row.plan || view.TransformDirection(V(1, 0, 0)).IsNear(V(1, 0, 0), near));
         }
 }
 

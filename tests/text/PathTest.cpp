@@ -1,12 +1,14 @@
 #include <stdio.h>
 
 #include "support/FillStack.h"
+#include "support/GuardHeap.h"
 #include "text/TextKit.h"
 
 #include <climits>
 #include <cstdlib>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 namespace
 {
@@ -99,7 +101,7 @@ TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
     { return Api<TypeParam>::Open(name.c_str(), Text<TypeParam>(mode).c_str()); };
     EXPECT_FALSE(Api<TypeParam>::Exist(name.c_str()));
     EXPECT_EQ(open("rb"), nullptr);
-    for (char const * mode : {"wb", "rb"})
+    for (char const * mode : {"wb", "rb", "  rb"})
     {
         FILE * const file = open(mode);
         ASSERT_NE(file, nullptr);
@@ -107,7 +109,7 @@ TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
         Api<TypeParam>::Close(file);
         EXPECT_TRUE(Api<TypeParam>::Exist(name.c_str()));
     }
-    for (char const * mode : {"", "q", "b", "r?", "r%s"}) // modes the runtime ends a program for
+    for (char const * mode : {"", "q", "b", "r?", "r%s", " "}) // modes the runtime ends a program for
         EXPECT_EQ(open(mode), nullptr) << mode;
     EXPECT_EQ(Api<TypeParam>::Open(nullptr, name.c_str()), nullptr);
     EXPECT_EQ(Api<TypeParam>::Open(name.c_str(), nullptr), nullptr);
@@ -142,6 +144,9 @@ TEST(PlatformPath, Relative)
         {L"ab", DIRECTORY, L"ab\\", L"."},
         {L"\\\\", PLAIN_FILE, L"\\\\", L"."},
         {L":\\", PLAIN_FILE, L":\\\\b", L".\\b"},
+        // a directory of two characters that doesn't begin the other path as a whole component
+        {L".\\", DIRECTORY, L".\\b", L"\\b"},
+        {L"a\\", DIRECTORY, L"a\\b", L"\\b"},
     };
     for (auto const & [from, fromAttributes, to, expected] : rows)
     {
@@ -163,13 +168,14 @@ TEST(PlatformPath, Relative)
 
 TEST(PlatformPath, Absolute)
 {
-    std::wstring const longName(300, L'x');
+    std::wstring const longName(300, L'x'), longBase = L"C:\\" + longName, tooLong(1100, L'x');
     std::tuple<wchar_t const *, wchar_t const *, bool, wchar_t const *> const rows[] = {
         // clang-format off
         {L"..\\x", L"C:\\a\\b", true, L"C:\\a\\x"}, {L".\\x\\..\\y", L"C:\\a", true, L"C:\\a\\y"},
         {L"C:\\q", L"C:\\a", true, L"C:\\a\\C:\\q"}, // kept: joined although absolute already
         {longName.c_str(), L"C:\\a", false, longName.c_str()}, {L"x", longName.c_str(), false, L"x"},
-        {L"..\\..\\..\\..\\x", L"C:\\a", true, L"C:\\x"},
+        {L"..\\..\\..\\..\\x", L"C:\\a", true, L"C:\\x"}, {L"..\\y", longBase.c_str(), true, L"C:\\y"},
+        {L"..\\y", tooLong.c_str(), false, L"..\\y"},
         // clang-format on
     };
     for (auto const & [rowPath, base, result, expected] : rows)
@@ -178,6 +184,19 @@ TEST(PlatformPath, Absolute)
         EXPECT_EQ(VekMakePathAbsolute(path, CVekString<wchar_t>(base)), result) << Text(path);
         EXPECT_EQ(Text(path), expected);
     }
+}
+
+TEST(PlatformPath, FailsWithoutMemoryForTheResult)
+{
+    if (!VekGuard::Active)
+        GTEST_SKIP() << "allocations fail on demand in the guarded build only";
+    CVekString<wchar_t> path(L"file.txt"), base(L"C:\\dir"), relative(L"before");
+    VekGuard::FailFrom(1);
+    bool const isMade = VekMakePathAbsolute(path, std::move(base)) ||
+                        VekGetRelativePathT(relative, L"C:\\a\\b", DIRECTORY, L"C:\\a\\c\\d.txt", 0);
+    EXPECT_TRUE(VekGuard::FailReset());
+    EXPECT_FALSE(isMade);
+    EXPECT_EQ(Text(path) + Text(relative), L"file.txtbefore");
 }
 
 } // namespace

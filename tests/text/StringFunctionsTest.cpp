@@ -42,6 +42,13 @@ TYPED_TEST(StringFunctions, CopyAndCatTakeAtMostMaxCharacters)
     EXPECT_EQ(Api<TypeParam>::Length(source.c_str()), 6);
 }
 
+template <class A, class B>
+void ExpectOrder(A const & a, B const & b, int order)
+{
+    EXPECT_TRUE((a == b) == (order == 0) && (a != b) == (order != 0) && (a < b) == (order < 0));
+    EXPECT_TRUE((a > b) == (order > 0) && (a <= b) == (order <= 0) && (a >= b) == (order >= 0));
+}
+
 TYPED_TEST(StringFunctions, Compare)
 {
     // the last: at most two characters, without case
@@ -51,6 +58,7 @@ TYPED_TEST(StringFunctions, Compare)
         {"", "a", -1, -1, -1}, {"a", "", 1, 1, 1}, {"Zq", "zQ", -1, 0, 0}, {"@", "`", -1, -1, -1}, {"{", "[", 1, 1, 1},
         {"x1y", "X1Z", 1, -1, 0},
         {"[", "a", -1, 1, 1}, // folded to upper case, [ is behind A
+        {"the same beginning of 25 x", "the same beginning of 25 Y", 1, -1, 0},
         // clang-format on
     };
     for (auto const & [rowFirst, rowSecond, exact, noCase, twoOnly] : rows)
@@ -63,7 +71,19 @@ TYPED_TEST(StringFunctions, Compare)
         EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), INT_MAX, true), exact);
         for (int count : {0, -1, INT_MIN})
             EXPECT_EQ(Api<TypeParam>::CompareCounted(first.c_str(), second.c_str(), count, true), 0) << count;
+        CVekString<TypeParam> const left(first.c_str()), right(second.c_str());
+        for (bool caseSensitive : {true, false}) // kept: the argument is the left operand
+        {
+            EXPECT_EQ(right.Compare(left, caseSensitive), caseSensitive ? exact : noCase);
+            EXPECT_EQ(right.Compare(first.c_str(), caseSensitive), caseSensitive ? exact : noCase);
+        }
+        ExpectOrder(left, right, exact); // operators have theirs as they stand
+        ExpectOrder(left, second.c_str(), exact);
+        ExpectOrder(first.c_str(), right, exact);
     }
+    TypeParam const * const none = nullptr;
+    CVekString<TypeParam> const empty, full(Text<TypeParam>("a").c_str());
+    EXPECT_TRUE(empty.Compare(none) == 0 && full.Compare(none) == -1 && empty == none && full > none && none < full);
 }
 
 TEST(StringFunctionsWidth, DeliberateNarrowCharactersAreComparedSigned)
@@ -105,6 +125,23 @@ TYPED_TEST(StringFunctions, PrintfIsBounded)
     wchar_t buffer[16];
     EXPECT_EQ(PrintList(buffer, 16, L"%s %d %hs", L"wide", 7, "nar"), 10);
     EXPECT_STREQ(buffer, L"wide 7 nar") << "from a started list";
+}
+
+// What could be taken for a list: it is a pointer to char, too, which 0 and text in quotes turn into.
+TEST(StringFunctionsWidth, PrintfTakesALoneArgument)
+{
+    char narrow[16];
+    wchar_t wide[16];
+    EXPECT_EQ(VekStrPrintfA(narrow, 16, "%d items", 0), 7);
+    EXPECT_STREQ(narrow, "0 items");
+    EXPECT_EQ(VekStrPrintfW(wide, 16, L"%d items", 0), 7);
+    EXPECT_STREQ(wide, L"0 items");
+    EXPECT_EQ(VekStrPrintfA(narrow, 16, "[%s]", "abc"), 5);
+    EXPECT_STREQ(narrow, "[abc]");
+    EXPECT_EQ(VekStrPrintfW(wide, 16, L"[%hs]", "abc"), 5);
+    EXPECT_STREQ(wide, L"[abc]");
+    EXPECT_EQ(VekStrPrintfW(wide, 16, L"%.2f", 0.5F), 4);
+    EXPECT_STREQ(wide, L"0.50");
 }
 
 TYPED_TEST(StringFunctions, CaseIsChangedOnlyInATerminatedBuffer)

@@ -43,23 +43,23 @@ void RunElementPath(Bytes input)
     Reader reader(input);
     auto const document = NewDocument();
     auto const root = NewElement(L"root");
-    document->SetRootElement(root);
-    IVekXMLElement * at = root;
+    document->SetRootElement(root.Get());
+    IVekXMLElement * at = root.Get();
     for (unsigned i = reader.Below(20); i > 0; --i)
     {
         auto const child = NewElement(reader.Text<wchar_t>(3));
-        at->AddChild(child, reader.Number());
-        at = reader.Below(3) ? static_cast<IVekXMLElement *>(root) : child;
+        at->AddChild(child.Get(), reader.Number());
+        at = reader.Below(3) ? root.Get() : child.Get();
     }
     while (!reader.AtEnd())
     {
         std::wstring const path = reader.Text<wchar_t>(12);
         bool const create = reader.Below(8) == 0;
-        IVekXMLElement * const expected = Walk(root, path);
+        IVekXMLElement * const expected = Walk(root.Get(), path);
         IVekXMLElement * const found = document->FindElementFromPath(path.c_str(), create);
         Check(expected || create ? found != nullptr : found == nullptr, "a path leads nowhere when there is nothing");
         Check(!expected || found == expected, "a path leads to the first of its name");
-        Check(!create || Walk(root, path) == found, "what a path has made is found by it");
+        Check(!create || Walk(root.Get(), path) == found, "what a path has made is found by it");
     }
 }
 

@@ -99,7 +99,7 @@ private:
     {
         int const last = static_cast<int>(m_children.size()) - 1;
         bool const inserts = index >= 0 && index < last;
-        Check(m_element->AddChild(NewElement(name), index) == (inserts ? index : last + 1), "AddChild");
+        Check(m_element->AddChild(NewElement(name).Get(), index) == (inserts ? index : last + 1), "AddChild");
         m_children.insert(inserts ? m_children.begin() + index : m_children.end(), Named(name));
     }
     void RemoveChild(int index)
@@ -155,7 +155,7 @@ private:
     }
 
     Reader & m_reader;
-    Holder<CVekXMLElement> m_element = NewElement();
+    CVekRef<CVekXMLElement> m_element = NewElement();
     Model m_children, m_attributes;
 };
 

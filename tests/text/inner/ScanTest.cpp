@@ -121,15 +121,8 @@ TYPED_TEST(Scan, BlocksHoldTheirCapacityAndGrowInPlaceWithinIt)
     EXPECT_GT(Access::BlockBytes(Access::MAX_CAPACITY), size_t{0x6FFFFFFF});
     EXPECT_EQ(Access::Allocate(static_cast<size_t>(Access::MAX_CAPACITY) + 1, 0), nullptr);
 
-    CVekString<TypeParam> string;
-    ASSERT_NE(Access::Resize(string, 5), nullptr);
-    EXPECT_EQ(string.GetLength(), 5);
-    EXPECT_EQ(static_cast<TypeParam const *>(string)[5], TypeParam(0));
-    EXPECT_EQ(Access::Resize(string, SIZE_MAX), nullptr);
-    EXPECT_EQ(string.GetLength(), 5) << "unchanged";
-
     // Text that grows by one character at a time moves a few times only, though its capacity grows by one.
-    string.Reserve(0, false);
+    CVekString<TypeParam> string;
     TypeParam const unit[] = {'x', 0};
     int moves = 0;
     for (int i = 0; i < 20000; ++i)

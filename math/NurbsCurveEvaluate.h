@@ -1,3 +1,6 @@
+// The members of CVekNurbsCurve that evaluate it; for NurbsCurve.cpp alone, which instantiates them.
+#pragma once
+
 #include "VekNurbs.h"
 
 #include "math/NurbsBasis.h"
@@ -5,17 +8,17 @@
 
 #include <type_traits>
 
-namespace
+namespace vek
 {
 
-constexpr unsigned int maxOrder = CVekNurbsCurve<float>::MAX_DEGREE + 1;
+constexpr unsigned int MAX_ORDER = CVekNurbsCurve<float>::MAX_DEGREE + 1;
 
 /// A point on a span. DEGREE is the curve's degree where it is known to the compiler, else 0.
 template <unsigned int DEGREE, class T>
 inline CVekVector3D<T> PointOnSpan(CVekVector4D<T> const * points, T const * knots, unsigned int degree, T parameter)
 {
-    T basis[DEGREE ? DEGREE + 1 : maxOrder];
-    vek::BasisFunctions(knots, DEGREE ? DEGREE : degree, parameter, basis);
+    T basis[DEGREE ? DEGREE + 1 : MAX_ORDER];
+    BasisFunctions(knots, DEGREE ? DEGREE : degree, parameter, basis);
     T x = points[0].x * basis[0];
     T y = points[0].y * basis[0];
     T z = points[0].z * basis[0];
@@ -41,9 +44,9 @@ void PointsOnCurve(CVekNurbsCurve<T> const & curve, T const * parameters, unsign
     unsigned int span = degree;
     for (unsigned int i = 0; i < count; ++i)
     {
-        T const parameter = vek::ClampToDomain(curve, parameters[i]);
+        T const parameter = ClampToDomain(curve, parameters[i]);
         if (!(knots[span] <= parameter && parameter < knots[span + 1]))
-            span = vek::FindSpan(knots, degree, pointCount, parameter);
+            span = FindSpan(knots, degree, pointCount, parameter);
         results[i] = PointOnSpan<DEGREE>(points + (span - degree), knots + span, degree, parameter);
     }
 }
@@ -72,18 +75,18 @@ auto WithDegree(unsigned int degree, Work const & work)
 /// The weighted point and its derivatives up to the degree: differences of the span's control points, then the basis
 /// functions of the lower degree.
 template <class T>
-void WeightedDerivatives(CVekNurbsCurve<T> const & curve, T parameter, unsigned int order, vek::Point4 * derivatives)
+void WeightedDerivatives(CVekNurbsCurve<T> const & curve, T parameter, unsigned int order, Point4 * derivatives)
 {
     unsigned int const degree = curve.GetDegree();
-    unsigned int const span = vek::FindSpan(curve.GetKnots(), degree, curve.GetPointCount(), parameter);
-    vek::Point4 points[maxOrder];
-    double knots[2 * maxOrder];
-    vek::LoadSpan(curve, span, points, knots);
-    double basis[maxOrder];
+    unsigned int const span = FindSpan(curve.GetKnots(), degree, curve.GetPointCount(), parameter);
+    Point4 points[MAX_ORDER];
+    double knots[2 * MAX_ORDER];
+    LoadSpan(curve, span, points, knots);
+    double basis[MAX_ORDER];
     for (unsigned int k = 0; k <= order; ++k)
     {
         unsigned int const left = degree - k;
-        vek::BasisFunctions(knots + degree, left, static_cast<double>(parameter), basis);
+        BasisFunctions(knots + degree, left, static_cast<double>(parameter), basis);
         derivatives[k] = points[0] * basis[0];
         for (unsigned int i = 1; i <= left; ++i)
             derivatives[k] = derivatives[k] + points[i] * basis[i];
@@ -97,9 +100,9 @@ template <class T, class Use>
 void ForDerivatives(CVekNurbsCurve<T> const & curve, T anyParameter, unsigned int order, Use const & use)
 {
     unsigned int const highest = order < curve.GetDegree() ? order : curve.GetDegree();
-    vek::Point4 weighted[maxOrder];
-    WeightedDerivatives(curve, vek::ClampToDomain(curve, anyParameter), highest, weighted);
-    CVekVector3D<double> recent[maxOrder]; // the quotient rule goes back by at most the degree
+    Point4 weighted[MAX_ORDER];
+    WeightedDerivatives(curve, ClampToDomain(curve, anyParameter), highest, weighted);
+    CVekVector3D<double> recent[MAX_ORDER]; // the quotient rule goes back by at most the degree
     for (unsigned int k = 0;; ++k)
     {
         CVekVector3D<double> sum;
@@ -109,29 +112,30 @@ void ForDerivatives(CVekNurbsCurve<T> const & curve, T anyParameter, unsigned in
         for (unsigned int i = 1; i <= k && i <= highest; ++i)
         {
             binomial = binomial * (static_cast<double>(k - i) + 1) / i;
-            sum -= recent[(k - i) % maxOrder] * (binomial * weighted[i].w);
+            sum -= recent[(k - i) % MAX_ORDER] * (binomial * weighted[i].w);
         }
-        recent[k % maxOrder] = sum / weighted[0].w;
-        use(k, recent[k % maxOrder]);
+        recent[k % MAX_ORDER] = sum / weighted[0].w;
+        use(k, recent[k % MAX_ORDER]);
         if (k == order)
             return;
     }
 }
 
-} // namespace
+} // namespace vek
 
 template <class T>
 CVekVector3D<T> CVekNurbsCurve<T>::GetPoint(T parameter) const noexcept
 {
     if (IsEmpty())
         return CVekVector3D<T>();
-    return WithDegree(m_degree,
-                      [this, parameter](auto degree)
-                      {
-                          T const inside = vek::ClampToDomain(*this, parameter);
-                          unsigned int const span = vek::FindSpan(m_knots, m_degree, m_pointCount, inside);
-                          return PointOnSpan<degree()>(m_points + (span - m_degree), m_knots + span, m_degree, inside);
-                      });
+    return vek::WithDegree(m_degree,
+                           [this, parameter](auto degree)
+                           {
+                               T const inside = vek::ClampToDomain(*this, parameter);
+                               unsigned int const span = vek::FindSpan(m_knots, m_degree, m_pointCount, inside);
+                               return vek::PointOnSpan<degree()>(m_points + (span - m_degree), m_knots + span, m_degree,
+                                                                 inside);
+                           });
 }
 
 template <class T>
@@ -143,7 +147,8 @@ void CVekNurbsCurve<T>::GetPoints(T const * parameters, unsigned int count, CVek
             points[i] = CVekVector3D<T>();
         return;
     }
-    WithDegree(m_degree, [=, this](auto degree) { PointsOnCurve<degree()>(*this, parameters, count, points); });
+    vek::WithDegree(m_degree,
+                    [=, this](auto degree) { vek::PointsOnCurve<degree()>(*this, parameters, count, points); });
 }
 
 template <class T>
@@ -151,9 +156,9 @@ bool CVekNurbsCurve<T>::GetDerivatives(T parameter, unsigned int order, CVekVect
 {
     if (IsEmpty() || !derivatives)
         return false;
-    ForDerivatives(*this, parameter, order,
-                   [derivatives](unsigned int k, CVekVector3D<double> const & derivative)
-                   { derivatives[k] = CVekVector3D<T>(derivative); });
+    vek::ForDerivatives(*this, parameter, order,
+                        [derivatives](unsigned int k, CVekVector3D<double> const & derivative)
+                        { derivatives[k] = CVekVector3D<T>(derivative); });
     return true;
 }
 
@@ -165,12 +170,12 @@ CVekVector3D<T> CVekNurbsCurve<T>::GetTangent(T parameter) const noexcept
         return CVekVector3D<T>();
     // At the end the curve arrives from before: a lowest derivative of even order points backwards there.
     double const even = parameter >= GetEnd() ? -1 : 1;
-    ForDerivatives(*this, parameter, m_degree,
-                   [&](unsigned int k, CVekVector3D<double> const & derivative)
-                   {
-                       if (k > 0 && tangent == CVekVector3D<double>())
-                           tangent = (k % 2 == 0 ? even : 1.0) * derivative.Normalised();
-                   });
+    vek::ForDerivatives(*this, parameter, m_degree,
+                        [&](unsigned int k, CVekVector3D<double> const & derivative)
+                        {
+                            if (k > 0 && tangent == CVekVector3D<double>())
+                                tangent = (k % 2 == 0 ? even : 1.0) * derivative.Normalised();
+                        });
     return CVekVector3D<T>(tangent);
 }
 
@@ -180,19 +185,8 @@ T CVekNurbsCurve<T>::GetCurvature(T parameter) const noexcept
     CVekVector3D<double> derivatives[3];
     if (IsEmpty())
         return T(0);
-    ForDerivatives(*this, parameter, 2,
-                   [&](unsigned int k, CVekVector3D<double> const & derivative) { derivatives[k] = derivative; });
+    vek::ForDerivatives(*this, parameter, 2,
+                        [&](unsigned int k, CVekVector3D<double> const & derivative) { derivatives[k] = derivative; });
     double const speed = derivatives[1].Length();
     return speed > 0 ? static_cast<T>((derivatives[1] / speed).Cross(derivatives[2] / speed).Length() / speed) : T(0);
 }
-
-template CVekVector3D<float> CVekNurbsCurve<float>::GetPoint(float) const noexcept;
-template CVekVector3D<double> CVekNurbsCurve<double>::GetPoint(double) const noexcept;
-template void CVekNurbsCurve<float>::GetPoints(float const *, unsigned int, CVekVector3D<float> *) const noexcept;
-template void CVekNurbsCurve<double>::GetPoints(double const *, unsigned int, CVekVector3D<double> *) const noexcept;
-template bool CVekNurbsCurve<float>::GetDerivatives(float, unsigned int, CVekVector3D<float> *) const noexcept;
-template bool CVekNurbsCurve<double>::GetDerivatives(double, unsigned int, CVekVector3D<double> *) const noexcept;
-template CVekVector3D<float> CVekNurbsCurve<float>::GetTangent(float) const noexcept;
-template CVekVector3D<double> CVekNurbsCurve<double>::GetTangent(double) const noexcept;
-template float CVekNurbsCurve<float>::GetCurvature(float) const noexcept;
-template double CVekNurbsCurve<double>::GetCurvature(double) const noexcept;

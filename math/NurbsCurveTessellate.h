@@ -1,8 +1,11 @@
+// The members of CVekNurbsCurve that turn it into a polyline; for NurbsCurve.cpp alone, which instantiates them.
+#pragma once
+
 #include "VekNurbs.h"
 
 #include "math/NurbsBezier.h"
 
-namespace
+namespace vek
 {
 
 /// Takes the points of a tessellation and counts them; what is beyond the arrays is only counted.
@@ -28,15 +31,15 @@ struct PolylineWriter
 };
 
 /// How often a piece of each span may be halved, so that all segments together stay below the limit.
-unsigned int LevelLimit(unsigned int spans)
+inline unsigned int LevelLimit(unsigned int spans)
 {
     unsigned int level = 0;
-    while (level < vek::PieceStack::MAX_LEVEL && CVekNurbsCurve<float>::MAX_SEGMENTS >> (level + 1) >= spans)
+    while (level < PieceStack::MAX_LEVEL && CVekNurbsCurve<float>::MAX_SEGMENTS >> (level + 1) >= spans)
         ++level;
     return level;
 }
 
-} // namespace
+} // namespace vek
 
 template <class T>
 unsigned int CVekNurbsCurve<T>::Tessellate(T tolerance, CVekVector3D<T> * points, T * parameters,
@@ -45,8 +48,8 @@ unsigned int CVekNurbsCurve<T>::Tessellate(T tolerance, CVekVector3D<T> * points
     double const allowed = static_cast<double>(tolerance);
     if (IsEmpty() || !(allowed > 0))
         return 0;
-    unsigned int const levels = LevelLimit(m_pointCount - m_degree);
-    PolylineWriter<T> writer = {points, parameters, capacity, 0};
+    unsigned int const levels = vek::LevelLimit(m_pointCount - m_degree);
+    vek::PolylineWriter<T> writer = {points, parameters, capacity, 0};
     vek::PieceStack stack;
     for (unsigned int span = vek::FirstSpan(m_knots, m_degree, m_pointCount); span < m_pointCount;
          span = vek::NextSpan(m_knots, m_pointCount, span))
@@ -69,8 +72,3 @@ unsigned int CVekNurbsCurve<T>::Tessellate(T tolerance, CVekVector3D<T> * points
     }
     return writer.count;
 }
-
-template unsigned int CVekNurbsCurve<float>::Tessellate(float, CVekVector3D<float> *, float *,
-                                                        unsigned int) const noexcept;
-template unsigned int CVekNurbsCurve<double>::Tessellate(double, CVekVector3D<double> *, double *,
-                                                         unsigned int) const noexcept;

@@ -1,10 +1,13 @@
+// The members of CVekNurbsCurve that edit it: knots, degree, parts; for NurbsCurve.cpp alone, which instantiates them.
+#pragma once
+
 #include "VekNurbs.h"
 
 #include "VekCore.h"
 #include "base/Buffer.h"
 #include "math/NurbsBasis.h"
 
-namespace
+namespace vek
 {
 
 /// How often a knot occurs.
@@ -91,8 +94,7 @@ void CopyEachKnotOnceMore(T const * knots, unsigned int count, T * copy)
 /// For each run of equal knots inside that has none of the positions left, left + period, ...: its knot. The runs are
 /// no longer than a period. There must be room for all.
 template <class T>
-void CollectMissing(T const * knots, unsigned int count, unsigned int period, unsigned int left,
-                    vek::Buffer<T> & missing)
+void CollectMissing(T const * knots, unsigned int count, unsigned int period, unsigned int left, Buffer<T> & missing)
 {
     unsigned int const end = count - period - 1;
     for (unsigned int begin = period + 1, next = begin; begin < end; begin = next)
@@ -105,7 +107,7 @@ void CollectMissing(T const * knots, unsigned int count, unsigned int period, un
     }
 }
 
-} // namespace
+} // namespace vek
 
 /// Makes this curve with knots inserted, which don't decrease, lie in the domain and occur at most degree times in all.
 template <class T>
@@ -118,7 +120,7 @@ bool CVekNurbsCurve<T>::Refine(T const * inserted, unsigned int count, CVekNurbs
         refined.m_points[i] = m_points[i];
     for (unsigned int i = 0; i < GetKnotCount(); ++i)
         refined.m_knots[i] = m_knots[i];
-    KnotInserter<T> inserter(refined.m_points, refined.m_knots, m_degree, m_pointCount, count);
+    vek::KnotInserter<T> inserter(refined.m_points, refined.m_knots, m_degree, m_pointCount, count);
     for (unsigned int i = count; i > 0; --i)
         inserter.Insert(inserted[i - 1]);
     result.Swap(refined);
@@ -152,7 +154,7 @@ bool CVekNurbsCurve<T>::InsertKnot(T knot, unsigned int times) noexcept
         VekLogOutput(0, L"CVekNurbsCurve::InsertKnot --> Knot is outside the domain");
         return false;
     }
-    unsigned int const present = CountOf(m_knots, GetKnotCount(), knot);
+    unsigned int const present = vek::CountOf(m_knots, GetKnotCount(), knot);
     if (times > 0 && (times > m_degree || present + times > m_degree))
     {
         VekLogOutput(0, L"CVekNurbsCurve::InsertKnot --> Knot would occur more than %u times", m_degree);
@@ -172,9 +174,9 @@ bool CVekNurbsCurve<T>::Clamped(CVekNurbsCurve & result) const noexcept
     unsigned int count = 0;
     T const start = GetStart();
     T const end = GetEnd();
-    for (unsigned int i = CountOf(m_knots, GetKnotCount(), start); i < m_degree; ++i)
+    for (unsigned int i = vek::CountOf(m_knots, GetKnotCount(), start); i < m_degree; ++i)
         knots[count++] = start;
-    for (unsigned int i = CountOf(m_knots, GetKnotCount(), end); i < m_degree; ++i)
+    for (unsigned int i = vek::CountOf(m_knots, GetKnotCount(), end); i < m_degree; ++i)
         knots[count++] = end;
     CVekNurbsCurve refined;
     if (!Refine(knots, count, refined))
@@ -211,7 +213,7 @@ bool CVekNurbsCurve<T>::Split(T parameter, CVekNurbsCurve & before, CVekNurbsCur
     CVekNurbsCurve whole;
     CVekNurbsCurve parts[2];
     if (!Clamped(whole) ||
-        !whole.InsertKnot(parameter, m_degree - CountOf(whole.m_knots, whole.GetKnotCount(), parameter)))
+        !whole.InsertKnot(parameter, m_degree - vek::CountOf(whole.m_knots, whole.GetKnotCount(), parameter)))
         return false;
     unsigned int const span = vek::FindSpan(whole.m_knots, m_degree, whole.m_pointCount, parameter);
     unsigned int const common = span - m_degree; // the point of the curve itself
@@ -258,11 +260,11 @@ bool CVekNurbsCurve<T>::Elevated(CVekNurbsCurve & result) const noexcept
     vek::Buffer<T> inserted;
     if (!elevated.Allocate(m_degree + 1, m_pointCount + spans) || !inserted.Reserve(spans))
         return false;
-    CopyEachKnotOnceMore(m_knots, GetKnotCount(), elevated.m_knots);
+    vek::CopyEachKnotOnceMore(m_knots, GetKnotCount(), elevated.m_knots);
     for (unsigned int left = 0; left < period; ++left)
     {
         inserted.Clear();
-        CollectMissing(elevated.m_knots, elevated.GetKnotCount(), period, left, inserted);
+        vek::CollectMissing(elevated.m_knots, elevated.GetKnotCount(), period, left, inserted);
         if (!Refine(inserted.Data(), static_cast<unsigned int>(inserted.Size()), refined))
             return false;
         // Knots left out so far shift the place; at the start one more was there than a refinement has.
@@ -274,19 +276,3 @@ bool CVekNurbsCurve<T>::Elevated(CVekNurbsCurve & result) const noexcept
     result.Swap(elevated);
     return true;
 }
-template bool CVekNurbsCurve<float>::Refine(float const *, unsigned int, CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<double>::Refine(double const *, unsigned int, CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<float>::Part(unsigned int, unsigned int, CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<double>::Part(unsigned int, unsigned int, CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<float>::InsertKnot(float, unsigned int) noexcept;
-template bool CVekNurbsCurve<double>::InsertKnot(double, unsigned int) noexcept;
-template bool CVekNurbsCurve<float>::Clamped(CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<double>::Clamped(CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<float>::ClampEnds() noexcept;
-template bool CVekNurbsCurve<double>::ClampEnds() noexcept;
-template bool CVekNurbsCurve<float>::Split(float, CVekNurbsCurve &, CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<double>::Split(double, CVekNurbsCurve &, CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<float>::ElevateDegree(unsigned int) noexcept;
-template bool CVekNurbsCurve<double>::ElevateDegree(unsigned int) noexcept;
-template bool CVekNurbsCurve<float>::Elevated(CVekNurbsCurve &) const noexcept;
-template bool CVekNurbsCurve<double>::Elevated(CVekNurbsCurve &) const noexcept;

@@ -1,3 +1,6 @@
+// The members of CVekNurbsCurve that search and enclose it; for NurbsCurve.cpp alone, which instantiates them.
+#pragma once
+
 #include "VekNurbs.h"
 
 #include "VekCore.h"
@@ -7,14 +10,14 @@
 
 #include <math.h>
 
-namespace
+namespace vek
 {
 
 /// Halvings of one search; no real curve comes near it, only coordinates near the end of the number range.
-constexpr unsigned int maxHalvings = 1u << 20;
+constexpr unsigned int MAX_HALVINGS = 1u << 20;
 
 /// The square of the distance of a point to a box.
-double SquareToBox(CVekBoundBox<double> const & box, CVekVector3D<double> const & point)
+inline double SquareToBox(CVekBoundBox<double> const & box, CVekVector3D<double> const & point)
 {
     CVekVector3D<double> const nearest = point.Largest(box.minimum).Smallest(box.maximum);
     return (point - nearest).LengthSquared();
@@ -24,9 +27,9 @@ double SquareToBox(CVekBoundBox<double> const & box, CVekVector3D<double> const 
 class NearestSearch
 {
 public:
-    // cppcheck-suppress uninitMemberVar ; scratch, written before it is read
     NearestSearch(CVekVector3D<double> const & target, double precision)
-        : m_target(target), m_least(precision * precision), m_best(HUGE_VAL), m_parameter(0), m_halvings(0)
+        : m_target(target), m_least(precision * precision), m_best(HUGE_VAL), m_parameter(0), m_refined(false),
+          m_halvings(0)
     {
     }
 
@@ -49,18 +52,18 @@ public:
     {
         return m_best > m_least && SquareToBox(box, m_target) < m_best * (1 - 2e-6);
     }
-    void Search(vek::PieceStack & stack)
+    void Search(PieceStack & stack)
     {
         while (stack.count > 0)
         {
-            vek::BezierPiece & piece = stack.Last();
+            BezierPiece & piece = stack.Last();
             if (!IsWorthwhile(piece.Hull()) || !IsChordWorthwhile(piece))
             {
                 --stack.count;
                 continue;
             }
             Refine(piece);
-            if (piece.level == vek::PieceStack::MAX_LEVEL || m_halvings == maxHalvings)
+            if (piece.level == PieceStack::MAX_LEVEL || m_halvings == MAX_HALVINGS)
             {
                 --stack.count;
                 continue;
@@ -69,21 +72,21 @@ public:
             double const toFirst = (piece.First() - m_target).LengthSquared();
             bool const secondIsNearer = (piece.Last() - m_target).LengthSquared() < toFirst;
             stack.HalveLast(secondIsNearer);
-            vek::BezierPiece const & nearer = stack.Last();
+            BezierPiece const & nearer = stack.Last();
             Offer(secondIsNearer ? nearer.First() : nearer.Last(), secondIsNearer ? nearer.start : nearer.end);
         }
     }
 
 private:
     /// The same by the piece's chord, which tells more than a box once the piece is nearly straight.
-    bool IsChordWorthwhile(vek::BezierPiece const & piece) const
+    bool IsChordWorthwhile(BezierPiece const & piece) const
     {
-        double const toChord = sqrt(vek::SquareToSegment(m_target, piece.First(), piece.Last()));
+        double const toChord = sqrt(SquareToSegment(m_target, piece.First(), piece.Last()));
         return toChord - sqrt(piece.SquareOfDeviation()) < Distance() * (1 - 1e-6);
     }
     /// Offers the minimum inside a piece where (C - P) C' changes its sign from - to +, by Newton's method between
     /// bounds.
-    void Refine(vek::BezierPiece const & piece)
+    void Refine(BezierPiece const & piece)
     {
         if (!(Slope(piece.DerivativesAt(0)) < 0) || !(Slope(piece.DerivativesAt(1)) > 0))
             return;
@@ -92,7 +95,7 @@ private:
         double t = 0.5;
         for (unsigned int i = 0; i < 60 && t > low && t < high; ++i)
         {
-            vek::PieceDerivatives const at = piece.DerivativesAt(t);
+            PieceDerivatives const at = piece.DerivativesAt(t);
             double const slope = Slope(at);
             (slope > 0 ? high : low) = t;
             double const next = t - slope / (at.first.LengthSquared() + (at.point - m_target).Dot(at.second));
@@ -111,7 +114,7 @@ private:
             m_refined = true;
         }
     }
-    double Slope(vek::PieceDerivatives const & at) const { return (at.point - m_target).Dot(at.first); }
+    double Slope(PieceDerivatives const & at) const { return (at.point - m_target).Dot(at.first); }
 
     CVekVector3D<double> const m_target;
     double const m_least; // the square of a distance that is none
@@ -122,15 +125,15 @@ private:
 };
 
 /// Makes a box just large enough for a piece of a curve, but for a tolerance.
-void ExtendByPiece(CVekBoundBox<double> & box, vek::PieceStack & stack, double tolerance, unsigned int & halvings)
+inline void ExtendByPiece(CVekBoundBox<double> & box, PieceStack & stack, double tolerance, unsigned int & halvings)
 {
     CVekVector3D<double> const margin(tolerance, tolerance, tolerance);
     while (stack.count > 0)
     {
-        vek::BezierPiece const & piece = stack.Last();
+        BezierPiece const & piece = stack.Last();
         CVekBoundBox<double> const hull = piece.Hull();
         CVekBoundBox<double> const enough(box.minimum - margin, box.maximum + margin);
-        if (enough.Contains(hull) || piece.level == vek::PieceStack::MAX_LEVEL || halvings == maxHalvings)
+        if (enough.Contains(hull) || piece.level == PieceStack::MAX_LEVEL || halvings == MAX_HALVINGS)
         {
             box.Extend(hull);
             --stack.count;
@@ -157,7 +160,7 @@ CVekVector3D<T> RoundOutwards(CVekVector3D<double> const & point, bool up)
     return result;
 }
 
-} // namespace
+} // namespace vek
 
 template <class T>
 bool CVekNurbsCurve<T>::FindClosestPoint(CVekVector3D<T> const & point, T & parameter, T * distance) const noexcept
@@ -172,7 +175,7 @@ bool CVekNurbsCurve<T>::FindClosestPoint(CVekVector3D<T> const & point, T & para
     }
     CVekBoundBox<double> const control = vek::ControlBox(*this, 0, m_pointCount);
     double const size = control.minimum.Length() + control.maximum.Length();
-    NearestSearch search(target, size * 1e-15);
+    vek::NearestSearch search(target, size * 1e-15);
     vek::PieceStack stack;
     unsigned int const first = vek::FirstSpan(m_knots, m_degree, m_pointCount);
     for (unsigned int span = first; span < m_pointCount; span = vek::NextSpan(m_knots, m_pointCount, span))
@@ -213,12 +216,7 @@ CVekBoundBox<T> CVekNurbsCurve<T>::GetBoundBox() const noexcept
         vek::LoadPiece(*this, span, stack.pieces[0]);
         box.Extend(stack.pieces[0].First());
         box.Extend(stack.pieces[0].Last());
-        ExtendByPiece(box, stack, tolerance, halvings);
+        vek::ExtendByPiece(box, stack, tolerance, halvings);
     }
-    return CVekBoundBox<T>(RoundOutwards<T>(box.minimum, false), RoundOutwards<T>(box.maximum, true));
+    return CVekBoundBox<T>(vek::RoundOutwards<T>(box.minimum, false), vek::RoundOutwards<T>(box.maximum, true));
 }
-
-template bool CVekNurbsCurve<float>::FindClosestPoint(CVekVector3D<float> const &, float &, float *) const noexcept;
-template bool CVekNurbsCurve<double>::FindClosestPoint(CVekVector3D<double> const &, double &, double *) const noexcept;
-template CVekBoundBox<float> CVekNurbsCurve<float>::GetBoundBox() const noexcept;
-template CVekBoundBox<double> CVekNurbsCurve<double>::GetBoundBox() const noexcept;

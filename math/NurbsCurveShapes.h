@@ -1,15 +1,22 @@
+// The members of CVekNurbsCurve that make the usual curves; for NurbsCurve.cpp alone, which instantiates them.
+#pragma once
+
 #include "VekNurbs.h"
 
 #include "VekCore.h"
 #include "base/Buffer.h"
 #include "math/NurbsBasis.h"
 
+#include <limits>
+
 #include <math.h>
 
-namespace
+namespace vek
 {
 
-constexpr double fullTurn = 6.283185307179586476925;
+constexpr double FULL_TURN = 6.283185307179586476925;
+/// An interpolation may miss its points by so many roundings of their extent.
+constexpr double ROUNDINGS = 256;
 
 /// Parameters of the points by chord length; false when two neighbours are equal or the length is not finite.
 template <class T>
@@ -57,10 +64,10 @@ struct InterpolationSystem
 {
     unsigned int degree;
     unsigned int count;
-    vek::Buffer<double> parameters;
-    vek::Buffer<double> rows;
-    vek::Buffer<unsigned int> firsts;
-    vek::Buffer<CVekVector3D<double>> points;
+    Buffer<double> parameters;
+    Buffer<double> rows;
+    Buffer<unsigned int> firsts;
+    Buffer<CVekVector3D<double>> points;
 
     bool Allocate()
     {
@@ -69,18 +76,24 @@ struct InterpolationSystem
     }
     double * Row(unsigned int row) { return rows.Data() + static_cast<size_t>(row) * (degree + 1); }
 
+    /// Returns the row's first column.
+    template <class T>
+    unsigned int FillRow(T const * knots, unsigned int i, double * row) const
+    {
+        double near[2 * CVekNurbsCurve<T>::MAX_DEGREE + 2];
+        unsigned int const span = FindSpan(knots, degree, count, static_cast<T>(parameters[i]));
+        for (unsigned int j = 0; j <= 2 * degree + 1; ++j)
+            near[j] = knots[span - degree + j];
+        BasisFunctions(near + degree, degree, parameters[i], row);
+        return span - degree;
+    }
     /// False when a diagonal element is outside the band: then the parameters are too close for T.
     template <class T>
     bool Fill(CVekVector3D<T> const * given, T const * knots)
     {
-        double near[2 * CVekNurbsCurve<T>::MAX_DEGREE + 2];
         for (unsigned int i = 0; i < count; ++i)
         {
-            unsigned int const span = vek::FindSpan(knots, degree, count, static_cast<T>(parameters[i]));
-            for (unsigned int j = 0; j <= 2 * degree + 1; ++j)
-                near[j] = knots[span - degree + j];
-            vek::BasisFunctions(near + degree, degree, parameters[i], Row(i));
-            firsts[i] = span - degree;
+            firsts[i] = FillRow(knots, i, Row(i));
             points[i] = CVekVector3D<double>(given[i]);
             if (firsts[i] > i || i - firsts[i] > degree)
                 return false;
@@ -111,9 +124,30 @@ struct InterpolationSystem
             points[row] /= Row(row)[offset];
         }
     }
+    /// The first of the given points that the solution's curve misses by more than some roundings, its control points
+    /// rounded to T; the count when there is none.
+    template <class T>
+    unsigned int FirstMissed(CVekVector3D<T> const * given, T const * knots) const
+    {
+        CVekBoundBox<double> box;
+        for (unsigned int i = 0; i < count; ++i)
+            box.Extend(CVekVector3D<double>(given[i]));
+        double const size = box.minimum.Length() + box.maximum.Length() + ROUNDINGS * box.Size().Length();
+        double row[CVekNurbsCurve<T>::MAX_DEGREE + 1];
+        for (unsigned int i = 0; i < count; ++i)
+        {
+            unsigned int const first = FillRow(knots, i, row);
+            CVekVector3D<double> missing(given[i]);
+            for (unsigned int j = 0; j <= degree; ++j)
+                missing -= CVekVector3D<double>(CVekVector3D<T>(points[first + j])) * row[j];
+            if (!(missing.Length() <= size * static_cast<double>(std::numeric_limits<T>::epsilon())))
+                return i;
+        }
+        return count;
+    }
 };
 
-} // namespace
+} // namespace vek
 
 template <class T>
 bool CVekNurbsCurve<T>::CreateLine(CVekVector3D<T> const & from, CVekVector3D<T> const & to) noexcept
@@ -126,6 +160,12 @@ template <class T>
 bool CVekNurbsCurve<T>::CreateBezier(CVekVector3D<T> const * points, T const * weights,
                                      unsigned int pointCount) noexcept
 {
+    if (pointCount < 2 || pointCount > MAX_DEGREE + 1)
+    {
+        VekLogOutput(0, L"CVekNurbsCurve::CreateBezier --> Number of control points %u is not 2 to %u", pointCount,
+                     MAX_DEGREE + 1);
+        return false;
+    }
     return Create(pointCount - 1, points, weights, pointCount);
 }
 
@@ -141,9 +181,9 @@ bool CVekNurbsCurve<T>::CreateArc(CVekVector3D<T> const & centre, CVekVector3D<T
         return false;
     }
     // A full turn in float is a little off the double's: within the type's rounding it closes.
-    bool const full = !(static_cast<T>(fabs(wanted)) < static_cast<T>(fullTurn));
-    double const sweep = full ? (wanted < 0 ? -fullTurn : fullTurn) : wanted;
-    unsigned int const quarters = static_cast<unsigned int>(fabs(sweep) / (fullTurn / 4) * (1 - 1e-6)) + 1;
+    bool const full = !(static_cast<T>(fabs(wanted)) < static_cast<T>(vek::FULL_TURN));
+    double const sweep = full ? (wanted < 0 ? -vek::FULL_TURN : vek::FULL_TURN) : wanted;
+    unsigned int const quarters = static_cast<unsigned int>(fabs(sweep) / (vek::FULL_TURN / 4) * (1 - 1e-6)) + 1;
     unsigned int const last = 2 * (quarters < 4 ? quarters : 4);
     double const step = sweep / last;
     CVekVector3D<T> points[9];
@@ -170,7 +210,7 @@ template <class T>
 bool CVekNurbsCurve<T>::CreateCircle(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis,
                                      CVekVector3D<T> const & yAxis) noexcept
 {
-    return CreateArc(centre, xAxis, yAxis, T(0), static_cast<T>(fullTurn));
+    return CreateArc(centre, xAxis, yAxis, T(0), static_cast<T>(vek::FULL_TURN));
 }
 
 template <class T>
@@ -180,21 +220,28 @@ bool CVekNurbsCurve<T>::CreateInterpolation(unsigned int degree, CVekVector3D<T>
     CVekNurbsCurve created;
     if (!created.Create(degree, points, nullptr, pointCount))
         return false;
-    InterpolationSystem system = {degree, pointCount, {}, {}, {}, {}};
+    vek::InterpolationSystem system = {degree, pointCount, {}, {}, {}, {}};
     if (!system.Allocate())
     {
         VekLogOutput(0, L"CVekNurbsCurve::CreateInterpolation --> Failed to allocate memory");
         return false;
     }
-    if (!ChordParameters(points, pointCount, system.parameters.Data()))
+    if (!vek::ChordParameters(points, pointCount, system.parameters.Data()))
         return false;
-    AverageKnots(system.parameters.Data(), degree, pointCount, created.m_knots);
+    vek::AverageKnots(system.parameters.Data(), degree, pointCount, created.m_knots);
     if (!system.Fill(points, created.m_knots))
     {
         VekLogOutput(0, L"CVekNurbsCurve::CreateInterpolation --> Points are too close together");
         return false;
     }
     system.Solve();
+    unsigned int const missed = system.FirstMissed(points, created.m_knots);
+    if (missed < pointCount)
+    {
+        VekLogOutput(0, L"CVekNurbsCurve::CreateInterpolation --> Point %u is missed: distances differ too much",
+                     missed);
+        return false;
+    }
     vek::Buffer<CVekVector3D<T>> controls;
     if (!controls.Extend(pointCount))
     {
@@ -206,20 +253,3 @@ bool CVekNurbsCurve<T>::CreateInterpolation(unsigned int degree, CVekVector3D<T>
     // Looks at the knots too: neighbouring ones may have become equal in T.
     return Create(degree, controls.Data(), nullptr, pointCount, created.m_knots, created.GetKnotCount());
 }
-
-template bool CVekNurbsCurve<float>::CreateLine(CVekVector3D<float> const &, CVekVector3D<float> const &) noexcept;
-template bool CVekNurbsCurve<double>::CreateLine(CVekVector3D<double> const &, CVekVector3D<double> const &) noexcept;
-template bool CVekNurbsCurve<float>::CreateBezier(CVekVector3D<float> const *, float const *, unsigned int) noexcept;
-template bool CVekNurbsCurve<double>::CreateBezier(CVekVector3D<double> const *, double const *, unsigned int) noexcept;
-template bool CVekNurbsCurve<float>::CreateArc(CVekVector3D<float> const &, CVekVector3D<float> const &,
-                                               CVekVector3D<float> const &, float, float) noexcept;
-template bool CVekNurbsCurve<double>::CreateArc(CVekVector3D<double> const &, CVekVector3D<double> const &,
-                                                CVekVector3D<double> const &, double, double) noexcept;
-template bool CVekNurbsCurve<float>::CreateCircle(CVekVector3D<float> const &, CVekVector3D<float> const &,
-                                                  CVekVector3D<float> const &) noexcept;
-template bool CVekNurbsCurve<double>::CreateCircle(CVekVector3D<double> const &, CVekVector3D<double> const &,
-                                                   CVekVector3D<double> const &) noexcept;
-template bool CVekNurbsCurve<float>::CreateInterpolation(unsigned int, CVekVector3D<float> const *,
-                                                         unsigned int) noexcept;
-template bool CVekNurbsCurve<double>::CreateInterpolation(unsigned int, CVekVector3D<double> const *,
-                                                          unsigned int) noexcept;
