@@ -32,6 +32,14 @@ int LowMegabytes(unsigned long long bytes)
 
 } // namespace
 
+// A message on its way through the catchers. One of them may break the rules and remove catchers, or log: the next one
+// is then moved on, and messages nest.
+struct CVekKernel::CatcherWalk
+{
+    vek::PointerList<IVekCatchLogOutput>::Node const * next;
+    CatcherWalk * outer;
+};
+
 CVekKernel::CVekKernel() = default;
 
 CVekKernel::~CVekKernel() = default;
@@ -125,6 +133,9 @@ void CVekKernel::Deinit()
 void CVekKernel::ReleaseCatchers()
 {
     CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    // Whoever is called just now has stopped the library: nobody is called after it.
+    for (CatcherWalk * walk = m_catcherWalks; walk; walk = walk->outer)
+        walk->next = nullptr;
     // Out of the list first, so that a catcher that reports its own end is not called for it.
     while (!m_catchers.Empty())
         m_catchers.TakeFirst()->Release();
@@ -133,9 +144,25 @@ void CVekKernel::ReleaseCatchers()
 void CVekKernel::DispatchLogOutput(int level, wchar_t const * text)
 {
     CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
-    // By index: a catcher that breaks the rule and removes one leaves no node behind that is walked on from.
-    for (unsigned int i = 0; i < m_catchers.Count(); ++i)
-        m_catchers.At(i)->OnLogOutput(level, text);
+    CatcherWalk walk{m_catchers.First(), m_catcherWalks};
+    m_catcherWalks = &walk;
+    while (walk.next)
+    {
+        IVekCatchLogOutput * const catcher = walk.next->Pointer();
+        walk.next = walk.next->Next();
+        catcher->OnLogOutput(level, text);
+    }
+    m_catcherWalks = walk.outer;
+}
+
+void CVekKernel::RemoveEntries(IVekCatchLogOutput const * catcher)
+{
+    for (CatcherWalk * walk = m_catcherWalks; walk; walk = walk->outer)
+    {
+        while (walk->next && walk->next->Pointer() == catcher)
+            walk->next = walk->next->Next();
+    }
+    m_catchers.Remove(catcher);
 }
 
 void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
@@ -151,7 +178,7 @@ void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
 void CVekKernel::RemoveCatchLogOutput(IVekCatchLogOutput * catcher)
 {
     CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
-    m_catchers.Remove(catcher);
+    RemoveEntries(catcher);
     // Kept: one Release, however many entries there were, none included; hosts balance it with a single Add.
     if (catcher)
         catcher->Release();

@@ -67,15 +67,20 @@ public:
 private:
     CVekKernel();
 
+    struct CatcherWalk;
+
     bool InitEventMap();
     bool InitXMLManager();
     void LogBanner();
     void ReleaseCatchers();
+    /// Takes every entry of the catcher out, from under the walks that are under way too.
+    void RemoveEntries(IVekCatchLogOutput const * catcher);
     /// The event's entry, under the event-map lock; null when there is none.
     vek::EventEntry * FindEvent(GUID const & id) const;
 
     int m_initCount = 0;
     vek::PointerList<IVekCatchLogOutput> m_catchers;
+    CatcherWalk * m_catcherWalks = nullptr; // the innermost one
     unsigned long long m_performanceFrequency = 0;
     vek::EventMap * m_eventMap = nullptr;
     CVekRef<CVekXMLManager> m_xmlManager;

@@ -3,6 +3,7 @@
 
 #include "base/AsOwn.h"
 #include "core/ProcessState.h"
+#include "thread/EndSignal.h"
 #include "thread/Thread.h"
 
 void CVekKernel::ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * thread)
@@ -13,18 +14,19 @@ void CVekKernel::ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * 
         return command->Launch(); // a worker that waits for its own queue waits forever
     // Kept: held across the wait, so that one such command is under way in the whole process.
     CVekSingleLock const lock(&vek::GetProcessState().threadCommandLock, true);
-    // The command may release itself on the worker before it is looked at here.
-    auto const own = CVekRef<CVekThreadCommand>::Share(command);
-    CVekSignal signal;
+    vek::EndSignal signal(*command);
     if (!signal.GetHandle())
-        return; // a command that can't be waited for is not run: it may stand on the caller's stack
-    command->SetEndSignal(&signal);
-    thread->AddCommand(command);
+    {
+        // One that can't be waited for is not run: it may stand on the caller's stack.
+        if (command->IsAutoDelete())
+            command->Release();
+        return;
+    }
+    // Once it is queued it is the worker's: one that deletes itself may be gone.
     if (CVekThread * const worker = vek::AsOwn<CVekThread>(*thread))
-        worker->WaitForCommand(command, signal);
-    else
-        signal.Lock();
-    command->SetEndSignal(nullptr);
+        return worker->RunCommand(command, signal);
+    thread->AddCommand(command);
+    signal.Lock();
 }
 
 void CVekKernel::PostThreadCommand(CVekThreadCommand * command, IVekThread * thread)

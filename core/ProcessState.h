@@ -18,15 +18,16 @@ inline constinit std::atomic<unsigned int> g_breakOnAllocation{0};
 inline constinit std::atomic<void *> g_breakOnAddress{nullptr};
 inline constinit std::atomic<bool> g_trackingSuspended{false};
 
-/// The process-wide locks. They exist from the moment the library is loaded until it is unloaded.
+/// The process-wide locks, which their owner may take again. They exist from the moment the library is loaded until it
+/// is unloaded.
 struct ProcessState
 {
     /// Orders commands that are waited for, one at a time.
-    CVekMutex threadCommandLock;
+    CVekCriticalSection threadCommandLock;
     /// Guards the kernel's list of log catchers.
-    CVekMutex catcherLock;
+    CVekCriticalSection catcherLock;
     /// Guards the kernel's event map.
-    CVekMutex eventMapLock;
+    CVekCriticalSection eventMapLock;
 };
 
 /// The one state; made by the first caller when another static object of the program comes before the library's own.

@@ -171,7 +171,8 @@ class IVekCatchLogOutput : public IVekObject
 {
 public:
     /// Called for each message that passes the debug output level, one at a time in the whole process. The text ends in
-    /// a newline and is valid only during the call. It must not add or remove catchers.
+    /// a newline and is valid only during the call. It must not add or remove catchers. The kernel takes no further
+    /// reference for the call. An exception that leaves it ends the process.
     virtual void OnLogOutput(int level, wchar_t const * text) = 0;
 };
 
@@ -208,8 +209,7 @@ public:
     virtual void ReportError();
 };
 
-// --- intrusive list
-// ---------------------------------------------------------------------------------------------------
+// --- intrusive list --------------------------------------------------------------------------------------------------
 
 /// The links that an element of a CVekDirectLinkedList carries. Elements offer them as GetPrev, SetPrev, GetNext,
 /// SetNext.
@@ -310,8 +310,7 @@ private:
     unsigned int m_count = 0;
 };
 
-// --- tracked memory
-// ---------------------------------------------------------------------------------------------------
+// --- tracked memory --------------------------------------------------------------------------------------------------
 
 /// Allocates a block that the library tracks with its size, the file-name part of a source file (null: "Unknown File")
 /// and a line. Null, without a message, when memory is exhausted. The block is aligned as malloc's and is freed with
@@ -324,8 +323,7 @@ VEK_API unsigned char * VekAllocMemory(unsigned int size, char const * file, int
 VEK_API bool VekDeallocMemory(void * pointer, wchar_t const * file, int line);
 VEK_API bool VekDeallocMemory(void * pointer, char const * file, int line);
 
-// --- events
-// -----------------------------------------------------------------------------------------------------------
+// --- events ----------------------------------------------------------------------------------------------------------
 
 class CVekEventHandlerContainer;
 
@@ -357,7 +355,7 @@ public:
     /// Called for each event that is fired; true when the handler dealt with it. The data belongs to whoever fires. The
     /// handler may fire, subscribe and unsubscribe here, itself and its container included, and unregister the event:
     /// each handler that is still subscribed is then called once for each of its subscriptions that the event had when
-    /// it was fired. It keeps a reference to itself during the call.
+    /// it was fired. One more reference is held to it during the call. An exception that leaves it ends the process.
     virtual bool OnEvent(CVekEventData * data) = 0;
 
     /// Makes the container its own, not counted. Null forgets it and unsubscribes the handler from its event.
@@ -394,8 +392,7 @@ private:
     CVekPointerArray<CVekEventHandler> m_handlers;
 };
 
-// --- progress
-// ---------------------------------------------------------------------------------------------------------
+// --- progress --------------------------------------------------------------------------------------------------------
 
 /// Tracks the progress of nested tasks in percent and reports it to a callback. Used by one thread at a time.
 class IVekProgressController : public IVekObject
@@ -407,7 +404,7 @@ public:
     public:
         /// Called with each change: the current task's progress and the share of the whole that ended tasks have
         /// finished, both in percent, the current task's name (valid during the call), and the controller's parameter.
-        /// False asks the working code to stop.
+        /// False asks the working code to stop. An exception that leaves it ends the process.
         virtual bool OnProgress(double taskProgress, double finishedShare, wchar_t const * taskName, int param) = 0;
     };
 
@@ -483,8 +480,7 @@ private:
     IVekProgressController * m_controller;
 };
 
-// --- randomizer, CPU usage, timer
-// ---------------------------------------------------------------------------------------
+// --- randomizer, CPU usage, timer ------------------------------------------------------------------------------------
 
 /// A source of random values. All randomizers share the runtime's one sequence, which each new one seeds with the time.
 class IVekRandomizer : public IVekObject

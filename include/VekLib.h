@@ -25,13 +25,16 @@
 class IVekKernel : public IVekObject
 {
 public:
-    /// Creates a worker thread, not started. The interval counts as IVekThread::GetTickInterval says; a tick limit of 0
-    /// means none.
+    /// Creates a worker thread, not started. The name is copied and may be null; the thread takes a reference to the
+    /// callback, which may be null too. The flag is only kept. The interval counts as IVekThread::GetTickInterval says;
+    /// a tick limit of 0 means none.
     virtual IVekThread * CreateThread(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag,
                                       unsigned int tickInterval, unsigned int maxTickCount) = 0;
-    /// Runs a command on a worker and waits for its end; one command at a time in the whole process. Called on the
-    /// worker itself it runs it at once. Returns without it when the worker has ended or ends first; a command that
-    /// deletes itself is then released.
+    /// Runs a command on a worker and waits for its end; one command at a time in the whole process. A worker that is
+    /// not started yet, or suspended, is waited for. Called on the worker itself it runs the command at once. Returns
+    /// without having run it when the worker has ended or ends first, or when no signal can be made to wait for; a
+    /// command that deletes itself is then released. No reference is added. The command's end signal is used, and null
+    /// afterwards.
     virtual void ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * thread) = 0;
     /// Queues a command on a worker and returns at once; called on the worker itself it runs the command.
     virtual void PostThreadCommand(CVekThreadCommand * command, IVekThread * thread) = 0;
@@ -51,7 +54,8 @@ public:
     virtual int SetDebugOutputLevel(int level) = 0;
     /// The level up to which messages are shown.
     virtual int GetDebugOutputLevel() = 0;
-    /// Appends a catcher and holds a reference to it for this entry; one that is added twice is called twice.
+    /// Appends a catcher and holds a reference to it for this entry; one that is added twice is called twice. The last
+    /// VekLibDeinit takes out each entry that is left, then releases it.
     virtual void AddCatchLogOutput(IVekCatchLogOutput * catcher) = 0;
     /// Takes every entry of the catcher out and releases it once, whether it had an entry or not.
     virtual void RemoveCatchLogOutput(IVekCatchLogOutput * catcher) = 0;
@@ -59,7 +63,7 @@ public:
     virtual bool RegisterEvent(GUID const & id) = 0;
     /// Removes an event and unsubscribes its handlers; nothing when it is not registered.
     virtual void UnregisterEvent(GUID const & id) = 0;
-    /// Removes all events for good: none can be registered before the next VekLibInit.
+    /// Removes all events for good: none can be registered before a VekLibInit that starts the library.
     virtual void ReleaseEventMap() = 0;
     /// True when the event is registered.
     virtual bool IsEventRegistered(GUID const & id) = 0;

@@ -167,11 +167,15 @@ public:
     class TickCallback : public IVekObject
     {
     public:
+        /// The worker holds one more reference during the call. An exception that leaves it ends the process.
         virtual void OnTick() = 0;
     };
 
-    /// Swaps the callback, between two ticks of a worker that runs, and waits until that is done. The worker holds a
-    /// reference to it; null for none.
+    /// Swaps the callback, between two ticks of a worker that runs, and waits until that is done, as
+    /// IVekKernel::ExecuteThreadCommand waits: a suspended worker has to be resumed first, and other callers wait
+    /// meanwhile. On any other worker it is done at once. The thread takes its reference to the new one, then gives
+    /// back that to the old one; null for none. The last is given back with the thread's end, or after a long call that
+    /// goes on then.
     virtual void SetTickCallback(TickCallback * callback) = 0;
     /// The callback, without adding a reference; null when there is none.
     VEK_OVERLOADS(virtual TickCallback * GetTickCallback() = 0,
@@ -185,7 +189,7 @@ public:
     virtual unsigned int GetMaxTickCount() = 0;
     /// The system's handle of the thread, owned by the thread object; null when it does not run.
     virtual void * GetHandle() = 0;
-    /// The system's number of the thread.
+    /// The system's number of the thread, kept after its end; 0 before the first Start.
     virtual unsigned int GetThreadID() = 0;
     /// The flag that it was created with.
     virtual bool GetCreateFlag() = 0;
@@ -198,7 +202,8 @@ public:
     /// Starts the worker; returns the system's result of resuming the new thread (its earlier suspend count).
     virtual unsigned int Start() = 0;
     /// Suspends the worker and waits until it has met the suspension, or has ended; or counts one more suspension.
-    /// Returns the new count. On the worker itself it takes effect once the loop is reached again.
+    /// Returns the new count. On the worker itself it takes effect once the loop is reached again; before the start,
+    /// with the first turn of the loop; after the end it only counts.
     virtual long Suspend() = 0;
     /// Takes one suspension back and lets the worker run on after the last; returns the new count, 0 if there was none.
     virtual long Resume() = 0;
@@ -229,7 +234,7 @@ public:
     /// Runs Execute, then sets the end signal if there is one, then releases the command if it deletes itself; Execute
     /// may still decide that.
     virtual void Launch();
-    /// The work itself.
+    /// The work itself. An exception that leaves it ends the process.
     virtual void Execute() = 0;
 
     /// The links of the list of commands that it is queued in.

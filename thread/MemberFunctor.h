@@ -12,10 +12,16 @@ public:
         : CVekThreadCommand(false), m_object(object), m_function(function), m_argument(argument)
     {
     }
-    void Execute() override { (m_object->*m_function)(m_argument); }
+    void Execute() override
+    {
+        (m_object->*m_function)(m_argument);
+        m_hasRun = true;
+    }
+    bool HasRun() const { return m_hasRun; }
 
 private:
     Object m_object;
     Function m_function;
     Argument m_argument;
+    bool m_hasRun = false;
 };

@@ -29,6 +29,8 @@ void CVekThread::SetTickCallback(TickCallback * callback)
     MemberFunctor1<CVekThread *, void (CVekThread::*)(TickCallback *), TickCallback *> command(
         this, &CVekThread::SetTickCallback, callback);
     getVekLibKernel()->ExecuteThreadCommand(&command, this);
+    if (!command.HasRun())
+        m_worker->SwapCallbackAtRest(callback); // it has ended meanwhile
 }
 
 IVekThread::TickCallback * CVekThread::GetTickCallback()

@@ -19,8 +19,8 @@ public:
 
     /// False when the shared part could not be allocated: the object is of no use.
     bool IsUsable() const { return static_cast<bool>(m_worker); }
-    /// Waits until the command has run, or the worker has ended without running it.
-    void WaitForCommand(CVekThreadCommand * command, CVekSignal & signal) { m_worker->WaitForCommand(command, signal); }
+    /// Queues a command and waits until it has set its end signal, or the worker has ended without running it.
+    void RunCommand(CVekThreadCommand * command, CVekSignal & endSignal) { m_worker->RunCommand(command, endSignal); }
 
     void SetTickCallback(TickCallback * callback) override;
     TickCallback * GetTickCallback() override;

@@ -1,7 +1,5 @@
 #include "thread/Worker.h"
 
-#include "VekRef.h"
-
 #include <windows.h>
 
 namespace vek
@@ -43,10 +41,9 @@ private:
 
 Worker::Worker(wchar_t const * threadName, IVekThread::TickCallback * callback, bool flag, unsigned int interval,
                unsigned int tickLimit)
-    : name(threadName), createFlag(flag), tickInterval(interval), maxTickCount(tickLimit), m_callback(callback)
+    : name(threadName), createFlag(flag), tickInterval(interval), maxTickCount(tickLimit),
+      m_callback(CVekRef<IVekThread::TickCallback>::Share(callback))
 {
-    if (callback)
-        callback->AddRef();
 }
 
 Worker::~Worker()
@@ -55,7 +52,6 @@ Worker::~Worker()
     UnlinkMessages();
     if (m_handle)
         CloseHandle(m_handle);
-    SwapCallback(nullptr);
 }
 
 unsigned int Worker::Start()
@@ -117,49 +113,43 @@ void Worker::Leave()
         StopAndWait();
     }
     m_abandoned = true;
+    SwapCallbackAtRest(nullptr); // a worker that is still in a long call lets go of it after that
     UnlinkCommands();
 }
 
-// --- suspension
-// -------------------------------------------------------------------------------------------------------
+// --- suspension ------------------------------------------------------------------------------------------------------
 
 long Worker::Suspend()
 {
     if (IsCurrentThread())
-    {
-        // It can't wait for itself: it suspends itself once it is back in its loop.
-        long const count = ++m_suspendCount;
-        m_parkLater = true;
-        return count;
-    }
+        return SuspendLater(); // it can't wait for itself
     // Of several threads one waits for the acknowledgement and the others for that one.
     CVekSingleLock const lock(&m_suspendLock, true);
-    if (m_suspendCount > 0)
-        return ++m_suspendCount;
-    HandleScope const thread(DuplicateHandle());
-    if (thread.Get())
-    {
-        SuspendAndWait(thread.Get());
-        return ++m_suspendCount;
-    }
+    return m_suspendCount > 0 || SuspendAndWait() ? ++m_suspendCount : SuspendLater();
+}
+
+long Worker::SuspendLater()
+{
     long const count = ++m_suspendCount;
-    m_parkLater = true; // should it be started yet
+    m_parkLater = true;
     return count;
 }
 
-void Worker::SuspendAndWait(void * thread)
+bool Worker::SuspendAndWait()
 {
+    HandleScope const thread(DuplicateHandle());
     CVekSignal signal;
-    if (!signal.GetHandle())
-        return;                                                           // there is nothing to wait for
+    if (!thread.Get() || !signal.GetHandle())
+        return false;
     ThreadMessage message = {nullptr, nullptr, MESSAGE_SUSPEND, &signal}; // not of the ring, which may be reused
     Append(message);
-    HANDLE const handles[] = {signal.GetHandle(), thread};
+    HANDLE const handles[] = {signal.GetHandle(), thread.Get()};
     WaitForMultipleObjects(2, handles, FALSE, INFINITE);
     // A worker that ended has not met it: it must not stay in the queue.
     CVekSingleLock const lock(&m_messageLock, true);
     m_messages.Remove(&message);
     m_messageCount = m_messages.GetCount();
+    return true;
 }
 
 long Worker::Resume()
@@ -190,8 +180,7 @@ void Worker::Unpark()
     }
 }
 
-// --- queues
-// -----------------------------------------------------------------------------------------------------------
+// --- queues ----------------------------------------------------------------------------------------------------------
 
 void Worker::Append(ThreadMessage & message)
 {
@@ -256,33 +245,57 @@ CVekThreadCommand * Worker::TakeCommand()
     return command;
 }
 
-void Worker::WaitForCommand(CVekThreadCommand * command, CVekSignal & signal)
+void Worker::RunCommand(CVekThreadCommand * command, CVekSignal & endSignal)
+{
+    m_awaited = &endSignal;
+    AddCommand(command);
+    if (!WaitForEnd(endSignal))
+        DropAwaited(endSignal); // if it came too late for the worker to do so
+    m_awaited = nullptr;
+}
+
+bool Worker::WaitForEnd(CVekSignal & endSignal)
 {
     // A worker that has not started may yet be: its end can't be waited for, only looked for.
     constexpr DWORD LOOK_MILLISECONDS = 10;
     for (bool hasEnded = false; !hasEnded;)
     {
         HandleScope const thread(DuplicateHandle());
-        HANDLE const handles[] = {signal.GetHandle(), thread.Get()};
+        HANDLE const handles[] = {endSignal.GetHandle(), thread.Get()};
         hasEnded = m_hasEnded;
         DWORD const result = thread.Get() ? WaitForMultipleObjects(2, handles, FALSE, INFINITE)
                                           : WaitForSingleObject(handles[0], hasEnded ? 0 : LOOK_MILLISECONDS);
         if (result == WAIT_OBJECT_0)
-            return;
+            return true;
         hasEnded = hasEnded || thread.Get();
     }
-    // It ended without running the command, which must not stay in the queue and is treated as the worker's end does.
-    if (RemoveCommand(command) && command->IsAutoDelete())
-        command->Release();
+    return false;
 }
 
-bool Worker::RemoveCommand(CVekThreadCommand * command)
+void Worker::DropAwaited(CVekSignal const & endSignal)
 {
-    CVekSingleLock const lock(&m_commandLock, true);
-    unsigned int const before = m_commands.GetCount();
-    m_commands.Remove(command);
-    m_commandCount = m_commands.GetCount();
-    return m_commandCount != before;
+    CVekThreadCommand * command = nullptr;
+    {
+        CVekSingleLock const lock(&m_commandLock, true);
+        // Known by its signal: the command itself may be gone, and another may stand at its address.
+        command = m_commands.GetHead();
+        while (command && command->GetEndSignal() != &endSignal)
+            command = command->GetNext();
+        if (command)
+            m_commands.Remove(command);
+        m_commandCount = m_commands.GetCount();
+    }
+    if (command)
+        Drop(command);
+}
+
+void Worker::Drop(CVekThreadCommand * command)
+{
+    // Kept: its end signal is not set. Who waits for it goes on by himself, and the signal with him.
+    if (command->GetEndSignal() == m_awaited)
+        command->SetEndSignal(nullptr);
+    if (command->IsAutoDelete())
+        command->Release();
 }
 
 void Worker::UnlinkCommands()
@@ -292,23 +305,35 @@ void Worker::UnlinkCommands()
     m_commandCount = 0;
 }
 
-// --- the callback
-// -----------------------------------------------------------------------------------------------------
+// --- the callback ----------------------------------------------------------------------------------------------------
+
+IVekThread::TickCallback * Worker::GetCallback()
+{
+    CVekSingleLock const lock(&m_stateLock, true);
+    return m_callback.Get();
+}
+
+CVekRef<IVekThread::TickCallback> Worker::ShareCallback()
+{
+    CVekSingleLock const lock(&m_stateLock, true);
+    return m_callback;
+}
 
 void Worker::SwapCallback(IVekThread::TickCallback * callback)
 {
-    if (callback)
-        callback->AddRef();
-    if (IVekThread::TickCallback * const old = m_callback.exchange(callback))
-        old->Release();
+    auto swapped = CVekRef<IVekThread::TickCallback>::Share(callback); // released after the lock
+    CVekSingleLock const lock(&m_stateLock, true);
+    m_callback.Swap(swapped);
 }
 
 bool Worker::SwapCallbackAtRest(IVekThread::TickCallback * callback)
 {
+    CVekRef<IVekThread::TickCallback> swapped;     // released after the lock
     CVekSingleLock const lock(&m_stateLock, true); // nobody starts it meanwhile
     if (!IsAtRest())
         return false;
-    SwapCallback(callback);
+    swapped = CVekRef<IVekThread::TickCallback>::Share(callback);
+    m_callback.Swap(swapped);
     return true;
 }
 

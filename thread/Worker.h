@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VekRef.h"
 #include "VekThread.h"
 
 #include "thread/ThreadMessage.h"
@@ -38,14 +39,15 @@ public:
     bool IsCurrentThread() const { return VekGetCurrentThreadID() == m_threadID && !m_hasEnded; }
     void * GetHandle();
     unsigned int GetThreadID() const { return m_threadID; }
-    IVekThread::TickCallback * GetCallback() const { return m_callback; }
+    IVekThread::TickCallback * GetCallback();
 
     /// Swaps the callback, on the worker.
     void SwapCallback(IVekThread::TickCallback * callback);
     /// Swaps the callback of a worker that has not started or has ended; false for any other.
     bool SwapCallbackAtRest(IVekThread::TickCallback * callback);
-    /// Waits until the command has set the signal, or the worker has ended without running it.
-    void WaitForCommand(CVekThreadCommand * command, CVekSignal & signal);
+    /// Queues a command and waits until it has set its end signal, or the worker has ended without running it; then it
+    /// is treated as the worker's end treats commands. One call at a time.
+    void RunCommand(CVekThreadCommand * command, CVekSignal & endSignal);
     /// The end of the thread object: stops the worker, which leaves its loop after a long call all the same.
     void Leave();
 
@@ -66,10 +68,14 @@ private:
     void EndRun();
     void UnlinkMessages();
     void ReleaseCommands();
+    CVekRef<IVekThread::TickCallback> ShareCallback();
 
+    /// Counts, and lets the worker suspend itself once it is in its loop (again).
+    long SuspendLater();
     /// Lets the thread go on, or not suspend itself if it is about to.
     void Unpark();
-    void SuspendAndWait(void * thread);
+    /// False when there is nothing to wait for.
+    bool SuspendAndWait();
     unsigned int StopAndWait();
     bool IsAtRest() const { return !m_handle || m_hasEnded; }
     /// A handle of the caller's own to the thread, to wait for; null when it does not run.
@@ -77,10 +83,13 @@ private:
     void Append(ThreadMessage & message);
     bool TakeMessage(ThreadMessage & message);
     CVekThreadCommand * TakeCommand();
-    bool RemoveCommand(CVekThreadCommand * command);
+    /// True when the signal was set, false when the worker ended first.
+    bool WaitForEnd(CVekSignal & endSignal);
+    /// What becomes of a command that is not run any more.
+    void Drop(CVekThreadCommand * command);
+    void DropAwaited(CVekSignal const & endSignal);
     void UnlinkCommands();
 
-    std::atomic<IVekThread::TickCallback *> m_callback;
     std::atomic<unsigned int> m_threadID = 0;
     std::atomic<bool> m_running = false;
     std::atomic<bool> m_hasEnded = false;
@@ -91,8 +100,9 @@ private:
     std::atomic<long> m_suspendCount = 0;
 
     CVekCriticalSection m_suspendLock; // held by who waits for the acknowledgement
-    CVekCriticalSection m_stateLock;   // guards the handle
+    CVekCriticalSection m_stateLock;   // guards the handle and the callback
     void * m_handle = nullptr;
+    CVekRef<IVekThread::TickCallback> m_callback;
 
     CVekCriticalSection m_messageLock;
     CVekDirectLinkedList<ThreadMessage *> m_messages;
@@ -103,6 +113,7 @@ private:
     CVekCriticalSection m_commandLock;
     CVekDirectLinkedList<CVekThreadCommand *> m_commands;
     std::atomic<unsigned int> m_commandCount = 0;
+    std::atomic<CVekSignal *> m_awaited = nullptr; // the end signal of the command that somebody waits for
 };
 
 } // namespace vek

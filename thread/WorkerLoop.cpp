@@ -1,10 +1,11 @@
 // The part of a worker that runs on its own thread.
 #include "VekLib.h"
-#include "VekRef.h"
 
 #include "thread/Worker.h"
 
 #include <windows.h>
+
+#include <iterator>
 
 namespace vek
 {
@@ -54,10 +55,11 @@ void Worker::NameThread() const
         narrow[length] = static_cast<char>(text[length]);
     narrow[length] = 0;
     ULONG_PTR const arguments[] = {0x1000, reinterpret_cast<ULONG_PTR>(narrow), GetCurrentThreadId(), 0};
+    // First in the row: a host's own handlers, which may take any exception for a crash, don't see this one.
     void * const handler = AddVectoredExceptionHandler(1, ContinueNaming);
     if (!handler)
         return;
-    RaiseException(NAME_EXCEPTION, 0, sizeof arguments / sizeof arguments[0], arguments);
+    RaiseException(NAME_EXCEPTION, 0, std::size(arguments), arguments);
     RemoveVectoredExceptionHandler(handler);
 }
 
@@ -106,8 +108,8 @@ bool Worker::IsTickDue(IVekTimer * timer) const
 
 void Worker::Tick(IVekTimer * timer)
 {
-    // A command may swap the callback within its own tick.
-    if (auto const callback = CVekRef<IVekThread::TickCallback>::Share(m_callback))
+    // Shared: it may be swapped within its own tick.
+    if (auto const callback = ShareCallback())
         callback->OnTick();
     if (tickInterval != 0 && timer)
         timer->Start();
@@ -126,12 +128,8 @@ void Worker::EndRun()
 
 void Worker::ReleaseCommands()
 {
-    // Kept: what was not run is not run any more and its end signal is not set.
     while (CVekThreadCommand * const command = TakeCommand())
-    {
-        if (command->IsAutoDelete())
-            command->Release();
-    }
+        Drop(command);
 }
 
 } // namespace vek

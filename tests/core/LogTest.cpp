@@ -9,6 +9,7 @@
 
 #include <windows.h>
 
+#include <map>
 #include <thread>
 #include <tuple>
 
@@ -177,40 +178,57 @@ TEST(Log, TheLastDeinitReleasesEveryEntry)
         kernel.RemoveCatchLogOutput(&a);
 }
 
-// A catcher that ends with its last reference, reports that, and takes others out while it is called: all of that is
-// against the rules, and none of it may bring the process down.
+// A catcher that takes others or itself out while it is called, reports something then, or stops the library is against
+// the rules. It may not bring the process down, and those that are left are called.
 TEST(Log, SurvivesCatchersThatBreakTheRules)
 {
     static std::string calls;
-    calls.clear();
-    static NamedCatcher * other;
+    // At its first call it takes out those that it is told, logs (!) and stops the library (.); it reports its end.
     struct Rude final : CVekRefCounted<IVekCatchLogOutput>
     {
         ~Rude() override { VekLogOutput(0, L"gone"); }
-        void OnLogOutput(int, wchar_t const * text) override
+        void OnLogOutput(int, wchar_t const *) override
         {
-            calls += text[0] == L'g' ? 'g' : 'r';
-            getVekLibKernel()->RemoveCatchLogOutput(other);
-            getVekLibKernel()->RemoveCatchLogOutput(this);
+            calls += 'r';
+            auto const catchers = all; // it may end meanwhile
+            for (char const c : std::exchange(operations, ""))
+                c == '!'   ? VekLogOutput(0, L"within")
+                : c == '.' ? VekLibDeinit()
+                           : getVekLibKernel()->RemoveCatchLogOutput(catchers.at(c));
         }
+        std::string operations;
+        std::map<char, IVekCatchLogOutput *> all;
+    };
+    std::tuple<char const *, char const *, char const *, char const *> const rows[] = {
+        {"removes itself", "arbc", "r", "arabcbc"},
+        {"removes itself alone", "r", "r", "r"},
+        {"removes the next", "arbc", "b", "arc"},
+        {"removes all that follow", "arbc", "bc", "ar"},
+        {"removes the one before", "arbc", "a", "arbc"},
+        {"removes every entry of the next", "rbbac", "b", "rac"},
+        {"reports, then removes the next", "rbc", "!b", "rrbcc"},
+        {"removes within a message within", "rbc", "!rb", "rrbcbcc"},
+        {"stops the library", "arbc", ".", "arbc"},
     };
     IVekKernel & kernel = *getVekLibKernel();
-    NamedCatcher silent('o', calls);
-    other = &silent;
-    IVekCatchLogOutput * const rude = new Rude;
-    kernel.AddCatchLogOutput(rude);
-    rude->Release();
-    kernel.AddCatchLogOutput(other);
-    VekLogOutput(0, L"x");
-    EXPECT_EQ(calls, "r");
-
-    ASSERT_TRUE(VekLibInit());
-    IVekCatchLogOutput * const reportsItsEnd = new Rude;
-    kernel.AddCatchLogOutput(reportsItsEnd);
-    reportsItsEnd->Release();
-    calls.clear();
-    VekLibDeinit();
-    EXPECT_EQ(calls, "") << "it is out of the list when it ends";
+    for (auto const & [name, order, operations, expected] : rows)
+    {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(VekLibInit());
+        calls.clear();
+        NamedCatcher a('a', calls), b('b', calls), c('c', calls);
+        CVekRef<Rude> rude(new Rude);
+        rude->operations = operations;
+        rude->all = {{'a', &a}, {'b', &b}, {'c', &c}, {'r', rude.Get()}};
+        for (char const catcher : std::string(order))
+            kernel.AddCatchLogOutput(rude->all[catcher]);
+        rude.Reset();
+        VekLogOutput(0, L"x");
+        EXPECT_EQ(calls, expected);
+        calls.clear();
+        VekLibDeinit();
+        EXPECT_EQ(calls.find('r'), std::string::npos) << "it is out of the list when it ends";
+    }
 }
 
 TEST(Log, ThreadsReachTheCatchersOneAtATime)

@@ -13,7 +13,7 @@ using WorkerKit::Workers;
 
 TEST_F(Workers, RunCommandsInOrder)
 {
-    IVekThread * const thread = Create();
+    Thread const thread = Create();
     std::string calls;
     int const destroyed = Command::s_destroyed;
     for (char name : {'a', 'b', 'c'})
@@ -23,37 +23,35 @@ TEST_F(Workers, RunCommandsInOrder)
         {
             calls += 'd';
             thread->AddCommand(new Command([&] { calls += 'g'; }));
-            kernel.PostThreadCommand(new Command([&] { calls += 'e'; }), thread);
-            kernel.ExecuteThreadCommand(new Command([&] { calls += 'f'; }), thread);
+            kernel.PostThreadCommand(new Command([&] { calls += 'e'; }), thread.Get());
+            kernel.ExecuteThreadCommand(new Command([&] { calls += 'f'; }), thread.Get());
         }));
     thread->AddCommand(nullptr);
     EXPECT_TRUE(thread->HasPendingCommands());
     thread->Start();
     EXPECT_TRUE(Until([&] { return Command::s_destroyed - destroyed == 7; }));
     Command last([&] { calls += '.'; }, false);
-    kernel.ExecuteThreadCommand(&last, thread);
+    kernel.ExecuteThreadCommand(&last, thread.Get());
     EXPECT_EQ(calls, "abcdefg.") << "on the worker itself they run at once";
     EXPECT_EQ(last.GetRefCount(), 1u);
     EXPECT_EQ(last.GetEndSignal(), nullptr);
     EXPECT_FALSE(thread->HasPendingCommands());
-    thread->Release();
 }
 
 TEST_F(Workers, IgnoreNothing)
 {
-    IVekThread * const thread = Create();
+    Thread const thread = Create();
     Command command([] {}, false);
-    kernel.ExecuteThreadCommand(nullptr, thread);
+    kernel.ExecuteThreadCommand(nullptr, thread.Get());
     kernel.ExecuteThreadCommand(&command, nullptr);
-    kernel.PostThreadCommand(nullptr, thread);
+    kernel.PostThreadCommand(nullptr, thread.Get());
     kernel.PostThreadCommand(&command, nullptr);
     EXPECT_FALSE(thread->HasPendingCommands());
-    thread->Release();
 }
 
 TEST_F(Workers, QueueACommandOnce)
 {
-    IVekThread * const thread = Create();
+    Thread const thread = Create();
     std::string calls;
     Command a([&] { calls += 'a'; }, false);
     Command b([&] { calls += 'b'; }, false);
@@ -65,7 +63,6 @@ TEST_F(Workers, QueueACommandOnce)
     EXPECT_TRUE(Until([&] { return !thread->HasPendingCommands(); }));
     thread->Stop();
     EXPECT_EQ(calls, "aba") << "a, b and the copy of a";
-    thread->Release();
 }
 
 TEST_F(Workers, LaunchSetsTheSignalAndReleases)
@@ -103,91 +100,108 @@ TEST_F(Workers, LaunchSetsTheSignalAndReleases)
 
 TEST_F(Workers, RunCommandsOnceTheyAreResumed)
 {
-    IVekThread * const thread = Started();
+    Thread const thread = Started();
     thread->Suspend();
     std::atomic<int> runs = 0;
-    std::thread caller([&] { kernel.ExecuteThreadCommand(new Command([&] { ++runs; }), thread); });
+    std::thread caller([&] { kernel.ExecuteThreadCommand(new Command([&] { ++runs; }), thread.Get()); });
     EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
-    kernel.PostThreadCommand(new Command([&] { ++runs; }), thread);
+    kernel.PostThreadCommand(new Command([&] { ++runs; }), thread.Get());
     Sleep(30);
     EXPECT_EQ(runs, 0);
     thread->Resume();
     caller.join();
     EXPECT_TRUE(Until([&] { return runs == 2; }));
-    thread->Release();
 }
 
 TEST_F(Workers, RunCommandsOfEachOther)
 {
-    IVekThread * const first = Started();
-    IVekThread * const second = Started();
+    Thread const first = Started();
+    Thread const second = Started();
     std::atomic<int> runs = 0;
     std::atomic<bool> finished = false;
     auto const onSecond = [&]
     {
-        kernel.ExecuteThreadCommand(new Command([&] { runs += second->IsCurrentThread(); }), second);
+        kernel.ExecuteThreadCommand(new Command([&] { runs += second->IsCurrentThread(); }), second.Get());
         finished = true;
     };
-    kernel.PostThreadCommand(new Command(onSecond), first);
+    kernel.PostThreadCommand(new Command(onSecond), first.Get());
     EXPECT_TRUE(Until([&] { return finished.load(); }));
     EXPECT_EQ(runs, 1);
-    first->Release();
-    second->Release();
 }
 
 // The command is queued behind the worker's last tick: nobody runs it.
 TEST_F(Workers, EndWhileOthersWaitForTheirCommand)
 {
-    for (bool autoDelete : {true, false})
+    for (bool const autoDelete : {true, false})
     {
         SCOPED_TRACE(autoDelete);
         Ticks ticks;
         Gate gate;
-        ticks.onTick = [&] { gate.Pass(); };
-        IVekThread * const thread = Started(0, 1, &ticks);
-        EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
-        int const destroyed = Command::s_destroyed;
+        Thread const thread = InLastTick(ticks, gate);
         bool ran = false;
-        auto * const command = new Command([&] { ran = true; }, autoDelete);
-        std::thread caller([&] { kernel.ExecuteThreadCommand(command, thread); });
+        CVekRef<Command> const command(new Command([&] { ran = true; }, autoDelete));
+        std::thread caller([&] { kernel.ExecuteThreadCommand(CVekRef(command).Detach(), thread.Get()); });
         EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
         gate.Open();
         caller.join();
-        EXPECT_FALSE(ran);
-        EXPECT_EQ(Command::s_destroyed - destroyed, autoDelete ? 1 : 0);
+        for (char const * when : {"it has ended meanwhile", "it has ended before"})
+        {
+            SCOPED_TRACE(when);
+            EXPECT_FALSE(ran || thread->HasPendingCommands());
+            EXPECT_EQ(command->GetRefCount(), autoDelete ? 1u : 2u);
+            EXPECT_EQ(command->GetEndSignal(), nullptr) << "it stood on the stack of who waited";
+            if (autoDelete)
+                command->AddRef();
+            kernel.ExecuteThreadCommand(command.Get(), thread.Get());
+        }
         if (!autoDelete)
             command->Release();
-
-        auto * const late = new Command([&] { ran = true; }, autoDelete);
-        kernel.ExecuteThreadCommand(late, thread);
-        EXPECT_FALSE(ran) << "it has ended before";
-        EXPECT_EQ(Command::s_destroyed - destroyed, autoDelete ? 2 : 1);
-        if (!autoDelete)
-            late->Release();
-        EXPECT_FALSE(thread->HasPendingCommands());
-        thread->Release();
     }
+}
+
+// It may own what belongs to the worker's thread.
+TEST_F(Workers, EndACommandThatIsWaitedForThemselves)
+{
+    struct Watched final : CVekThreadCommand
+    {
+        explicit Watched(std::string & text) : endings(text) {}
+        ~Watched() override { endings += std::to_string(VekGetCurrentThreadID()) + ";"; }
+        unsigned int AddRef() override
+        {
+            endings += "counted;";
+            return CVekThreadCommand::AddRef();
+        }
+        void Execute() override { endings += std::to_string(GetRefCount()) + " in "; }
+        std::string & endings;
+    };
+    Thread const thread = Started();
+    std::string endings, expected;
+    for (int turn = 0; turn < 100; ++turn)
+    {
+        kernel.ExecuteThreadCommand(new Watched(endings), thread.Get());
+        Command next([] {}, false); // behind whose end the other's has come
+        kernel.ExecuteThreadCommand(&next, thread.Get());
+        expected += "1 in " + std::to_string(thread->GetThreadID()) + ";";
+    }
+    EXPECT_EQ(endings, expected);
 }
 
 TEST_F(Workers, WaitForAWorkerThatStartsLater)
 {
-    IVekThread * const thread = Create();
+    Thread const thread = Create();
     std::atomic<bool> ran = false;
-    std::thread caller([&] { kernel.ExecuteThreadCommand(new Command([&] { ran = true; }), thread); });
+    std::thread caller([&] { kernel.ExecuteThreadCommand(new Command([&] { ran = true; }), thread.Get()); });
     EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
     thread->Start();
     caller.join();
     EXPECT_TRUE(ran);
-    thread->Release();
 }
 
 TEST_F(Workers, KeptCommandsLeftBehindAreNotRun)
 {
     Ticks ticks;
     Gate gate;
-    ticks.onTick = [&] { gate.Pass(); };
-    IVekThread * thread = Started(0, 1, &ticks);
-    EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+    Thread thread = InLastTick(ticks, gate);
     CVekSignal signal;
     bool ran = false;
     Command kept([&] { ran = true; }, false);
@@ -203,15 +217,11 @@ TEST_F(Workers, KeptCommandsLeftBehindAreNotRun)
     EXPECT_FALSE(ran);
     EXPECT_EQ(Command::s_destroyed - destroyed, 1) << "kept: one that deletes itself is released";
     EXPECT_EQ(WaitForSingleObject(signal.GetHandle(), 0), static_cast<DWORD>(WAIT_TIMEOUT)) << "kept: no end signal";
-    thread->Release();
-
     thread = Create();
-    auto * const left = new Command([] {});
-    thread->AddCommand(left);
-    thread->Release();
+    CVekRef<Command> const left(new Command([] {}));
+    thread->AddCommand(left.Get());
+    thread.Reset();
     EXPECT_EQ(left->GetRefCount(), 1u) << "kept: the object's end unlinks, but does not release";
-    EXPECT_EQ(left->GetPrev(), nullptr);
-    left->Release();
 }
 
 // A host's own thread class: it runs what it is given at once.
@@ -244,76 +254,4 @@ TEST_F(Workers, MayBeAHostsOwn)
     kernel.ExecuteThreadCommand(new Command([&] { ++runs; }), &thread);
     kernel.PostThreadCommand(new Command([&] { ++runs; }), &thread);
     EXPECT_EQ(runs, 2);
-}
-
-TEST_F(Workers, WithstandEverybodyAtOnce)
-{
-    constexpr int CALLERS = 4;
-    constexpr int COUNT = 3;
-    Ticks ticks;
-    IVekThread * threads[COUNT];
-    for (IVekThread *& thread : threads)
-        thread = Started(0, 0, &ticks);
-    std::atomic<int> posted = 0, run = 0, executed = 0, wrong = 0;
-    int const destroyed = Command::s_destroyed;
-    DWORD const begin = GetTickCount();
-    auto const work = [&](unsigned int seed)
-    {
-        for (unsigned int turn = seed * 7; GetTickCount() - begin < 1500; ++turn)
-        {
-            IVekThread * const thread = threads[turn % COUNT];
-            auto const make = [&] { return new Command([&] { ++run; }); };
-            switch (turn * 2654435761u >> 29)
-            {
-            case 0:
-                thread->Suspend();
-                thread->Resume();
-                break;
-            case 1:
-                thread->Suspend();
-                thread->PostControlMessage(40, nullptr);
-                thread->Suspend();
-                thread->Resume();
-                thread->Resume();
-                break;
-            case 2:
-            {
-                Command command([&] { ++executed; }, false);
-                int const before = executed;
-                kernel.ExecuteThreadCommand(&command, thread);
-                wrong += executed == before;
-                break;
-            }
-            case 3:
-                kernel.ExecuteThreadCommand(make(), thread);
-                ++posted;
-                break;
-            case 4:
-                thread->SetTickCallback(&ticks);
-                break;
-            case 5:
-                kernel.PostThreadCommand(new Command([&, thread, make] { thread->AddCommand(make()), ++run; }), thread);
-                posted += 2;
-                break;
-            default:
-                thread->AddCommand(make());
-                ++posted;
-            }
-        }
-    };
-    std::vector<std::thread> callers;
-    for (unsigned int i = 0; i < CALLERS; ++i)
-        callers.emplace_back(work, i);
-    for (std::thread & caller : callers)
-        caller.join();
-    EXPECT_TRUE(Until([&] { return run == posted; })) << run << " of " << posted;
-    EXPECT_EQ(wrong, 0);
-    for (IVekThread * const thread : threads)
-    {
-        EXPECT_FALSE(thread->IsSuspended());
-        EXPECT_EQ(thread->Stop(), WAIT_OBJECT_0);
-        thread->Release();
-    }
-    EXPECT_EQ(ticks.GetRefCount(), 1u);
-    EXPECT_EQ(Command::s_destroyed - destroyed, posted + executed);
 }

@@ -76,19 +76,30 @@ protected:
     Workers() { VekLibInit(); }
     ~Workers() override { VekLibDeinit(); }
 
-    IVekThread * Create(unsigned int interval = 0, unsigned int limit = 0, Ticks * callback = nullptr)
+    using Thread = CVekRef<IVekThread>;
+
+    Thread Create(unsigned int interval = 0, unsigned int limit = 0, Ticks * callback = nullptr)
     {
-        return kernel.CreateThread(L"worker", callback, true, interval, limit);
+        return Thread(kernel.CreateThread(L"worker", callback, true, interval, limit));
     }
-    IVekThread * Started(unsigned int interval = 0, unsigned int limit = 0, Ticks * callback = nullptr)
+    Thread Started(unsigned int interval = 0, unsigned int limit = 0, Ticks * callback = nullptr)
     {
-        IVekThread * const thread = Create(interval, limit, callback);
+        Thread thread = Create(interval, limit, callback);
         EXPECT_EQ(thread->Start(), 1u);
         return thread;
     }
-    static bool HasEnded(IVekThread * thread)
+    // In its last tick, until the gate is opened.
+    Thread InLastTick(Ticks & ticks, Gate & gate)
     {
-        return Until([=] { return !thread->GetHandle() && !thread->IsRunning(); });
+        ticks.count = 0;
+        ticks.onTick = [&gate] { gate.Pass(); };
+        Thread thread = Started(0, 1, &ticks);
+        EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+        return thread;
+    }
+    static bool HasEnded(Thread const & thread)
+    {
+        return Until([&] { return !thread->GetHandle() && !thread->IsRunning(); });
     }
     // Whether it still ticks.
     static bool Ticking(Ticks const & ticks)

@@ -23,17 +23,16 @@ TEST_F(Workers, TickUpToTheirLimit)
         {"each turn", 0, 3, true, 3},
         {"without callback", 0, 3, false, 0},
         {"the first turn", 5, 1, true, 1},
-        {"an interval without callback", 5, 1, false, 0},
     };
     for (Row const & row : rows)
     {
         SCOPED_TRACE(row.name);
         Ticks ticks;
-        IVekThread * const thread = Started(row.interval, row.limit, row.hasCallback ? &ticks : nullptr);
+        Thread thread = Started(row.interval, row.limit, row.hasCallback ? &ticks : nullptr);
         EXPECT_TRUE(HasEnded(thread));
         EXPECT_EQ(ticks.count, row.ticks);
         DWORD const begin = GetTickCount();
-        thread->Release();
+        thread.Reset();
         EXPECT_LT(GetTickCount() - begin, 1000u) << "it is not waited for again";
         EXPECT_EQ(ticks.GetRefCount(), 1u);
     }
@@ -42,12 +41,11 @@ TEST_F(Workers, TickUpToTheirLimit)
 TEST_F(Workers, KeptAnIntervalCountsThousandsOfSeconds)
 {
     Ticks ticks;
-    IVekThread * const thread = Started(1, 0, &ticks);
+    Thread const thread = Started(1, 0, &ticks);
     EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
     Sleep(1200);
     EXPECT_EQ(ticks.count, 1) << "1 is 1,000 seconds";
     EXPECT_EQ(thread->Stop(), WAIT_OBJECT_0);
-    thread->Release();
 }
 
 TEST_F(Workers, TellTheirState)
@@ -55,7 +53,7 @@ TEST_F(Workers, TellTheirState)
     Ticks ticks;
     unsigned int idInside = 0;
     bool currentInside = false;
-    IVekThread * const thread = kernel.CreateThread(std::wstring(3000, L'n').c_str(), &ticks, true, 0, 77);
+    Thread const thread(kernel.CreateThread(std::wstring(3000, L'n').c_str(), &ticks, true, 0, 77));
     ticks.onTick = [&]
     {
         idInside = VekGetCurrentThreadID();
@@ -76,7 +74,8 @@ TEST_F(Workers, TellTheirState)
     EXPECT_EQ(thread->GetHandle(), nullptr);
     EXPECT_FALSE(thread->IsRunning());
     EXPECT_EQ(thread->Stop(), WAIT_FAILED) << "there is no handle to wait for";
-    thread->Release();
+    EXPECT_EQ(CallSlot<bool>(thread.Get(), 21), thread->HasPendingCommands());
+    ExpectRefCountContract("thread", Create().Detach());
 
     EXPECT_EQ(VekGetCurrentThreadID(), GetCurrentThreadId());
     EXPECT_EQ(VekGetCurrentThread(), GetCurrentThread());
@@ -85,7 +84,7 @@ TEST_F(Workers, TellTheirState)
 TEST_F(Workers, CountSuspensions)
 {
     Ticks ticks;
-    IVekThread * const thread = Started(0, 0, &ticks);
+    Thread const thread = Started(0, 0, &ticks);
     EXPECT_EQ(thread->Resume(), 0);
     EXPECT_EQ(thread->Suspend(), 1);
     EXPECT_TRUE(thread->IsSuspended());
@@ -106,13 +105,12 @@ TEST_F(Workers, CountSuspensions)
     EXPECT_EQ(thread->Stop(), WAIT_OBJECT_0) << "it is resumed to see the message";
     EXPECT_EQ(thread->Suspend(), 1) << "nobody is there to wait for";
     EXPECT_EQ(thread->Resume(), 0);
-    thread->Release();
 }
 
 TEST_F(Workers, MaySuspendThemselvesAndBeforeTheirStart)
 {
     Ticks ticks;
-    IVekThread * const thread = Create(0, 0, &ticks);
+    Thread thread = Create(0, 0, &ticks);
     EXPECT_EQ(thread->Suspend(), 1);
     thread->Start();
     EXPECT_TRUE(Silent(ticks));
@@ -138,14 +136,14 @@ TEST_F(Workers, MaySuspendThemselvesAndBeforeTheirStart)
     thread->Suspend();
     thread->Suspend();
     DWORD const begin = GetTickCount();
-    thread->Release();
+    thread.Reset();
     EXPECT_LT(GetTickCount() - begin, 2000u) << "the end takes every suspension back";
 }
 
 TEST_F(Workers, KeptTheRingOfMessagesIsReused)
 {
     Ticks ticks;
-    IVekThread * const thread = Started(0, 0, &ticks);
+    Thread const thread = Started(0, 0, &ticks);
     thread->Suspend();
     for (unsigned int type = 0; type < 1000; ++type)
         thread->PostControlMessage(type % 5 == 3 ? 99 : type % 5 == 2 ? 98 : type, nullptr); // none to act on
@@ -155,7 +153,6 @@ TEST_F(Workers, KeptTheRingOfMessagesIsReused)
     thread->PostControlMessage(3, nullptr);
     for (int i = 0; i < 255; ++i)
         thread->PostControlMessage(9, nullptr);
-    EXPECT_EQ(thread->GetHandle() != nullptr, true);
     thread->PostControlMessage(9, nullptr); // the 257th takes the stop message's place
     thread->Resume();
     EXPECT_TRUE(Ticking(ticks)) << "kept: the message was overwritten";
@@ -165,13 +162,12 @@ TEST_F(Workers, KeptTheRingOfMessagesIsReused)
         thread->PostControlMessage(9, nullptr);
     thread->Resume();
     EXPECT_TRUE(HasEnded(thread)) << "256 fit";
-    thread->Release();
 }
 
 // A record that is reused while it is queued moves to the end.
 TEST_F(Workers, KeepTheirMessagesInOrderWhenTheRingIsReused)
 {
-    IVekThread * const thread = Started();
+    Thread const thread = Started();
     CVekSignal signal;
     thread->Suspend();
     thread->PostControlMessage(9, nullptr);
@@ -183,13 +179,12 @@ TEST_F(Workers, KeepTheirMessagesInOrderWhenTheRingIsReused)
     EXPECT_EQ(WaitForSingleObject(signal.GetHandle(), 5000), WAIT_OBJECT_0) << "the end came first";
     EXPECT_TRUE(Until([&] { return ResumeThread(thread->GetHandle()) != 0; }));
     EXPECT_TRUE(HasEnded(thread));
-    thread->Release();
 }
 
 TEST_F(Workers, AcknowledgeAPostedSuspension)
 {
     Ticks ticks;
-    IVekThread * const thread = Started(0, 0, &ticks);
+    Thread thread = Started(0, 0, &ticks);
     CVekSignal signal;
     thread->PostControlMessage(2, &signal);
     signal.Lock();
@@ -202,7 +197,7 @@ TEST_F(Workers, AcknowledgeAPostedSuspension)
     thread->PostControlMessage(2, &second);
     signal.Lock();
     DWORD const begin = GetTickCount();
-    thread->Release();
+    thread.Reset();
     EXPECT_LT(GetTickCount() - begin, 2000u) << "it waits for a worker that nobody resumes";
 }
 
@@ -211,11 +206,11 @@ TEST_F(Workers, OutliveTheirObjectInALongCall)
     Ticks ticks;
     Gate gate;
     ticks.onTick = [&] { gate.Pass(); };
-    IVekThread * const thread = Started(0, 0, &ticks);
+    Thread thread = Started(0, 0, &ticks);
     EXPECT_EQ(thread->Start(), 1u) << "kept: a second start is not refused";
     EXPECT_TRUE(Until([&] { return ticks.count == 2; }));
     DWORD const begin = GetTickCount();
-    EXPECT_EQ(thread->Release(), 0u);
+    thread.Reset();
     DWORD const milliseconds = GetTickCount() - begin;
     EXPECT_TRUE(milliseconds > 4900 && milliseconds < 9000) << milliseconds;
     EXPECT_GT(ticks.GetRefCount(), 1u) << "still in use";
@@ -227,7 +222,7 @@ TEST_F(Workers, OutliveTheirObjectInALongCall)
 TEST_F(Workers, MayEndTheirOwnObject)
 {
     Ticks ticks;
-    IVekThread * thread = Create(0, 0, &ticks);
+    IVekThread * const thread = Create(0, 0, &ticks).Detach();
     DWORD milliseconds = 0;
     unsigned int stopResult = 0;
     ticks.onTick = [&]
@@ -248,9 +243,7 @@ TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
 {
     Ticks ticks;
     Gate gate;
-    ticks.onTick = [&] { gate.Pass(); };
-    IVekThread * const thread = Started(0, 1, &ticks);
-    EXPECT_TRUE(Until([&] { return ticks.count == 1; }));
+    Thread const thread = InLastTick(ticks, gate);
     std::vector<std::thread> callers;
     std::atomic<int> returned = 0;
     for (int i = 0; i < 3; ++i)
@@ -261,64 +254,60 @@ TEST_F(Workers, EndWhileOthersWaitForTheirSuspension)
     for (std::thread & caller : callers)
         caller.join();
     EXPECT_EQ(thread->Resume(), 2) << "each call counts";
-    thread->Release();
 }
 
 TEST_F(Workers, SwapTheirCallbackBetweenTicks)
 {
     Ticks first, second;
-    IVekThread * const thread = Create(0, 0, &first);
+    Thread const thread = Create(0, 0, &first);
     thread->SetTickCallback(&second); // not started: at once
     EXPECT_EQ(thread->GetTickCallback(), &second);
     thread->Start();
     EXPECT_TRUE(Ticking(second));
     EXPECT_EQ(first.count, 0);
     thread->SetTickCallback(&first);
-    EXPECT_EQ(const_cast<IVekThread const *>(thread)->GetTickCallback(), &first);
+    EXPECT_EQ(std::as_const(*thread).GetTickCallback(), &first);
     EXPECT_TRUE(Ticking(first));
     EXPECT_TRUE(Silent(second));
     EXPECT_EQ(second.GetRefCount(), 1u);
-    auto * const own = new Ticks; // swaps itself away within its tick, which is its end
-    own->onTick = [&, own] { thread->SetTickCallback(&second), own->count = 5; };
-    thread->SetTickCallback(own);
-    own->Release();
+    CVekRef<Ticks> own(new Ticks); // swaps itself away within its tick, which is its end
+    own->onTick = [&, ticks = own.Get()] { thread->SetTickCallback(&second), ticks->count = 5; };
+    thread->SetTickCallback(own.Get());
+    own.Reset();
     EXPECT_TRUE(Ticking(second));
     thread->Stop();
     thread->SetTickCallback(nullptr); // ended: at once
     EXPECT_EQ(thread->GetTickCallback(), nullptr);
     EXPECT_EQ(second.GetRefCount(), 1u);
-    thread->Release();
 }
 
-TEST_F(Workers, SlotOrder)
+// The swap is queued behind the worker's last tick: nobody is there to do it.
+TEST_F(Workers, SwapTheCallbackOfAWorkerThatEndsMeanwhile)
 {
-    Ticks ticks, other;
-    IVekThread * const thread = kernel.CreateThread(L"slots", &ticks, true, 4, 5);
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 0), 2u);
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 1), 1u);
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 2), 1u);
-    CallSlot(thread, 3, static_cast<IVekThread::TickCallback *>(&other));
-    for (int slot : {4, 5})
-        EXPECT_EQ(CallSlot<void *>(thread, slot), static_cast<void *>(&other)) << slot;
-    EXPECT_STREQ(*CallSlot<CVekString<wchar_t> const *>(thread, 6), L"slots");
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 7), 4u);
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 8), 5u);
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 15), 1u);
-    EXPECT_TRUE(Until([&] { return CallSlot<bool>(thread, 13); }));
-    EXPECT_EQ(CallSlot<void *>(thread, 9), thread->GetHandle());
-    EXPECT_NE(thread->GetHandle(), nullptr);
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 10), GetThreadId(thread->GetHandle()));
-    EXPECT_TRUE(CallSlot<bool>(thread, 11));
-    EXPECT_FALSE(CallSlot<bool>(thread, 12));
-    EXPECT_EQ(CallSlot<long>(thread, 16), 1);
-    EXPECT_TRUE(CallSlot<bool>(thread, 14));
-    EXPECT_FALSE(CallSlot<bool>(thread, 21));
-    auto * const command = new WorkerKit::Command([] {});
-    CallSlot(thread, 20, static_cast<CVekThreadCommand *>(command));
-    EXPECT_TRUE(CallSlot<bool>(thread, 21));
-    EXPECT_EQ(CallSlot<long>(thread, 17), 0);
-    CallSlot(thread, 19, 77u, static_cast<void *>(nullptr));
-    EXPECT_EQ(CallSlot<unsigned int>(thread, 18), WAIT_OBJECT_0);
-    thread->Release();
-    ExpectRefCountContract("thread", kernel.CreateThread(L"", nullptr, false, 0, 0));
+    Ticks first, second;
+    Gate gate;
+    Thread const thread = InLastTick(first, gate);
+    std::thread caller([&] { thread->SetTickCallback(&second); });
+    EXPECT_TRUE(Until([&] { return thread->HasPendingCommands(); }));
+    gate.Open();
+    caller.join();
+    EXPECT_EQ(thread->GetTickCallback(), &second);
+    EXPECT_TRUE(first.GetRefCount() == 1 && second.GetRefCount() == 2);
+}
+
+// A callback may end as soon as the object of an ended worker is gone, whose thread is perhaps still leaving.
+TEST_F(Workers, LetGoOfTheirCallbackWithTheirObject)
+{
+    Ticks ticks;
+    int late = 0;
+    for (int turn = 0; turn < 300; ++turn)
+    {
+        Thread thread = Started(0, 1, &ticks);
+        while (thread->GetHandle())
+            SwitchToThread();
+        thread.Reset();
+        late += ticks.GetRefCount() != 1;
+        EXPECT_TRUE(Until([&] { return ticks.GetRefCount() == 1; }));
+    }
+    EXPECT_EQ(late, 0);
 }
