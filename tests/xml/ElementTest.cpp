@@ -283,10 +283,11 @@ TEST(XMLElement, FollowsAModel)
             top->RemoveChild(removed);
             children.erase(children.begin() + removed);
         }
-        else if (operation == 4 && child != children.end())
+        else if (operation == 4)
         {
             top->RemoveChild(sought.c_str());
-            children.erase(child);
+            if (child != children.end())
+                children.erase(child);
         }
         else
         {
