@@ -48,11 +48,11 @@ public:
         void ** const place = ArrayAttachment::Place(entries);
         return place ? static_cast<ListIndex *>(*place) : nullptr;
     }
-    /// To be called before the entry is removed.
+    /// To be called before the entry is removed; an index outside the list does nothing.
     static void Leave(CVekPointerArrayBase const & entries, int leaving) noexcept
     {
         ListIndex * const index = Of(entries);
-        if (!index || leaving >= index->m_names.Count())
+        if (!index || leaving < 0 || leaving >= index->m_names.Count())
             return;
         if (leaving == index->m_names.Count() - 1)
             index->m_names.ForgetLast();

@@ -12,6 +12,15 @@
 namespace vek
 {
 
+constinit std::atomic<void const *> plainTable{nullptr};
+
+bool IsPlainTable(void const * table) noexcept
+{
+    void const * const own = OwnTable<CVekXMLElement, IVekXMLElement>();
+    plainTable.store(own, std::memory_order_relaxed);
+    return table == own;
+}
+
 CVekXMLElement * ToLibraryElement(IVekXMLElement * element) noexcept
 {
     return element && (IsPlain(*element) || HostElements::Has(element)) ? static_cast<CVekXMLElement *>(element)

@@ -4,13 +4,20 @@
 
 #include "base/AsOwn.h"
 
+#include <atomic>
+
 namespace vek
 {
+
+/// What IsPlain compares with first; null until it has met a table that is not equal.
+extern std::atomic<void const *> plainTable;
+bool IsPlainTable(void const * table) noexcept;
 
 /// Whether the element's class is exactly the library's, so that nothing of it is overridden.
 inline bool IsPlain(IVekXMLElement const & element) noexcept
 {
-    return TableOf(element) == OwnTable<CVekXMLElement, IVekXMLElement>();
+    void const * const table = TableOf(element);
+    return table == plainTable.load(std::memory_order_relaxed) || IsPlainTable(table);
 }
 
 /// The library's own element behind an interface pointer, or one of a class that a host derived from it; null for a

@@ -9,8 +9,7 @@ namespace vek
 {
 
 XMLOutput::XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept
-    : m_stream(stream), m_encoding(encoding),
-      m_plainLimit(encoding == XMLEncoding::UTF8 ? 0x80 : 0x100),
+    : m_stream(stream), m_encoding(encoding), m_plainLimit(encoding == XMLEncoding::UTF8 ? 0x80 : 0x100),
       m_carriageReturns(newLines == NewLines::CARRIAGE_RETURN_FIRST),
       m_reversed(stream.GetStreamByteOrder() != stream.GetSystemByteOrder())
 {

@@ -195,8 +195,7 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
     }
     m_names.BeginElement();
     size_t const length = wcslen(name);
-    auto * const element =
-        length <= INT_MAX ? CVekXMLManager::NewElement(name, static_cast<int>(length)) : nullptr;
+    auto * const element = length <= INT_MAX ? CVekXMLManager::NewElement(name, static_cast<int>(length)) : nullptr;
     if (!element)
     {
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
@@ -261,9 +260,9 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
 
 CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value)
 {
-    return m_escaped.Make(value) ? CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), m_escaped.Text(),
-                                                          m_escaped.Length())
-                                 : nullptr;
+    return m_escaped.Make(value)
+               ? CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), m_escaped.Text(), m_escaped.Length())
+               : nullptr;
 }
 
 bool CVekXMLParser::State::KnowExistingAttributes(CVekXMLElement const * element)

@@ -268,7 +268,8 @@ TEST(XMLElement, FollowsAModel)
         int const count = top->GetNumChildren();
         std::wstring const sought = name(), newName = name();
         auto const isSought = [&](std::wstring const & each) { return _wcsicmp(each.c_str(), sought.c_str()) == 0; };
-        auto const child = std::find_if(children.begin(), children.end(), [&](CVekRef<CVekXMLElement> const & each)
+        auto const child = std::find_if(children.begin(), children.end(),
+                                        [&](CVekRef<CVekXMLElement> const & each)
                                         { return each && isSought(std::wstring(each->GetName())); });
         ASSERT_EQ(top->FindChild(sought.c_str(), false), child == children.end() ? nullptr : child->Get());
         int const index = count ? below(static_cast<std::size_t>(count)) : 0;
@@ -282,10 +283,11 @@ TEST(XMLElement, FollowsAModel)
             top->RemoveChild(removed);
             children.erase(children.begin() + removed);
         }
-        else if (operation == 4 && child != children.end())
+        else if (operation == 4)
         {
             top->RemoveChild(sought.c_str());
-            children.erase(child);
+            if (child != children.end())
+                children.erase(child);
         }
         else
         {

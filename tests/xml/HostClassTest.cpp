@@ -107,7 +107,10 @@ struct Derived : CVekXMLElement
         calls += L"AddAttribute " + std::wstring(name) + L" ";
         return CVekXMLElement::AddAttribute(name, value, index);
     }
-    CVekString<wchar_t> const & GetName() const override { return calls == L"renamed" ? renamed : CVekXMLElement::GetName(); }
+    CVekString<wchar_t> const & GetName() const override
+    {
+        return calls == L"renamed" ? renamed : CVekXMLElement::GetName();
+    }
 
     std::wstring & calls;
     CVekString<wchar_t> renamed{L"renamed"};
@@ -126,7 +129,8 @@ TEST_P(HostClass, DerivedRootIsAskedByTheParser)
     EXPECT_EQ(TreeText(*root), L"r[x=&lt;]{a{b} c[y=1]}");
     EXPECT_EQ(root->GetChild(1)->GetRefCount(), 1u);
     root->refuses = true;
-    EXPECT_TRUE(ParseBytes("<r><d><e z='1'/><e/></d><f/></r>", document)) << "what it doesn't store is read all the same";
+    EXPECT_TRUE(ParseBytes("<r><d><e z='1'/><e/></d><f/></r>", document))
+        << "what it doesn't store is read all the same";
     EXPECT_EQ(root->GetNumChildren(), 2);
 }
 

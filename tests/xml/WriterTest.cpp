@@ -254,9 +254,7 @@ TEST_F(WriterTest, NeverCallsALostByteASuccess)
         std::wstring const header = L"CVekXMLWriter::WriteHeader --> Error writing header";
         std::wstring const child = L"CVekXMLWriter::WriteElement --> Failed to write Element header\n"
                                    L"CVekXMLWriter::WriteElement --> Failed to write child Element ";
-        EXPECT_EQ(m_log.Take(), n == 1                 ? header
-                                : n + 1 >= whole.transfers ? last
-                                                       : child + std::to_wstring(n - 2));
+        EXPECT_EQ(m_log.Take(), n == 1 ? header : n + 1 >= whole.transfers ? last : child + std::to_wstring(n - 2));
     }
 }
 
