@@ -149,6 +149,7 @@ TEST_P(HostClass, DerivedChildIsTheLibrarysOwn)
     {
         calls = i % 2 ? L"renamed" : L"";
         EXPECT_EQ(top->FindChild(L"RENAMED", false), i % 2 ? child : nullptr) << "what it is called is asked each time";
+        EXPECT_EQ(top->FindChild(L"D", false), i % 2 ? nullptr : child);
         EXPECT_EQ(top->FindChild(L"x99", false), top->GetChild(100));
     }
     calls.clear();
