@@ -30,6 +30,8 @@ struct Front
     char const * row;
     std::uintptr_t before;
     std::uintptr_t record;
+
+    friend void PrintTo(Front const & front, std::ostream * out) { *out << front.row; }
 };
 std::vector<Front> const FRONTS = {
     {"this compiler without type records", 0, 0},
@@ -142,11 +144,12 @@ TEST_P(HostClass, DerivedChildIsTheLibrarysOwn)
     auto top = NewElement(L"top");
     for (int i = 0; i < 100; ++i)
         top->AddChild(NewElement(L"x" + std::to_wstring(i)).Get(), -1);
-    top->AddChild(child, 1);
+    top->AddChild(child, 50);
     for (int i = 0; i < 8; ++i)
     {
         calls = i % 2 ? L"renamed" : L"";
         EXPECT_EQ(top->FindChild(L"RENAMED", false), i % 2 ? child : nullptr) << "what it is called is asked each time";
+        EXPECT_EQ(top->FindChild(L"D", false), i % 2 ? nullptr : child);
         EXPECT_EQ(top->FindChild(L"x99", false), top->GetChild(100));
     }
     calls.clear();
