@@ -23,7 +23,7 @@ namespace vek
 struct ArrayAttachment;
 }
 
-/// Adds 1 to the count as one indivisible step; returns the new count.
+/// Adds 1 to the count, atomically; returns the new count.
 inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
 {
 #if defined(_MSC_VER) && !defined(__clang__)
@@ -33,7 +33,7 @@ inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
 #endif
 }
 
-/// Subtracts 1 from the count as one indivisible step; returns the new count.
+/// Subtracts 1 from the count, atomically; returns the new count.
 inline unsigned int VekInterlockedDecrement(unsigned int & count) noexcept
 {
 #if defined(_MSC_VER) && !defined(__clang__)
@@ -64,7 +64,7 @@ public:
 };
 
 /// Counts references for an interface: derive from CVekRefCounted<IVekSomething> and write only the interface's own
-/// operations. The virtual destructor follows the interface's operations in the table.
+/// operations. The virtual destructor follows the interface's operations in the vtable.
 template <class Interface>
 class CVekRefCounted : public Interface
 {

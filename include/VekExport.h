@@ -19,8 +19,8 @@
 #define VEK_ENTRY extern "C" VEK_API
 
 /// Declares a group of virtual operations that share a name, each without its semicolon, in slot order.
-/// One compiler family lays such a group out in the order of declaration, the other in reverse: the macro declares it
-/// the right way round for either, so that both see the same table.
+/// The Itanium C++ ABI lays such a group out in the order of declaration, the Microsoft C++ ABI in reverse: the macro
+/// declares it the right way round for either, so that both see the same vtable.
 #define VEK_OVERLOADS(...) VEK_EXPAND(VEK_OVERLOADS_PICK(__VA_ARGS__, VEK_OV_LIST)(__VA_ARGS__))
 
 /// @cond internal
