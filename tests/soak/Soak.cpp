@@ -204,12 +204,15 @@ void UseWorkers(Random & random)
 
 void UseLog(Random & random)
 {
-    CVekRef<Catcher> const catcher(new Catcher);
-    Kernel().AddCatchLogOutput(catcher.Get());
-    VekLogOutput(0, L"soak %u", random());
-    VekLogOutput(1, L"suppressed %u", random());
-    Expect(catcher->calls > 0, "a message is not delivered");
-    Kernel().RemoveCatchLogOutput(catcher.Get());
+    for (int i = 0; i < 10; ++i)
+    {
+        CVekRef<Catcher> const catcher(new Catcher);
+        Kernel().AddCatchLogOutput(catcher.Get());
+        VekLogOutput(0, L"soak %u", random());
+        VekLogOutput(1, L"suppressed %u", random());
+        Expect(catcher->calls > 0, "a message is not delivered");
+        Kernel().RemoveCatchLogOutput(catcher.Get());
+    }
 }
 
 // Handlers in a container that all threads share.
