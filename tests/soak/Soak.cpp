@@ -39,6 +39,7 @@ std::atomic<bool> g_stop{false};
 std::atomic<long> g_wrong{0};
 std::atomic<long> g_commands{0};
 std::atomic<long> g_commandsMade{0};
+std::atomic<bool> g_isExecuting{false};
 std::atomic<unsigned char *> g_blocks[16]; // one thread's for another to release
 std::atomic<long> g_commandsAlive{0};
 std::atomic<unsigned int> g_beats[THREADS];
@@ -91,7 +92,11 @@ public:
     {
         ++g_commands;
         if (m_done)
+        {
+            Expect(!g_isExecuting.exchange(true), "two callers' commands are run at once");
             *m_done = true;
+            g_isExecuting = false;
+        }
         if (m_next)
             m_next->AddCommand(new Command);
     }
@@ -167,7 +172,8 @@ void UseWorkers(Random & random)
         worker->Resume();
         break;
     case 3:
-        worker->AddCommand(new Command);
+        for (int i = 0; i < 40; ++i)
+            worker->AddCommand(new Command);
         worker->PostControlMessage(77, nullptr); // unknown: ignored
         worker->HasPendingCommands();
         break;
