@@ -27,7 +27,7 @@ namespace
 {
 
 constexpr int THREADS = 8;
-constexpr int SHARED_WORKERS = 3;
+constexpr int SHARED_WORKERS = 2;
 constexpr int HANG_SECONDS = 60;
 constexpr int HANG_STATUS = 97;
 constexpr GUID SHARED_EVENT = {0x50AC, 0, 0, {}};
@@ -318,7 +318,8 @@ DWORD WINAPI UseAll(void * parameter)
     Random random(static_cast<unsigned int>(index) + GetTickCount());
     while (!g_stop)
     {
-        Service & service = g_services[random() % std::size(g_services)];
+        // Half of the time all threads are at the same service, another one every tenth of a second.
+        Service & service = g_services[(random() % 2 ? random() : GetTickCount() / 100) % std::size(g_services)];
         service.use(random);
         ++service.turns;
         ++g_beats[index];
