@@ -94,6 +94,7 @@ public:
         if (m_done)
         {
             Expect(!g_isExecuting.exchange(true), "two callers' commands are run at once");
+            Sleep(1);
             *m_done = true;
             g_isExecuting = false;
         }
