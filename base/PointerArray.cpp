@@ -1,25 +1,17 @@
 #include "VekCore.h"
 
+#include "base/ArrayAttachment.h"
 #include "base/Pool.h"
 
 #include <limits.h>
 #include <string.h>
 
-#include <bit>
-
 namespace
 {
 
-// The capacity that the array reports grows by its step; the block behind it is the next power of two, so that a step
-// of 1 costs no copy per element.
-size_t BlockSlots(int capacity)
-{
-    return std::bit_ceil(static_cast<size_t>(capacity));
-}
-
 size_t BlockBytes(int capacity)
 {
-    return BlockSlots(capacity) * sizeof(void *);
+    return vek::ArrayAttachment::Slots(capacity) * sizeof(void *);
 }
 
 } // namespace
@@ -38,8 +30,10 @@ bool CVekPointerArrayBase::Reserve(int capacity) noexcept
         return true;
     if (capacity > limit)
         return false;
-    if (!m_storage || static_cast<size_t>(capacity) > BlockSlots(m_capacity))
+    if (!m_storage || BlockBytes(capacity) > BlockBytes(m_capacity))
     {
+        void ** const attachment = vek::ArrayAttachment::Place(*this);
+        void * const attached = attachment ? *attachment : nullptr;
         auto * const storage = static_cast<void **>(vek::PoolAllocate(BlockBytes(capacity)));
         if (!storage)
             return false;
@@ -49,6 +43,9 @@ bool CVekPointerArrayBase::Reserve(int capacity) noexcept
             vek::PoolFree(m_storage, BlockBytes(m_capacity));
         }
         m_storage = storage;
+        m_capacity = capacity;
+        if (void ** const place = vek::ArrayAttachment::Place(*this))
+            *place = attached;
     }
     m_capacity = capacity;
     return true;

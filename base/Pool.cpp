@@ -269,14 +269,9 @@ void PoolFree(void * block, size_t size) noexcept
     if (!block)
         return;
     if (size - 1 < LARGEST_POOLED)
-        GiveBlock(block);
+        GiveBlock(block); // its class is its chunk's
     else
         free(block);
-}
-
-void PoolFreeObject(void * block, size_t size) noexcept
-{
-    PoolFree(block, size); // a block's class is its chunk's
 }
 
 size_t PoolReservedBytes() noexcept
@@ -299,5 +294,5 @@ void * CVekPooled::operator new(size_t size, std::nothrow_t const &) noexcept
 
 void CVekPooled::operator delete(void * block, size_t size) noexcept
 {
-    vek::PoolFreeObject(block, size);
+    vek::PoolFree(block, size);
 }

@@ -9,12 +9,9 @@ namespace vek
 /// are aligned to 8 bytes. Null when memory is exhausted. Safe from any thread.
 void * PoolAllocate(size_t size) noexcept;
 
-/// Frees a block of PoolAllocate; the size must be the one it was asked for. Null is ignored.
+/// Frees a block of PoolAllocate; null is ignored. The size is the one it was asked for or, of an object that was made
+/// in a larger block, the object's: it only tells blocks above the largest class from the pool's own.
 void PoolFree(void * block, size_t size) noexcept;
-
-/// Frees a block of PoolAllocate that is at least that large, whatever it was asked for: an object that was made in a
-/// larger block. A block above the largest class must be an object of that very size.
-void PoolFreeObject(void * block, size_t size) noexcept;
 
 /// The largest block that the pool serves itself.
 constexpr size_t POOL_LARGEST = 8192;

@@ -1,4 +1,4 @@
-#include "CurveBench.h"
+#include "Benches.h"
 
 #include "VekLib.h"
 
@@ -13,7 +13,6 @@ namespace
 {
 
 constexpr unsigned int DEGREE = 3;
-constexpr unsigned int CONTROLS = 64;
 constexpr unsigned int POINTS = 20000;
 
 /// The textbook's loop: the span by bisection, then de Boor's algorithm on weighted points.
@@ -43,18 +42,18 @@ CVekVector3D<T> PlainPoint(CVekNurbsCurve<T> const & curve, T parameter)
 
 /// A helix with weights.
 template <class T>
-CVekNurbsCurve<T> Helix()
+CVekNurbsCurve<T> Helix(unsigned int controls)
 {
     std::vector<CVekVector3D<T>> points;
     std::vector<T> weights;
-    for (unsigned int i = 0; i < CONTROLS; ++i)
+    for (unsigned int i = 0; i < controls; ++i)
     {
         T const angle = static_cast<T>(i) / 3;
         points.push_back(CVekVector3D<T>(std::cos(angle), std::sin(angle), angle));
         weights.push_back(static_cast<T>(1 + i % 3));
     }
     CVekNurbsCurve<T> curve;
-    curve.Create(DEGREE, points.data(), weights.data(), CONTROLS);
+    curve.Create(DEGREE, points.data(), weights.data(), controls);
     return curve;
 }
 
@@ -75,7 +74,7 @@ double Rate(int rounds, Work const & work)
 template <class T>
 void AddRows(Table & table, char const * precision, int rounds)
 {
-    CVekNurbsCurve<T> const curve = Helix<T>();
+    CVekNurbsCurve<T> const curve = Helix<T>(64);
     std::vector<T> ordered;
     std::vector<T> scattered;
     for (unsigned int i = 0; i < POINTS; ++i)
@@ -104,6 +103,29 @@ void AddRows(Table & table, char const * precision, int rounds)
     }
 }
 
+/// As many even steps as a curve has control points, in milliseconds.
+void AddSteps(Table & table, unsigned int steps, int rounds)
+{
+    CVekNurbsCurve<float> const curve = Helix<float>(steps);
+    float const length = curve.GetLength();
+    std::vector<float> lengths;
+    for (unsigned int i = 0; i < steps; ++i)
+        lengths.push_back(length * static_cast<float>(i) / static_cast<float>(steps));
+    std::vector<float> parameters(steps);
+    Best single, many;
+    for (int round = 0; round < rounds; ++round)
+    {
+        Stopwatch watch;
+        for (unsigned int i = 0; i < steps; ++i)
+            parameters[i] = curve.GetParameterAtLength(lengths[i]);
+        single.Add(watch.Lap());
+        curve.GetParametersAtLengths(lengths.data(), steps, parameters.data());
+        many.Add(watch.Lap());
+    }
+    table.Add({std::to_string(steps), Number(single.Seconds() * 1e3, 1), Number(many.Seconds() * 1e3, 1),
+               Number(single.Seconds() / many.Seconds(), 1)});
+}
+
 } // namespace
 
 void MeasureCurve(bool quick)
@@ -114,6 +136,11 @@ void MeasureCurve(bool quick)
     AddRows<double>(table, "double", rounds);
     std::printf("NURBS curve of degree 3: millions of points per second.\n\n");
     table.Print();
+    Table steps({"steps and control points", "GetParameterAtLength", "GetParametersAtLengths", "ratio"});
+    for (unsigned int const count : {100u, 200u, 400u})
+        AddSteps(steps, count, quick ? 1 : 3);
+    std::printf("\nEven steps along it, of floats: milliseconds.\n\n");
+    steps.Print();
     std::printf("\n");
 }
 

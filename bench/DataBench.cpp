@@ -1,4 +1,4 @@
-#include "DataBench.h"
+#include "Benches.h"
 
 #include "VekLib.h"
 
@@ -67,29 +67,24 @@ public:
         if (inFile)
         {
             m_path = (std::filesystem::temp_directory_path() / L"veklib_bench.data").wstring();
-            m_stream.reset(getVekLibKernel()->CreateFileIOStream());
+            m_stream.Reset(getVekLibKernel()->CreateFileIOStream());
         }
         else
-            m_stream.reset(getVekLibKernel()->CreateMemoryIOStream());
+            m_stream.Reset(getVekLibKernel()->CreateMemoryIOStream());
     }
     ~Place()
     {
-        m_stream.reset();
+        m_stream.Reset();
         std::error_code ignored;
         if (m_inFile)
             std::filesystem::remove(m_path, ignored);
     }
 
-    IVekIOStream * Stream() const { return m_stream.get(); }
+    IVekIOStream * Stream() const { return m_stream.Get(); }
     bool BeginWriting() { return (!m_inFile && m_opened) ? Rewind() : Open(VEK_IO_WRITE); }
     bool BeginReading() { return m_inFile ? Open(VEK_IO_READ) : Rewind(); }
 
 private:
-    struct ReleaseObject
-    {
-        void operator()(IVekObject * object) const { object->Release(); }
-    };
-
     bool Open(unsigned int flag)
     {
         m_opened = m_stream->Open(m_path.c_str(), flag | VEK_IO_BINARY, m_size);
@@ -101,7 +96,7 @@ private:
     bool m_opened = false;
     unsigned int m_size;
     std::wstring m_path;
-    std::unique_ptr<IVekIOStream, ReleaseObject> m_stream;
+    CVekRef<IVekIOStream> m_stream;
 };
 
 std::size_t BytesOf(CVekTypedDataWriter & writer)

@@ -1,10 +1,9 @@
-#include "LexBench.h"
+#include "Benches.h"
 
 #include "SwitchLexer.h"
 #include "VekLib.h"
 
 #include <cstdio>
-#include <memory>
 #include <random>
 
 namespace bench
@@ -18,13 +17,6 @@ constexpr double LEXER_OF_SWITCH = 0.5;
 constexpr double MANY_OF_FEW = 0.8; // ten times as many keywords
 
 constexpr std::size_t TEXT_UNITS = 5'000'000; // 10 MB
-
-struct Release
-{
-    void operator()(IVekObject * object) const { object->Release(); }
-};
-template <class T>
-using Held = std::unique_ptr<T, Release>;
 
 class Counter final : public CVekRefCounted<IVekLexer::Callback>
 {
@@ -124,9 +116,9 @@ std::wstring MakeText()
     return text;
 }
 
-Held<IVekLexer> MakeLexer(std::vector<std::wstring> const & keywords)
+CVekRef<IVekLexer> MakeLexer(std::vector<std::wstring> const & keywords)
 {
-    Held<IVekLexer> lexer(getVekLibKernel()->CreateLexer());
+    CVekRef<IVekLexer> lexer(getVekLibKernel()->CreateLexer());
     int id = 0;
     for (std::wstring const & keyword : keywords)
         lexer->AddKeyword(keyword.c_str(), id++, true);
@@ -148,8 +140,8 @@ Rates Measure(std::wstring const & text, std::size_t keywordCount, int rounds)
 {
     std::vector<std::wstring> const keywords = Keywords(keywordCount);
     SwitchLexer const byHand(keywords);
-    Held<IVekLexer> const lexer = MakeLexer(keywords);
-    Held<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
+    CVekRef<IVekLexer> const lexer = MakeLexer(keywords);
+    CVekRef<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
     int const length = static_cast<int>(text.size());
     Rates rates;
     for (int round = 0; round < rounds; ++round)
@@ -168,7 +160,7 @@ Rates Measure(std::wstring const & text, std::size_t keywordCount, int rounds)
         rates.silent.Add(watch.Lap());
         tokenizer->RemoveAll();
         watch.Lap();
-        bool const done = tokenizer->Tokenize(lexer.get(), text.data(), length);
+        bool const done = tokenizer->Tokenize(lexer.Get(), text.data(), length);
         rates.tokenizer.Add(watch.Lap());
         rates.agrees = rates.agrees && done && counter.counts == rates.counts && counter.faults == 0 &&
                        tokenizer->GetNumTokens() == rates.counts.Total();

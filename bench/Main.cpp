@@ -4,15 +4,9 @@
 // with; without it the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones
 // depend on the machine.
 
-#include "CurveBench.h"
-#include "DataBench.h"
-#include "LexBench.h"
-#include "MathBench.h"
-#include "MemoryBench.h"
-#include "ServiceBench.h"
-#include "ThreadBench.h"
 #include "VekLib.h"
-#include "XmlBench.h"
+
+#include "Benches.h"
 
 #include <cstdio>
 #include <string_view>
@@ -36,7 +30,7 @@ bool MeasureXml(Options const & options, Aims & aims)
     return bench::MeasureXmlLinearity(aims) && done;
 }
 
-Subject const subjects[] = {
+constexpr Subject SUBJECTS[] = {
     {L"xml", MeasureXml},
     {L"lexing", [](Options const & options, Aims & aims) { return bench::MeasureLexing(options.quick, aims); }},
     {L"data", [](Options const & options, Aims & aims) { return bench::MeasureData(options.quick, aims); }},
@@ -70,7 +64,7 @@ int wmain(int count, wchar_t ** arguments)
     Aims aims;
     bool done = true;
     bool known = false;
-    for (Subject const & subject : subjects)
+    for (Subject const & subject : SUBJECTS)
     {
         if (!only.empty() && only != subject.name)
             continue;

@@ -1,4 +1,4 @@
-#include "MathBench.h"
+#include "Benches.h"
 
 #include "VekGeometry.h"
 

@@ -1,4 +1,4 @@
-#include "MemoryBench.h"
+#include "Benches.h"
 
 #include "VekCore.h"
 

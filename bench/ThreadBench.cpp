@@ -1,4 +1,4 @@
-#include "ThreadBench.h"
+#include "Benches.h"
 
 #include "Harness.h"
 #include "VekLib.h"

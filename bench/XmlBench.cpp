@@ -1,12 +1,12 @@
-#include "XmlBench.h"
+#include "Benches.h"
 
 #include "Documents.h"
 #include "VekLib.h"
+#include "VekRef.h"
 
 #include <expat.h>
 
 #include <cstdio>
-#include <memory>
 
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -27,11 +27,7 @@ constexpr double WRITE_MEGABYTES = 150;
 constexpr double WRITE_OF_PARSE = 4;
 constexpr double LINEAR = 1.5; // caches make the larger case somewhat dearer
 
-struct Release
-{
-    void operator()(IVekObject * object) const { object->Release(); }
-};
-using Document = std::unique_ptr<IVekXMLDocument, Release>;
+using Document = CVekRef<IVekXMLDocument>;
 
 Document CreateDocument()
 {
@@ -42,9 +38,9 @@ Document Parse(std::string const & text)
 {
     Document document = CreateDocument();
     CVekXMLParser parser;
-    if (!parser.ParseXMLMemory(text.data(), static_cast<unsigned int>(text.size()), document.get()) ||
+    if (!parser.ParseXMLMemory(text.data(), static_cast<unsigned int>(text.size()), document.Get()) ||
         !parser.IsComplete())
-        document.reset();
+        document.Reset();
     return document;
 }
 
@@ -99,21 +95,21 @@ bool RunRound(std::string const & text, std::wstring const & source, std::wstrin
     times.parse.Add(watch.Lap());
     if (!document)
         return false;
-    std::unique_ptr<IVekXMLWriter, Release> writer(getVekLibKernel()->GetXMLManager()->CreateXMLWriter());
+    CVekRef<IVekXMLWriter> const writer(getVekLibKernel()->GetXMLManager()->CreateXMLWriter());
     watch.Lap();
-    if (!writer->WriteXMLFile(target.c_str(), document.get()))
+    if (!writer->WriteXMLFile(target.c_str(), document.Get()))
         return false;
     times.write.Add(watch.Lap());
-    document.reset();
+    document.Reset();
     times.release.Add(watch.Lap());
 
     document = CreateDocument();
     CVekXMLParser parser;
     watch.Lap();
-    if (!parser.ParseXMLFile(source.c_str(), document.get()))
+    if (!parser.ParseXMLFile(source.c_str(), document.Get()))
         return false;
     times.parseFile.Add(watch.Lap());
-    document.reset();
+    document.Reset();
 
     std::string const written = ReadFile(target);
     times.writtenBytes = written.size();

@@ -44,11 +44,6 @@ void EventMap::Unregister(GUID const & id) noexcept
     delete entry;
 }
 
-bool EventMap::IsRegistered(GUID const & id) const noexcept
-{
-    return Get(id) != nullptr;
-}
-
 EventEntry * EventMap::Get(GUID const & id) const noexcept
 {
     bool found;

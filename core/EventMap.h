@@ -21,7 +21,6 @@ public:
     bool Register(GUID const & id) noexcept;
     /// Deletes an event; nothing when it is not there.
     void Unregister(GUID const & id) noexcept;
-    bool IsRegistered(GUID const & id) const noexcept;
     /// The event's entry; null when it is not there.
     EventEntry * Get(GUID const & id) const noexcept;
 

@@ -147,12 +147,12 @@ bool CVekProgressController::IsCompleted()
 
 void CVekProgressController::SetCallback(Callback * callback)
 {
-    Callback * const old = m_callback;
     if (callback)
         callback->AddRef();
+    // Kept: stored last, so that an old callback whose Release looks finds itself still here.
+    if (m_callback)
+        m_callback->Release();
     m_callback = callback;
-    if (old)
-        old->Release();
 }
 
 IVekProgressController::Callback * CVekProgressController::GetCallback()

@@ -18,6 +18,10 @@ namespace std
 {
 struct nothrow_t;
 }
+namespace vek
+{
+struct ArrayAttachment;
+}
 
 /// Adds 1 to the count as one indivisible step; returns the new count.
 inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
@@ -135,6 +139,8 @@ public:
     void Swap(CVekPointerArrayBase & other) noexcept;
 
 protected:
+    friend struct vek::ArrayAttachment;
+
     bool Grow() noexcept;
 
     int m_count = 0;
@@ -154,6 +160,8 @@ public:
     /// The pointer at an index, or null for one outside the array.
     T * At(int index) const noexcept { return Has(index) ? (*this)[index] : nullptr; }
     bool Has(int index) const noexcept { return index >= 0 && index < m_count; }
+    /// Replaces the pointer at an index, which must be inside the array.
+    void Set(int index, T * pointer) noexcept { m_storage[index] = pointer; }
     /// Removes the last pointer, which must exist, and returns it.
     T * TakeLast() noexcept { return static_cast<T *>(m_storage[--m_count]); }
     bool Append(T * pointer) noexcept { return CVekPointerArrayBase::Append(pointer); }
@@ -236,7 +244,8 @@ public:
     T * GetTail() const { return m_tail; }
     unsigned int GetCount() const { return m_count; }
 
-    /// Appends an element that is in no list. Its next link is left as it is.
+    /// Appends an element that is in no list. Its next link is left as it is (kept): it should be null, or what it
+    /// leads to is walked as if it were in the list. RemoveAll and the list's end take as many elements as were added.
     void AddTail(T * element)
     {
         if (m_tail)
@@ -284,11 +293,13 @@ public:
     /// Takes all elements out and, if told so, deletes them. Takes time in proportion to their number.
     void RemoveAll(bool deleteElements)
     {
-        while (T * const element = RemoveHead())
+        while (T * const element = m_count > 0 ? RemoveHead() : nullptr)
         {
             if (deleteElements)
                 DeleteElement(element);
         }
+        m_head = m_tail = nullptr; // what an element had behind it when it came is not this list's
+        m_count = 0;
     }
 
 private:
@@ -307,13 +318,13 @@ private:
 // --- tracked memory --------------------------------------------------------------------------------------------------
 
 /// Allocates a block that the library tracks with its size, the file-name part of a source file (null: "Unknown File")
-/// and a line. Null, without a message, when memory is exhausted. The block is aligned as malloc's and is freed with
-/// VekDeallocMemory. Safe from any thread.
+/// and a line. Null, without a message, when memory is exhausted; size 0 gives a block, too. The block is aligned as
+/// malloc's and is freed with VekDeallocMemory. Safe from any thread.
 VEK_API unsigned char * VekAllocMemory(unsigned int size, wchar_t const * file, int line);
 VEK_API unsigned char * VekAllocMemory(unsigned int size, char const * file, int line);
 
-/// Frees a block; true when it was a tracked one. Any other pointer goes to the runtime's free. File and line are not
-/// used. Safe from any thread.
+/// Frees a block; true when it was a tracked one. Any other pointer goes to the free of the library's own runtime,
+/// which may not be the caller's. File and line are not used. Safe from any thread.
 VEK_API bool VekDeallocMemory(void * pointer, wchar_t const * file, int line);
 VEK_API bool VekDeallocMemory(void * pointer, char const * file, int line);
 
@@ -332,7 +343,8 @@ public:
 };
 
 /// Receives an event. Hosts derive from it, subscribe it with IVekKernel::AddEventHandler, and may group it with others
-/// in a container. Subscribed to at most one event at a time, as often as it was added.
+/// in a container. It is meant for one event at a time, as often as it was added: a second event is delivered as well,
+/// but GetEvent tells the last one only, which is also the only one that leaving the container ends.
 class VEK_API CVekEventHandler : public CVekRefCounted<IVekObject>
 {
 public:
@@ -398,7 +410,8 @@ public:
     public:
         /// Called with each change: the current task's progress and the share of the whole that ended tasks have
         /// finished, both in percent, the current task's name (valid during the call), and the controller's parameter.
-        /// False asks the working code to stop. An exception that leaves it ends the process.
+        /// False asks the working code to stop. The controller keeps a reference to the callback during the call. An
+        /// exception that leaves it ends the process.
         virtual bool OnProgress(double taskProgress, double finishedShare, wchar_t const * taskName, int param) = 0;
     };
 
@@ -413,10 +426,12 @@ public:
     virtual void Cancel() = 0;
     /// True once the run is cancelled, by Cancel or by the callback.
     virtual bool IsCancelled() = 0;
+    /// Sets the flag that the end of the last task sets.
     virtual void Completed() = 0;
     /// True once the last task has ended.
     virtual bool IsCompleted() = 0;
-    /// Takes a reference to the callback and gives back that to the old one; null for none.
+    /// Takes a reference to the callback, then gives back that to the old one, then stores the new one; null for none.
+    /// An old callback that dies by this must not use the controller any more.
     virtual void SetCallback(Callback * callback) = 0;
     /// The callback, no reference added.
     VEK_OVERLOADS(virtual Callback * GetCallback() = 0, virtual Callback const * GetCallback() const = 0)

@@ -79,8 +79,9 @@ public:
     bool WriteMatrix(wchar_t const * name, CVekMatrix4x4<double> const & value);
 
     /// Writes the entries at the stream's position; false at the first write that the stream refuses. The library's
-    /// streams refuse no single value: of what does not fit into a memory stream only a buffer is told of, so make it
-    /// large enough. For files ask CVekFileIOStream::Flush afterwards.
+    /// streams refuse no single value, kept: a memory stream that is too small tells of buffers alone, and one that is
+    /// closed or opened for reading, file or memory, may give true with nothing written. So open it for writing and
+    /// large enough, and for files ask CVekFileIOStream::Flush afterwards.
     bool Write(IVekIOStream * stream);
 
 private:
@@ -97,7 +98,8 @@ private:
 };
 
 /// Loads what a CVekTypedDataWriter wrote and finds the values by name, without regard to the case of ASCII letters;
-/// the first entry of a name wins. Reading by name is safe from several threads at once.
+/// the first entry of a name wins. Looking entries up is safe from several threads at once, as long as none of them
+/// calls Read or Clear.
 class VEK_API CVekTypedDataReader
 {
 public:
@@ -161,6 +163,7 @@ private:
     CVekTypedDataEntry const * FindTyped(wchar_t const * name, VEK_DATATYPE type) const;
     vek::NameIndex const * FindIndex() const;
     vek::NameIndex * MakeIndex() const;
+    bool AddToIndex(vek::NameIndex & index) const;
     void DropIndex();
     template <class T>
     bool ReadValue(wchar_t const * name, VEK_DATATYPE type, T & value, T const & defaultValue) const;

@@ -11,14 +11,16 @@
 #include <stddef.h>
 
 /// The order of the bytes of a value in a stream or in the system. A stream reverses the bytes of every value of more
-/// than one byte when its two orders differ; both are VEK_BYTEORDER_BIG at the start, which leaves values as they are.
+/// than one byte when its two orders differ; both are VEK_BYTEORDER_BIG at the start, which leaves values as they are:
+/// for big-endian values on this little-endian system, SetSystemByteOrder(VEK_BYTEORDER_LITTLE).
 enum VEK_BYTEORDER : int
 {
     VEK_BYTEORDER_BIG = 1,
     VEK_BYTEORDER_LITTLE = 2
 };
 
-/// Flags for IVekIOStream::Open, which may be combined.
+/// Flags for IVekIOStream::Open, which may be combined. A file is opened for reading or for writing, not both; writing
+/// begins a new file. Without VEK_IO_BINARY it is text; the system's runtime decides what a file with both is.
 enum VEK_IO_FLAGS : unsigned int
 {
     VEK_IO_BINARY = 1,
@@ -37,7 +39,7 @@ public:
     virtual bool Open(wchar_t const * name, unsigned int flags, unsigned int size) = 0;
     /// Closes the stream; nothing when it is closed.
     virtual void Close() = 0;
-    /// The size; 0 with a message for a file stream that is not open.
+    /// The size, at most 0xFFFFFFFF; 0 with a message for a file stream that is not open.
     virtual unsigned int GetSize() const = 0;
     /// True when the flags of the last Open hold VEK_IO_READ.
     virtual bool IsReadable() const = 0;
@@ -49,17 +51,20 @@ public:
     virtual void SetSystemByteOrder(VEK_BYTEORDER order) = 0;
     virtual VEK_BYTEORDER GetStreamByteOrder() = 0;
     virtual VEK_BYTEORDER GetSystemByteOrder() = 0;
-    /// The offset of the next access from the start.
+    /// The offset of the next access from the start, at most 0x7FFFFFFF; 0 with a message for a file stream that is not
+    /// open.
     virtual int GetPosition() const = 0;
-    /// Moves to an offset from the start, or that many bytes before the end; false when refused. A memory stream takes
-    /// offsets from the start only at its end and beyond.
+    /// Moves to an offset from the start, or that many bytes before the end; false when refused, with the position as
+    /// it was. A memory stream takes offsets from the start only at its end and beyond. A closed stream refuses this,
+    /// and what follows: a memory stream with a message, a file without.
     virtual bool SetPosition(int position, bool fromEnd) = 0;
-    /// Moves by an offset; false when refused.
+    /// Moves by an offset; false when refused, with the position as it was.
     virtual bool MovePosition(int offset) = 0;
-    /// True at the end of the data.
+    /// True at the end of the data; false when closed.
     virtual bool IsAtEnd() const = 0;
     /// Reads a block; false unless all of it was read. A memory stream refuses a block that reaches its last byte, and
-    /// stays behind the block even without advance.
+    /// stays behind the block even without advance. In files a look without advance is slow, but for ReadChar: the
+    /// runtime reads anew what it had ahead.
     virtual bool Read(void * data, unsigned int count, bool advance) = 0;
     /// Reads one value; 0 when it is not there.
     virtual char ReadChar(bool advance) = 0;
@@ -92,12 +97,14 @@ public:
     virtual bool WriteFloat(float value, bool advance) = 0;
     virtual bool WriteDouble(double value, bool advance) = 0;
     /// Writes formatted text at the position and moves behind it; false when the stream is not open or the text does
-    /// not fit. In a memory stream a terminator follows where there is room for it.
+    /// not fit. In a memory stream a terminator follows where there is room for it. A file that is open for reading
+    /// takes nothing, and that is true.
     VEK_OVERLOADS(virtual bool Printf(wchar_t const * format, ...) = 0,
                   virtual bool Printf(char const * format, ...) = 0)
     /// Scans formatted text: a file from its position, a memory stream from its start, without moving. Every "%s", "%c"
     /// and "%[" takes two arguments, the buffer and its size in characters. True when the stream is open, whatever was
-    /// found; false, with nothing read, when the conversions need more than 64 arguments.
+    /// found, and for a file that is open for writing, which gives nothing; false, with nothing read, when the
+    /// conversions need more than 64 arguments.
     VEK_OVERLOADS(virtual bool Scanf(wchar_t const * format, ...) = 0, virtual bool Scanf(char const * format, ...) = 0)
 };
 
@@ -121,8 +128,34 @@ public:
     virtual CVekString<wchar_t> const & GetFileName() const = 0;
 };
 
-/// The operations that both streams share: flags, byte orders, and the typed values over the stream's own ReadFixed and
-/// WriteFixed, which transfer unsigned values of 1, 2, 4 and 8 bytes.
+/// The value with its bytes in reverse order.
+constexpr unsigned char VekReverseBytes(unsigned char value) noexcept
+{
+    return value;
+}
+constexpr unsigned short VekReverseBytes(unsigned short value) noexcept
+{
+    return static_cast<unsigned short>(value << 8 | value >> 8);
+}
+constexpr unsigned int VekReverseBytes(unsigned int value) noexcept
+{
+    return value << 24 | (value & 0xFF00) << 8 | (value >> 8 & 0xFF00) | value >> 24;
+}
+constexpr unsigned long long VekReverseBytes(unsigned long long value) noexcept
+{
+    return static_cast<unsigned long long>(VekReverseBytes(static_cast<unsigned int>(value))) << 32 |
+           VekReverseBytes(static_cast<unsigned int>(value >> 32));
+}
+
+/// Most of a stream, for hosts too: `class Mine final : public CVekTypedIOStream<Mine, IVekIOStream>` writes the other
+/// operations (Open, Close, sizes, positions and blocks) and gives its base, as a friend,
+///
+///     unsigned int m_flags;                                // of the last Open
+///     VEK_BYTEORDER m_systemByteOrder, m_streamByteOrder;
+///     bool Take(void * value, size_t size, bool advance);  // reads 1, 2, 4 or 8 bytes; false unless all were there
+///     void Give(void const * value, size_t size, bool advance);
+///     template <class Char> bool PrintText(Char const * format, va_list arguments);
+///     template <class Char> bool ScanText(Char const * format, va_list arguments);
 template <class Stream, class Interface>
 class CVekTypedIOStream : public CVekRefCounted<Interface>
 {
@@ -134,6 +167,8 @@ public:
     VEK_BYTEORDER GetStreamByteOrder() override { return Self().m_streamByteOrder; }
     VEK_BYTEORDER GetSystemByteOrder() override { return Self().m_systemByteOrder; }
 
+    char ReadChar(bool advance) override { return static_cast<char>(Get<unsigned char>(advance)); }
+    wchar_t ReadWChar(bool advance) override { return static_cast<wchar_t>(Get<unsigned short>(advance)); }
     wchar_t ReadTChar(bool advance) override { return this->ReadWChar(advance); }
     short ReadInt16(bool advance) override { return static_cast<short>(Get<unsigned short>(advance)); }
     int ReadInt32(bool advance) override { return static_cast<int>(Get<unsigned int>(advance)); }
@@ -159,20 +194,58 @@ public:
     bool WriteFloat(float value, bool advance) override { return Put(Bits<unsigned int>(value), advance); }
     bool WriteDouble(double value, bool advance) override { return Put(Bits<unsigned long long>(value), advance); }
 
+    bool Printf(wchar_t const * format, ...) override
+    {
+        va_list arguments;
+        va_start(arguments, format);
+        bool const printed = Self().PrintText(format, arguments);
+        va_end(arguments);
+        return printed;
+    }
+    bool Printf(char const * format, ...) override
+    {
+        va_list arguments;
+        va_start(arguments, format);
+        bool const printed = Self().PrintText(format, arguments);
+        va_end(arguments);
+        return printed;
+    }
+    bool Scanf(wchar_t const * format, ...) override
+    {
+        va_list arguments;
+        va_start(arguments, format);
+        bool const scanned = Self().ScanText(format, arguments);
+        va_end(arguments);
+        return scanned;
+    }
+    bool Scanf(char const * format, ...) override
+    {
+        va_list arguments;
+        va_start(arguments, format);
+        bool const scanned = Self().ScanText(format, arguments);
+        va_end(arguments);
+        return scanned;
+    }
+
 private:
     Stream & Self() { return static_cast<Stream &>(*this); }
     Stream const & Self() const { return static_cast<Stream const &>(*this); }
     template <class Unsigned>
+    Unsigned Ordered(Unsigned value) const
+    {
+        return Self().m_systemByteOrder != Self().m_streamByteOrder ? VekReverseBytes(value) : value;
+    }
+    template <class Unsigned>
     Unsigned Get(bool advance)
     {
         Unsigned value = 0;
-        Self().ReadFixed(value, advance);
-        return value;
+        return Self().Take(&value, sizeof(value), advance) ? Ordered(value) : Unsigned{0};
     }
     template <class Unsigned>
     bool Put(Unsigned value, bool advance)
     {
-        Self().WriteFixed(value, advance);
+        value = Ordered(value);
+        Self().Give(&value, sizeof(value), advance);
         return true;
     }
     template <class To, class From>
@@ -206,30 +279,37 @@ public:
     char ReadChar(bool advance) override;
     wchar_t ReadWChar(bool advance) override;
     bool Write(void const * data, unsigned int count, bool advance) override;
-    bool Printf(wchar_t const * format, ...) override;
-    bool Printf(char const * format, ...) override;
-    bool Scanf(wchar_t const * format, ...) override;
-    bool Scanf(char const * format, ...) override;
     unsigned char * GetBuffer() override;
     unsigned char const * GetBuffer() const override;
 
 private:
     friend class CVekTypedIOStream<CVekMemoryIOStream, IVekMemoryIOStream>;
 
-    /// Reads a value that lies wholly inside the block; anything else leaves value and position as they are.
-    void ReadFixed(unsigned char & value, bool advance);
-    void ReadFixed(unsigned short & value, bool advance);
-    void ReadFixed(unsigned int & value, bool advance);
-    void ReadFixed(unsigned long long & value, bool advance);
-    /// Writes a value that lies wholly inside the block; anything else touches nothing.
-    void WriteFixed(unsigned char value, bool advance);
-    void WriteFixed(unsigned short value, bool advance);
-    void WriteFixed(unsigned int value, bool advance);
-    void WriteFixed(unsigned long long value, bool advance);
-    template <class Unsigned>
-    void ReadValue(Unsigned & value, bool advance);
-    template <class Unsigned>
-    void WriteValue(Unsigned value, bool advance);
+    /// Both transfer what lies wholly inside the block; anything else touches nothing. Here for speed: compilers make
+    /// one move of the loop.
+    bool Take(void * value, size_t size, bool advance)
+    {
+        int const before = m_position;
+        if (!m_block || before > m_size - static_cast<int>(size))
+            return false;
+        unsigned char const * const place = m_block + before;
+        for (size_t i = 0; i < size; ++i)
+            static_cast<unsigned char *>(value)[i] = place[i];
+        if (advance)
+            m_position = before + static_cast<int>(size);
+        return true;
+    }
+    void Give(void const * value, size_t size, bool advance)
+    {
+        int const before = m_position;
+        if (!m_block || before > m_size - static_cast<int>(size))
+            return;
+        unsigned char * const place = m_block + before;
+        for (size_t i = 0; i < size; ++i)
+            place[i] = static_cast<unsigned char const *>(value)[i];
+        if (advance)
+            m_position = before + static_cast<int>(size);
+    }
     bool TakesBlock(unsigned int count) const;
     void PassBlock(unsigned int count, bool advance);
     template <class Char>
@@ -265,17 +345,13 @@ public:
     char ReadChar(bool advance) override;
     wchar_t ReadWChar(bool advance) override;
     bool Write(void const * data, unsigned int count, bool advance) override;
-    bool Printf(wchar_t const * format, ...) override;
-    bool Printf(char const * format, ...) override;
-    bool Scanf(wchar_t const * format, ...) override;
-    bool Scanf(char const * format, ...) override;
     struct _iobuf * GetFileHandle() override;
     struct _iobuf * GetFileHandle() const override;
     CVekString<wchar_t> const & GetFilePath() const override;
     CVekString<wchar_t> const & GetFileName() const override;
 
-    /// True when the flags of the last Open hold VEK_IO_BINARY.
-    bool IsBinary() const { return (m_flags & VEK_IO_BINARY) != 0; }
+    /// True when the flags of the last Open hold VEK_IO_BINARY and not VEK_IO_TEXT.
+    bool IsBinary() const { return (m_flags & (VEK_IO_BINARY | VEK_IO_TEXT)) == VEK_IO_BINARY; }
     /// Hands what is still buffered to the system; false when anything written since Open was lost, or nothing is open.
     /// Close can't tell, so that a writer who must know asks here first.
     bool Flush();
@@ -283,24 +359,15 @@ public:
 private:
     friend class CVekTypedIOStream<CVekFileIOStream, IVekFileIOStream>;
 
-    /// Reads a value; 0 when the file does not hold it.
-    void ReadFixed(unsigned char & value, bool advance);
-    void ReadFixed(unsigned short & value, bool advance);
-    void ReadFixed(unsigned int & value, bool advance);
-    void ReadFixed(unsigned long long & value, bool advance);
+    /// Reads a value; false when the file does not hold all of it.
+    bool Take(void * value, size_t size, bool advance);
     /// Writes a value; Flush tells whether that worked.
-    void WriteFixed(unsigned char value, bool advance);
-    void WriteFixed(unsigned short value, bool advance);
-    void WriteFixed(unsigned int value, bool advance);
-    void WriteFixed(unsigned long long value, bool advance);
-    template <class Unsigned>
-    void ReadValue(Unsigned & value, bool advance);
-    template <class Unsigned>
-    void WriteValue(Unsigned value, bool advance);
+    void Give(void const * value, size_t size, bool advance);
+    template <class Char>
+    bool PrintText(Char const * format, va_list arguments);
     template <class Char>
     bool ScanText(Char const * format, va_list arguments);
     bool CheckOpen() const;
-    bool CheckPrintf() const;
 
     struct _iobuf * m_file = nullptr;
     unsigned int m_flags = 0;

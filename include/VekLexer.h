@@ -72,8 +72,8 @@ public:
     virtual bool AddOperator(wchar_t const * text, int id) = 0;
     /// Scans that many characters, which may hold zeros; nothing for a null text or a negative length. Blanks are the
     /// space, the line feed, the tab and the bell, not the carriage return. A minus sign begins a number, always;
-    /// "0x" is no prefix. Words and runs are cut at 1,024 characters, strings at 2,048, and the rest is scanned
-    /// anew. Returns the length when a comment ends the text, otherwise 0.
+    /// "0x" is no prefix. Words, numbers and runs are cut at 1,024 characters, strings at 2,048, and the rest is
+    /// scanned anew. Returns the length when a comment ends the text, otherwise 0.
     virtual int Parse(wchar_t const * text, int length) = 0;
 };
 
@@ -126,8 +126,11 @@ public:
 
     /// Replaces the list by the tokens of a text: of that many characters, or with -1 up to its terminator. Or of the
     /// rest of a stream, opened in binary mode: UTF-16 with a byte order mark, otherwise UTF-8, in which bytes that are
-    /// none become U+FFFD; positions count UTF-16 units behind the mark. The lexer's callback is put back afterwards.
-    /// False with a message, and an empty list, when memory is exhausted or the stream can't be read.
+    /// none become U+FFFD; positions count UTF-16 units behind the mark. A stream of a host's own whose size is 0 or
+    /// 0xFFFFFFFF is read until it refuses a byte. The text may be that of a token of the old list, which goes when the
+    /// new one is there. The lexer's callback is put back afterwards. A null text or a length below -1 is an empty
+    /// text. False with a message, and an empty list, when memory is exhausted, the stream can't be read, or the lexer
+    /// or the stream is null.
     VEK_OVERLOADS(virtual bool Tokenize(IVekLexer * lexer, wchar_t const * text, int length) = 0,
                   virtual bool Tokenize(IVekLexer * lexer, IVekIOStream * stream) = 0)
     /// Empties the list; the filter stays.

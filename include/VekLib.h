@@ -61,7 +61,8 @@ public:
     virtual void RemoveCatchLogOutput(IVekCatchLogOutput * catcher) = 0;
     /// Adds an event; false when it is there already, or before VekLibInit.
     virtual bool RegisterEvent(GUID const & id) = 0;
-    /// Removes an event and unsubscribes its handlers; nothing when it is not registered.
+    /// Removes an event, then unsubscribes its handlers, for which it is gone already; nothing when it is not
+    /// registered.
     virtual void UnregisterEvent(GUID const & id) = 0;
     /// Removes all events for good: none can be registered before a VekLibInit that starts the library.
     virtual void ReleaseEventMap() = 0;

@@ -83,7 +83,8 @@ public:
     /// Null is stored as a null entry. -1, with a message, when memory is exhausted.
     virtual int AddChild(CVekResourceFilePacket * child, int index);
     /// Removes and releases the child at an index (a bad one is logged), or the first entry of a child; false when
-    /// there is none. The child keeps its parent.
+    /// there is none. The child keeps its parent. By index the child is released before its place goes: if it ends
+    /// with that, its destructor finds a null entry there. By pointer the place goes first.
     VEK_OVERLOADS(virtual bool RemoveChild(int index), virtual bool RemoveChild(CVekResourceFilePacket * child))
     /// Does nothing, kept: a host's packet says what happens to its children.
     virtual void RemoveAllChildren();

@@ -101,7 +101,7 @@ public:
     operator GUID const &() const;
 
     /// The variant's object. In a variant of another type or without its object it is an object of zeros that belongs
-    /// to no variant; all threads share it, so nothing should be written there.
+    /// to no variant and that each thread has its own of; what is written there is lost.
     operator CVekRGBA<unsigned char> &();
     operator CVekRGBA<unsigned char> const &() const;
     operator CVekRGBA<float> &();

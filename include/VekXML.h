@@ -29,12 +29,14 @@ public:
     virtual int GetNumChildren() const = 0;
     /// Adds a reference to the child and inserts it before the index; a negative index, or one of the last position or
     /// beyond, appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built.
-    /// An element of a foreign implementation is stored as a null entry. When memory is exhausted nothing is stored,
-    /// the child's extra reference stays, and the index of the last child is returned.
+    /// An element of a foreign implementation is stored as a null entry, and the reference that was added to it is
+    /// never given back. When memory is exhausted nothing is stored, the child's extra reference stays, and the index
+    /// of the last child is returned.
     virtual int AddChild(IVekXMLElement * child, int index) = 0;
 
     /// Removes and releases the first child that is the given element or has the given name (silently nothing when
-    /// there is none), or the child at an index (a bad index is logged).
+    /// there is none), or the child at an index (a bad index is logged). Null, and any element of a foreign
+    /// implementation, means the first null entry.
     VEK_OVERLOADS(virtual void RemoveChild(IVekXMLElement * child) = 0,
                   virtual void RemoveChild(wchar_t const * name) = 0, virtual void RemoveChild(int index) = 0)
     virtual void RemoveAllChildren() = 0;
@@ -44,7 +46,8 @@ public:
                   virtual IVekXMLElement const * GetChild(int index) const = 0)
 
     /// The first child of that name, no reference added; null when there is none. The second form can append a new
-    /// child of that name instead.
+    /// child of that name instead; null, with a message, when none can be made: before VekLibInit, or when memory is
+    /// exhausted.
     VEK_OVERLOADS(virtual IVekXMLElement const * FindChild(wchar_t const * name) const = 0,
                   virtual IVekXMLElement * FindChild(wchar_t const * name, bool create) = 0)
 
@@ -112,8 +115,8 @@ public:
                                                  wchar_t const * defaultValue) const = 0,
                   virtual CVekString<wchar_t> const & GetAttributeValue(int index) const = 0)
 
-    /// Stores a copy of the bytes (UTF-16 text) as the element's CDATA section. False when it already has one or memory
-    /// is exhausted. The size is in bytes.
+    /// Stores a copy of the bytes (UTF-16 text) as the element's CDATA section. The size is in bytes. False, with a
+    /// message, when it already has one, the size is negative, there are no bytes of that size, or memory is exhausted.
     virtual bool AddCDATASection(unsigned char const * bytes, int size) = 0;
     /// In bytes; 0 without a section.
     virtual int GetCDATASectionSize() const = 0;
@@ -216,7 +219,8 @@ public:
                   virtual IVekXMLElement const * GetRootElement() const = 0)
     /// Walks from the root along names separated by slashes or backslashes; the root's own name is not part of the
     /// path, an empty path is the root, and empty components are skipped. Missing elements can be created on the way.
-    /// Returns the element reached, no reference added; null when the document has no root or an element is missing.
+    /// Returns the element reached, no reference added; null when the document has no root, or an element is missing or
+    /// can't be made.
     virtual IVekXMLElement * FindElementFromPath(wchar_t const * path, bool create) = 0;
 
     virtual int GetNumDTDRules() const = 0;
@@ -252,8 +256,8 @@ public:
     /// Reads a file of any encoding that its byte order mark or declaration names. Elements and attributes are added to
     /// the document's root element (made when there is none), which takes the name of the file's outermost element;
     /// attribute values are stored escaped; text outside CDATA sections is dropped. False, with messages, when the file
-    /// can't be read or is malformed; the document then keeps what was read. A file that merely ends early is not an
-    /// error here; ask CVekXMLParser::IsComplete.
+    /// can't be read or is malformed, or the document's root is of a foreign implementation; the document then keeps
+    /// what was read. A file that merely ends early is not an error here; ask CVekXMLParser::IsComplete.
     virtual bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
 };
 
@@ -267,7 +271,7 @@ public:
     /// Writes the document to a new file; false, with messages, when the document has no root or the file can't be
     /// written whole.
     virtual bool WriteXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
-    /// Writes the document to an open stream, at its position; the same failures.
+    /// Writes the document to an open stream, at its position; the same failures, and a null stream.
     virtual bool WriteXML(IVekIOStream * stream, IVekXMLDocument * document) = 0;
 };
 
@@ -338,6 +342,11 @@ private:
 };
 
 /// The library's XML element. Destruction and RemoveAllChildren work through trees of any depth without recursion.
+///
+/// A host may derive from it: an object made by one of the public constructors is taken for the library's own wherever
+/// an element is, and what it overrides is called (AddChild, AddAttribute, SetName and AddCDATASection by a parser that
+/// reads into it as a root; Release and GetName by its parent). One that is made when memory is exhausted may be taken
+/// for an element of a foreign implementation.
 class VEK_API CVekXMLElement : public CVekRefCounted<IVekXMLElement>, public CVekPooled
 {
 public:
@@ -416,8 +425,10 @@ public:
     unsigned char const * GetCDATASection() const override;
 
 private:
+    friend class CVekXMLManager;
     friend class CVekXMLParser;
 
+    struct ChildNames;
     struct Tree;
 
     explicit CVekXMLElement(CVekString<wchar_t> && name);
@@ -426,7 +437,9 @@ private:
     void DestrotyChildren(); // Kept: spelled so.
     void DestroyAttributes();
     bool VariantToString(VEK_VARIANT const & value, CVekString<wchar_t> & text);
+    int FindChildIndex(wchar_t const * name) const;
     void RemoveChildAt(int index);
+    void Renamed();
     void RemoveSection();
     template <class T>
     bool ReadAttribute(int index, T & value, T const & defaultValue) const;
@@ -438,7 +451,10 @@ private:
     CVekPointerArray<CVekXMLElement> m_children;
     CVekPointerArray<CVekXMLAttribute> m_attributes;
     unsigned char * m_cdata = nullptr;
-    int m_hasCDATA = 0;
+    // One field of 32 bits.
+    bool m_hasCDATA = false;
+    bool m_isKnownByAddress = false;
+    bool m_isNameIndexed = false;
     int m_cdataSize = 0;
 };
 
@@ -455,8 +471,8 @@ public:
     bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) override;
     /// As ParseXMLFile, from bytes in memory, which are only read.
     bool ParseXMLMemory(void const * bytes, unsigned int size, IVekXMLDocument * document);
-    /// True when the last successful parse met the end of the outermost element: false tells of a file without any
-    /// element or one that ends early.
+    /// True when the last parse succeeded and met the end of the outermost element: false tells of a file without any
+    /// element, of one that ends early, and of a failure.
     bool IsComplete() const;
 
     /// @cond internal

@@ -1,6 +1,5 @@
 #include "VekIO.h"
 
-#include "io/ByteOrder.h"
 #include "io/ScanText.h"
 
 #include <limits.h>
@@ -12,24 +11,23 @@ namespace
 
 constexpr size_t FILE_BUFFER_SIZE = 65536;
 
-// The mode text of the flags: 'r', 'w', 'b', 't' in this order. Empty for a mode that the runtime does not know, which
-// must not even be asked for.
+// The mode text of the flags; the opening routine refuses what is no mode.
 struct OpenMode
 {
-    wchar_t text[3] = {};
+    wchar_t text[5] = {};
 
     explicit OpenMode(unsigned int flags)
     {
-        bool const reads = (flags & VEK_IO_READ) != 0;
-        bool const binary = (flags & VEK_IO_BINARY) != 0;
-        bool const plainText = (flags & VEK_IO_TEXT) != 0;
-        if (reads == ((flags & VEK_IO_WRITE) != 0) || (binary && plainText))
-            return;
-        text[0] = reads ? L'r' : L'w';
-        if (binary || plainText)
-            text[1] = binary ? L'b' : L't';
+        wchar_t * end = text;
+        if (flags & VEK_IO_READ)
+            *end++ = L'r';
+        if (flags & VEK_IO_WRITE)
+            *end++ = L'w';
+        if (flags & VEK_IO_BINARY)
+            *end++ = L'b';
+        if (flags & VEK_IO_TEXT)
+            *end++ = L't';
     }
-    bool IsKnown() const { return text[0] != L'\0'; }
 };
 
 // Seeks to the end and back; 0 where the runtime can't tell.
@@ -40,6 +38,27 @@ long long EndPosition(FILE * file)
     long long const end = _ftelli64(file);
     _fseeki64(file, before, SEEK_SET);
     return end < 0 ? 0 : end;
+}
+
+// On its way to refusing a place before the start, the runtime drops what it has read ahead and stands behind it.
+bool MoveOrStay(FILE * file, long long offset, int origin)
+{
+    if (offset >= 0)
+        return _fseeki64(file, offset, origin) == 0;
+    long long const before = _ftelli64(file);
+    if (_fseeki64(file, offset, origin) == 0)
+        return true;
+    _fseeki64(file, before, SEEK_SET);
+    return false;
+}
+
+int PrintToFile(FILE * file, char const * format, va_list arguments)
+{
+    return vfprintf_s(file, format, arguments);
+}
+int PrintToFile(FILE * file, wchar_t const * format, va_list arguments)
+{
+    return vfwprintf_s(file, format, arguments);
 }
 
 template <class Result>
@@ -75,7 +94,7 @@ bool CVekFileIOStream::Open(wchar_t const * name, unsigned int flags, unsigned i
     wchar_t nothing[1];
     CVekString<wchar_t> path(name);
     CVekString<wchar_t> fileName(VekGetFileNameFromPathW(name, nothing, 0));
-    if (mode.IsKnown() && !path.IsEmpty())
+    if (!path.IsEmpty())
         m_file = VekFileOpenW(name, mode.text);
     if (!m_file)
     {
@@ -120,15 +139,13 @@ int CVekFileIOStream::GetPosition() const
 
 bool CVekFileIOStream::SetPosition(int position, bool fromEnd)
 {
-    if (!m_file)
-        return false;
     long long const offset = position;
-    return _fseeki64(m_file, fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET) == 0;
+    return m_file && MoveOrStay(m_file, fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
 }
 
 bool CVekFileIOStream::MovePosition(int offset)
 {
-    return m_file && _fseeki64(m_file, offset, SEEK_CUR) == 0;
+    return m_file && MoveOrStay(m_file, offset, SEEK_CUR);
 }
 
 bool CVekFileIOStream::IsAtEnd() const
@@ -191,73 +208,39 @@ char CVekFileIOStream::ReadChar(bool advance)
 
 wchar_t CVekFileIOStream::ReadWChar(bool advance)
 {
-    return CheckOpen() ? static_cast<wchar_t>(ReadWord(advance)) : L'\0';
+    return CheckOpen() ? CVekTypedIOStream::ReadWChar(advance) : L'\0';
 }
 
-template <class Unsigned>
-void CVekFileIOStream::ReadValue(Unsigned & value, bool advance)
+bool CVekFileIOStream::Take(void * value, size_t size, bool advance)
 {
     if (!m_file || !IsReadable())
-        return;
-    Unsigned stored;
-    size_t const count = fread(&stored, 1, sizeof(stored), m_file);
+        return false;
+    size_t const count = fread(value, 1, size, m_file);
     if (!advance && count != 0)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
-    if (count != sizeof(stored))
-        return;
-    value = m_systemByteOrder != m_streamByteOrder ? vek::ReverseBytes(stored) : stored;
+    return count == size;
 }
 
-template <class Unsigned>
-void CVekFileIOStream::WriteValue(Unsigned value, bool advance)
+void CVekFileIOStream::Give(void const * value, size_t size, bool advance)
 {
     if (!m_file || !IsWritable())
         return;
-    if (m_systemByteOrder != m_streamByteOrder)
-        value = vek::ReverseBytes(value);
-    size_t const count = fwrite(&value, 1, sizeof(value), m_file);
+    size_t const count = fwrite(value, 1, size, m_file);
     if (!advance)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
 }
 
-void CVekFileIOStream::ReadFixed(unsigned char & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekFileIOStream::ReadFixed(unsigned short & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekFileIOStream::ReadFixed(unsigned int & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekFileIOStream::ReadFixed(unsigned long long & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekFileIOStream::WriteFixed(unsigned char value, bool advance)
-{
-    WriteValue(value, advance);
-}
-void CVekFileIOStream::WriteFixed(unsigned short value, bool advance)
-{
-    WriteValue(value, advance);
-}
-void CVekFileIOStream::WriteFixed(unsigned int value, bool advance)
-{
-    WriteValue(value, advance);
-}
-void CVekFileIOStream::WriteFixed(unsigned long long value, bool advance)
-{
-    WriteValue(value, advance);
-}
-
-bool CVekFileIOStream::CheckPrintf() const
+template <class Char>
+bool CVekFileIOStream::PrintText(Char const * format, va_list arguments)
 {
     if (!m_file)
+    {
         VekLogOutput(0, L"CVekFileIOStream::Printf --> File is not opened");
-    return m_file != nullptr;
+        return false;
+    }
+    if (format && IsWritable())
+        static_cast<void>(PrintToFile(m_file, format, arguments));
+    return true;
 }
 
 template <class Char>
@@ -273,47 +256,10 @@ bool CVekFileIOStream::ScanText(Char const * format, va_list arguments)
     return vek::ScanWithList(format, arguments, [&](auto... places) { vek::ScanFile(m_file, format, places...); });
 }
 
-bool CVekFileIOStream::Printf(wchar_t const * format, ...)
-{
-    if (!CheckPrintf())
-        return false;
-    va_list arguments;
-    va_start(arguments, format);
-    if (format && IsWritable())
-        static_cast<void>(vfwprintf_s(m_file, format, arguments));
-    va_end(arguments);
-    return true;
-}
-
-bool CVekFileIOStream::Printf(char const * format, ...)
-{
-    if (!CheckPrintf())
-        return false;
-    va_list arguments;
-    va_start(arguments, format);
-    if (format && IsWritable())
-        static_cast<void>(vfprintf_s(m_file, format, arguments));
-    va_end(arguments);
-    return true;
-}
-
-bool CVekFileIOStream::Scanf(wchar_t const * format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    bool const scanned = ScanText(format, arguments);
-    va_end(arguments);
-    return scanned;
-}
-
-bool CVekFileIOStream::Scanf(char const * format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    bool const scanned = ScanText(format, arguments);
-    va_end(arguments);
-    return scanned;
-}
+template VEK_API bool CVekFileIOStream::PrintText(wchar_t const *, va_list);
+template VEK_API bool CVekFileIOStream::PrintText(char const *, va_list);
+template VEK_API bool CVekFileIOStream::ScanText(wchar_t const *, va_list);
+template VEK_API bool CVekFileIOStream::ScanText(char const *, va_list);
 
 struct _iobuf * CVekFileIOStream::GetFileHandle()
 {

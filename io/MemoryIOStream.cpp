@@ -1,28 +1,12 @@
 #include "VekIO.h"
 
 #include "base/Buffer.h"
-#include "io/ByteOrder.h"
-#include "io/FormatText.h"
 #include "io/ScanText.h"
+#include "text/Scan.h"
 
 #include <limits.h>
 #include <stdlib.h>
 #include <string.h>
-
-namespace
-{
-
-// The length of a text, or the limit when it has no terminator before that.
-size_t BoundedLength(char const * text, size_t limit)
-{
-    return strnlen(text, limit);
-}
-size_t BoundedLength(wchar_t const * text, size_t limit)
-{
-    return wcsnlen(text, limit);
-}
-
-} // namespace
 
 CVekMemoryIOStream::CVekMemoryIOStream() = default;
 
@@ -187,77 +171,18 @@ void CVekMemoryIOStream::PassBlock(unsigned int count, bool advance)
         SetPosition(before, false);
 }
 
-template <class Unsigned>
-void CVekMemoryIOStream::ReadValue(Unsigned & value, bool advance)
-{
-    constexpr int bytes = sizeof(value);
-    if (!m_block || m_position > m_size - bytes)
-        return;
-    memcpy(&value, m_block + m_position, sizeof(value));
-    if (m_systemByteOrder != m_streamByteOrder)
-        value = vek::ReverseBytes(value);
-    if (advance)
-        m_position += bytes;
-}
-
-template <class Unsigned>
-void CVekMemoryIOStream::WriteValue(Unsigned value, bool advance)
-{
-    constexpr int bytes = sizeof(value);
-    if (!m_block || m_position > m_size - bytes)
-        return;
-    if (m_systemByteOrder != m_streamByteOrder)
-        value = vek::ReverseBytes(value);
-    memcpy(m_block + m_position, &value, sizeof(value));
-    if (advance)
-        m_position += bytes;
-}
-
-void CVekMemoryIOStream::ReadFixed(unsigned char & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekMemoryIOStream::ReadFixed(unsigned short & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekMemoryIOStream::ReadFixed(unsigned int & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekMemoryIOStream::ReadFixed(unsigned long long & value, bool advance)
-{
-    ReadValue(value, advance);
-}
-void CVekMemoryIOStream::WriteFixed(unsigned char value, bool advance)
-{
-    WriteValue(value, advance);
-}
-void CVekMemoryIOStream::WriteFixed(unsigned short value, bool advance)
-{
-    WriteValue(value, advance);
-}
-void CVekMemoryIOStream::WriteFixed(unsigned int value, bool advance)
-{
-    WriteValue(value, advance);
-}
-void CVekMemoryIOStream::WriteFixed(unsigned long long value, bool advance)
-{
-    WriteValue(value, advance);
-}
-
 char CVekMemoryIOStream::ReadChar(bool advance)
 {
     if (!m_block)
         VekLogOutput(0, L"CVekMemoryIOStream::ReadChar --> Buffer is not allocated");
-    return static_cast<char>(ReadByte(advance));
+    return CVekTypedIOStream::ReadChar(advance);
 }
 
 wchar_t CVekMemoryIOStream::ReadWChar(bool advance)
 {
     if (!m_block)
         VekLogOutput(0, L"CVekMemoryIOStream::ReadWChar --> Buffer is not allocated");
-    return static_cast<wchar_t>(ReadWord(advance));
+    return CVekTypedIOStream::ReadWChar(advance);
 }
 
 template <class Char>
@@ -270,7 +195,7 @@ bool CVekMemoryIOStream::PrintText(Char const * format, va_list arguments)
     }
     va_list again;
     va_copy(again, arguments);
-    int const length = format ? vek::FormattedLength(format, again) : -1;
+    int const length = format ? vek::CharTraits<Char>::FormattedLength(format, again) : -1;
     va_end(again);
     if (length < 0)
         return false;
@@ -281,7 +206,7 @@ bool CVekMemoryIOStream::PrintText(Char const * format, va_list arguments)
         return false;
     }
     size_t const room = static_cast<size_t>(m_size - m_position) / sizeof(Char);
-    vek::FormatInto(reinterpret_cast<Char *>(m_block + m_position), room, format, arguments);
+    vek::CharTraits<Char>::Format(reinterpret_cast<Char *>(m_block + m_position), room, format, arguments);
     m_position = static_cast<int>(end);
     return true;
 }
@@ -298,7 +223,7 @@ bool CVekMemoryIOStream::ScanText(Char const * format, va_list arguments)
         return false;
     // Kept: the scan starts at the block's start, wherever the position is; callers scan a block of their own.
     auto const * const text = reinterpret_cast<Char const *>(m_block);
-    size_t const length = BoundedLength(text, static_cast<size_t>(m_size) / sizeof(Char));
+    size_t const length = vek::BoundedLength(text, static_cast<size_t>(m_size) / sizeof(Char));
     vek::Buffer<Char> copy;
     if (!copy.Reserve(length + 1) || !copy.Append(text, length) || !copy.Append(Char{}))
         return false;
@@ -306,41 +231,10 @@ bool CVekMemoryIOStream::ScanText(Char const * format, va_list arguments)
                              [&](auto... places) { vek::ScanString(copy.Data(), format, places...); });
 }
 
-bool CVekMemoryIOStream::Printf(wchar_t const * format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    bool const printed = PrintText(format, arguments);
-    va_end(arguments);
-    return printed;
-}
-
-bool CVekMemoryIOStream::Printf(char const * format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    bool const printed = PrintText(format, arguments);
-    va_end(arguments);
-    return printed;
-}
-
-bool CVekMemoryIOStream::Scanf(wchar_t const * format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    bool const scanned = ScanText(format, arguments);
-    va_end(arguments);
-    return scanned;
-}
-
-bool CVekMemoryIOStream::Scanf(char const * format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    bool const scanned = ScanText(format, arguments);
-    va_end(arguments);
-    return scanned;
-}
+template VEK_API bool CVekMemoryIOStream::PrintText(wchar_t const *, va_list);
+template VEK_API bool CVekMemoryIOStream::PrintText(char const *, va_list);
+template VEK_API bool CVekMemoryIOStream::ScanText(wchar_t const *, va_list);
+template VEK_API bool CVekMemoryIOStream::ScanText(char const *, va_list);
 
 unsigned char * CVekMemoryIOStream::GetBuffer()
 {

@@ -1,4 +1,5 @@
 #include "VekPackets.h"
+#include "VekRef.h"
 
 namespace
 {
@@ -17,6 +18,17 @@ bool CopyPointers(Children const & source, Children & target)
     target.Swap(copy);
     copy.Free();
     return true;
+}
+
+// The entry that was cleared at an index, which may have moved since; -1 when it is gone.
+int FindCleared(Children const & children, int index)
+{
+    if (children.Has(index) && !children[index])
+        return index;
+    int i = children.GetCount() - 1;
+    while (i >= 0 && children[i])
+        --i;
+    return i;
 }
 
 } // namespace
@@ -77,9 +89,18 @@ bool CVekResourceFilePacket::RemoveChild(int index)
         return false;
     }
     CVekResourceFilePacket * const child = m_children[index];
-    m_children.RemoveAt(index);
-    if (child)
-        child->Release(); // last: it may be what keeps this packet alive
+    if (!child)
+    {
+        m_children.RemoveAt(index);
+        return true;
+    }
+    // Kept: the child's place goes last; its destructor still finds as many children as before. It finds its own place
+    // empty, may change the list, and may give up what keeps this packet alive. A packet in its own destructor has
+    // nothing left to keep.
+    auto const self = CVekRef<CVekResourceFilePacket>::Share(GetRefCount() != 0 ? this : nullptr);
+    m_children.Set(index, nullptr);
+    child->Release();
+    m_children.RemoveAt(FindCleared(m_children, index));
     return true;
 }
 

@@ -37,7 +37,7 @@ int CountScanArguments(Char const * format) noexcept
         if (*format++ != '%')
             continue;
         bool suppressed = false;
-        for (; (*format >= '0' && *format <= '9') || (*format && wcschr(L"*hlLwIFN", static_cast<wchar_t>(*format)));
+        for (; (*format >= '0' && *format <= '9') || (*format && wcschr(L"*hlLwzIFN", static_cast<wchar_t>(*format)));
              ++format)
             suppressed |= *format == '*';
         auto const conversion = static_cast<wchar_t>(*format);

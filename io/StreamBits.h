@@ -1,6 +1,6 @@
 #pragma once
 
-#include "io/ByteOrder.h"
+#include "VekIO.h"
 
 #include <bit>
 #include <type_traits>
@@ -20,13 +20,13 @@ template <class T>
 BitsOf<T> ToBits(T value, bool reversed) noexcept
 {
     auto const bits = std::bit_cast<BitsOf<T>>(value);
-    return reversed ? ReverseBytes(bits) : bits;
+    return reversed ? VekReverseBytes(bits) : bits;
 }
 
 template <class T>
 T FromBits(BitsOf<T> bits, bool reversed) noexcept
 {
-    return std::bit_cast<T>(reversed ? ReverseBytes(bits) : bits);
+    return std::bit_cast<T>(reversed ? VekReverseBytes(bits) : bits);
 }
 
 } // namespace vek

@@ -9,6 +9,7 @@
 #include <limits.h>
 #include <string.h>
 
+#include <atomic>
 #include <new>
 
 namespace
@@ -44,7 +45,6 @@ bool CVekTypedDataReader::Read(IVekIOStream * stream)
 {
     if (!stream)
         return false;
-    DropIndex();
     vek::TypedDataSource source(*stream);
     return ReadEntries(source);
 }
@@ -86,6 +86,8 @@ bool CVekTypedDataReader::ReadEntry(vek::TypedDataSource & source)
     // Kept: an entry for which the list can't grow is dropped, and reading goes on.
     if (!m_entries.Append(entry))
         delete entry;
+    else if (m_index && !AddToIndex(*m_index))
+        DropIndex();
     return true;
 }
 
@@ -129,11 +131,12 @@ CVekTypedDataEntry const * CVekTypedDataReader::FindEntry(wchar_t const * name) 
 // Made by the first look-up; several threads may look up at once, and the index of one of them stays.
 vek::NameIndex const * CVekTypedDataReader::FindIndex() const
 {
-    vek::NameIndex * known = __atomic_load_n(&m_index, __ATOMIC_ACQUIRE);
+    std::atomic_ref<vek::NameIndex *> const index(m_index);
+    vek::NameIndex * known = index.load(std::memory_order_acquire);
     if (known)
         return known;
     vek::NameIndex * const made = MakeIndex();
-    if (made && __atomic_compare_exchange_n(&m_index, &known, made, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE))
+    if (made && index.compare_exchange_strong(known, made, std::memory_order_acq_rel, std::memory_order_acquire))
         return made;
     delete made;
     return known;
@@ -142,17 +145,23 @@ vek::NameIndex const * CVekTypedDataReader::FindIndex() const
 vek::NameIndex * CVekTypedDataReader::MakeIndex() const
 {
     auto * const index = new (std::nothrow) vek::NameIndex;
-    bool made = index && index->Reserve(static_cast<size_t>(m_entries.GetCount()));
-    for (int i = 0; made && i < m_entries.GetCount(); ++i)
-    {
-        CVekString<wchar_t> const & name = m_entries[i]->m_name;
-        vek::SoughtName const sought{vek::GivenText(name)};
-        made = index->AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); });
-    }
-    if (made)
+    if (index && index->Reserve(static_cast<size_t>(m_entries.GetCount())) && AddToIndex(*index))
         return index;
     delete index;
     return nullptr;
+}
+
+// Adds the entries that it doesn't know yet; false when memory is exhausted.
+bool CVekTypedDataReader::AddToIndex(vek::NameIndex & index) const
+{
+    bool added = true;
+    while (added && index.Count() < m_entries.GetCount())
+    {
+        CVekString<wchar_t> const & name = m_entries[index.Count()]->m_name;
+        vek::SoughtName const sought{vek::GivenText(name)};
+        added = index.AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); });
+    }
+    return added;
 }
 
 void CVekTypedDataReader::DropIndex()

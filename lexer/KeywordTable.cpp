@@ -32,8 +32,9 @@ bool KeywordTable::Add(wchar_t const * text, int id, bool caseSensitive) noexcep
     if (length >= INT_MAX || count > MOST_KEYWORDS || !m_entries.Reserve(count))
         return false;
     auto * const keyword = new (std::nothrow) CVekLexer::Keyword(text, static_cast<int>(length), id, caseSensitive);
-    bool const isWhole = keyword && keyword->m_text.GetLength() == static_cast<int>(length);
-    if (!isWhole || (m_slots.Size() < count * SLOTS_PER_KEYWORD && !MakeSlots(m_slots.Size() * 2) && m_slots.Empty()))
+    if (m_slots.Size() < count * SLOTS_PER_KEYWORD)
+        MakeSlots(m_slots.Size() * 2); // if that fails, fuller ones will do
+    if (!keyword || keyword->m_text.GetLength() != static_cast<int>(length) || m_slots.Empty())
     {
         delete keyword;
         return false;

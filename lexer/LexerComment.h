@@ -27,6 +27,7 @@ public:
     CVekString<wchar_t> m_start;
     CVekString<wchar_t> m_end;
     bool m_isLine;
+    Comment * m_next = nullptr; // of the same chain in the tables
 
 private:
     static bool Matches(CVekString<wchar_t> const & delimiter, int from, wchar_t const * at, wchar_t const * end);

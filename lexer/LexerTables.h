@@ -24,7 +24,10 @@ struct CVekLexer::Tables
     /// The first comment whose start delimiter stands at the place, or null.
     Comment const * FindComment(wchar_t const * at, wchar_t const * end) const
     {
-        return startsComment[static_cast<unsigned char>(*at)] ? SearchComment(at, end) : nullptr;
+        Comment const * comment = firstComments[static_cast<unsigned char>(*at)];
+        while (comment && !comment->StartsAt(at, end))
+            comment = comment->m_next;
+        return comment;
     }
 
     vek::KeywordTable keywords;
@@ -33,9 +36,8 @@ struct CVekLexer::Tables
 private:
     ~Tables();
 
-    Comment const * SearchComment(wchar_t const * at, wchar_t const * end) const;
-
-    vek::Buffer<Comment *> comments;
-    bool startsComment[256] = {}; // by the low byte of its first character
+    // In the order of registration, by the low byte of the start's first character.
+    Comment * firstComments[256] = {};
+    Comment * lastComments[256] = {};
     int users = 1;
 };

@@ -20,7 +20,7 @@ constexpr int EXACT_POWER = 10;
 bool ExactReal(wchar_t const * text, size_t length, float & value) noexcept
 {
     PlainNumber number;
-    if (number.Scan(text, text + length) != text + length || number.Digits() == 0 || number.Whole() > EXACT_INTEGER ||
+    if (number.Scan(text, text + length) != text + length || !number.IsExact() || number.Whole() > EXACT_INTEGER ||
         number.Decimals() > EXACT_POWER)
         return false;
     value = static_cast<float>(number.Value());

@@ -54,9 +54,7 @@ bool OperatorTree::Add(wchar_t const * text, int id) noexcept
 
 int OperatorTree::FindChild(int parent, wchar_t unit) const noexcept
 {
-    if (parent == ROOT && unit < CLASSED_UNITS)
-        return m_roots[unit];
-    int at = m_nodes[static_cast<size_t>(parent)].child;
+    int at = FirstChild(parent, unit);
     while (at != NONE && m_nodes[static_cast<size_t>(at)].unit != unit)
         at = m_nodes[static_cast<size_t>(at)].sibling;
     return at;
@@ -65,11 +63,8 @@ int OperatorTree::FindChild(int parent, wchar_t unit) const noexcept
 int OperatorTree::AddChild(int parent, wchar_t unit, CVekLexer::Operator const * first) noexcept
 {
     int const index = static_cast<int>(m_nodes.Size());
-    Node & above = m_nodes[static_cast<size_t>(parent)];
-    m_nodes.Append({unit, NONE, above.child, first, nullptr}); // there is room: nothing moves
-    above.child = index;
-    if (parent == ROOT && unit < CLASSED_UNITS)
-        m_roots[unit] = index;
+    m_nodes.Append({unit, NONE, FirstChild(parent, unit), first, nullptr}); // there is room: nothing moves
+    (parent == ROOT ? m_roots[unit % ROOTS] : m_nodes[static_cast<size_t>(parent)].child) = index;
     return index;
 }
 

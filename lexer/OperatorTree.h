@@ -32,20 +32,25 @@ private:
     struct Node
     {
         wchar_t unit;
-        int child;                         // the first of its children; NONE for none
-        int sibling;                       // the next child of the same parent
+        int child;                         // the first of its children; NONE for none, and for the root
+        int sibling;                       // the next in the same list
         CVekLexer::Operator const * first; // the first registered that has this beginning
         CVekLexer::Operator const * whole; // the first registered whose text ends here
     };
     static constexpr int NONE = -1;
     static constexpr int ROOT = 0;
+    static constexpr size_t ROOTS = 256;
 
+    int FirstChild(int parent, wchar_t unit) const noexcept
+    {
+        return parent == ROOT ? m_roots[unit % ROOTS] : m_nodes[static_cast<size_t>(parent)].child;
+    }
     int FindChild(int parent, wchar_t unit) const noexcept;
     int AddChild(int parent, wchar_t unit, CVekLexer::Operator const * first) noexcept;
 
     Buffer<CVekLexer::Operator *> m_operators;
     Buffer<Node> m_nodes;
-    int m_roots[CLASSED_UNITS]; // the root's children of the first characters, which it has in its list, too
+    int m_roots[ROOTS]; // the lists of the root's children, by the low byte of their characters
 };
 
 } // namespace vek

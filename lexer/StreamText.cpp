@@ -1,5 +1,8 @@
 #include "lexer/StreamText.h"
 
+#include "base/AsOwn.h"
+
+#include <limits.h>
 #include <stdint.h>
 
 namespace vek
@@ -10,11 +13,31 @@ namespace
 constexpr unsigned int PIECE = 64 * 1024;
 constexpr uint32_t REPLACEMENT = 0xFFFD;
 
+// Of a host's stream; the library's own always tell it.
+bool TellsNoSize(IVekIOStream & stream, unsigned int size) noexcept
+{
+    return (size == 0 || size == UINT_MAX) && !AsOwn<CVekFileIOStream>(stream) && !AsOwn<CVekMemoryIOStream>(stream);
+}
+
+// Byte by byte: only a block's result tells the end, and what a larger one that fails has taken is not known.
+StreamReading ReadToEnd(IVekIOStream & stream, Buffer<uint8_t> & bytes) noexcept
+{
+    uint8_t byte = 0;
+    while (stream.Read(&byte, 1, true))
+    {
+        if (bytes.Size() >= UINT_MAX || !bytes.Append(byte))
+            return StreamReading::NoMemory;
+    }
+    return StreamReading::Done;
+}
+
 // Piece by piece: what a stream says about its size is believed only as far as there are bytes.
 StreamReading ReadBytes(IVekIOStream & stream, Buffer<uint8_t> & bytes) noexcept
 {
     int const position = stream.GetPosition();
     unsigned int const size = stream.GetSize();
+    if (TellsNoSize(stream, size))
+        return ReadToEnd(stream, bytes);
     unsigned int rest =
         position >= 0 && static_cast<unsigned int>(position) < size ? size - static_cast<unsigned int>(position) : 0;
     while (rest > 0)

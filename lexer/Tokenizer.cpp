@@ -33,9 +33,9 @@ void CVekTokenizer::RemoveAll()
 
 bool CVekTokenizer::Tokenize(IVekLexer * lexer, wchar_t const * text, int length)
 {
-    RemoveAll();
     if (!lexer)
     {
+        RemoveAll();
         VekLogOutput(0, L"CVekTokenizer::Tokenize --> Lexer is NULL");
         return false;
     }
@@ -45,26 +45,32 @@ bool CVekTokenizer::Tokenize(IVekLexer * lexer, wchar_t const * text, int length
 
 bool CVekTokenizer::Tokenize(IVekLexer * lexer, IVekIOStream * stream)
 {
-    RemoveAll();
     if (!lexer || !stream)
     {
+        RemoveAll();
         VekLogOutput(0, L"CVekTokenizer::Tokenize --> %s is NULL", lexer ? L"Stream" : L"Lexer");
         return false;
     }
     vek::Buffer<wchar_t> text;
     vek::StreamReading const reading =
         stream->IsReadable() ? vek::ReadStreamText(*stream, text) : vek::StreamReading::Failed;
+    if (reading == vek::StreamReading::Done && text.Size() <= INT_MAX)
+        return Collect(*lexer, text.Data(), static_cast<int>(text.Size()));
+    RemoveAll();
     if (reading == vek::StreamReading::Failed)
         VekLogOutput(0, L"CVekTokenizer::Tokenize --> Failed to read stream");
-    if (reading == vek::StreamReading::NoMemory || text.Size() > INT_MAX)
+    else
         VekLogOutput(0, L"CVekTokenizer::Tokenize --> Failed to allocate text");
-    return reading == vek::StreamReading::Done && text.Size() <= INT_MAX &&
-           Collect(*lexer, text.Data(), static_cast<int>(text.Size()));
+    return false;
 }
 
+// The text may be a token's of the list that is replaced, and the lexer may come back here: the old list stays until
+// the new one is whole.
 bool CVekTokenizer::Collect(IVekLexer & lexer, wchar_t const * text, int length)
 {
-    vek::TokenList * tokens = nullptr;
+    auto const self = CVekRef<CVekTokenizer>::Share(this);
+    auto const old = CVekRef<vek::TokenList>::Share(m_tokens);
+    CVekRef<vek::TokenList> tokens;
     auto const collector =
         CVekRef<CVekTokenizerCallback>::Adopt(new (std::nothrow) CVekTokenizerCallback(text, length));
     if (collector)
@@ -74,30 +80,32 @@ bool CVekTokenizer::Collect(IVekLexer & lexer, wchar_t const * text, int length)
         lexer.SetCallback(collector.Get());
         lexer.Parse(text, length);
         lexer.SetCallback(callback.Get());
-        tokens = collector->Finish();
+        tokens.Reset(collector->Finish());
     }
-    if (tokens && Select(tokens, m_filter, m_selected, m_numSelected))
+    RemoveAll();
+    if (tokens && Select(tokens.Get(), m_filter, m_selected, m_numSelected))
     {
-        m_tokens = tokens;
+        m_tokens = tokens.Detach();
         return true;
     }
-    if (tokens)
-        tokens->Release();
     VekLogOutput(0, L"CVekTokenizer::Tokenize --> Failed to allocate tokens");
     return false;
 }
 
+// False, with neither of the two set, when memory is exhausted.
 bool CVekTokenizer::Select(vek::TokenList const * tokens, unsigned int kinds, int *& indices, int & count)
 {
-    indices = nullptr;
     int const all = tokens ? tokens->Count() : 0;
-    count = all;
     if ((kinds & TOKEN_ALL) == TOKEN_ALL || all == 0)
+    {
+        indices = nullptr;
+        count = all;
         return true;
-    count = 0;
+    }
+    int matching = 0;
     for (int i = 0; i < all; ++i)
-        count += (tokens->At(i)->m_kind & kinds) != 0;
-    auto * const selected = static_cast<int *>(malloc((static_cast<size_t>(count) + 1) * sizeof(int)));
+        matching += (tokens->At(i)->m_kind & kinds) != 0;
+    auto * const selected = static_cast<int *>(malloc((static_cast<size_t>(matching) + 1) * sizeof(int)));
     if (!selected)
         return false;
     int * end = selected;
@@ -105,6 +113,7 @@ bool CVekTokenizer::Select(vek::TokenList const * tokens, unsigned int kinds, in
         if (tokens->At(i)->m_kind & kinds)
             *end++ = i;
     indices = selected;
+    count = matching;
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "VekMath.h"
 
+#include "base/Nothing.h"
 #include "math/Pack.h"
 
 #include <stdint.h>
@@ -116,9 +117,7 @@ void CVekMatrix<T>::Destroy()
 template <class T>
 T & CVekMatrix<T>::OutsideElement() noexcept
 {
-    thread_local T nothing; // a thread that writes to it disturbs no other
-    nothing = T(0);
-    return nothing;
+    return vek::Nothing<T>();
 }
 
 template <class T>

@@ -20,6 +20,27 @@ bool NameIndex::AddHashed(uint32_t hash) noexcept
     return true;
 }
 
+void NameIndex::ForgetLast() noexcept
+{
+    if (!m_order.Empty() && m_order.Back().position == static_cast<uint32_t>(m_count))
+    {
+        // Nothing was placed after it: no search goes on across its slot.
+        size_t at = m_order.Back().hash & Mask();
+        while (m_slots[at].position != m_order.Back().position)
+            at = (at + 1) & Mask();
+        m_slots[at] = {};
+        m_order.PopBack();
+    }
+    --m_count;
+}
+
+void NameIndex::Clear() noexcept
+{
+    m_slots.Clear();
+    m_order.Clear();
+    m_count = 0;
+}
+
 bool NameIndex::Reserve(size_t count) noexcept
 {
     return count < SIZE_MAX / 4 && m_order.Reserve(count) &&

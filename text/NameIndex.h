@@ -34,6 +34,10 @@ public:
     bool Reserve(size_t count) noexcept;
     /// Counts the next entry without adding it, so that it is never found.
     void Skip() noexcept { ++m_count; }
+    /// Forgets the last entry that it knows, which must exist.
+    void ForgetLast() noexcept;
+    /// Forgets all entries.
+    void Clear() noexcept;
 
     /// The first entry for which the predicate, called with its position, is true among those that may have the name;
     /// -1 when there is none.

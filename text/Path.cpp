@@ -161,9 +161,12 @@ struct PlatformPath
         if (colons % 2 != 0)
             attributes |= FILE_ATTRIBUTE_DIRECTORY;
     }
-    // A beginning of two characters that two paths have in common it counts as three, as if a separator followed.
-    void EndPair(PlatformPath const & other)
+    // A beginning of two characters that two paths have in common it counts as three, as if a separator followed. Of a
+    // path to a file it looks at the directory.
+    void EndPair(PlatformPath other)
     {
+        if ((other.attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            PathRemoveFileSpecW(other.text);
         bool const isRoot = text[1] == L'\\' && (text[0] == L'\\' || text[0] == L':');
         if (length == 2 && (isRoot || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) &&
             PathCommonPrefixW(text, other.text, nullptr) == 3)
@@ -257,6 +260,7 @@ bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from, unsign
     return Store(out, relative);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): kept: by value, as hosts link it
 bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base)
 {
     // The platform's routine looks a little in front of what it writes, and behind a ".." that ends the path.

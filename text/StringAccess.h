@@ -156,42 +156,33 @@ struct TextPiece
     int length;
 };
 
-/// A new object of copies of the texts, which share its block when all of them are short. It is made by the function
+/// A new object of copies of one or two texts, which share its block when they are short. It is made by the function
 /// construct, from its place and one string for each text. Null when memory is exhausted.
-template <class T, class Construct, class... Pieces>
-T * MakeInOneBlock(Construct construct, Pieces... pieces) noexcept
+template <class T, class Construct, class... More>
+T * MakeInOneBlock(Construct construct, TextPiece first, More... second) noexcept
 {
+    static_assert(sizeof...(second) <= 1);
     using Access = StringAccess<wchar_t>;
     constexpr int EMBEDDED_UNITS = 128;
-    bool const isShort = ((pieces.length < EMBEDDED_UNITS) && ...);
-    size_t const textBytes = (Access::EmbeddedBytes(static_cast<size_t>(pieces.length)) + ...);
-    size_t const size = sizeof(T) + (isShort ? textBytes : 0);
-    auto * const block = static_cast<char *>(PoolAllocate(size));
-    if (!block)
-        return nullptr;
-    char * free = block + sizeof(T);
-    bool isWhole = true;
-    auto const copy = [&](TextPiece const & piece)
+    auto const units = [](TextPiece const & piece) { return static_cast<size_t>(piece.length); };
+    if (first.length < EMBEDDED_UNITS && ((second.length < EMBEDDED_UNITS) && ...))
     {
-        if (!isShort)
-        {
-            CVekString<wchar_t> text(piece.text, piece.length);
-            isWhole = isWhole && text.GetLength() == piece.length;
-            return text;
-        }
-        auto const units = static_cast<size_t>(piece.length);
-        char * const place = free;
-        free += Access::EmbeddedBytes(units);
-        return Access::Embed(place, piece.text, units);
-    };
-    auto const finish = [&](auto &&... texts) -> T *
+        size_t const firstBytes = Access::EmbeddedBytes(units(first));
+        size_t const secondBytes = (size_t{0} + ... + Access::EmbeddedBytes(units(second)));
+        auto * const block = static_cast<char *>(PoolAllocate(sizeof(T) + firstBytes + secondBytes));
+        char * const texts = block + sizeof(T);
+        return block ? construct(block, Access::Embed(texts, first.text, units(first)),
+                                 Access::Embed(texts + firstBytes, second.text, units(second))...)
+                     : nullptr;
+    }
+    // Without memory for it a copy is empty.
+    auto const finish = [construct, length = (units(first) + ... + units(second))](auto &&... texts) -> T *
     {
-        if (isWhole)
-            return construct(static_cast<void *>(block), std::move(texts)...);
-        PoolFree(block, size);
-        return nullptr;
+        bool const isWhole = (static_cast<size_t>(texts.GetLength()) + ...) == length;
+        void * const block = isWhole ? PoolAllocate(sizeof(T)) : nullptr;
+        return block ? construct(block, std::move(texts)...) : nullptr;
     };
-    return finish(copy(pieces)...);
+    return finish(CVekString<wchar_t>(first.text, first.length), CVekString<wchar_t>(second.text, second.length)...);
 }
 
 } // namespace vek

@@ -1,3 +1,4 @@
+#include "base/Nothing.h"
 #include "text/DataTypes.h"
 #include "text/StringAccess.h"
 
@@ -33,9 +34,7 @@ T & VEK_VARIANT::Object()
 {
     if (T * const object = FindObject<T>())
         return *object;
-    static T none;
-    none = T();
-    return none;
+    return vek::Nothing<T>();
 }
 
 template <class T>

@@ -2,17 +2,13 @@
 
 #include "VekCore.h"
 
-#include "text/NameIndex.h"
-#include "text/Names.h"
-
-#include <new>
+#include "xml/ListIndex.h"
 
 namespace vek
 {
 
 /// An ordered list of counted objects that have a name for life; each entry holds one reference, and T::ReleaseAll
-/// gives all of a list's references back. Long lists are searched through an index, so that adding only what is not
-/// there yet takes linear time.
+/// gives all of a list's references back.
 template <class T>
 class NamedList
 {
@@ -37,17 +33,7 @@ public:
     template <class Predicate>
     int FindIf(GivenText const & name, Predicate predicate) const noexcept
     {
-        SoughtName const sought(name);
-        auto const isMatch = [&](int index)
-        { return sought.Is(m_entries[index]->GetName()) && predicate(*m_entries[index]); };
-        if (m_entries.GetCount() >= INDEXED_FROM && name.length != 0 && UpdateIndex())
-            return m_index->Find(name, isMatch);
-        for (int i = 0; i < m_entries.GetCount(); ++i)
-        {
-            if (isMatch(i))
-                return i;
-        }
-        return -1;
+        return ListIndex::Find(m_entries, name, predicate);
     }
 
     /// Appends a new object and takes its reference over. Returns its index; -1, with the message for the case, when
@@ -72,43 +58,20 @@ public:
     void RemoveAt(int index) noexcept
     {
         T * const entry = m_entries[index];
+        ListIndex::Leave(m_entries, index);
         m_entries.RemoveAt(index);
-        DropIndex();
         entry->Release();
     }
     void RemoveAll() noexcept
     {
-        DropIndex();
+        ListIndex::Drop(m_entries);
         CVekPointerArray<T> entries;
         entries.Swap(m_entries);
         T::ReleaseAll(entries);
     }
 
 private:
-    static constexpr int INDEXED_FROM = 32;
-
-    bool UpdateIndex() const noexcept
-    {
-        if (!m_index)
-            m_index = new (std::nothrow) NameIndex;
-        while (m_index && m_index->Count() < m_entries.GetCount())
-        {
-            CVekString<wchar_t> const & name = m_entries[m_index->Count()]->GetName();
-            if (name.IsEmpty())
-                m_index->Skip(); // never sought here
-            else if (!m_index->Add(name))
-                return false;
-        }
-        return m_index != nullptr;
-    }
-    void DropIndex() noexcept
-    {
-        delete m_index;
-        m_index = nullptr;
-    }
-
     CVekPointerArray<T> m_entries;
-    mutable NameIndex * m_index = nullptr; // of a long list that was searched
 };
 
 /// Gives back the references of a list whose entries hold none of their own kind, and frees its storage.

@@ -2,6 +2,10 @@
 
 #include "VekCore.h"
 
+#include <limits.h>
+
+#include <atomic>
+
 namespace vek
 {
 
@@ -9,9 +13,22 @@ namespace vek
 inline bool DropReference(VekObjectCommonData & common) noexcept
 {
     // The only holder need not count down indivisibly: nobody else can be holding or taking a reference.
-    if (__atomic_load_n(&common.refCount, __ATOMIC_ACQUIRE) != 1)
+    if (std::atomic_ref(common.refCount).load(std::memory_order_acquire) != 1)
         return VekInterlockedDecrement(common.refCount) == 0;
     common.refCount = 0;
+    return true;
+}
+
+/// Moves all entries of a list to the end of another; false, with both unchanged, when memory is exhausted.
+template <class Node>
+bool MoveEntries(CVekPointerArray<Node> & from, CVekPointerArray<Node> & to) noexcept
+{
+    if (from.GetCount() > INT_MAX - to.GetCount() || !to.Reserve(to.GetCount() + from.GetCount()))
+        return false;
+    for (int i = 0; i < from.GetCount(); ++i)
+        to.Append(from[i]); // room was made above
+    while (from.GetCount() > 0)
+        from.TakeLast();
     return true;
 }
 
@@ -19,7 +36,9 @@ inline bool DropReference(VekObjectCommonData & common) noexcept
 /// lost its last reference, with all below it that only it held. Works through trees of any depth and width without
 /// recursion and without memory: a node that waits for the end of its children is linked through a field of its own.
 ///
-/// Tree tells how to reach a node's parts: Children(node), Link(node) and Common(node), each a reference to the field.
+/// Tree tells how to reach a node's parts: Children(node) and Link(node), each a reference to the field.
+/// Drop(node, list) gives a node's reference back and is true when the node is to be destroyed here; what a node that
+/// destroys itself held may join the list, in which it stood itself.
 template <class Node, class Tree>
 void ReleaseTree(CVekPointerArray<Node> & nodes) noexcept
 {
@@ -32,7 +51,7 @@ void ReleaseTree(CVekPointerArray<Node> & nodes) noexcept
     while (taken.GetCount() > 0)
     {
         Node * node = taken.TakeLast();
-        if (!node || !DropReference(Tree::Common(*node)))
+        if (!node || !Tree::Drop(*node, taken))
             continue;
         Tree::Link(*node) = nullptr;
         while (node)
@@ -45,8 +64,9 @@ void ReleaseTree(CVekPointerArray<Node> & nodes) noexcept
                 node = above;
                 continue;
             }
-            Node * const child = Tree::Children(*node).TakeLast();
-            if (!child || !DropReference(Tree::Common(*child)))
+            CVekPointerArray<Node> & children = Tree::Children(*node);
+            Node * const child = children.TakeLast();
+            if (!child || !Tree::Drop(*child, children))
                 continue;
             Tree::Link(*child) = node;
             node = child;

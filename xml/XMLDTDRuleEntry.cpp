@@ -5,7 +5,10 @@
 // The parts of an entry that the release of a tree works on.
 struct CVekXMLDTDRuleEntry::Tree
 {
-    static VekObjectCommonData & Common(CVekXMLDTDRuleEntry & entry) { return entry.m_common; }
+    static bool Drop(CVekXMLDTDRuleEntry & entry, CVekPointerArray<CVekXMLDTDRuleEntry> &)
+    {
+        return vek::DropReference(entry.m_common);
+    }
     static CVekPointerArray<CVekXMLDTDRuleEntry> & Children(CVekXMLDTDRuleEntry & entry)
     {
         return entry.m_children.Entries();

@@ -25,10 +25,10 @@ public:
     {
     }
 
-    bool Rule(IVekXMLDTDRule const & rule, unsigned level) noexcept
+    bool Rule(IVekXMLDTDRule const & rule) noexcept
     {
         int const count = rule.GetNumRuleEntries();
-        Prefix(level, 0);
+        Prefix(LEVEL, 0);
         m_output.Text(L"<!ELEMENT ");
         m_output.Text(rule.GetName());
         if (rule.GetType() == VEK_XML_DTD_EMPTY)
@@ -43,40 +43,43 @@ public:
         }
         // Kept: every other content is written as a group, ANY as an empty one.
         m_output.Text(L"\n");
-        Prefix(level, 0);
+        Prefix(LEVEL, 0);
         m_output.Text(L"(\n");
         for (int i = 0; i < count; ++i)
         {
-            if (!Entry(rule.GetRuleEntry(i), level + 1, i == count - 1))
+            if (!Entry(rule.GetRuleEntry(i), i == count - 1))
                 return false;
         }
-        Prefix(level, 0);
+        Prefix(LEVEL, 0);
         m_output.Text(L")>\n");
         return true;
     }
 
-    void AttributeList(IVekXMLDTDAttributeList const & list, unsigned level) noexcept
+    void AttributeList(IVekXMLDTDAttributeList const & list) noexcept
     {
-        Prefix(level, 0);
+        Prefix(LEVEL, 0);
         m_output.Text(L"<!ATTLIST ");
         m_output.Text(list.GetName());
         m_output.Text(L"\n");
         for (int i = 0; i < list.GetNumAttributeEntries(); ++i)
         {
             if (auto const * const entry = list.GetAttributeEntry(i))
-                AttributeEntry(*entry, level + 1);
+                AttributeEntry(*entry);
         }
-        Prefix(level, 0);
+        Prefix(LEVEL, 0);
         m_output.Text(L">\n");
     }
 
 private:
+    /// Where declarations stand; what they hold stands one level deeper.
+    static constexpr unsigned LEVEL = 1;
+
     void Prefix(uint64_t level, unsigned extra) noexcept { m_output.Spaces(m_indentation * level + extra); }
 
-    void AttributeEntry(IVekXMLDTDAttributeList::AttributeEntry const & entry, unsigned level) noexcept
+    void AttributeEntry(IVekXMLDTDAttributeList::AttributeEntry const & entry) noexcept
     {
         constexpr int NAME_COLUMNS = 20;
-        Prefix(level, 1);
+        Prefix(LEVEL + 1, 1);
         m_output.Text(entry.GetName());
         if (entry.GetName().GetLength() < NAME_COLUMNS)
             m_output.Spaces(static_cast<uint64_t>(NAME_COLUMNS - entry.GetName().GetLength()));
@@ -97,13 +100,13 @@ private:
             m_output.Text(L"*");
     }
 
-    bool Entry(RuleEntry const * entry, unsigned level, bool isLast) noexcept
+    bool Entry(RuleEntry const * entry, bool isLast) noexcept
     {
         if (!entry)
             return true;
         if (entry->GetName().GetLength() == 0)
-            return Group(*entry, level, isLast);
-        Prefix(level, 1);
+            return Group(*entry, isLast);
+        Prefix(LEVEL + 1, 1);
         m_output.Text(entry->GetName());
         Suffix(*entry);
         EndEntry(isLast);
@@ -119,15 +122,15 @@ private:
     }
 
     // Kept: the members of every group read as a choice, whatever the group's kind.
-    bool Group(RuleEntry const & outermost, unsigned level, bool isLast) noexcept
+    bool Group(RuleEntry const & outermost, bool isLast) noexcept
     {
         Buffer<OpenGroup> open;
-        if (!BeginGroup(open, outermost, level, isLast))
+        if (!BeginGroup(open, outermost, LEVEL + 1, isLast))
             return false;
         while (!open.Empty() && !m_output.HasFailed())
         {
             OpenGroup & current = open.Back();
-            uint64_t const depth = level + open.Size() - 1;
+            uint64_t const depth = LEVEL + open.Size();
             if (current.next == current.group->GetNumChildren())
             {
                 Prefix(depth, 1);
@@ -183,13 +186,13 @@ bool WriteDocumentType(XMLOutput & output, IVekXMLDocument & document, int inden
     for (int i = 0; i < document.GetNumDTDRules(); ++i)
     {
         IVekXMLDTDRule const * const rule = document.GetDTDRule(i);
-        if (rule && !writer.Rule(*rule, 1))
+        if (rule && !writer.Rule(*rule))
             return false;
     }
     for (int i = 0; i < document.GetNumDTDAttributeLists(); ++i)
     {
         if (auto const * const list = document.GetDTDAttributeList(i))
-            writer.AttributeList(*list, 1);
+            writer.AttributeList(*list);
     }
     output.Text(L" ]>\n");
     return true;

@@ -3,15 +3,22 @@
 #include "base/Pool.h"
 #include "text/Names.h"
 #include "text/StringAccess.h"
+#include "xml/HostElements.h"
+#include "xml/ListIndex.h"
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 
 #include <string.h>
 
+#include <atomic>
 #include <utility>
 
 namespace
 {
+
+// Counts the names that changed although a parent's index has them: no index knows who its name's element is a child
+// of, so they all begin again.
+constinit std::atomic<uint32_t> g_renamings{0};
 
 // A section of no bytes has a block, too.
 size_t CDATABlockSize(int size)
@@ -24,14 +31,38 @@ size_t CDATABlockSize(int size)
 // The parts of an element that the release of a tree works on. A doomed element needs its parent no more.
 struct CVekXMLElement::Tree
 {
-    static VekObjectCommonData & Common(CVekXMLElement & element) { return element.m_common; }
     static CVekPointerArray<CVekXMLElement> & Children(CVekXMLElement & element) { return element.m_children; }
     static CVekXMLElement *& Link(CVekXMLElement & element) { return element.m_parent; }
+    static bool Drop(CVekXMLElement & element, CVekPointerArray<CVekXMLElement> & list)
+    {
+        if (vek::IsPlain(element))
+            return vek::DropReference(element.m_common);
+        vek::HostElements::Ending const ending(element, list);
+        element.Release();
+        return false;
+    }
 };
 
-CVekXMLElement::CVekXMLElement() = default;
+// A host's class may tell another name at any time.
+struct CVekXMLElement::ChildNames
+{
+    static CVekString<wchar_t> const & Of(CVekXMLElement const & child)
+    {
+        return vek::IsPlain(child) ? child.m_name : child.GetName();
+    }
+    static bool Enter(CVekXMLElement & child)
+    {
+        child.m_isNameIndexed = vek::IsPlain(child);
+        return child.m_isNameIndexed;
+    }
+};
 
-CVekXMLElement::CVekXMLElement(wchar_t const * name, int nameLength) : m_name(name, nameLength) {}
+CVekXMLElement::CVekXMLElement() : m_isKnownByAddress(vek::HostElements::Enter(*this)) {}
+
+CVekXMLElement::CVekXMLElement(wchar_t const * name, int nameLength)
+    : m_name(name, nameLength), m_isKnownByAddress(vek::HostElements::Enter(*this))
+{
+}
 
 CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(std::move(name)) {}
 
@@ -43,13 +74,34 @@ CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
                                                vek::TextPiece{name, nameLength});
 }
 
-CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) = default;
+CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) : CVekXMLElement()
+{
+    *this = other;
+}
 
-CVekXMLElement & CVekXMLElement::operator=(CVekXMLElement const & other) = default;
+// NOLINTNEXTLINE(cert-oop54-cpp): all of it bears being assigned to itself
+CVekXMLElement & CVekXMLElement::operator=(CVekXMLElement const & other)
+{
+    CVekRefCounted::operator=(other); // kept: the count, too
+    m_name = other.m_name;
+    Renamed();
+    m_parent = other.m_parent;
+    m_children = other.m_children;
+    m_attributes = other.m_attributes;
+    m_cdata = other.m_cdata;
+    m_hasCDATA = other.m_hasCDATA;
+    m_cdataSize = other.m_cdataSize;
+    return *this;
+}
 
 CVekXMLElement::~CVekXMLElement()
 {
     RemoveSection();
+    if (m_isKnownByAddress)
+    {
+        if (auto * const list = vek::HostElements::Leave(*this))
+            vek::MoveEntries(m_children, *list);
+    }
     DestrotyChildren();
     DestroyAttributes();
 }
@@ -75,6 +127,14 @@ IVekXMLElement const * CVekXMLElement::GetParent() const
 void CVekXMLElement::SetName(wchar_t const * name)
 {
     m_name.Assign(name);
+    Renamed();
+}
+
+void CVekXMLElement::Renamed()
+{
+    if (m_isNameIndexed)
+        g_renamings.fetch_add(1, std::memory_order_relaxed);
+    m_isNameIndexed = false;
 }
 
 CVekString<wchar_t> const & CVekXMLElement::GetName() const
@@ -82,8 +142,7 @@ CVekString<wchar_t> const & CVekXMLElement::GetName() const
     return m_name;
 }
 
-// --- children
-// ---------------------------------------------------------------------------------------------------------
+// --- children --------------------------------------------------------------------------------------------------------
 
 int CVekXMLElement::GetNumChildren() const
 {
@@ -94,19 +153,21 @@ int CVekXMLElement::AddChild(IVekXMLElement * child, int index)
 {
     if (child)
         child->AddRef();
-    CVekXMLElement * const element = vek::ToLibraryElement(child, *this);
+    CVekXMLElement * const element = vek::ToLibraryElement(child);
     // Kept: an index equal to the last position appends; callers insert "before last" by adding that child again.
     int const last = m_children.GetCount() - 1;
-    bool const isStored = index >= 0 && index < last ? m_children.Insert(index, element) : m_children.Append(element);
-    if (!isStored)
+    int const place = index >= 0 && index < last ? index : last + 1;
+    if (!m_children.Insert(place, element))
         return last; // kept: the child's extra reference stays with it
-    return index >= 0 && index < last ? index : last + 1;
+    if (place <= last)
+        vek::ListIndex::Change(m_children);
+    return place;
 }
 
 void CVekXMLElement::RemoveChild(IVekXMLElement * child)
 {
     // Kept: null and foreign elements are all the same null entry.
-    CVekXMLElement const * const element = vek::ToLibraryElement(child, *this);
+    CVekXMLElement const * const element = vek::ToLibraryElement(child);
     for (int i = 0; i < m_children.GetCount(); ++i)
     {
         if (m_children[i] == element)
@@ -116,7 +177,7 @@ void CVekXMLElement::RemoveChild(IVekXMLElement * child)
 
 void CVekXMLElement::RemoveChild(wchar_t const * name)
 {
-    RemoveChildAt(vek::FindName(m_children, vek::GivenText(name)));
+    RemoveChildAt(FindChildIndex(name));
 }
 
 void CVekXMLElement::RemoveChild(int index)
@@ -130,6 +191,7 @@ void CVekXMLElement::RemoveChild(int index)
 void CVekXMLElement::RemoveChildAt(int index)
 {
     CVekXMLElement * const child = m_children.At(index);
+    vek::ListIndex::Leave(m_children, index);
     m_children.RemoveAt(index);
     if (child)
         child->Release();
@@ -142,6 +204,7 @@ void CVekXMLElement::RemoveAllChildren()
 
 void CVekXMLElement::DestrotyChildren()
 {
+    vek::ListIndex::Drop(m_children);
     vek::ReleaseTree<CVekXMLElement, Tree>(m_children);
 }
 
@@ -159,14 +222,22 @@ IVekXMLElement const * CVekXMLElement::GetChild(int index) const
     return m_children.At(index);
 }
 
+int CVekXMLElement::FindChildIndex(wchar_t const * name) const
+{
+    if (vek::ListIndex * const index = vek::ListIndex::Of(m_children))
+        index->KeepTime(g_renamings.load(std::memory_order_relaxed));
+    return vek::ListIndex::Find(
+        m_children, vek::GivenText(name), [](CVekXMLElement const &) { return true; }, ChildNames());
+}
+
 IVekXMLElement const * CVekXMLElement::FindChild(wchar_t const * name) const
 {
-    return m_children.At(vek::FindName(m_children, vek::GivenText(name)));
+    return m_children.At(FindChildIndex(name));
 }
 
 IVekXMLElement * CVekXMLElement::FindChild(wchar_t const * name, bool create)
 {
-    int const index = vek::FindName(m_children, vek::GivenText(name));
+    int const index = FindChildIndex(name);
     if (index != -1 || !create)
         return m_children.At(index);
     IVekXMLElement * const child = vek::AddNewElement(*this, name);
@@ -175,8 +246,7 @@ IVekXMLElement * CVekXMLElement::FindChild(wchar_t const * name, bool create)
     return child;
 }
 
-// --- CDATA
-// ------------------------------------------------------------------------------------------------------------
+// --- CDATA -----------------------------------------------------------------------------------------------------------
 
 bool CVekXMLElement::AddCDATASection(unsigned char const * bytes, int size)
 {
@@ -195,7 +265,7 @@ bool CVekXMLElement::AddCDATASection(unsigned char const * bytes, int size)
         memcpy(block, bytes, static_cast<size_t>(size));
     m_cdata = static_cast<unsigned char *>(block);
     m_cdataSize = size;
-    m_hasCDATA = 1;
+    m_hasCDATA = true;
     return true;
 }
 
@@ -215,13 +285,13 @@ void CVekXMLElement::RemoveSection()
         return;
     vek::PoolFree(m_cdata, CDATABlockSize(m_cdataSize));
     m_cdata = nullptr;
-    m_hasCDATA = 0;
+    m_hasCDATA = false;
     m_cdataSize = 0;
 }
 
 bool CVekXMLElement::HasCDATASection() const
 {
-    return m_hasCDATA != 0;
+    return m_hasCDATA;
 }
 
 unsigned char const * CVekXMLElement::GetCDATASection() const

@@ -1,13 +1,13 @@
 #include "VekXML.h"
 
-#include "base/Buffer.h"
 #include "text/Names.h"
+#include "xml/ListIndex.h"
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLVariantText.h"
 
-#include <limits.h>
+#include <utility>
 
 namespace
 {
@@ -17,7 +17,7 @@ CVekString<wchar_t> const & EmptyText()
 {
     union Holder
     {
-        Holder() : text() { CVekString<wchar_t> const block(static_cast<CVekString<wchar_t> &&>(text)); }
+        Holder() : text() { CVekString<wchar_t> const block(std::move(text)); }
         ~Holder() {}
 
         CVekString<wchar_t> text;
@@ -41,22 +41,11 @@ bool CopyText(CVekString<wchar_t> const & stored, CVekString<wchar_t> & value)
 // A new attribute whose value is the escaped form of the text; null when memory is exhausted.
 CVekXMLAttribute * CVekXMLElement::NewAttribute(wchar_t const * name, wchar_t const * text)
 {
-    vek::EscapeMeasure const measure = vek::MeasureEscape(text);
-    if (measure.escapedLength >= INT_MAX / sizeof(wchar_t))
-        return nullptr;
-    vek::Buffer<wchar_t> scratch;
-    if (measure.escapedLength != measure.length)
-    {
-        wchar_t * const place = scratch.Extend(measure.escapedLength);
-        if (!place)
-            return nullptr;
-        vek::Escape(text, measure.length, place);
-        text = place;
-    }
+    vek::EscapedText escaped;
     vek::GivenText const given(name);
-    return given.length < 0
-               ? nullptr
-               : CVekXMLAttribute::Make(given.text, given.length, text, static_cast<int>(measure.escapedLength));
+    return given.length >= 0 && escaped.Make(text)
+               ? CVekXMLAttribute::Make(given.text, given.length, escaped.Text(), escaped.Length())
+               : nullptr;
 }
 
 int CVekXMLElement::GetNumAttributes() const
@@ -66,7 +55,7 @@ int CVekXMLElement::GetNumAttributes() const
 
 int CVekXMLElement::FindAttributeIndex(wchar_t const * name) const
 {
-    return vek::FindName(m_attributes, vek::GivenText(name));
+    return vek::ListIndex::Find(m_attributes, vek::GivenText(name), [](CVekXMLAttribute const &) { return true; });
 }
 
 int CVekXMLElement::AddAttribute(wchar_t const * name, VEK_VARIANT const & value, int index)
@@ -90,6 +79,8 @@ int CVekXMLElement::AddAttribute(wchar_t const * name, VEK_VARIANT const & value
         attribute->Release();
         return -1;
     }
+    if (place != m_attributes.GetCount() - 1)
+        vek::ListIndex::Change(m_attributes);
     return place;
 }
 
@@ -115,8 +106,7 @@ bool CVekXMLElement::SetAttributeValue(int index, VEK_VARIANT const & value)
         return false;
     }
     // Kept: set by index, the text is stored without escaping; hosts store text here that is escaped already.
-    vek::XMLVariantText text;
-    if (!text.Convert(value) || !vek::StoreText(vek::GivenText(text.Text()), m_attributes[index]->m_value))
+    if (!VariantToString(value, m_attributes[index]->m_value))
     {
         VekLogOutput(0, L"CVekXMLElement::SetAttributeValue --> Can not convert value to string");
         return false;
@@ -143,6 +133,7 @@ bool CVekXMLElement::RenameAttribute(int index, wchar_t const *)
 bool CVekXMLElement::RenameAttribute(wchar_t const * name, wchar_t const * newName)
 {
     int const index = FindAttributeIndex(name);
+    vek::ListIndex::Change(m_attributes);
     return index != -1 && vek::StoreText(vek::GivenText(newName), m_attributes[index]->m_name);
 }
 
@@ -167,6 +158,7 @@ void CVekXMLElement::RemoveAllAttributes()
 
 void CVekXMLElement::DestroyAttributes()
 {
+    vek::ListIndex::Drop(m_attributes);
     for (int i = 0; i < m_attributes.GetCount(); ++i)
     {
         CVekXMLAttribute * const attribute = m_attributes[i];
@@ -184,8 +176,7 @@ CVekString<wchar_t> const & CVekXMLElement::GetAttributeName(int index) const
     return m_attributes.Has(index) ? m_attributes[index]->GetName() : EmptyText();
 }
 
-// --- typed reads
-// ------------------------------------------------------------------------------------------------------
+// --- typed reads -----------------------------------------------------------------------------------------------------
 
 template <class T>
 bool CVekXMLElement::ReadAttribute(int index, T & value, T const & defaultValue) const

@@ -2,42 +2,29 @@
 
 #include "VekLib.h"
 #include "VekRef.h"
-#include "base/AsOwn.h"
 #include "text/Names.h"
+#include "xml/HostElements.h"
 
-#include <stdint.h>
 #include <stdio.h>
-#include <string.h>
 
-#include <windows.h>
+#include <iterator>
 
 namespace vek
 {
-namespace
-{
 
-// In front of a table made by this compiler stand the object's offset, 0 for an object with one table, and the address
-// of its type's record, which begins with an address. Other compilers, with which hosts implement the interface, put
-// something else there, and a dynamic cast would follow it.
-bool HasTypeRecord(void const * const * table) noexcept
+constinit std::atomic<void const *> plainTable{nullptr};
+
+bool IsPlainTable(void const * table) noexcept
 {
-    auto const * const record = static_cast<uintptr_t const *>(table[-1]);
-    MEMORY_BASIC_INFORMATION memory;
-    return table[-2] == nullptr && reinterpret_cast<uintptr_t>(record) % sizeof(void *) == 0 &&
-           VirtualQuery(record, &memory, sizeof memory) == sizeof memory && memory.State == MEM_COMMIT &&
-           memory.Type == MEM_IMAGE && *record > 0xFFFF;
+    void const * const own = OwnTable<CVekXMLElement, IVekXMLElement>();
+    plainTable.store(own, std::memory_order_relaxed);
+    return table == own;
 }
 
-} // namespace
-
-CVekXMLElement * ToLibraryElement(IVekXMLElement * element, CVekXMLElement const & known) noexcept
+CVekXMLElement * ToLibraryElement(IVekXMLElement * element) noexcept
 {
-    if (!element)
-        return nullptr;
-    auto const * const table = static_cast<void const * const *>(TableOf(*element));
-    if (table == TableOf(known))
-        return static_cast<CVekXMLElement *>(element);
-    return HasTypeRecord(table) ? dynamic_cast<CVekXMLElement *>(element) : nullptr;
+    return element && (IsPlain(*element) || HostElements::Has(element)) ? static_cast<CVekXMLElement *>(element)
+                                                                        : nullptr;
 }
 
 IVekXMLElement * AddNewElement(IVekXMLElement & parent, wchar_t const * name) noexcept
@@ -63,7 +50,7 @@ IVekXMLElement * AddNewElement(IVekXMLElement & parent, wchar_t const * name) no
 void LogIndexAsText(wchar_t const * format, int index) noexcept
 {
     wchar_t text[16];
-    _snwprintf(text, sizeof text / sizeof text[0], L"%d", index);
+    _snwprintf(text, std::size(text), L"%d", index);
     VekLogOutput(0, format, text);
 }
 

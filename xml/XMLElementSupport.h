@@ -2,12 +2,27 @@
 
 #include "VekXML.h"
 
+#include "base/AsOwn.h"
+
+#include <atomic>
+
 namespace vek
 {
 
-/// The library's own element behind an interface pointer; null for a null pointer and for a foreign implementation. The
-/// known element only tells what the library's elements look like, so that the usual case is one comparison.
-CVekXMLElement * ToLibraryElement(IVekXMLElement * element, CVekXMLElement const & known) noexcept;
+/// What IsPlain compares with first; null until it has met a table that is not equal.
+extern std::atomic<void const *> plainTable;
+bool IsPlainTable(void const * table) noexcept;
+
+/// Whether the element's class is exactly the library's, so that nothing of it is overridden.
+inline bool IsPlain(IVekXMLElement const & element) noexcept
+{
+    void const * const table = TableOf(element);
+    return table == plainTable.load(std::memory_order_relaxed) || IsPlainTable(table);
+}
+
+/// The library's own element behind an interface pointer, or one of a class that a host derived from it; null for a
+/// null pointer and for a foreign implementation, of which nothing but the address of its table is read.
+CVekXMLElement * ToLibraryElement(IVekXMLElement * element) noexcept;
 
 /// Has the XML manager make an element of that name and appends it to the parent, which gets the only reference to it.
 /// Null when there is no manager or memory is exhausted.

@@ -1,6 +1,5 @@
 #include "xml/XMLEscape.h"
 
-#include "base/Buffer.h"
 #include "text/StringAccess.h"
 
 #include <emmintrin.h>
@@ -8,6 +7,8 @@
 #include <stdint.h>
 #include <string.h>
 #include <wchar.h>
+
+#include <bit>
 
 namespace vek
 {
@@ -80,6 +81,23 @@ size_t ReplaceAll(wchar_t * text, size_t length, Replacement const & what) noexc
     return written;
 }
 
+// Writes the escaped form; the place holds the measured length.
+void Escape(wchar_t const * text, size_t length, wchar_t * place) noexcept
+{
+    for (size_t i = 0; i < length; ++i)
+    {
+        wchar_t const character = text[i];
+        Replacement const * const replacement = character <= L'>' ? FindReplacement(character) : nullptr;
+        if (!replacement)
+        {
+            *place++ = character;
+            continue;
+        }
+        memcpy(place, replacement->text, replacement->length * sizeof(wchar_t));
+        place += replacement->length;
+    }
+}
+
 } // namespace
 
 EscapeMeasure MeasureEscape(wchar_t const * text) noexcept
@@ -97,7 +115,7 @@ EscapeMeasure MeasureEscape(wchar_t const * text) noexcept
         for (; mask; mask &= mask - 1, mask &= mask - 1)
         {
             auto const * const stop =
-                reinterpret_cast<wchar_t const *>(reinterpret_cast<char const *>(block) + __builtin_ctz(mask));
+                reinterpret_cast<wchar_t const *>(reinterpret_cast<char const *>(block) + std::countr_zero(mask));
             if (!*stop)
             {
                 auto const length = static_cast<size_t>(stop - text);
@@ -108,40 +126,30 @@ EscapeMeasure MeasureEscape(wchar_t const * text) noexcept
     }
 }
 
-void Escape(wchar_t const * text, size_t length, wchar_t * place) noexcept
-{
-    for (size_t i = 0; i < length; ++i)
-    {
-        wchar_t const character = text[i];
-        Replacement const * const replacement = character <= L'>' ? FindReplacement(character) : nullptr;
-        if (!replacement)
-        {
-            *place++ = character;
-            continue;
-        }
-        memcpy(place, replacement->text, replacement->length * sizeof(wchar_t));
-        place += replacement->length;
-    }
-}
-
-bool EscapeTo(wchar_t const * text, CVekString<wchar_t> & target) noexcept
+bool EscapedText::Make(wchar_t const * text) noexcept
 {
     EscapeMeasure const measure = MeasureEscape(text);
     if (measure.escapedLength >= INT_MAX / sizeof(wchar_t))
         return false;
-    Buffer<wchar_t> scratch;
-    wchar_t const * escaped = text;
-    if (measure.escapedLength != measure.length)
-    {
-        wchar_t * const place = scratch.Extend(measure.escapedLength);
-        if (!place)
-            return false;
+    m_text = text;
+    m_length = static_cast<int>(measure.escapedLength);
+    if (measure.escapedLength == measure.length)
+        return true;
+    m_scratch.Clear();
+    wchar_t * const place = m_scratch.Extend(measure.escapedLength);
+    if (place)
         Escape(text, measure.length, place);
-        escaped = place;
-    }
-    auto const length = static_cast<int>(measure.escapedLength);
-    CVekString<wchar_t> stored(escaped, length);
-    if (stored.GetLength() != length)
+    m_text = place;
+    return place != nullptr;
+}
+
+bool EscapeTo(wchar_t const * text, CVekString<wchar_t> & target) noexcept
+{
+    EscapedText escaped;
+    if (!escaped.Make(text))
+        return false;
+    CVekString<wchar_t> stored(escaped.Text(), escaped.Length());
+    if (stored.GetLength() != escaped.Length())
         return false;
     target.Swap(stored);
     return true;

@@ -18,10 +18,15 @@ T * Created(T * object, wchar_t const * failure)
 
 } // namespace
 
+CVekXMLElement * CVekXMLManager::NewElement(wchar_t const * name, int nameLength) noexcept
+{
+    return Created(CVekXMLElement::Make(name, nameLength),
+                   L"CVekXMLManager::CreateXMLElement --> Failed to create Element object");
+}
+
 IVekXMLElement * CVekXMLManager::CreateXMLElement()
 {
-    return Created(new (std::nothrow) CVekXMLElement,
-                   L"CVekXMLManager::CreateXMLElement --> Failed to create Element object");
+    return NewElement(L"", 0);
 }
 
 IVekXMLDocument * CVekXMLManager::CreateXMLDocument()

@@ -6,6 +6,9 @@
 class CVekXMLManager final : public CVekRefCounted<IVekXMLManager>
 {
 public:
+    /// A new element of that name, with the message of CreateXMLElement when memory is exhausted.
+    static CVekXMLElement * NewElement(wchar_t const * name, int nameLength) noexcept;
+
     IVekXMLElement * CreateXMLElement() override;
     IVekXMLDocument * CreateXMLDocument() override;
     IVekXMLParser * CreateXMLParser() override;

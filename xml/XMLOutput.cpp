@@ -9,8 +9,7 @@ namespace vek
 {
 
 XMLOutput::XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept
-    : m_stream(stream), m_memory(dynamic_cast<CVekMemoryIOStream *>(&stream)), m_encoding(encoding),
-      m_plainLimit(encoding == XMLEncoding::UTF8 ? 0x80 : 0x100),
+    : m_stream(stream), m_encoding(encoding), m_plainLimit(encoding == XMLEncoding::UTF8 ? 0x80 : 0x100),
       m_carriageReturns(newLines == NewLines::CARRIAGE_RETURN_FIRST),
       m_reversed(stream.GetStreamByteOrder() != stream.GetSystemByteOrder())
 {
@@ -54,11 +53,21 @@ void XMLOutput::Bytes(void const * bytes, size_t count) noexcept
     }
 }
 
+bool XMLOutput::Flush() noexcept
+{
+    if (m_used > 0 && !m_failed && !m_stream.Write(m_block.Data(), static_cast<unsigned int>(m_used), true))
+        m_failed = true;
+    m_used = 0;
+    return !m_failed;
+}
+
 bool XMLOutput::Finish() noexcept
 {
-    Flush();
-    auto * const file = dynamic_cast<CVekFileIOStream *>(&m_stream);
-    if (file && !m_failed && !file->Flush())
+    if (m_used == 0)
+        return !m_failed;
+    // A memory stream refuses a block that reaches its last byte, but takes a single byte there.
+    char const last = m_block[--m_used];
+    if (Flush() && !m_stream.WriteChar(last, true))
         m_failed = true;
     return !m_failed;
 }
@@ -70,24 +79,6 @@ char * XMLOutput::Room() noexcept
     else if (BLOCK_BYTES - m_used < SLICE * UNIT_BYTES)
         Flush();
     return m_failed ? nullptr : m_block.Data() + m_used;
-}
-
-void XMLOutput::Flush() noexcept
-{
-    if (m_used > 0 && !m_failed && !WriteBlock(m_block.Data(), static_cast<unsigned int>(m_used)))
-        m_failed = true;
-    m_used = 0;
-}
-
-bool XMLOutput::WriteBlock(char const * bytes, unsigned int count) noexcept
-{
-    if (!m_memory)
-        return m_stream.Write(bytes, count, true);
-    // A memory stream refuses a block that reaches its last byte, but takes a single byte there.
-    unsigned int const position = static_cast<unsigned int>(m_memory->GetPosition());
-    if (position + uint64_t{count} != m_memory->GetSize())
-        return m_memory->Write(bytes, count, true);
-    return (count == 1 || m_memory->Write(bytes, count - 1, true)) && m_memory->WriteChar(bytes[count - 1], true);
 }
 
 char * XMLOutput::EncodeUnit(wchar_t unit, char * place) const noexcept

@@ -43,7 +43,9 @@ public:
     void Bytes(void const * bytes, size_t count) noexcept;
 
     bool HasFailed() const noexcept { return m_failed; }
-    /// Hands everything to the stream, and what the stream keeps to the system; false when anything was lost.
+    /// Hands everything to the stream; false when anything was lost.
+    bool Flush() noexcept;
+    /// The same at the end of all text.
     bool Finish() noexcept;
 
 private:
@@ -54,13 +56,10 @@ private:
 
     /// Makes room for the largest encoding of a slice; null when the output has failed.
     char * Room() noexcept;
-    void Flush() noexcept;
-    bool WriteBlock(char const * bytes, unsigned int count) noexcept;
     char * Encode(wchar_t const * text, size_t length, char * place) const noexcept;
     char * EncodeUnit(wchar_t unit, char * place) const noexcept;
 
     IVekIOStream & m_stream;
-    CVekMemoryIOStream * m_memory;
     Buffer<char> m_block;
     size_t m_used = 0;
     XMLEncoding m_encoding;

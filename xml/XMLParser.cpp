@@ -2,6 +2,8 @@
 #include "VekLib.h"
 #include "VekRef.h"
 
+#include "xml/XMLElementSupport.h"
+#include "xml/XMLManager.h"
 #include "xml/XMLParserState.h"
 
 #include <limits.h>
@@ -56,7 +58,7 @@ bool ReadFile(wchar_t const * path, FileBytes & bytes)
     return true;
 }
 
-/// The tokenizer and the element stack for the length of one parse.
+/// The tokenizer, the root and the element stack for the length of one parse.
 class ParseScope
 {
 public:
@@ -71,7 +73,7 @@ public:
     ParseScope & operator=(ParseScope const &) = delete;
     ~ParseScope()
     {
-        m_state.stack.Free();
+        m_state.LeaveElements();
         m_state.document = nullptr;
         if (m_state.expat)
             XML_ParserFree(m_state.expat);
@@ -86,7 +88,7 @@ bool EnsureRootElement(IVekXMLDocument * document)
 {
     if (document->GetRootElement())
         return true;
-    auto const root = CVekRef<IVekXMLElement>::Adopt(new (std::nothrow) CVekXMLElement);
+    auto const root = CVekRef<IVekXMLElement>::Adopt(CVekXMLManager::NewElement(L"", 0));
     return root && document->SetRootElement(root.Get());
 }
 
@@ -121,7 +123,8 @@ bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXM
                          {
                              if (size >= INT_MAX || (!bytes && size))
                              {
-                                 VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to allocate buffer");
+                                 VekLogOutput(0, bytes ? L"CVekXMLParser::ParseXMLMemory --> Text is too long"
+                                                       : L"CVekXMLParser::ParseXMLMemory --> Text is NULL");
                                  return false;
                              }
                              return state.ParseBytes(bytes, static_cast<int>(size));
@@ -131,12 +134,13 @@ bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXM
 template <class Source>
 bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
 {
+    delete m_state; // a fresh state for each document
+    m_state = nullptr;
     if (!document)
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Document is NULL");
         return false;
     }
-    delete m_state; // a fresh state for each document
     m_state = new (std::nothrow) State;
     if (!m_state)
     {
@@ -154,13 +158,14 @@ bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed to create root Element for document");
         return false;
     }
-    if (!m_state->PushElement(dynamic_cast<CVekXMLElement *>(document->GetRootElement())))
+    if (!m_state->PushRoot(vek::ToLibraryElement(document->GetRootElement())))
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed to push Element");
         return false;
     }
     if (!source(*m_state))
     {
+        m_state->complete = false;
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed on parsing");
         return false;
     }

@@ -1,6 +1,7 @@
 #include "xml/XMLParserState.h"
 
-#include "xml/XMLEscape.h"
+#include "xml/XMLElementSupport.h"
+#include "xml/XMLManager.h"
 
 #include <limits.h>
 #include <wchar.h>
@@ -144,6 +145,20 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
     return false;
 }
 
+bool CVekXMLParser::State::PushRoot(CVekXMLElement * element)
+{
+    m_root = CVekRef<CVekXMLElement>::Share(element);
+    m_hostRoot = element && !vek::IsPlain(*element) ? element : nullptr;
+    return PushElement(element);
+}
+
+void CVekXMLParser::State::LeaveElements()
+{
+    stack.Free();
+    m_hostChild.Reset();
+    m_root.Reset();
+}
+
 bool CVekXMLParser::State::PushElement(CVekXMLElement * element)
 {
     if (!element)
@@ -180,23 +195,44 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
     }
     m_names.BeginElement();
     size_t const length = wcslen(name);
-    auto * const element = length <= INT_MAX ? CVekXMLElement::Make(name, static_cast<int>(length)) : nullptr;
+    auto * const element = length <= INT_MAX ? CVekXMLManager::NewElement(name, static_cast<int>(length)) : nullptr;
     if (!element)
     {
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
         return nullptr;
     }
-    if (!stack.Back()->m_children.Append(element))
+    return AddChild(element) && PushElement(element) ? element : nullptr;
+}
+
+// Hands the new element to the one on top of the stack.
+bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
+{
+    CVekXMLElement & parent = *stack.Back();
+    bool isAdded = false;
+    if (&parent == m_hostRoot)
     {
-        VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Adding child failed");
-        delete element;
-        return nullptr;
+        m_hostChild.Reset(element);
+        isAdded = parent.AddChild(element, -1) != -1;
     }
-    return PushElement(element) ? element : nullptr;
+    else
+    {
+        isAdded = parent.m_children.Append(element);
+        if (!isAdded)
+            delete element;
+    }
+    if (!isAdded)
+        VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Adding child failed");
+    return isAdded;
 }
 
 bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const ** attributes)
 {
+    if (element == m_hostRoot)
+    {
+        for (; *attributes; attributes += 2)
+            element->AddAttribute(attributes[0], VEK_VARIANT(attributes[1]), -1);
+        return true;
+    }
     int count = 0;
     while (attributes[2 * count])
         ++count;
@@ -224,20 +260,9 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
 
 CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value)
 {
-    vek::EscapeMeasure const measure = vek::MeasureEscape(value);
-    if (measure.escapedLength > INT_MAX)
-        return nullptr;
-    if (measure.escapedLength != measure.length)
-    {
-        m_escaped.Clear();
-        wchar_t * const place = m_escaped.Extend(measure.escapedLength);
-        if (!place)
-            return nullptr;
-        vek::Escape(value, measure.length, place);
-        value = place;
-    }
-    return CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), value,
-                                  static_cast<int>(measure.escapedLength));
+    return m_escaped.Make(value)
+               ? CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), m_escaped.Text(), m_escaped.Length())
+               : nullptr;
 }
 
 bool CVekXMLParser::State::KnowExistingAttributes(CVekXMLElement const * element)

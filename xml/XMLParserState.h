@@ -2,7 +2,10 @@
 
 #include "VekXML.h"
 
+#include "VekRef.h"
+
 #include "base/Buffer.h"
+#include "xml/XMLEscape.h"
 #include "xml/XMLNameCache.h"
 
 #include <expat.h>
@@ -14,7 +17,10 @@ struct CVekXMLParser::State
 
     /// Reads a document's bytes in one piece into the document; false, with messages, when they are malformed.
     bool ParseBytes(void const * bytes, int size);
+    /// Begins with the document's root element, which is held until LeaveElements; false, with a message, for null.
+    bool PushRoot(CVekXMLElement * element);
     bool PushElement(CVekXMLElement * element);
+    void LeaveElements();
     /// Ends the parse at the next chance, as an error: something could not be stored.
     void Abort();
 
@@ -36,12 +42,16 @@ struct CVekXMLParser::State
 
 private:
     CVekXMLElement * BeginElement(wchar_t const * name);
+    bool AddChild(CVekXMLElement * element);
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
     CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value);
     bool KnowExistingAttributes(CVekXMLElement const * element);
 
     vek::XMLNameCache m_names;
-    vek::Buffer<wchar_t> m_escaped;
+    vek::EscapedText m_escaped;
+    CVekRef<CVekXMLElement> m_root;
+    CVekXMLElement * m_hostRoot = nullptr; // the root when its class is one that a host derived: it is asked, always
+    CVekRef<CVekXMLElement> m_hostChild;   // its child on the stack, which it need not have stored
 };
 
 namespace vek

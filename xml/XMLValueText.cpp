@@ -22,7 +22,7 @@ bool ScanPlainReals(wchar_t const * text, wchar_t const * end, float (&values)[4
         PlainNumber number;
         text = number.Scan(text, end);
         bool const isEnd = text == end || !*text;
-        if (number.Digits() == 0 || (!isEnd && *text != L','))
+        if (!number.IsExact() || (!isEnd && *text != L','))
             return false;
         value = static_cast<float>(number.Value());
         if (isEnd)

@@ -4,6 +4,7 @@
 #include "VekLib.h"
 #include "VekRef.h"
 
+#include "base/AsOwn.h"
 #include "xml/XMLDTDWriter.h"
 
 namespace
@@ -32,10 +33,11 @@ vek::XMLEncoding const * FindEncoding(wchar_t const * name)
     return nullptr;
 }
 
-wchar_t const * TextOf(CVekString<wchar_t> const & text)
+// Hands what a file stream of the library keeps to the system, so that its loss is told.
+bool Settle(IVekIOStream & stream)
 {
-    wchar_t const * const characters = text;
-    return characters ? characters : L"";
+    auto * const file = vek::AsOwn<CVekFileIOStream>(stream);
+    return !file || file->Flush();
 }
 
 void WriteAttributes(vek::XMLOutput & output, IVekXMLElement const & element)
@@ -108,7 +110,7 @@ bool CVekXMLWriter::WriteXMLFile(wchar_t const * path, IVekXMLDocument * documen
     }
     // A UTF-16 file is little-endian and binary, so that it can be read again. The others have the line ends of a text
     // file; they are written here, which is faster than leaving them to the runtime.
-    vek::XMLEncoding const * const named = FindEncoding(TextOf(document->GetEncoding()));
+    vek::XMLEncoding const * const named = FindEncoding(document->GetEncoding());
     bool const isUTF16 = (named ? *named : m_encodingType) == vek::XMLEncoding::UTF16;
     stream->SetStreamByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream->GetStreamByteOrder());
     stream->SetSystemByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream->GetSystemByteOrder());
@@ -134,19 +136,24 @@ bool CVekXMLWriter::WriteXML(IVekIOStream * stream, IVekXMLDocument * document)
         VekLogOutput(0, L"CVekXMLWriter::WriteXML --> Document has no Element");
         return false;
     }
-    return stream && WriteDocument(*stream, *document, vek::XMLOutput::NewLines::AS_THEY_ARE);
+    if (!stream)
+    {
+        VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
+        return false;
+    }
+    return WriteDocument(*stream, *document, vek::XMLOutput::NewLines::AS_THEY_ARE);
 }
 
 bool CVekXMLWriter::WriteDocument(IVekIOStream & stream, IVekXMLDocument & document, vek::XMLOutput::NewLines newLines)
 {
-    SetEncodingType(TextOf(document.GetEncoding()));
+    SetEncodingType(document.GetEncoding());
     vek::XMLOutput output(stream, m_encodingType, newLines);
     if (!WriteHeader(output, stream))
         return false;
     if (document.GetDocumentType().GetLength() > 0 && document.GetNumDTDRules() > 0 &&
         !vek::WriteDocumentType(output, document, m_indentation))
         return false;
-    return WriteElement(output, document.GetRootElement());
+    return WriteElement(output, stream, document.GetRootElement());
 }
 
 void CVekXMLWriter::WriteByteOrderMark(vek::XMLOutput & output, IVekIOStream & stream) const
@@ -163,17 +170,18 @@ bool CVekXMLWriter::WriteHeader(vek::XMLOutput & output, IVekIOStream & stream) 
     output.Text(L"<?xml version=\"1.0\" encoding=\"");
     output.Text(m_encodingName);
     output.Text(L"\" standalone=\"yes\"?>\n");
-    if (!output.HasFailed())
+    // Written at once: a stream that takes nothing is told by the header.
+    if (output.Flush())
         return true;
     VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
     return false;
 }
 
-bool CVekXMLWriter::WriteElement(vek::XMLOutput & output, IVekXMLElement const * root) const
+bool CVekXMLWriter::WriteElement(vek::XMLOutput & output, IVekIOStream & stream, IVekXMLElement const * root) const
 {
     vek::Buffer<OpenElement> open;
     bool written = WriteElements(output, open, root);
-    if (written && !output.Finish())
+    if (written && !(output.Finish() && Settle(stream)))
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element close");
         written = false;

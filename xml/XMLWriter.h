@@ -29,7 +29,7 @@ private:
     bool WriteDocument(IVekIOStream & stream, IVekXMLDocument & document, vek::XMLOutput::NewLines newLines);
     void WriteByteOrderMark(vek::XMLOutput & output, IVekIOStream & stream) const;
     bool WriteHeader(vek::XMLOutput & output, IVekIOStream & stream) const;
-    bool WriteElement(vek::XMLOutput & output, IVekXMLElement const * root) const;
+    bool WriteElement(vek::XMLOutput & output, IVekIOStream & stream, IVekXMLElement const * root) const;
     bool WriteElements(vek::XMLOutput & output, vek::Buffer<OpenElement> & open, IVekXMLElement const * root) const;
     bool BeginElement(vek::XMLOutput & output, vek::Buffer<OpenElement> & open, IVekXMLElement const * element) const;
     void EndElement(vek::XMLOutput & output, IVekXMLElement const * element, size_t level) const;

@@ -1,5 +1,6 @@
 #include "Console.h"
 
+#include "CommandLine.h"
 #include "Platform.h"
 #include "Utf8.h"
 

@@ -38,9 +38,6 @@ private:
 /// direction of writing are escaped ("\x1B", "\u202E"). Longer texts are cut at the limit and end in "...".
 std::wstring Printable(std::wstring_view text, std::size_t limit = std::wstring_view::npos);
 
-/// The program's name in its messages; each program's Main.cpp defines it.
-extern wchar_t const * const PROGRAM_NAME;
-
 /// Prints "PROGRAM: SUBJECT: MESSAGE" to standard error, the subject made printable. Returns the exit code of a failed
 /// run.
 int Fail(std::wstring_view subject, std::wstring_view message);

@@ -111,4 +111,12 @@ std::wstring FromUtf8(std::string_view text)
     return wide;
 }
 
+std::vector<std::wstring> FromUtf8(std::vector<std::string> const & texts)
+{
+    std::vector<std::wstring> wide;
+    for (std::string const & text : texts)
+        wide.push_back(FromUtf8(text));
+    return wide;
+}
+
 } // namespace tool

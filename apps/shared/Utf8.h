@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tool
 {
@@ -15,6 +16,7 @@ std::string ToUtf8KeepingAll(std::wstring_view text);
 
 /// UTF-8 as wide text; bytes that are no UTF-8 become U+FFFD.
 std::wstring FromUtf8(std::string_view text);
+std::vector<std::wstring> FromUtf8(std::vector<std::string> const & texts);
 
 inline bool IsHighSurrogate(wchar_t unit)
 {

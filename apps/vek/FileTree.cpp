@@ -1,8 +1,10 @@
 #include "FileTree.h"
 
+#include "VekText.h"
+
 #include "Console.h"
+#include "FileErrors.h"
 #include "Platform.h"
-#include "XmlFile.h"
 
 #include <algorithm>
 

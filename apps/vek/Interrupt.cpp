@@ -1,4 +1,5 @@
 #include "Interrupt.h"
+
 #include "Platform.h"
 
 #include <atomic>

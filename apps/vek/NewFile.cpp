@@ -1,8 +1,8 @@
 #include "NewFile.h"
 
 #include "Console.h"
+#include "FileErrors.h"
 #include "Platform.h"
-#include "XmlFile.h"
 
 namespace tool
 {
@@ -38,15 +38,6 @@ bool IsWritable(std::wstring const & path)
     else
         return true;
     return false;
-}
-
-std::wstring WhyUnwritable(std::wstring const & path)
-{
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return L"can't be written: " + LastErrorText();
-    CloseHandle(file);
-    return L"can't be written whole; is the disk full?";
 }
 
 } // namespace tool

@@ -27,7 +27,4 @@ private:
 /// Whether the path can be written to, as far as that can be told beforehand; the user is told why not.
 bool IsWritable(std::wstring const & path);
 
-/// Why the new file could not be written, as far as another try at opening it tells.
-std::wstring WhyUnwritable(std::wstring const & path);
-
 } // namespace tool

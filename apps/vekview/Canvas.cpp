@@ -9,9 +9,6 @@ namespace tool
 namespace
 {
 
-// Lines on a triangle's edge are seen.
-constexpr double LINE_LIFT = 2e-5;
-
 /// Twice the area of the triangle a, b, p, negative when they run the other way.
 double Side(Canvas::Place const & a, Canvas::Place const & b, double x, double y)
 {
@@ -31,7 +28,7 @@ void Canvas::Resize(int width, int height)
 {
     std::size_t const size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     m_pixels.resize(size);
-    m_depths.resize(size);
+    m_nearness.resize(size);
     m_width = width;
     m_height = height;
 }
@@ -39,18 +36,18 @@ void Canvas::Resize(int width, int height)
 void Canvas::Clear(std::uint32_t color)
 {
     std::fill(m_pixels.begin(), m_pixels.end(), color);
-    std::fill(m_depths.begin(), m_depths.end(), 2.0f);
+    std::fill(m_nearness.begin(), m_nearness.end(), -1.0f);
 }
 
-void Canvas::Set(int x, int y, double depth, std::uint32_t color)
+void Canvas::Set(int x, int y, double nearness, std::uint32_t color)
 {
     if (x < 0 || y < 0 || x >= m_width || y >= m_height)
         return;
     std::size_t const i = static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) + static_cast<std::size_t>(x);
-    float const rounded = static_cast<float>(depth);
-    if (rounded > m_depths[i])
+    float const rounded = static_cast<float>(nearness);
+    if (rounded < m_nearness[i])
         return;
-    m_depths[i] = rounded;
+    m_nearness[i] = rounded;
     m_pixels[i] = color;
 }
 
@@ -61,11 +58,10 @@ void Canvas::DrawLine(Place const & from, Place const & to, std::uint32_t color)
         return;
     int const steps = static_cast<int>(std::ceil(length));
     double const part = steps == 0 ? 0.0 : 1.0 / steps;
-    double const dx = (to.x - from.x) * part, dy = (to.y - from.y) * part, dz = (to.depth - from.depth) * part;
-    double const depth = from.depth - LINE_LIFT;
+    double const dx = (to.x - from.x) * part, dy = (to.y - from.y) * part, dn = (to.nearness - from.nearness) * part;
     // What was clipped is not negative, or so little that cutting it off is right: no rounding down is needed.
     for (int i = 0; i <= steps; ++i)
-        Set(static_cast<int>(from.x + dx * i), static_cast<int>(from.y + dy * i), depth + dz * i, color);
+        Set(static_cast<int>(from.x + dx * i), static_cast<int>(from.y + dy * i), from.nearness + dn * i, color);
 }
 
 void Canvas::FillTriangle(Place const & a, Place const & b, Place const & c, std::uint32_t color)
@@ -77,6 +73,11 @@ void Canvas::FillTriangle(Place const & a, Place const & b, Place const & c, std
     Range(a.x, b.x, c.x, m_width, left, right);
     Range(a.y, b.y, c.y, m_height, top, bottom);
     double const stepA = (b.y - c.y) / area, stepB = (c.y - a.y) / area; // of the weights, for each pixel
+    // A line goes through a pixel up to half a pixel beside its middle: so much farther, lines on a slope are seen.
+    double const across = stepA * (a.nearness - c.nearness) + stepB * (b.nearness - c.nearness);
+    double const down = ((c.x - b.x) * (a.nearness - c.nearness) + (a.x - c.x) * (b.nearness - c.nearness)) / area;
+    double const lowering = (std::fabs(across) + std::fabs(down)) / 2;
+    double const least = std::min({a.nearness, b.nearness, c.nearness});
     for (int y = top; y <= bottom; ++y)
     {
         double const weightA = Side(b, c, left + 0.5, y + 0.5) / area, weightB = Side(c, a, left + 0.5, y + 0.5) / area;
@@ -84,7 +85,7 @@ void Canvas::FillTriangle(Place const & a, Place const & b, Place const & c, std
         {
             double const wa = weightA + stepA * (x - left), wb = weightB + stepB * (x - left), wc = 1.0 - wa - wb;
             if (wa >= 0 && wb >= 0 && wc >= 0)
-                Set(x, y, wa * a.depth + wb * b.depth + wc * c.depth, color);
+                Set(x, y, std::max(wa * a.nearness + wb * b.nearness + wc * c.nearness - lowering, least), color);
         }
     }
 }

@@ -6,14 +6,16 @@
 namespace tool
 {
 
-/// A picture with depths. Everything is drawn here, pixel by pixel, so that a window and a file show the same.
+/// A picture that knows how near each pixel is. Everything is drawn here, pixel by pixel, so that a window and a file
+/// show the same.
 class Canvas
 {
 public:
-    /// Where something is drawn: x and y in pixels from the upper left corner, depth from 0 to 1.
+    /// Where something is drawn: x and y in pixels from the upper left corner. What is nearer has the larger nearness,
+    /// from 0 to about 1, which changes linearly over the picture.
     struct Place
     {
-        double x, y, depth;
+        double x, y, nearness;
     };
 
     void Resize(int width, int height);
@@ -28,12 +30,12 @@ public:
     std::uint32_t const * Pixels() const { return m_pixels.data(); }
 
 private:
-    void Set(int x, int y, double depth, std::uint32_t color);
+    void Set(int x, int y, double nearness, std::uint32_t color);
 
     int m_width = 0;
     int m_height = 0;
     std::vector<std::uint32_t> m_pixels;
-    std::vector<float> m_depths;
+    std::vector<float> m_nearness;
 };
 
 } // namespace tool

@@ -15,12 +15,13 @@ public:
 
 private:
     bool ReadPoints(IVekXMLElement & element);
-    void AddSegments(CVekNurbsCurve<float> const & curve, Color const & color, Scene & scene);
+    std::wstring WhyNoCurve(std::size_t degree, std::vector<double> const & knots) const;
+    void AddSegments(CVekNurbsCurve<double> const & curve, Color const & color, Scene & scene);
 
     ElementReader & m_reader;
     Problems & m_problems;
     std::vector<Point> m_points;
-    std::vector<float> m_weights;
+    std::vector<double> m_weights;
 };
 
 } // namespace tool

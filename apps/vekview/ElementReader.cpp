@@ -1,7 +1,7 @@
 #include "ElementReader.h"
 
 #include "Console.h"
-#include "XmlFile.h"
+#include "LibraryText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +22,7 @@ bool IsSeparator(wchar_t unit)
 }
 
 /// False for anything but numbers in range, separated.
-bool ParseNumbers(std::wstring const & text, std::vector<float> & numbers)
+bool ParseNumbers(std::wstring const & text, std::vector<double> & numbers)
 {
     wchar_t const * place = text.c_str();
     for (;;)
@@ -33,10 +33,9 @@ bool ParseNumbers(std::wstring const & text, std::vector<float> & numbers)
             return place == text.c_str() + text.size();
         wchar_t * end = nullptr;
         double const number = std::wcstod(place, &end);
-        if (end == place || !(std::fabs(number) <= static_cast<double>(ElementReader::LARGEST)) ||
-            (*end != 0 && !IsSeparator(*end)))
+        if (end == place || !(std::fabs(number) <= ElementReader::LARGEST) || (*end != 0 && !IsSeparator(*end)))
             return false;
-        numbers.push_back(static_cast<float>(number));
+        numbers.push_back(number);
         place = end;
     }
 }
@@ -80,10 +79,10 @@ void ElementReader::ComplainOf(wchar_t const * attribute, std::wstring const & t
     Complain(std::wstring(L"attribute \"") + attribute + L"\" " + text);
 }
 
-std::vector<float> ElementReader::Numbers(wchar_t const * attribute, std::size_t count)
+std::vector<double> ElementReader::Numbers(wchar_t const * attribute, std::size_t count)
 {
     std::wstring text;
-    std::vector<float> numbers;
+    std::vector<double> numbers;
     if (!Find(attribute, text))
     {
         ComplainOf(attribute, L"is missing");
@@ -101,7 +100,7 @@ std::vector<float> ElementReader::Numbers(wchar_t const * attribute, std::size_t
 
 Point ElementReader::RequiredPoint(wchar_t const * attribute)
 {
-    std::vector<float> const numbers = Numbers(attribute, 3);
+    std::vector<double> const numbers = Numbers(attribute, 3);
     return numbers.empty() ? Point() : Point(numbers[0], numbers[1], numbers[2]);
 }
 
@@ -111,17 +110,17 @@ Point ElementReader::OptionalPoint(wchar_t const * attribute, Point const & othe
     return Has(attribute) ? RequiredPoint(attribute) : otherwise;
 }
 
-float ElementReader::OptionalNumber(wchar_t const * attribute, float otherwise, float least, float most)
+double ElementReader::OptionalNumber(wchar_t const * attribute, double otherwise, double least, double most)
 {
     m_known.emplace_back(attribute);
     if (!Has(attribute))
         return otherwise;
-    std::vector<float> const numbers = Numbers(attribute, 1);
+    std::vector<double> const numbers = Numbers(attribute, 1);
     if (numbers.empty())
         return otherwise;
     if (numbers[0] >= least && numbers[0] <= most)
         return numbers[0];
-    ComplainOf(attribute, Format(L"is not between %g and %g", static_cast<double>(least), static_cast<double>(most)));
+    ComplainOf(attribute, Format(L"is not between %g and %g", least, most));
     return otherwise;
 }
 
@@ -131,8 +130,8 @@ Color ElementReader::OptionalColor(Color const & otherwise)
     m_known.emplace_back(attribute);
     if (!Has(attribute))
         return otherwise;
-    std::vector<float> const numbers = Numbers(attribute, 0);
-    auto const isByte = [](float n) { return n >= 0 && n <= 255 && n == std::floor(n); };
+    std::vector<double> const numbers = Numbers(attribute, 0);
+    auto const isByte = [](double n) { return n >= 0 && n <= 255 && n == std::floor(n); };
     if (numbers.size() >= 3 && numbers.size() <= 4 && std::all_of(numbers.begin(), numbers.end(), isByte))
         return Color(static_cast<unsigned char>(numbers[0]), static_cast<unsigned char>(numbers[1]),
                      static_cast<unsigned char>(numbers[2]), 255);

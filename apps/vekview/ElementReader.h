@@ -28,17 +28,17 @@ class ElementReader
 {
 public:
     /// No coordinate is larger.
-    static constexpr float LARGEST = 1e9f;
+    static constexpr double LARGEST = 1e9;
 
     /// The title names the element in problems, such as "box 2".
     ElementReader(IVekXMLElement const & element, std::wstring title, Problems & problems);
 
     bool Has(wchar_t const * attribute);
     /// Numbers separated by commas or blanks; with a problem, and empty, when it is not that many (0 for any number).
-    std::vector<float> Numbers(wchar_t const * attribute, std::size_t count);
+    std::vector<double> Numbers(wchar_t const * attribute, std::size_t count);
     Point RequiredPoint(wchar_t const * attribute);
     Point OptionalPoint(wchar_t const * attribute, Point const & otherwise);
-    float OptionalNumber(wchar_t const * attribute, float otherwise, float least, float most);
+    double OptionalNumber(wchar_t const * attribute, double otherwise, double least, double most);
     /// Three or four whole numbers from 0 to 255.
     Color OptionalColor(Color const & otherwise);
     std::wstring OptionalText(wchar_t const * attribute);

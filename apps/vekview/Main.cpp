@@ -1,5 +1,5 @@
 // vekview: shows a scene read from XML in a window, or draws it into a PNG file.
-
+#include "CommandLine.h"
 #include "Console.h"
 #include "LogToStderr.h"
 #include "PngFile.h"
@@ -8,11 +8,6 @@
 #include "Utf8.h"
 #include "Window.h"
 #include "XmlFile.h"
-
-#include <CLI/CLI.hpp>
-
-#include <algorithm>
-#include <new>
 
 namespace tool
 {
@@ -33,8 +28,8 @@ Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 
 struct Arguments
 {
-    std::string scene, snapshot, size = "800x600";
-    int width = 0, height = 0;
+    std::string scene, snapshot, size;
+    int width = 800, height = 600;
 };
 
 /// "800x600"; an empty text when that is right, for the command-line parser.
@@ -45,41 +40,17 @@ std::string ParseSize(std::string const & text, Arguments & arguments)
                         static_cast<std::size_t>(end) == text.size();
     bool const inRange = arguments.width >= 1 && arguments.width <= LARGEST_SIZE && arguments.height >= 1 &&
                          arguments.height <= LARGEST_SIZE;
-    return parsed && inRange ? "" : "--size: \"" + text + "\" is not WIDTHxHEIGHT, each from 1 to 8192";
+    return parsed && inRange ? "" : "\"" + text + "\" is not WIDTHxHEIGHT, each from 1 to 8192";
 }
 
-/// EXIT_DONE with an empty scene: the help or version was asked for and is printed.
-int ParseArguments(int count, wchar_t ** texts, Arguments & arguments)
+void AddArguments(CLI::App & app, Arguments & arguments)
 {
-    CLI::App app("Shows a scene of NURBS curves, boxes, triangles and grids", "vekview");
-    app.allow_windows_style_options(false); // "/dir/file" is a path
-    app.set_version_flag("--version", "vekview " VEK_VERSION);
     app.footer(HELP);
     app.add_option("SCENE", arguments.scene, "The scene's XML file")->required()->type_name("");
     app.add_option("--snapshot", arguments.snapshot, "Draw into a PNG file instead of a window")->type_name("OUT");
-    app.add_option("--size", arguments.size, "The picture's size (800x600)")->type_name("WxH");
-    std::vector<std::string> reversed; // the parser takes them from the back
-    for (int i = count - 1; i > 0; --i)
-        reversed.push_back(ToUtf8KeepingAll(texts[i]));
-    try
-    {
-        app.parse(reversed);
-        std::string const problem = ParseSize(arguments.size, arguments);
-        if (!problem.empty())
-            throw CLI::ValidationError(problem);
-        return EXIT_DONE;
-    }
-    catch (CLI::ParseError const & error)
-    {
-        arguments.scene.clear();
-        std::ostringstream out, err;
-        bool const isError = app.exit(error, out, err) != 0;
-        Console::Out().Write(FromUtf8(out.str()));
-        if (isError)
-            Console::Err().Write(L"vekview: " + Printable(FromUtf8(error.what())) +
-                                 L"\nRun \"vekview --help\" for more.\n");
-        return isError ? EXIT_USAGE : EXIT_DONE;
-    }
+    app.add_option("--size", arguments.size, "The picture's size (800x600)")
+        ->type_name("WxH")
+        ->check([&arguments](std::string const & text) { return ParseSize(text, arguments); });
 }
 
 /// False, after telling the user what is wrong with the file.
@@ -109,12 +80,15 @@ int DrawSnapshot(Scene const & scene, Arguments const & arguments)
     return WritePng(canvas, path) ? EXIT_DONE : Fail(path, L"can't be written");
 }
 
+} // namespace
+
 int Run(int count, wchar_t ** texts)
 {
+    CommandLine line("Shows a scene of NURBS curves, boxes, triangles and grids");
     Arguments arguments;
-    int const parsed = ParseArguments(count, texts, arguments);
-    if (arguments.scene.empty())
-        return parsed;
+    AddArguments(line, arguments);
+    if (std::optional<int> const code = line.Parse(count, texts))
+        return *code;
     Library const library;
     if (!library.Started())
         return Fail(L"VekLib", L"can't be started");
@@ -129,22 +103,4 @@ int Run(int count, wchar_t ** texts)
     return window.Run(arguments.width, arguments.height) ? EXIT_DONE : Fail(path, L"no window can be opened here");
 }
 
-} // namespace
-
 } // namespace tool
-
-int wmain(int count, wchar_t ** arguments)
-{
-    int code = tool::EXIT_FAILED;
-    try
-    {
-        code = tool::Run(count, arguments);
-    }
-    catch (std::bad_alloc const &)
-    {
-        tool::Console::Err().Write(L"vekview: out of memory\n");
-    }
-    if (!tool::Console::Out().Flush())
-        code = tool::EXIT_FAILED; // whoever reads this output hasn't got all of it
-    return code;
-}

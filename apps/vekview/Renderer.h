@@ -20,8 +20,12 @@ private:
     std::uint32_t Shade(Triangle const & triangle, bool highlighted) const;
     CVekVector4D<double> Project(Point const & point) const;
     Canvas::Place OnCanvas(CVekVector4D<double> const & point) const;
+    Canvas::Place Lifted(Canvas::Place place) const;
 
+    SceneView const & m_view;
     Canvas & m_canvas;
+    CVekFrustum m_volume;
+    bool m_isPerspective;
     SceneView::Transform m_toPicture;
     SceneView::Transform m_toCamera;
 };

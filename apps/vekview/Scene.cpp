@@ -19,7 +19,7 @@ void Scene::AddTriangle(Triangle triangle)
     triangles.push_back(std::move(triangle));
 }
 
-void Scene::AddBox(CVekBoundBox<float> const & box, Color const & color)
+void Scene::AddBox(CVekBoundBox<double> const & box, Color const & color)
 {
     // From each corner along each axis on which it has the minimum.
     for (unsigned int corner = 0; corner < 8; ++corner)

@@ -2,7 +2,7 @@
 
 #include "Console.h"
 #include "CurveReader.h"
-#include "XmlFile.h"
+#include "LibraryText.h"
 
 #include <cmath>
 
@@ -12,7 +12,7 @@ namespace tool
 namespace
 {
 
-constexpr float MOST_GRID_LINES = 1000; // each way
+constexpr double MOST_GRID_LINES = 1000; // each way
 constexpr Color BOX_COLOR(200, 200, 210, 255), GRID_COLOR(80, 84, 92, 255), TRIANGLE_COLOR(120, 150, 190, 255);
 
 } // namespace
@@ -66,7 +66,7 @@ void SceneReader::ReadCamera(ElementReader & reader)
         reader.Complain(L"there is one already");
     if (!reader.Finish())
         return;
-    if (camera.eye == camera.target)
+    if (!((camera.eye - camera.target).Length() > 1e-30)) // too little for the camera's floats
         reader.Complain(L"eye and target are the same point");
     m_scene.camera = camera;
 }
@@ -74,13 +74,13 @@ void SceneReader::ReadCamera(ElementReader & reader)
 void SceneReader::ReadGrid(ElementReader & reader)
 {
     Point const centre = reader.OptionalPoint(L"center", Point());
-    float const size = reader.OptionalNumber(L"size", 20, 1e-6f, ElementReader::LARGEST);
-    float const step = reader.OptionalNumber(L"step", 1, 1e-6f, ElementReader::LARGEST);
+    double const size = reader.OptionalNumber(L"size", 20, 1e-6, ElementReader::LARGEST);
+    double const step = reader.OptionalNumber(L"step", 1, 1e-6, ElementReader::LARGEST);
     std::size_t const plane = reader.OptionalChoice(L"plane", {L"xz", L"xy", L"yz"});
     Color const color = reader.OptionalColor(GRID_COLOR);
     if (!reader.Finish())
         return;
-    float const cells = std::floor(size / step + 0.5f);
+    double const cells = std::floor(size / step + 0.5);
     if (cells < 1 || cells > MOST_GRID_LINES)
     {
         reader.Complain(L"size / step is not between 1 and 1000");
@@ -89,7 +89,7 @@ void SceneReader::ReadGrid(ElementReader & reader)
     Point const along = plane == 2 ? Point(0, step, 0) : Point(step, 0, 0);
     Point const across = plane == 1 ? Point(0, step, 0) : Point(0, 0, step);
     Point const corner = centre - (along + across) * (cells / 2);
-    for (float i = 0; i <= cells; ++i)
+    for (double i = 0; i <= cells; ++i)
     {
         m_scene.AddSegment(corner + along * i, corner + along * i + across * cells, color);
         m_scene.AddSegment(corner + across * i, corner + across * i + along * cells, color);
@@ -105,7 +105,7 @@ void SceneReader::ReadBox(ElementReader & reader)
     if (minimum.Smallest(maximum) != minimum)
         reader.Complain(L"a coordinate of \"min\" is larger than that of \"max\"");
     else
-        m_scene.AddBox(CVekBoundBox<float>(minimum, maximum), color);
+        m_scene.AddBox(CVekBoundBox<double>(minimum, maximum), color);
 }
 
 void SceneReader::ReadTriangle(ElementReader & reader, unsigned int number)

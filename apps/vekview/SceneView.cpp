@@ -15,6 +15,8 @@ constexpr double FREE_BORDER = 1.05;
 // A near plane this much nearer than the pivot leaves room to move, and digits for the depth.
 constexpr double NEAR_PART = 1e-3;
 constexpr double LEAST_NEAR_PART = 1e-4; // of far
+// A float has all its digits for a part of this too.
+constexpr double LEAST_DISTANCE = 1e-30;
 
 CVekMatrix4x4<double> Double(CVekMatrix4x4<float> const & matrix)
 {
@@ -32,7 +34,7 @@ SceneView::SceneView(Scene const & scene) : m_scene(scene), m_centre(scene.bound
     SceneCamera camera;
     // From the front, a little above and to the right.
     camera.target = m_centre;
-    camera.eye = m_centre + Point(0.5f, 0.45f, 1.0f);
+    camera.eye = m_centre + Point(0.5, 0.45, 1.0);
     TakeCamera(scene.camera ? *scene.camera : camera);
     if (scene.camera)
         m_centre = scene.camera->target;
@@ -42,21 +44,25 @@ SceneView::SceneView(Scene const & scene) : m_scene(scene), m_centre(scene.bound
 
 void SceneView::TakeCamera(SceneCamera const & camera)
 {
+    using Vector = CVekVector3D<float>;
+    m_origin = camera.target;
     m_state.coordSystem = camera.coordSystem;
-    m_state.up = camera.up;
+    m_state.up = Vector(camera.up.Normalised());
+    Vector const eye(camera.eye - camera.target);
     m_state.matrix = camera.coordSystem == VEK_COORDSYSTEM_LEFTHANDED
-                         ? CVekMatrix4x4<float>::LookAtLeftHanded(camera.eye, camera.target, camera.up)
-                         : CVekMatrix4x4<float>::LookAtRightHanded(camera.eye, camera.target, camera.up);
-    m_tangent = std::tan(static_cast<double>(camera.fieldOfView) / 360.0 * PI);
-    double const distance = Depth(camera.target);
-    bool const perspective = camera.projection == VEK_PROJECTIONMODE_PERSPECTIVE;
-    double const nearPlane = distance * NEAR_PART;
-    TakeVolume(camera.projection, m_tangent * (perspective ? nearPlane : distance), nearPlane);
+                         ? CVekMatrix4x4<float>::LookAtLeftHanded(eye, Vector(), m_state.up)
+                         : CVekMatrix4x4<float>::LookAtRightHanded(eye, Vector(), m_state.up);
+    m_tangent = std::tan(camera.fieldOfView / 360.0 * PI);
+    TakeVolume(camera.projection, Depth(camera.target));
 }
 
-void SceneView::TakeVolume(VEK_PROJECTIONMODE mode, double halfHeight, double nearPlane)
+/// The volume that shows what is at that distance as large as the angle makes it in perspective.
+void SceneView::TakeVolume(VEK_PROJECTIONMODE mode, double distance)
 {
-    float const half = static_cast<float>(halfHeight), front = static_cast<float>(nearPlane);
+    double const nearPlane = distance * NEAR_PART;
+    bool const perspective = mode == VEK_PROJECTIONMODE_PERSPECTIVE;
+    float const half = static_cast<float>(m_tangent * (perspective ? nearPlane : distance));
+    float const front = static_cast<float>(nearPlane);
     m_state.frustum.SetFrustum(mode, -half, half, half, -half, front, 2 * front);
 }
 
@@ -66,34 +72,42 @@ void SceneView::Resize(int width, int height)
     m_state.screenBottom = static_cast<float>(std::max(height, 1));
 }
 
-double SceneView::Depth(Point const & point) const
+/// Moves the camera, which keeps its direction, so that the point comes to a place in front of it. The point becomes
+/// the origin: around it, the record has the most digits.
+void SceneView::MoveTo(Point const & point, Point const & inCamera)
 {
-    return static_cast<double>(m_state.matrix.TransformPoint(point).z) * Forward();
-}
-
-/// Moves the camera along its view axis.
-void SceneView::MoveToDepth(Point const & point, double depth)
-{
-    Point offset = m_state.matrix.GetTranslation();
-    offset.z += static_cast<float>((depth - Depth(point)) * Forward());
-    m_state.matrix.SetTranslation(offset);
+    Point const pivot = Pivot();
+    m_origin = point;
+    SetPivot(pivot);
+    m_state.matrix.SetTranslation(CVekVector3D<float>(inCamera));
 }
 
 void SceneView::Fit()
 {
     EndDrag();
     m_centre = m_scene.bounds.Centre();
-    double radius = static_cast<double>(m_scene.bounds.Size().Length()) / 2.0 * FREE_BORDER;
-    if (!(radius > 0))
-        radius = 1;
-    double const aspect = std::min(1.0, static_cast<double>(Width()) / Height());
-    double const distance = radius / std::sin(std::atan(m_tangent * aspect));
-    Point offset = m_state.matrix.GetTranslation() - m_state.matrix.TransformPoint(m_centre);
-    m_state.matrix.SetTranslation(offset);
-    MoveToDepth(m_centre, distance);
-    double const nearPlane = distance * NEAR_PART;
-    bool const perspective = GetProjection() == VEK_PROJECTIONMODE_PERSPECTIVE;
-    TakeVolume(GetProjection(), perspective ? m_tangent * nearPlane : radius / aspect, nearPlane);
+    double const aspect = static_cast<double>(Width()) / Height();
+    double const slope = GetProjection() == VEK_PROJECTIONMODE_PERSPECTIVE ? m_tangent / FREE_BORDER : 0;
+    // How far from the centre each side's plane has to be so that nothing is outside of it.
+    double left = 0, right = 0, top = 0, bottom = 0;
+    Transform const toCamera = WorldToCamera();
+    m_scene.ForEachPoint(
+        [&](Point const & point)
+        {
+            Point const p = toCamera.TransformDirection(point - m_centre);
+            double const spread = slope * p.z * Forward();
+            left = std::max(left, -p.x - spread * aspect);
+            right = std::max(right, p.x - spread * aspect);
+            top = std::max(top, p.y - spread);
+            bottom = std::max(bottom, -p.y - spread);
+        });
+    double const half = std::max((left + right) / aspect, top + bottom) / 2;
+    double distance = half * FREE_BORDER / m_tangent;
+    if (!(distance > LEAST_DISTANCE))
+        distance = 1;
+    MoveTo(m_centre, Point((left - right) / 2, (bottom - top) / 2, distance * Forward()));
+    SetPivot(m_centre);
+    TakeVolume(GetProjection(), distance);
 }
 
 void SceneView::SetProjection(VEK_PROJECTIONMODE mode)
@@ -101,26 +115,39 @@ void SceneView::SetProjection(VEK_PROJECTIONMODE mode)
     EndDrag();
     if (mode == GetProjection())
         return;
-    double const half = static_cast<double>(m_state.frustum.GetHeight()) / 2.0;
+    KeepPivotInFront();
+    double distance = Depth(Pivot());
     if (mode == VEK_PROJECTIONMODE_PERSPECTIVE)
     {
-        double const distance = half / m_tangent;
-        MoveToDepth(m_centre, distance);
-        TakeVolume(mode, m_tangent * distance * NEAR_PART, distance * NEAR_PART);
+        distance = static_cast<double>(m_state.frustum.GetHeight()) / 2 / m_tangent;
+        Point place = InCamera(Pivot());
+        place.z = distance * Forward();
+        MoveTo(Pivot(), place);
     }
-    else
-    {
-        double const nearPlane = static_cast<double>(m_state.frustum.GetNear());
-        TakeVolume(mode, half / nearPlane * std::max(Depth(m_centre), nearPlane), nearPlane);
-    }
+    TakeVolume(mode, distance);
+}
+
+/// What is not in front of the camera gives no depth to work at: a point on the view axis replaces it, at the depth
+/// worked at before.
+void SceneView::KeepPivotInFront()
+{
+    double const nearPlane = static_cast<double>(m_state.frustum.GetNear());
+    Transform back;
+    if (!(Depth(Pivot()) > nearPlane) && WorldToCamera().Inverse(back))
+        SetPivot(m_origin + back.TransformPoint(Point(0, 0, nearPlane / NEAR_PART * Forward())));
 }
 
 void SceneView::TakePivot(VEK_CAMERAMODE mode, Point const * hit)
 {
-    m_state.pivot = hit && mode != VEK_CAMERAMODE_ORBIT ? *hit : m_centre;
-    double const nearPlane = Depth(m_state.pivot) * NEAR_PART;
-    if (GetProjection() == VEK_PROJECTIONMODE_PERSPECTIVE && nearPlane > 0)
-        TakeVolume(GetProjection(), m_tangent * nearPlane, nearPlane);
+    bool const takesHit = hit && mode != VEK_CAMERAMODE_ORBIT;
+    if (takesHit)
+        MoveTo(*hit, InCamera(*hit));
+    SetPivot(takesHit ? *hit : m_centre);
+    if (mode != VEK_CAMERAMODE_ORBIT)
+        KeepPivotInFront();
+    double const depth = Depth(Pivot());
+    if (GetProjection() == VEK_PROJECTIONMODE_PERSPECTIVE && depth > 0)
+        TakeVolume(GetProjection(), depth);
 }
 
 void SceneView::BeginDrag(VEK_CAMERAMODE mode, int x, int y, Point const * hit)
@@ -163,9 +190,9 @@ void SceneView::Wheel(double steps, int x, int y, Point const * hit)
     m_controller.Manipulate(VEK_CAMERAMODE_DOLLY, &m_state);
 }
 
-/// The camera's volume in the picture's proportions, with near and far just around the scene.
 CVekFrustum SceneView::DrawnVolume() const
 {
+    double const nearPlane = static_cast<double>(m_state.frustum.GetNear());
     double nearest = 0, farthest = 0;
     for (unsigned int i = 0; i < 8; ++i)
     {
@@ -173,7 +200,8 @@ CVekFrustum SceneView::DrawnVolume() const
         nearest = i == 0 ? depth : std::min(nearest, depth);
         farthest = i == 0 ? depth : std::max(farthest, depth);
     }
-    double const margin = std::max((farthest - nearest) * 0.01, std::max(std::fabs(farthest) * 1e-3, 1e-6));
+    double const distance = std::max({std::fabs(nearest), std::fabs(farthest), nearPlane / NEAR_PART});
+    double const margin = std::max((farthest - nearest) * 0.01, distance * 1e-3);
     nearest -= margin;
     farthest += margin;
     CVekFrustum volume = m_state.frustum;
@@ -203,10 +231,11 @@ SceneView::Transform SceneView::WorldToPicture() const
 bool SceneView::RayAt(int x, int y, Ray & ray) const
 {
     Transform back;
-    CVekVector3D<double> place((x + 0.5) / Width() * 2 - 1, 1 - (y + 0.5) / Height() * 2, 0);
+    Point place((x + 0.5) / Width() * 2 - 1, 1 - (y + 0.5) / Height() * 2, 0);
     if (!WorldToPicture().Inverse(back) || !back.ProjectPoint(place, ray.from))
         return false;
     place.z = 1;
+    ray.origin = m_origin;
     return back.ProjectPoint(place, ray.to);
 }
 

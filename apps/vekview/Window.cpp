@@ -113,6 +113,10 @@ bool Window::Handle(UINT message, WPARAM wide, LPARAM narrow)
     case WM_MOUSEMOVE:
         MovePointer(x, y);
         return true;
+    case WM_MOUSELEAVE:
+        m_pointer.reset();
+        ShowHighlight();
+        return true;
     case WM_MOUSEWHEEL:
         TurnWheel(GET_WHEEL_DELTA_WPARAM(wide), x, y);
         return true;
@@ -122,6 +126,7 @@ bool Window::Handle(UINT message, WPARAM wide, LPARAM narrow)
     case WM_CAPTURECHANGED:
         m_view.EndDrag();
         m_dragEnd = 0;
+        ShowHighlight();
         return true;
     case WM_DESTROY:
         m_window = nullptr;
@@ -147,9 +152,7 @@ bool Window::HandleButton(UINT message, int x, int y)
         {
             if (m_view.IsDragging()) // a key may have ended it
                 MovePointer(x, y);
-            m_view.EndDrag();
-            m_dragEnd = 0;
-            ReleaseCapture();
+            ReleaseCapture(); // WM_CAPTURECHANGED ends the drag
             return true;
         }
     }
@@ -188,17 +191,21 @@ void Window::TurnWheel(int delta, int screenX, int screenY)
 
 void Window::MovePointer(int x, int y)
 {
+    if (!m_pointer)
+    {
+        TRACKMOUSEEVENT leaving{sizeof leaving, TME_LEAVE, m_window, 0};
+        TrackMouseEvent(&leaving);
+    }
+    m_pointer = POINT{x, y};
     if (m_view.IsDragging())
     {
         m_view.Drag(x, y);
         Changed();
-        return;
     }
-    int const triangle = PickAt(x, y).triangle;
-    if (triangle == m_highlighted)
-        return;
-    m_highlighted = triangle;
-    Changed();
+    else
+    {
+        ShowHighlight();
+    }
 }
 
 Pick Window::PickAt(int x, int y) const
@@ -217,10 +224,35 @@ void Window::Resize(int width, int height)
     if (!m_fitted && !m_scene.camera)
         m_view.Fit();
     m_fitted = true;
-    InvalidateRect(m_window, nullptr, FALSE);
+    Changed();
 }
 
+/// Shows the view, which is another one now.
 void Window::Changed()
+{
+    UpdateHighlight();
+    Redraw();
+}
+
+void Window::ShowHighlight()
+{
+    if (UpdateHighlight())
+        Redraw();
+}
+
+/// Looks what is under the pointer now, but during a drag. True when that is something else than before.
+bool Window::UpdateHighlight()
+{
+    if (m_view.IsDragging())
+        return false;
+    // A button that is down keeps the pointer's messages coming from outside of the window.
+    bool const isInside = m_pointer && m_pointer->x >= 0 && m_pointer->x < m_view.Width() && m_pointer->y >= 0 &&
+                          m_pointer->y < m_view.Height();
+    int const triangle = isInside ? PickAt(m_pointer->x, m_pointer->y).triangle : -1;
+    return std::exchange(m_highlighted, triangle) != triangle;
+}
+
+void Window::Redraw()
 {
     ShowTitle();
     InvalidateRect(m_window, nullptr, FALSE);

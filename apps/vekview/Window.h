@@ -4,6 +4,7 @@
 #include "Picker.h"
 #include "Platform.h"
 
+#include <optional>
 #include <string>
 
 namespace tool
@@ -34,6 +35,9 @@ private:
     void Resize(int width, int height);
     void Paint();
     void Changed();
+    void ShowHighlight();
+    bool UpdateHighlight();
+    void Redraw();
     void ShowTitle();
     Pick PickAt(int x, int y) const;
 
@@ -42,7 +46,8 @@ private:
     SceneView m_view;
     Canvas m_canvas;
     HWND m_window = nullptr;
-    UINT m_dragEnd = 0; // the message that ends the drag, 0 without a button down
+    UINT m_dragEnd = 0;             // the message that ends the drag, 0 without a button down
+    std::optional<POINT> m_pointer; // where it is in the window
     int m_highlighted = -1;
     bool m_outOfMemory = false;
     bool m_fitted = false;

@@ -17,7 +17,8 @@ public:
     /// Takes the bytes over.
     void SetBytes(std::vector<unsigned char> && bytes);
 
-    /// Reads all that the stream holds from its position on.
+    /// Reads all that the stream holds from its position on, in one block: from a PayloadStream, as the manager gives
+    /// it. A CVekMemoryIOStream refuses a block that reaches its last byte.
     bool Read(IVekIOStream * stream) override;
     bool Write(IVekIOStream * stream) override;
 

@@ -5,6 +5,7 @@
 #include "TreeReader.h"
 #include "TreeWriter.h"
 
+#include <climits>
 #include <cstdarg>
 #include <cwchar>
 #include <new>
@@ -88,12 +89,28 @@ CVekResourceFilePacket * FindChild(CVekResourceFilePacket & packet, std::wstring
     return nullptr;
 }
 
+bool KnowsSize(IVekIOStream const & stream)
+{
+    unsigned int const size = stream.GetSize();
+    return size != 0 && size != UINT_MAX;
+}
+
+/// Copies the rest of a stream byte by byte, as only a block's result tells the end; false without memory.
+bool CopyToEnd(IVekIOStream & from, PayloadStream & to)
+{
+    unsigned char byte = 0;
+    while (from.Read(&byte, 1, true))
+        if (!to.Write(&byte, 1, true))
+            return false;
+    return to.SetPosition(0, false);
+}
+
 } // namespace
 
 Manager::Manager()
 {
-    m_handlers[TYPE_FOLDER].reset(new HandlerOf<Folder>);
-    m_handlers[TYPE_BLOB].reset(new HandlerOf<Blob>);
+    m_handlers[TYPE_FOLDER].Reset(new HandlerOf<Folder>);
+    m_handlers[TYPE_BLOB].Reset(new HandlerOf<Blob>);
 }
 
 Manager::~Manager() = default;
@@ -167,7 +184,12 @@ bool Manager::ReadTree(IVekIOStream * stream)
         {
             if (!stream)
                 return Fail(L"there is no stream");
-            Held<CVekResourceFilePacket> root = TreeReader(*this, *stream).Read();
+            PayloadStream copy;
+            bool const isCopied = !KnowsSize(*stream);
+            if (isCopied && !CopyToEnd(*stream, copy))
+                return Fail(L"is too large for memory");
+            IVekIOStream & source = isCopied ? copy : *stream;
+            CVekRef<CVekResourceFilePacket> root = TreeReader(*this, source).Read();
             if (!root)
                 return false;
             m_root = std::move(root);
@@ -191,7 +213,7 @@ bool Manager::WriteTree(IVekIOStream * stream)
 
 void Manager::Close()
 {
-    m_root.reset();
+    m_root.Reset();
     m_path.clear();
     m_modified = false;
 }
@@ -202,10 +224,10 @@ CVekResourceFilePacket * Manager::GetRoot()
         [this]
         {
             if (!m_root)
-                m_root.reset(new Folder(TYPE_FOLDER, L"", this));
+                m_root.Reset(new Folder(TYPE_FOLDER, L"", this));
             return true;
         });
-    return m_root.get();
+    return m_root.Get();
 }
 
 CVekResourceFilePacket * Manager::FindPacket(wchar_t const * path)
@@ -225,7 +247,7 @@ CVekResourceFilePacket * Manager::FindPacket(wchar_t const * path)
 
 CVekResourceFilePacket * Manager::CreatePacket(unsigned int type, wchar_t const * name)
 {
-    Held<CVekResourceFilePacket> packet;
+    CVekRef<CVekResourceFilePacket> packet;
     Guarded(
         [&]
         {
@@ -236,14 +258,14 @@ CVekResourceFilePacket * Manager::CreatePacket(unsigned int type, wchar_t const 
             IVekResourceFilePacketHandler * const handler = FindHandler(type);
             if (!handler)
                 return Fail(L"no handler for packets of type %08X", type);
-            packet.reset(handler->CreatePacket(type, name, this));
-            Named const * const named = Named::Of(packet.get());
+            packet.Reset(handler->CreatePacket(type, name, this));
+            Named const * const named = Named::Of(packet.Get());
             if (named && named->Type() == type && std::wcscmp(named->Name(), name) == 0)
                 return true;
-            packet.reset();
+            packet.Reset();
             return Fail(L"the handler for packets of type %08X has failed", type);
         });
-    return packet.release();
+    return packet.Detach();
 }
 
 unsigned int Manager::GetPacketType(CVekResourceFilePacket const * packet) const
@@ -267,8 +289,7 @@ bool Manager::RegisterHandler(unsigned int type, IVekResourceFilePacketHandler *
                 return Fail(L"there is no handler");
             if (FindHandler(type))
                 return Fail(L"packets of type %08X have a handler already", type);
-            m_handlers[type].reset(handler);
-            handler->AddRef();
+            m_handlers[type] = CVekRef<IVekResourceFilePacketHandler>::Share(handler);
             return true;
         });
 }
@@ -281,7 +302,7 @@ bool Manager::UnregisterHandler(unsigned int type)
 IVekResourceFilePacketHandler * Manager::FindHandler(unsigned int type)
 {
     auto const found = m_handlers.find(type);
-    return found == m_handlers.end() ? nullptr : found->second.get();
+    return found == m_handlers.end() ? nullptr : found->second.Get();
 }
 
 bool Manager::Fail(wchar_t const * format, ...)

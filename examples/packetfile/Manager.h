@@ -3,20 +3,10 @@
 #include <VekLib.h>
 
 #include <map>
-#include <memory>
 #include <string>
 
 namespace packetfile
 {
-
-struct ReleaseObject
-{
-    void operator()(IVekObject * object) const { object->Release(); }
-};
-
-/// Holds one reference.
-template <class T>
-using Held = std::unique_ptr<T, ReleaseObject>;
 
 /// Keeps trees of folders, blobs and the packets of registered handlers in files (Format.h). Names are found exactly,
 /// case included. All packets derive from NamedPacket. Nothing but the constructor throws.
@@ -56,8 +46,8 @@ private:
     bool Guarded(Work work);
     bool SaveBeside(std::wstring const & target);
 
-    std::map<unsigned int, Held<IVekResourceFilePacketHandler>> m_handlers;
-    Held<CVekResourceFilePacket> m_root;
+    std::map<unsigned int, CVekRef<IVekResourceFilePacketHandler>> m_handlers;
+    CVekRef<CVekResourceFilePacket> m_root;
     std::wstring m_path;
     bool m_modified = false;
     wchar_t m_error[241] = L"";

@@ -28,33 +28,29 @@ public:
     bool MovePosition(int offset) override;
     bool IsAtEnd() const override { return m_position == m_bytes.size(); }
     bool Read(void * data, unsigned int count, bool advance) override;
-    char ReadChar(bool advance) override { return static_cast<char>(ReadByte(advance)); }
-    wchar_t ReadWChar(bool advance) override { return static_cast<wchar_t>(ReadWord(advance)); }
     bool Write(void const * data, unsigned int count, bool advance) override;
-    bool Printf(wchar_t const *, ...) override { return false; }
-    bool Printf(char const *, ...) override { return false; }
-    bool Scanf(wchar_t const *, ...) override { return false; }
-    bool Scanf(char const *, ...) override { return false; }
 
 private:
     friend class CVekTypedIOStream<PayloadStream, IVekIOStream>;
 
     bool MoveTo(long long position);
-    template <class Unsigned>
-    void ReadFixed(Unsigned & value, bool advance)
+    bool Take(void * value, std::size_t size, bool advance)
     {
-        unsigned char bytes[sizeof value] = {};
-        Read(bytes, sizeof value, advance);
-        for (std::size_t i = 0; i < sizeof value; ++i)
-            value = static_cast<Unsigned>(value | static_cast<Unsigned>(bytes[i]) << 8 * i);
+        return Read(value, static_cast<unsigned int>(size), advance);
     }
-    template <class Unsigned>
-    void WriteFixed(Unsigned value, bool advance)
+    void Give(void const * value, std::size_t size, bool advance)
     {
-        unsigned char bytes[sizeof value];
-        for (std::size_t i = 0; i < sizeof value; ++i)
-            bytes[i] = static_cast<unsigned char>(value >> 8 * i);
-        Write(bytes, sizeof value, advance);
+        Write(value, static_cast<unsigned int>(size), advance);
+    }
+    template <class Char>
+    bool PrintText(Char const *, va_list)
+    {
+        return false;
+    }
+    template <class Char>
+    bool ScanText(Char const *, va_list)
+    {
+        return false;
     }
 
     std::vector<unsigned char> m_bytes;

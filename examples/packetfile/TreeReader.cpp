@@ -9,7 +9,7 @@
 namespace packetfile
 {
 
-Held<CVekResourceFilePacket> TreeReader::Read()
+CVekRef<CVekResourceFilePacket> TreeReader::Read()
 {
     if (!ReadFileHeader() || !ReadPackets() || !CheckEnd())
         return nullptr;
@@ -65,10 +65,10 @@ bool TreeReader::ReadPacket()
         return m_manager.Fail(L"is too large for memory");
     if (!Take(payload, header[3]))
         return false;
-    Held<CVekResourceFilePacket> packet = MakePacket(header);
+    CVekRef<CVekResourceFilePacket> packet = MakePacket(header);
     if (!packet)
         return false;
-    m_places.push_back({packet.get(), header[1]});
+    m_places.push_back({packet.Get(), header[1]});
     if (m_index == 0)
     {
         m_root = std::move(packet);
@@ -76,7 +76,7 @@ bool TreeReader::ReadPacket()
     }
     Place & parent = m_places[m_places.size() - 2];
     --parent.missing;
-    return parent.packet->AddChild(packet.get(), -1) != -1 || m_manager.Fail(L"is too large for memory");
+    return parent.packet->AddChild(packet.Get(), -1) != -1 || m_manager.Fail(L"is too large for memory");
 }
 
 bool TreeReader::CheckPacketHeader(Numbers const & header)
@@ -102,14 +102,14 @@ bool TreeReader::ReadName(unsigned int length)
     return std::all_of(m_name.begin(), m_name.end(), IsNameUnit) || Fail(L"has a name that can't be");
 }
 
-Held<CVekResourceFilePacket> TreeReader::MakePacket(Numbers const & header)
+CVekRef<CVekResourceFilePacket> TreeReader::MakePacket(Numbers const & header)
 {
     unsigned int const type = header[0];
-    Held<CVekResourceFilePacket> packet;
+    CVekRef<CVekResourceFilePacket> packet;
     if (m_manager.FindHandler(type))
-        packet.reset(m_manager.CreatePacket(type, m_name.c_str()));
+        packet.Reset(m_manager.CreatePacket(type, m_name.c_str()));
     else
-        packet.reset(new Blob(type, m_name.c_str(), &m_manager)); // kept as it is
+        packet.Reset(new Blob(type, m_name.c_str(), &m_manager)); // kept as it is
     if (packet && packet->Read(&m_payload) && m_payload.IsAtEnd() && packet->GetNumChildren() == 0)
         return packet;
     Fail(L"can't be read by its own kind");

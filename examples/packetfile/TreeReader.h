@@ -14,7 +14,7 @@ public:
     TreeReader(Manager & manager, IVekIOStream & stream) : m_manager(manager), m_stream(stream) {}
 
     /// The root of a tree that is exactly what the stream holds; null, with the manager's error set.
-    Held<CVekResourceFilePacket> Read();
+    CVekRef<CVekResourceFilePacket> Read();
 
 private:
     /// A packet that still waits for children. The tree holds it.
@@ -29,7 +29,7 @@ private:
     bool ReadPacket();
     bool CheckPacketHeader(Numbers const & header);
     bool ReadName(unsigned int length);
-    Held<CVekResourceFilePacket> MakePacket(Numbers const & header);
+    CVekRef<CVekResourceFilePacket> MakePacket(Numbers const & header);
     bool CheckEnd();
     bool Take(void * data, unsigned int size);
     bool Take(Numbers & numbers);
@@ -43,7 +43,7 @@ private:
     unsigned int m_index = 0;
     std::wstring m_name;
     PayloadStream m_payload;
-    Held<CVekResourceFilePacket> m_root;
+    CVekRef<CVekResourceFilePacket> m_root;
     std::vector<Place> m_places;
 };
 

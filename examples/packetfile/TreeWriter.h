@@ -10,7 +10,8 @@
 namespace packetfile
 {
 
-/// Writes a tree as a packet file.
+/// Writes a tree as a packet file. Each packet writes itself twice, once to be measured, and must write the same both
+/// times: one whose payload costs much to make keeps it.
 class TreeWriter
 {
 public:

@@ -8,7 +8,6 @@
 #include <cstdio>
 
 using packetfile::Blob;
-using packetfile::Held;
 using packetfile::Manager;
 
 static std::vector<unsigned char> BytesOf(char const * text)
@@ -20,8 +19,8 @@ static std::vector<unsigned char> BytesOf(char const * text)
 static CVekResourceFilePacket * Add(Manager & manager, CVekResourceFilePacket & parent, unsigned int type,
                                     wchar_t const * name)
 {
-    Held<CVekResourceFilePacket> const packet(manager.CreatePacket(type, name)); // count 1, ours
-    return packet && parent.AddChild(packet.get(), -1) != -1 ? packet.get() : nullptr;
+    CVekRef<CVekResourceFilePacket> const packet(manager.CreatePacket(type, name)); // count 1, ours
+    return packet && parent.AddChild(packet.Get(), -1) != -1 ? packet.Get() : nullptr;
 }
 
 static bool Build(Manager & manager)
@@ -54,16 +53,16 @@ static void Print(Manager & manager, CVekResourceFilePacket const & packet, int 
 // Reads all but the last ten bytes of what the tree would be as a file.
 static bool ReadTruncated(Manager & manager, Manager & other)
 {
-    Held<IVekMemoryIOStream> const whole(getVekLibKernel()->CreateMemoryIOStream());
-    Held<IVekMemoryIOStream> const part(getVekLibKernel()->CreateMemoryIOStream());
+    CVekRef<IVekMemoryIOStream> const whole(getVekLibKernel()->CreateMemoryIOStream());
+    CVekRef<IVekMemoryIOStream> const part(getVekLibKernel()->CreateMemoryIOStream());
     unsigned int const flags = VEK_IO_READ | VEK_IO_WRITE;
-    if (!whole || !part || !whole->Open(nullptr, flags, 1000) || !manager.WriteTree(whole.get()))
+    if (!whole || !part || !whole->Open(nullptr, flags, 1000) || !manager.WriteTree(whole.Get()))
         return false;
     auto const size = static_cast<unsigned int>(whole->GetPosition()) - 10;
     if (!part->Open(nullptr, flags, size))
         return false;
     std::memcpy(part->GetBuffer(), whole->GetBuffer(), size);
-    return other.ReadTree(part.get());
+    return other.ReadTree(part.Get());
 }
 
 static bool Run(wchar_t const * path)
@@ -87,8 +86,13 @@ static bool Run(wchar_t const * path)
 
 int wmain(int count, wchar_t ** arguments)
 {
-    if (count != 2 || !VekLibInit())
+    if (count != 2)
+    {
+        std::puts("usage: example_packets FILE\nWrites a small tree of packets to FILE and reads it back.");
         return 2;
+    }
+    if (!VekLibInit())
+        return 1;
     bool const isDone = Run(arguments[1]);
     VekLibDeinit();
     return isDone ? 0 : 1;

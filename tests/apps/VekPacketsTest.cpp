@@ -11,7 +11,6 @@
 
 #include <filesystem>
 
-using packetfile::Held;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -31,8 +30,8 @@ struct VekPackets : testing::Test
     static CVekResourceFilePacket * Add(packetfile::Manager & manager, CVekResourceFilePacket * parent,
                                         unsigned int type, std::wstring const & name)
     {
-        Held<CVekResourceFilePacket> const packet(manager.CreatePacket(type, name.c_str()));
-        return parent->AddChild(packet.get(), -1), packet.get();
+        CVekRef<CVekResourceFilePacket> const packet(manager.CreatePacket(type, name.c_str()));
+        return parent->AddChild(packet.Get(), -1), packet.Get();
     }
     // What stands in the folder, below it and beside it.
     std::size_t Entries() const

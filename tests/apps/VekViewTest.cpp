@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 using testing::HasSubstr;
@@ -77,36 +79,65 @@ TEST_F(VekView, NearHidesFarAndNothingBehindTheEyeIsSeen)
            <triangle a="-3, -3, 2" b="3, -3, 2" c="0, 3, 2" color="255, 0, 0"/>
            <triangle a="-3, -3, 40" b="3, -3, 40" c="0, 3, 40" color="0, 255, 0"/>
            <curve degree="1" color="255, 0, 255"><point at="-8, -8, 100"/><point at="-8, -8, -50"/></curve>)";
-    struct
-    {
-        char const * name;
-        char const * camera;
-        std::uint32_t middle;
-    } const rows[] = {
-        {"perspective", R"(<camera eye="0, 0, 10" target="0, 0, 0"/>)", 0x00FF0000},
-        {"orthographic", R"(<camera eye="0, 0, 10" target="0, 0, 0" projection="orthographic"/>)", 0x0000FF00},
-        {"left-handed", R"(<camera eye="0, 0, 10" target="0, 0, 0" system="left-handed"/>)", 0x00FF0000},
-        {"from behind", R"(<camera eye="0, 0, -10" target="0, 0, 0"/>)", 0x000000FF},
+    std::pair<std::string, std::uint32_t> const rows[] = {
+        {R"(<camera eye="0, 0, 10" target="0, 0, 0"/>)", 0x00FF0000},
+        {R"(<camera eye="0, 0, 10" target="0, 0, 0" projection="orthographic"/>)", 0x0000FF00},
+        {R"(<camera eye="0, 0, 10" target="0, 0, 0" system="left-handed"/>)", 0x00FF0000},
+        {R"(<camera eye="0, 0, -10" target="0, 0, 0"/>)", 0x000000FF},
     };
-    for (auto const & row : rows)
+    for (auto const & [camera, middle] : rows)
     {
-        Picture const p = Draw(Scene(std::string(row.camera) + triangles));
-        ASSERT_EQ(p.width, 200) << row.name;
-        EXPECT_EQ(p.At(100, 50), row.middle) << row.name;
+        Picture const p = Draw(Scene(camera + triangles));
+        ASSERT_EQ(p.width, 200) << camera;
+        EXPECT_EQ(p.At(100, 50), middle) << camera;
     }
+}
+
+TEST_F(VekView, LinesOnAWallAreSeenAndLinesBehindItAreNot)
+{
+    for (std::string const projection : {"perspective", "orthographic"})
+        for (std::string const z : {"0", "-1", "-3", "-5"})
+        {
+            Picture const p = Draw(Scene(R"(<camera eye="0, 0, 50" target="0, 0, 0" projection=")" + projection + R"("/>
+                <triangle a="-15, -15, 10" b="15, -15, 10" c="0, 15, -10" color="90, 90, 255"/>
+                <grid size="120" step="60" center="0, 30, 0"/>
+                <curve degree="1" color="255, 0, 0"><point at="-5, 0, )" +
+                                         z + R"("/><point at="5, 0, )" + z + R"("/></curve>)"));
+            EXPECT_EQ(FindColor(p, "+--").count > 20, z == "0") << projection << z;
+        }
+}
+
+TEST_F(VekView, LooksTheSameFarFromTheOrigin)
+{
+    auto const draw = [this](char const * digits)
+    {
+        std::string scene = Scene(R"(<camera target="#5, #5, #5" eye="#6, #7, #9"/><grid size="4" center="#5, #4, #5"/>
+            <triangle a="#4, #4, #6" b="#6, #4, #4" c="#5, #6, #5"/><box min="#4, #4, #4" max="#6, #6, #6"/>
+            <curve degree="2"><point at="#7, #5, #5"/><point at="#5, #7, #5"/><point at="#3, #5, #5"/></curve>)");
+        for (std::size_t place = 0; (place = scene.find('#')) != std::string::npos;)
+            scene.replace(place, 1, digits);
+        return Draw(scene);
+    };
+    EXPECT_GT(FindColor(draw(""), "---").count, 100);
+    for (char const * const digits : {"100000", "99999999"})
+        EXPECT_TRUE(draw(digits) == draw("")) << digits;
 }
 
 TEST_F(VekView, FitsSceneWithoutCamera)
 {
     for (char const * const inside : {R"(<box min="1000, 2000, 3000" max="1001, 2002, 3001" color="255 0 0"/>)",
                                       R"(<box min="-1e9, -1e9, -1e9" max="1e9, 1e9, 1e9" color="255 0 0"/>)",
-                                      R"(<box min="-1e-4, 0, 0" max="1e-4, 1e-4, 1e-4" color="255 0 0"/>)"})
+                                      R"(<box min="-1e-12, 0, 0" max="1e-12, 1e-12, 1e-12" color="255 0 0"/>)"})
         for (wchar_t const * const size : {L"300x100", L"100x300"})
         {
             Picture const p = Draw(Scene(inside), size);
-            Spot const red = FindColor(p, "+--");
-            EXPECT_TRUE(red.count > 60 && std::fabs(red.x - p.width / 2) < 12 && std::fabs(red.y - p.height / 2) < 12)
-                << inside << red.count << ": " << red.x << ", " << red.y;
+            std::array<int, 4> free{p.width, p.width, p.height, p.height}; // on the four sides
+            for (int i = 0; i < p.width * p.height; ++i)
+                if (int const x = i % p.width, y = i / p.width; p.At(x, y) == 0x00FF0000)
+                    free = {std::min(free[0], x), std::min(free[1], p.width - 1 - x), std::min(free[2], y),
+                            std::min(free[3], p.height - 1 - y)};
+            std::sort(free.begin(), free.end());
+            EXPECT_TRUE(free[0] >= 1 && free[1] <= 4) << inside << free[0] << ", " << free[1];
         }
     EXPECT_EQ(FindColor(Draw(Scene("")), "---").count, 200 * 100);
     EXPECT_GT(
@@ -116,11 +147,7 @@ TEST_F(VekView, FitsSceneWithoutCamera)
 
 TEST_F(VekView, TellsWhatIsWrongWithAScene)
 {
-    struct
-    {
-        std::string inside;
-        char const * message;
-    } const rows[] = {
+    std::pair<std::string, char const *> const rows[] = {
         {"<sphere/>", "unknown element <sphere>"},
         {R"(<box max="1, 1, 1"/>)", "box 1: attribute \"min\" is missing"},
         {R"(<box min="0 0 0" max="1 1 1"/><box min="0, 0" max="1, 1, 1"/>)",
@@ -137,22 +164,28 @@ TEST_F(VekView, TellsWhatIsWrongWithAScene)
         {R"(<grid plane="zx"/>)", "is not \"xz\" or \"xy\" or \"yz\": \"zx\""},
         {R"(<curve degree="2.5"/>)", "attribute \"degree\" is not a whole number"},
         {R"(<curve degree="40"/>)", "attribute \"degree\" is not between 1 and 32"},
-        {R"(<curve/>)", "curve 1: "},
+        {R"(<curve/>)", "curve 1: has no <point> inside"},
+        {R"(<curve><point at="0 0 0"/><point at="1 0 0"/></curve>)", "curve 1: degree 3 needs at least 4 points"},
         {R"(<curve><line/></curve>)", "curve 1: has an element <line> inside"},
         {R"(<curve><point at="0, 0, 0" weight="0"/></curve>)", "curve 1, point 1: attribute \"weight\" is not between"},
-        {R"(<curve degree="1" knots="0 0 1"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "curve 1: "},
-        {R"(<curve degree="1" knots="1 1 0 0"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "curve 1: "},
+        {R"(<curve degree="1" knots="0 0 1"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "has 3 numbers, not 4"},
+        {R"(<curve degree="1" knots="1 1 0 0"><point at="0 0 0"/><point at="1 0 0"/></curve>)",
+         "less than the one before"},
+        {R"(<curve degree="1" knots="0 0 0 1"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "a number too often"},
+        {R"(<curve degree="1" knots="0 1 1 2"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "a number too often"},
+        {R"(<curve degree="2" knots="0 1 2 2 3 4"><point at="0 0 0"/><point at="0 0 0"/><point at="1 0 0"/></curve>)",
+         "no room"},
         {R"(<curve degree="1"><point at="1 0 0"/><point at="1 0 0"/></curve>)", "curve 1: all its points are one"},
         {R"(<camera eye="1, 1, 1" target="1, 1, 1"/>)", "camera 1: eye and target are the same point"},
         {std::string(CAMERA) + "/>" + CAMERA + "/>", "camera 2: there is one already"},
     };
-    for (auto const & row : rows)
+    for (auto const & [inside, message] : rows)
     {
-        Outcome const outcome = Snapshot(Scene(row.inside));
-        EXPECT_EQ(outcome.code, 1) << row.inside;
-        EXPECT_THAT(outcome.err, HasSubstr(row.message)) << row.inside;
-        EXPECT_THAT(outcome.err, HasSubstr("vekview: ")) << row.inside;
-        EXPECT_EQ(CountFiles(m_folder), 1) << row.inside; // no picture
+        Outcome const outcome = Snapshot(Scene(inside));
+        EXPECT_EQ(outcome.code, 1) << inside;
+        EXPECT_THAT(outcome.err, HasSubstr(message)) << inside;
+        EXPECT_THAT(outcome.err, HasSubstr("vekview: ")) << inside;
+        EXPECT_EQ(CountFiles(m_folder), 1) << inside; // no picture
     }
     EXPECT_THAT(Snapshot("<drawing/>").err, HasSubstr("the outermost element is <drawing>, not <scene>"));
     std::string many;

@@ -63,25 +63,6 @@ DWORD StatusOfChild()
 
 } // namespace
 
-TEST(EntryPoints, AreFoundByTheirPlainNames)
-{
-#ifdef VEKLIB_STATIC
-    GTEST_SKIP() << "no DLL in this build";
-#else
-    HMODULE const library = GetModuleHandleW(L"VekLib.dll");
-    auto const find = [library](char const * name) { return reinterpret_cast<void *>(GetProcAddress(library, name)); };
-    auto * const init = reinterpret_cast<bool (*)()>(find("VekLibInit"));
-    auto * const deinit = reinterpret_cast<void (*)()>(find("VekLibDeinit"));
-    auto * const kernel = reinterpret_cast<IVekKernel * (*)()>(find("getVekLibKernel"));
-    ASSERT_TRUE(init && deinit && kernel);
-    EXPECT_TRUE(init());
-    EXPECT_EQ(kernel(), getVekLibKernel());
-    EXPECT_NE(kernel()->GetXMLManager(), nullptr);
-    deinit();
-    EXPECT_EQ(kernel()->GetXMLManager(), nullptr);
-#endif
-}
-
 TEST(EntryPoints, WorkBeforeMainAndAProcessMayExitWithoutDeinit)
 {
     EXPECT_EQ(g_talkative.messages, 1);

@@ -75,23 +75,24 @@ TEST(LinkedList, AgreesWithADeque)
 TEST(LinkedList, DeletesWhatItIsToldTo)
 {
     Element::s_live = 0;
+    // Kept: an added element's next link is left as it is; what it leads to is not the list's.
+    Element element, stranger;
+    for (bool const ends : {false, true})
     {
         CVekDirectLinkedList<Element *> list;
-        list.DeleteElement(nullptr);
-        for (int i = 0; i < 3; ++i)
+        auto * const added = ends ? &element : new Element;
+        if (!ends)
             list.AddTail(new Element);
+        added->SetNext(&stranger);
+        list.AddTail(added);
+        EXPECT_EQ(added->GetNext(), &stranger);
+        if (ends)
+            continue; // the list's end deletes nothing
         list.RemoveAll(true);
-        EXPECT_EQ(Element::s_live, 0);
         EXPECT_TRUE(IsList(list, {}));
-    }
-    Element element;
-    Element stranger;
-    element.SetNext(&stranger);
-    {
-        CVekDirectLinkedList<Element *> list;
         list.AddTail(&element);
-        EXPECT_EQ(element.GetNext(), &stranger) << "kept: the next link is left as it is";
-        element.SetNext(nullptr);
+        EXPECT_TRUE(IsList(list, {&element}));
     }
-    EXPECT_EQ(Element::s_live, 2) << "the list's end deletes nothing";
+    EXPECT_EQ(Element::s_live, 2);
+    EXPECT_EQ(element.GetNext(), nullptr);
 }

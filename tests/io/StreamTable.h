@@ -119,15 +119,9 @@ inline OperationWithoutStream const OPERATIONS_WITHOUT_STREAM[] = {
     {"Write", [](IVekIOStream & s) { return s.Write(&g_byte, 1, true); }, L"Write", L"Write"},
     {"kept: ReadChar", [](IVekIOStream & s) { return s.ReadChar(false) != 0; }, L"GetSize", L"ReadChar"},
     {"kept: ReadWChar", [](IVekIOStream & s) { return s.ReadWChar(true) != 0; }, L"GetSize", L"ReadWChar"},
-    {"kept: ReadTChar", [](IVekIOStream & s) { return s.ReadTChar(true) != 0; }, L"GetSize", L"ReadWChar"},
     {"Printf", [](IVekIOStream & s) { return s.Printf("x"); }, L"Printf", L"Printf"},
-    {"wide Printf", [](IVekIOStream & s) { return s.Printf(L"x"); }, L"Printf", L"Printf"},
     {"Scanf", [](IVekIOStream & s) { return s.Scanf("%c", &g_byte, 1); }, L"Scanf", L"Scanf"},
-    {"wide Scanf", [](IVekIOStream & s) { return s.Scanf(L"%hc", &g_byte, 1); }, L"Scanf", L"Scanf"},
-    {"ReadByte", [](IVekIOStream & s) { return s.ReadByte(true) != 0; }, nullptr, nullptr},
-    {"ReadDWord", [](IVekIOStream & s) { return s.ReadDWord(true) != 0; }, nullptr, nullptr},
     {"ReadDouble", [](IVekIOStream & s) { return s.ReadDouble(false) != 0; }, nullptr, nullptr},
-    {"WriteChar", [](IVekIOStream & s) { return !s.WriteChar('x', true); }, nullptr, nullptr},
     {"WriteQWord", [](IVekIOStream & s) { return !s.WriteQWord(1, false); }, nullptr, nullptr},
     // clang-format on
 };

@@ -2,14 +2,12 @@
 
 #include "support/DataKit.h"
 #include "support/Files.h"
-#include "support/GuardHeap.h"
 #include "support/LogCapture.h"
 #include "support/TestStream.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <random>
 
 #include <windows.h>
 
@@ -21,20 +19,10 @@ using Writing = std::function<bool(CVekTypedDataWriter &)>;
 
 constexpr GUID SOME_ID = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
 
-template <class Matrix>
-Matrix CountUp()
+struct HostStream final : TestStream
 {
-    Matrix matrix;
-    for (unsigned int i = 0; i < 16; ++i)
-        matrix(i / 4, i % 4) = static_cast<float>(i);
-    return matrix;
-}
-
-/// A host's stream that can't tell its size.
-class EndlessStream final : public TestStream
-{
-public:
-    unsigned int GetSize() const override { return 0xFFFFFFFF; }
+    bool knowsSize = true;
+    unsigned int GetSize() const override { return knowsSize ? TestStream::GetSize() : 0xFFFFFFFF; }
 };
 
 constexpr char const * STREAMS[] = {"host", "host without size", "memory", "file", "file as text"};
@@ -47,9 +35,8 @@ void WithBytes(int kind, std::string const & bytes, Work work, VEK_BYTEORDER ord
     SCOPED_TRACE(STREAMS[kind]);
     if (kind < MEMORY)
     {
-        EndlessStream endless;
-        TestStream host;
-        TestStream & stream = kind == HOST ? host : endless;
+        HostStream stream;
+        stream.knowsSize = kind == HOST;
         stream.bytes = bytes;
         stream.streamOrder = order;
         return work(stream);
@@ -187,67 +174,18 @@ TEST(TypedData, GoldenBytes)
     CVekTypedDataWriter reversed;
     reversed.WriteInt32(L"\x20AC", 0x01020304);
     reversed.WriteWString(L"", L"a");
+    std::string const expected = "\0\0\0\x02\0\0\0\x01\x20\xAC\0\0\0\x07\x01\x02\x03\x04"
+                                 "\0\0\0\0\0\0\0\x0C\0\0\0\x01\0a"s;
+    std::string const plain = Written(HOST, reversed);
     for (int const kind : {HOST, MEMORY, BINARY_FILE})
-        EXPECT_EQ(Written(kind, reversed, REVERSED), "\0\0\0\x02\0\0\0\x01\x20\xAC\0\0\0\x07\x01\x02\x03\x04"
-                                                     "\0\0\0\0\0\0\0\x0C\0\0\0\x01\0a"s);
-}
-
-TEST(TypedData, RandomEntriesAreTheSameThroughAllStreams)
-{
-    std::mt19937 random(4711);
-    auto const text = [&random](auto & into)
     {
-        constexpr std::size_t lengths[] = {0, 3, 60, 1023, 1024, 1025, 20000};
-        into.resize(lengths[random() % 7]);
-        for (auto & unit : into)
-            unit = static_cast<std::remove_reference_t<decltype(unit)>>(1 + random() % 254);
-    };
-    CVekTypedDataWriter writer;
-    int const count = 300;
-    for (int i = 0; i < count; ++i)
-    {
-        std::wstring name, wide;
-        std::string narrow;
-        text(name);
-        text(wide);
-        text(narrow);
-        CVekTypedDataEntry entry(name.c_str(), static_cast<VEK_DATATYPE>(1 + i % 21));
-        auto const number = static_cast<unsigned int>(random());
-        unsigned char * const object = entry.Val().GetBuffer();
-        if (entry.Val().GetType() == VEK_DT_MATRIX4X4_FLOAT)
-            entry.Val() = CountUp<CVekMatrix4x4<float>>();
-        else if (entry.Val().GetType() == VEK_DT_MATRIX4X4_DOUBLE)
-            entry.Val() = CountUp<CVekMatrix4x4<double>>();
-        else if (object)
-            std::fill_n(object, VekDataTypeSize(entry.Val().GetType()), static_cast<unsigned char>(number & 0x3F));
-        else if (entry.Val().GetType() == VEK_DT_BUFFER)
-            entry.Val().CopyBuffer(reinterpret_cast<unsigned char const *>(("x" + narrow).data()),
-                                   static_cast<int>(narrow.size() + 1));
-        else if (entry.Val().GetType() == VEK_DT_BOOL)
-            entry.Val() = number % 2 == 0;
-        else
-            ((entry.Val() = number) = narrow.c_str()) = wide.c_str();
-        EXPECT_TRUE(CopyEntry(entry, writer));
-    }
-    std::string const plain = Written(HOST, writer);
-    for (VEK_BYTEORDER const order : {VEK_BYTEORDER_BIG, REVERSED})
-    {
-        std::string const bytes = Written(HOST, writer, order);
-        EXPECT_NE(bytes == plain, order == REVERSED);
-        EXPECT_TRUE(Written(MEMORY, writer, order) == bytes);
-        EXPECT_TRUE(Written(BINARY_FILE, writer, order) == bytes);
-        for (int kind = HOST; kind <= BINARY_FILE; ++kind)
-            WithBytes(
-                kind, bytes + "rest",
-                [&](IVekIOStream & stream)
-                {
-                    CVekTypedDataReader reader;
-                    EXPECT_TRUE(reader.Read(&stream));
-                    EXPECT_EQ(stream.GetPosition(), static_cast<int>(bytes.size()));
-                    EXPECT_EQ(reader.GetNumEntries(), count);
-                    EXPECT_TRUE(Again(reader) == plain);
-                },
-                order);
+        EXPECT_EQ(Written(kind, reversed, REVERSED), expected);
+        auto const read = [&](IVekIOStream & stream)
+        {
+            EXPECT_EQ(Again(CVekTypedDataReader(&stream)), plain);
+            EXPECT_EQ(stream.GetPosition(), static_cast<int>(expected.size())) << "what follows is not touched";
+        };
+        WithBytes(kind, expected + "rest", read, REVERSED);
     }
 }
 
@@ -275,50 +213,38 @@ TEST(TypedData, EveryTruncationIsToldAndLeavesTheEntriesBeforeIt)
 
 TEST(TypedData, LyingStreams)
 {
-    struct Row
-    {
-        char const * name;
-        std::string bytes;
-        bool read;
-        int entries;
-    };
     std::string const good = "\x01\0\0\0n\0\x03\0\0\0A"s;
     std::string const head = "\x02\0\0\0"s + good;
-    Row const rows[] = {
+    std::tuple<char const *, std::string, bool, int> const rows[] = {
+        // is it read, and how many entries of it
         {"kept: a negative count is none", "\xFF\xFF\xFF\xFF"s, true, 0},
         {"count beyond the stream", "\xFF\xFF\xFF\x7F"s + good, false, 0},
         {"count of entries of 8 bytes", "\x02\0\0\0"s + good, false, 0},
         {"negative name length", head + "\xFF\xFF\xFF\xFF\x07\0\0\0"s, false, 1},
         {"name beyond the stream", head + "\xFF\xFF\xFF\x7F\x07\0\0\0"s, false, 1},
-        {"long name beyond the stream", head + "\x01\x04\0\0"s + std::string(2048, 'x'), false, 1},
-        {"negative text length", head + "\0\0\0\0\x0B\0\0\0\xFF\xFF\xFF\xFF"s, false, 1},
         {"text beyond the stream", head + "\0\0\0\0\x0B\0\0\0\xFE\xFF\xFF\x7F"s, false, 1},
-        {"negative wide text length", head + "\0\0\0\0\x0C\0\0\0\0\0\0\x80"s, false, 1},
-        {"wide text beyond the stream", head + "\0\0\0\0\x0C\0\0\0\x02\0\0\0x\0y"s, false, 1},
         {"negative buffer size", head + "\0\0\0\0\x15\0\0\0\xFF\xFF\xFF\xFF"s, false, 1},
         {"buffer beyond the stream", head + "\0\0\0\0\x15\0\0\0\xFF\xFF\xFF\x7Fxy"s, false, 1},
-        {"empty buffer", head + "\0\0\0\0\x15\0\0\0\0\0\0\0"s, true, 2},
         {"kept: type 0 has no bytes", head + "\0\0\0\0\0\0\0\0"s, true, 2},
         {"kept: type 22 has no bytes", head + "\0\0\0\0\x16\0\0\0"s, true, 2},
         {"type -1", head + "\0\0\0\0\xFF\xFF\xFF\xFF"s, true, 2},
         {"a zero ends a name and a text", head + "\x03\0\0\0a\0\0\0b\0\x0B\0\0\0\x03\0\0\0x\0y"s, true, 2},
     };
-    for (Row const & row : rows)
-    {
-        SCOPED_TRACE(row.name);
+    for (auto const & [name, bytes, isRead, entries] : rows)
         for (int kind = 0; kind < static_cast<int>(std::size(STREAMS)); ++kind)
-            WithBytes(kind, row.bytes,
-                      [&](IVekIOStream & stream)
-                      {
-                          CVekTypedDataReader reader;
-                          bool const read = reader.Read(&stream);
-                          EXPECT_EQ(read, row.read);
-                          bool const knowsSize = kind == HOST || kind == MEMORY || kind == BINARY_FILE;
-                          EXPECT_TRUE(!knowsSize || reader.GetNumEntries() == row.entries);
-                          CVekString<char> text;
-                          EXPECT_TRUE(!reader.ReadString(L"A", text, "") || text.Compare("x") == 0);
-                      });
-    }
+        {
+            SCOPED_TRACE(name);
+            auto const check = [&, isRead = isRead, entries = entries](IVekIOStream & stream)
+            {
+                CVekTypedDataReader reader;
+                EXPECT_EQ(reader.Read(&stream), isRead);
+                bool const knowsSize = kind == HOST || kind == MEMORY || kind == BINARY_FILE;
+                EXPECT_TRUE(!knowsSize || reader.GetNumEntries() == entries);
+                CVekString<char> text;
+                EXPECT_TRUE(!reader.ReadString(L"A", text, "") || text.Compare("x") == 0);
+            };
+            WithBytes(kind, bytes, check);
+        }
     CVekTypedDataReader reader;
     EXPECT_FALSE(reader.Read(nullptr));
     CVekFileIOStream closed;
@@ -379,7 +305,10 @@ TEST(TypedData, LookUps)
     writer.WriteInt32(L"Twice", 1);
     writer.WriteInt32(L"TWICE", 2);
     writer.WriteFloat(L"f", 2.5f);
-    writer.WriteMatrix(L"m", CountUp<CVekMatrix4x4<float>>());
+    CVekMatrix4x4<float> numbered;
+    numbered(2, 1) = 9;
+    numbered(3, 3) = 15;
+    writer.WriteMatrix(L"m", numbered);
     writer.WriteGUID(L"id", SOME_ID);
     writer.WriteBuffer(L"b", reinterpret_cast<unsigned char const *>("1234"), 4);
     writer.WriteWChar(L"\xE4", L'\x20AC');
@@ -429,35 +358,32 @@ TEST(TypedData, LookUps)
     }
 }
 
-TEST(TypedData, AllocationFailures)
+// A stream may look back at the reader, as a progress display does; and reading and looking up take turns.
+TEST(TypedData, LooksUpWhileReading)
 {
-    if (!VekGuard::Active)
-        GTEST_SKIP();
-    CVekTypedDataWriter whole;
-    AddAll(whole);
-    std::string const expected = Written(HOST, whole);
-    TestStream stream;
-    int failures = 0;
-    for (std::size_t n = 1;; ++n)
+    struct Asking final : TestStream
     {
-        SCOPED_TRACE(n);
-        bool all = true;
-        stream.bytes = expected;
-        stream.SetPosition(0, false);
-        CVekTypedDataWriter writer;
         CVekTypedDataReader reader;
-        VekGuard::FailAllocation(n);
-        for (Golden const & row : GOLDEN)
-            all = row.write(writer) && all;
-        all = reader.Read(&stream) && all;
-        if (!VekGuard::FailReset())
-            break;
-        std::string const got = Again(reader);
-        EXPECT_TRUE(all ? got == expected && Written(HOST, writer) == expected
-                        : expected.compare(4, got.size() - 4, got, 4) == 0);
-        failures += !all;
+        bool Read(void * data, unsigned int count, bool advance) override
+        {
+            EXPECT_EQ(reader.FindEntry(L"none"), nullptr);
+            return TestStream::Read(data, count, advance);
+        }
+    } stream;
+    for (int round = 0; round < 3; ++round) // of 50 names each, the last 10 of which come again in the next round
+    {
+        CVekTypedDataWriter writer;
+        for (int i = 40 * round; i < 40 * round + 50; ++i)
+            writer.WriteInt32((L"x" + std::to_wstring(i)).c_str(), round);
+        stream.bytes = Written(HOST, writer);
+        stream.SetPosition(0, false);
+        EXPECT_TRUE(stream.reader.Read(&stream));
+        int number = -1;
+        for (int i = 0; i < 40 * round + 50; ++i)
+            EXPECT_TRUE(stream.reader.ReadInt32((L"X" + std::to_wstring(i)).c_str(), number, -1) &&
+                        number == (i - 10) / 40)
+                << "round " << round << ", name " << i;
     }
-    EXPECT_GT(failures, 60);
 }
 
 } // namespace
@@ -465,26 +391,10 @@ TEST(TypedData, AllocationFailures)
 // Each typed read finds entries of its own type and takes the default for all others.
 TEST(TypedData, TypedReadsAreExact)
 {
+    using Byte = unsigned char;
+    using Word = unsigned short;
+    using DWord = unsigned int;
     CVekTypedDataWriter writer;
-    writer.WriteBool(L"1", true);
-    writer.WriteByte(L"2", 200);
-    writer.WriteChar(L"3", 'c');
-    writer.WriteWChar(L"4", L'w');
-    writer.WriteInt16(L"5", -5);
-    writer.WriteWord(L"6", 60000);
-    writer.WriteInt32(L"7", -7);
-    writer.WriteDWord(L"8", 4000000000u);
-    writer.WriteFloat(L"9", 1.5f);
-    writer.WriteDouble(L"10", 2.5);
-    writer.WriteColor(L"13", CVekRGBA<unsigned char>(1, 2, 3, 4));
-    writer.WriteColor(L"14", CVekRGBA<float>(1, 2, 3, 4));
-    writer.WriteVector(L"15", CVekVector4D<int>(1, 2, 3, 4));
-    writer.WriteVector(L"16", CVekVector4D<float>(1, 2, 3, 4));
-    writer.WriteVector(L"17", CVekVector4D<double>(1, 2, 3, 4));
-    TestStream stream;
-    ASSERT_TRUE(writer.Write(&stream));
-    stream.SetPosition(0, false);
-    CVekTypedDataReader const reader(&stream);
     auto const check = [](int type, auto read, auto expected, auto other)
     {
         for (int entry = 1; entry <= 17; ++entry)
@@ -495,24 +405,25 @@ TEST(TypedData, TypedReadsAreExact)
             EXPECT_TRUE(value == (entry == type ? expected : other));
         }
     };
-#define CHECK_READ(type, operation, expected, other)                                                                   \
-    check(                                                                                                             \
-        type, [&](wchar_t const * name, auto & value, auto const & d) { return reader.operation(name, value, d); },    \
-        expected, other)
-    CHECK_READ(1, ReadBool, true, false);
-    CHECK_READ(2, ReadByte, static_cast<unsigned char>(200), static_cast<unsigned char>(9));
-    CHECK_READ(3, ReadChar, 'c', 'd');
-    CHECK_READ(4, ReadWChar, L'w', L'd');
-    CHECK_READ(5, ReadInt16, static_cast<short>(-5), static_cast<short>(9));
-    CHECK_READ(6, ReadWord, static_cast<unsigned short>(60000), static_cast<unsigned short>(9));
-    CHECK_READ(7, ReadInt32, -7, 9);
-    CHECK_READ(8, ReadDWord, 4000000000u, 9u);
-    CHECK_READ(9, ReadFloat, 1.5f, 9.0f);
-    CHECK_READ(10, ReadDouble, 2.5, 9.0);
-    CHECK_READ(13, ReadColor, (CVekRGBA<unsigned char>(1, 2, 3, 4)), (CVekRGBA<unsigned char>(9, 9, 9, 9)));
-    CHECK_READ(14, ReadColor, (CVekRGBA<float>(1, 2, 3, 4)), (CVekRGBA<float>(9, 9, 9, 9)));
-    CHECK_READ(15, ReadVector, (CVekVector4D<int>(1, 2, 3, 4)), (CVekVector4D<int>(9, 9, 9, 9)));
-    CHECK_READ(16, ReadVector, (CVekVector4D<float>(1, 2, 3, 4)), (CVekVector4D<float>(9, 9, 9, 9)));
-    CHECK_READ(17, ReadVector, (CVekVector4D<double>(1, 2, 3, 4)), (CVekVector4D<double>(9, 9, 9, 9)));
-#undef CHECK_READ
+    // clang-format off
+#define FOR_EACH_TYPE(use)                                                                                             \
+    use(1, Bool, bool, (true), (false)) use(2, Byte, Byte, (200), (9)) use(3, Char, char, ('c'), ('d'))                \
+    use(4, WChar, wchar_t, (L'w'), (L'd')) use(5, Int16, short, (-5), (9)) use(6, Word, Word, (60000), (9))            \
+    use(7, Int32, int, (-7), (9)) use(8, DWord, DWord, (4000000000u), (9))                                             \
+    use(9, Float, float, (1.5f), (9)) use(10, Double, double, (2.5), (9))                                              \
+    use(13, Color, CVekRGBA<Byte>, (1, 2, 3, 4), (9, 9, 9, 9))                                                         \
+    use(14, Color, CVekRGBA<float>, (1, 2, 3, 4), (9, 9, 9, 9))                                                        \
+    use(15, Vector, CVekVector4D<int>, (1, 2, 3, 4), (9, 9, 9, 9))                                                     \
+    use(16, Vector, CVekVector4D<float>, (1, 2, 3, 4), (9, 9, 9, 9))                                                   \
+    use(17, Vector, CVekVector4D<double>, (1, 2, 3, 4), (9, 9, 9, 9))
+#define WRITE(type, name, T, value, other) writer.Write##name(L"" #type, T value);
+#define CHECK(type, name, T, value, other)                                                                             \
+    check(type, [&](auto n, auto & v, auto const & d) { return reader.Read##name(n, v, d); }, T value, T other);
+    // clang-format on
+    FOR_EACH_TYPE(WRITE)
+    TestStream stream;
+    ASSERT_TRUE(writer.Write(&stream));
+    stream.SetPosition(0, false);
+    CVekTypedDataReader const reader(&stream);
+    FOR_EACH_TYPE(CHECK)
 }

@@ -4,16 +4,8 @@
 #include "VekLib.h"
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
-
-struct Released
-{
-    void operator()(IVekObject * object) const { object->Release(); }
-};
-template <class T>
-using Held = std::unique_ptr<T, Released>;
 
 // Events as text: "kind text|id @position:line:column;". Floats have the bits of "%a".
 class Recorder final : public CVekRefCounted<IVekLexer::Callback>

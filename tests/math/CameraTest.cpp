@@ -80,11 +80,10 @@ Point Eye(VEK_CAMERASTATE const & state)
     return back.GetTranslation();
 }
 
-Transform Orientation(VEK_CAMERASTATE const & state)
+bool SameOrientation(VEK_CAMERASTATE const & a, VEK_CAMERASTATE const & b)
 {
-    Transform result = state.matrix;
-    result.SetTranslation(Point());
-    return result;
+    return a.matrix.Row(0) == b.matrix.Row(0) && a.matrix.Row(1) == b.matrix.Row(1) &&
+           a.matrix.Row(2) == b.matrix.Row(2);
 }
 
 // Where the view axis meets the screen.
@@ -106,15 +105,11 @@ protected:
 
 TEST_F(CameraController, IsMadeByTheKernelAndCalledByItsSlots)
 {
+    CVekRef<IVekCameraUIController> const controller(getVekLibKernel()->CreateCameraUIController());
     ExpectRefCountContract("camera controller", getVekLibKernel()->CreateCameraUIController());
-    IVekCameraUIController * const controller = getVekLibKernel()->CreateCameraUIController();
-    EXPECT_EQ(CallSlot<unsigned int>(controller, 0), 2u);
-    EXPECT_EQ(CallSlot<unsigned int>(controller, 1), 1u);
-    EXPECT_EQ(CallSlot<unsigned int>(controller, 2), 1u);
     VEK_CAMERASTATE state = Camera(0), other = state;
-    EXPECT_TRUE(CallSlot<bool>(controller, 3, 3, &state) && Move(VEK_CAMERAMODE_PAN, other));
+    EXPECT_TRUE(CallSlot<bool>(controller.Get(), 3, 3, &state) && Move(VEK_CAMERAMODE_PAN, other));
     EXPECT_EQ(state.matrix, other.matrix);
-    CallSlot(controller, 5); // the destructor that also frees, behind the one in place
 }
 
 // What is in the picture where the pointer is, and what stays as it was.
@@ -130,12 +125,12 @@ TEST_F(CameraController, MovesWhatIsUnderThePointer)
         VEK_CAMERASTATE pan = before;
         ASSERT_TRUE(Move(VEK_CAMERAMODE_PAN, pan));
         EXPECT_LT((OnScreen(pan, grip) - before.pointerCurrent).Length(), HALF_PIXEL);
-        EXPECT_EQ(Orientation(pan), Orientation(before));
+        EXPECT_TRUE(SameOrientation(pan, before));
 
         VEK_CAMERASTATE dolly = before; // 70 of 600 pixels up
         ASSERT_TRUE(Move(VEK_CAMERAMODE_DOLLY, dolly));
         EXPECT_LT((OnScreen(dolly, grip) - before.pointerStart).Length(), HALF_PIXEL);
-        EXPECT_EQ(Orientation(dolly), Orientation(before));
+        EXPECT_TRUE(SameOrientation(dolly, before));
         float const depths = (Eye(dolly) - grip).Length() / (Eye(before) - grip).Length();
         float const sizes = dolly.frustum.GetHeight() / before.frustum.GetHeight();
         EXPECT_NEAR(perspective ? depths : sizes, std::exp2(-4.0f * 70 / 600), 1e-5f);
@@ -177,44 +172,25 @@ TEST_F(CameraController, ADragThereAndBackRestoresTheCamera)
         {
             SCOPED_TRACE(testing::Message() << "camera " << kind << ", mode " << mode);
             VEK_CAMERASTATE const before = Camera(kind);
-            VEK_CAMERASTATE fixed = before, steps = before;
-            fixed.SavePrevious();
-            std::vector<Pixel> way;
-            for (int i = 0; i < 20; ++i)
-                way.emplace_back(across(random), down(random));
-            way.push_back(before.pointerStart);
-            for (Pixel const & pointer : way)
+            VEK_CAMERASTATE steps = before;
+            for (int i = 20; i >= 0; --i)
             {
-                fixed.RestorePrevious();
-                fixed.pointerCurrent = steps.pointerCurrent = pointer;
+                Pixel const pointer = i ? Pixel(across(random), down(random)) : before.pointerStart;
                 // A dolly takes the point under each start: here all steps begin on one vertical line.
-                if (mode == VEK_CAMERAMODE_DOLLY)
-                    steps.pointerCurrent.x = before.pointerStart.x;
-                ASSERT_TRUE(Move(mode, fixed) && Move(mode, steps));
-                bool const samePicture = mode < VEK_CAMERAMODE_ROLL || steps.matrix.IsNear(fixed.matrix, 1e-4f);
-                ASSERT_TRUE(samePicture);
+                steps.pointerCurrent = mode == VEK_CAMERAMODE_DOLLY ? Pixel(before.pointerStart.x, pointer.y) : pointer;
+                ASSERT_TRUE(Move(mode, steps));
                 steps.pointerStart = steps.pointerCurrent;
             }
-            EXPECT_EQ(fixed.matrix, before.matrix);
-            EXPECT_EQ(fixed.frustum.GetRight(), before.frustum.GetRight());
             // Steps over a pole turn the sense of sideways orbits.
             EXPECT_TRUE(mode < VEK_CAMERAMODE_ROLL || steps.matrix.IsNear(before.matrix, 1e-4f));
             EXPECT_NEAR(steps.frustum.GetRight(), before.frustum.GetRight(), 1e-4f);
         }
 }
 
-TEST_F(CameraController, ManySmallOrbitsKeepShape)
+// Upside down the scene follows the pointer too, and seen from straight above nothing flips.
+TEST_F(CameraController, OrbitsUpsideDown)
 {
     VEK_CAMERASTATE state = Camera(1);
-    VEK_CAMERASTATE const before = state;
-    for (int i = 0; i < 20000; ++i) // there and back
-    {
-        state.pointerCurrent = state.pointerStart + (i < 10000 ? Pixel(0.6f, 0.01f) : Pixel(-0.6f, -0.01f));
-        ASSERT_TRUE(Move(VEK_CAMERAMODE_ORBIT, state));
-    }
-    EXPECT_NEAR((Eye(state) - state.pivot).Length(), (Eye(before) - before.pivot).Length(), 2e-3f);
-    EXPECT_TRUE(state.matrix.IsNear(before.matrix, 5e-3f));
-    // Upside down the scene follows the pointer too, and seen from straight above nothing flips.
     state.matrix = Transform::LookAtRightHanded(Point(1, 2, 9), state.pivot, Point(0, -1, 0));
     state.pointerCurrent = state.pointerStart + Pixel(30, 0);
     Pixel const place = OnScreen(state, Point(1, 2, 4));

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <random>
 
 namespace
 {
@@ -146,73 +147,34 @@ TEST(ErrorThreshold, IsSetForAScope)
     EXPECT_EQ(CVekMath32::GetErrorThreshold(), first);
 }
 
-// A sum over the bits of results, and the numbers to work with: the same everywhere.
-class Bits
-{
-public:
-    template <class T>
-    T Next()
-    {
-        m_state = m_state * 6364136223846793005u + 1442695040888963407u;
-        return static_cast<T>(static_cast<int32_t>(m_state >> 32)) / T(1 << 30);
-    }
-    template <class T>
-    CVekVector3D<T> Vector()
-    {
-        T const x = Next<T>(), y = Next<T>();
-        return CVekVector3D<T>(x, y, Next<T>());
-    }
-    template <class T>
-    void Add(T const * values, size_t count)
-    {
-        auto const * const bytes = reinterpret_cast<unsigned char const *>(values);
-        for (size_t i = 0; i < count * sizeof(T); ++i)
-            sum = (sum ^ bytes[i]) * 1099511628211u;
-    }
-    uint64_t sum = 14695981039346656037u;
-
-private:
-    uint64_t m_state = 1;
-};
-
+// A sum of results for numbers that are the same everywhere; linear systems have a test of their own.
 template <class T>
-uint64_t SumOfRoutines()
+T SumOfRoutines()
 {
-    constexpr unsigned int SIZE = 45;
-    Bits bits;
-    CVekMatrix<T> system(SIZE, SIZE);
-    for (unsigned int i = 0; i < SIZE * SIZE; ++i)
-        system.GetElements()[i] = bits.Next<T>();
-    std::vector<unsigned int> order(SIZE);
-    std::vector<T> x(SIZE, 1);
-    x[0] = Routines<T>::LUDecompose(system, order.data());
-    Routines<T>::LUSubstitution(system, order.data(), x.data(), x.data());
-    bits.Add(system.GetElements(), SIZE * SIZE);
-    bits.Add(x.data(), SIZE);
+    using V = CVekVector3D<T>;
+    T sum = 0, t = 0;
+    std::mt19937 random;
     for (int i = 0; i < 100; ++i)
     {
-        auto const a = bits.Vector<T>(), b = bits.Vector<T>(), c = bits.Vector<T>(), d = bits.Vector<T>();
+        V v[4], hit, weights;
+        for (int k = 0; k < 12; ++k)
+            v[k / 3][k % 3u] = static_cast<T>(static_cast<int32_t>(random())) / T(1 << 30);
         CVekMatrix4x4<T> m, inverse;
-        Routines<T>::BoxToBoxTransform(m, CVekBoundBox<T>(a, b), CVekBoundBox<T>(c, d), false);
-        m *= CVekMatrix4x4<T>::LookAtLeftHanded(a, b, c);
+        Routines<T>::BoxToBoxTransform(m, CVekBoundBox<T>(v[0], v[1]), CVekBoundBox<T>(v[2], v[3]), false);
+        m *= CVekMatrix4x4<T>::LookAtLeftHanded(v[0], v[1], v[2]);
         m.Inverse(inverse);
-        T outputs[] = {0, m.Determinant(), a.Length(), d.Normalised().x};
-        CVekVector3D<T> results[2];
-        Routines<T>::RayTriangleIntersection(a, b, c, d, a + c, (d - c).Cross(a), 0, outputs[0], results[0],
-                                             &results[1]);
-        bits.Add(m.GetElements(), 16);
-        bits.Add(inverse.GetElements(), 16);
-        bits.Add(outputs, 4);
-        bits.Add(results, 2);
+        Routines<T>::RayTriangleIntersection(v[0], v[1], v[2], v[3], v[0] + v[2], v[1].Cross(v[3]), 0, t, hit,
+                                             &weights);
+        sum += m.Determinant() + inverse.Row(3).Length() + v[3].Normalised().x + hit.y + weights.Dot(v[1]);
     }
-    return bits.sum;
+    return sum;
 }
 
 // The same constants in every build of the library, 32-bit and 64-bit.
 TEST(PlainArithmetic, HasTheSameBitsInEveryBuild)
 {
-    EXPECT_EQ(SumOfRoutines<float>(), 7781137787330114114u);
-    EXPECT_EQ(SumOfRoutines<double>(), 438293276717278378u);
+    EXPECT_EQ(std::bit_cast<uint32_t>(SumOfRoutines<float>()), 3297460084u);
+    EXPECT_EQ(std::bit_cast<uint64_t>(SumOfRoutines<double>()), 13875986108300671093u);
 }
 
 } // namespace

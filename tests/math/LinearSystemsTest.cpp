@@ -208,16 +208,6 @@ TYPED_TEST(LinearSystems, ArgumentsThatMakeNoSystem)
         EXPECT_EQ(log.Take(), row.decomposition.empty() ? L"" : name + row.decomposition);
     }
     EXPECT_EQ(log.Oddities(), L"");
-
-    CVekMatrix<typename TypeParam::Element> large(100, 100);
-    large.SetIdentity();
-    std::vector<unsigned int> table(100);
-    std::vector<Value> values(100, 2), untouched(100, -1);
-    EXPECT_EQ(Math::LUDecompose(large, table.data()), 1);
-    VekGuard::FailFrom(1);
-    Math::LUSubstitution(large, table.data(), values.data(), untouched.data());
-    EXPECT_EQ(VekGuard::FailReset(), VekGuard::Active);
-    EXPECT_EQ(untouched[99], VekGuard::Active ? -1 : 2);
 }
 
 // Blocks, tiles and packs change no bit, whatever they meet.

@@ -13,7 +13,6 @@
 namespace
 {
 
-static_assert(sizeof(void *) != 4 || (sizeof(CVekMatrix4x4<float>) == 80 && sizeof(CVekMatrix4x4<double>) == 144));
 static_assert(sizeof(CVekVector4D<double>) == 32 && sizeof(CVekVector4D<int>) == 16);
 static_assert(sizeof(CVekRGBA<unsigned char>) == 4 && sizeof(CVekRGBA<float>) == 16);
 static_assert(std::is_trivially_copyable_v<CVekVector4D<float>> &&

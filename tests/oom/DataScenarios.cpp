@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <cwchar>
 
 namespace
 {
@@ -43,7 +44,7 @@ bool KeepTypedData()
     succeeded &= writer.WriteWString(L"wide text with a name that is not short", L"wide");
     succeeded &= writer.WriteBuffer(L"buffer", bytes, sizeof bytes) & writer.WriteGUID(L"guid", GUID());
     succeeded &= writer.WriteMatrix(L"matrix", CVekMatrix4x4<double>::Identity());
-    for (int i = 0; i < 15; ++i)
+    for (int i = 0; i < 35; ++i) // so many that there is an index
         succeeded &= writer.WriteColor(L"colour", CVekRGBA<float>(1, 2, 3, 4));
     succeeded &= writer.Write(stream.Get());
     stream->SetPosition(static_cast<int>(stream->GetSize()), true);
@@ -54,6 +55,17 @@ bool KeepTypedData()
     succeeded &= reader.Read(stream.Get());
     succeeded &= reader.ReadInt32(L"INT", number, 0) & reader.ReadMatrix(L"matrix", matrix);
     succeeded &= reader.ReadWString(L"wide text with a name that is not short", text, L"") && text.GetLength() == 4;
+    // What was read is found, with an index or without; and so is what is read later.
+    for (int round = 0; round < 2; ++round)
+    {
+        for (int i = 0; i < reader.GetNumEntries(); ++i)
+        {
+            CVekTypedDataEntry const * const found = reader.FindEntry(reader.GetEntry(i)->GetName());
+            isSound &= found && found->GetName().Compare(reader.GetEntry(i)->GetName()) == 0;
+        }
+        stream->SetPosition(static_cast<int>(stream->GetSize()), true);
+        succeeded &= reader.Read(stream.Get());
+    }
     return succeeded;
 }
 
@@ -70,17 +82,35 @@ public:
     bool Write(IVekIOStream *) override { return true; }
 };
 
+struct Bare final : CVekResourceFilePacket
+{
+    using CVekResourceFilePacket::CVekResourceFilePacket;
+    bool Read(IVekIOStream *) override { return true; }
+    bool Write(IVekIOStream *) override { return true; }
+};
+
+// The indices that are asked for have messages of their own. A copy is shallow and without references.
+template <int INDEX>
 bool BuildPackets()
 {
-    CVekRef<CVekResourceFilePacket> const root(new (std::nothrow) Packet);
+    CVekRef<Packet> const root(new (std::nothrow) Packet);
     bool succeeded = root.Get() != nullptr;
     for (int i = 0; i < 5 && root; ++i)
     {
         CVekRef<CVekResourceFilePacket> const child(new (std::nothrow) Packet);
-        int const index = i % 2 ? 0 : -1;
-        succeeded &= child && root->AddChild(child.Get(), index) == (index ? i : 0);
+        int const count = root->GetNumChildren();
+        int const added = child ? root->AddChild(child.Get(), INDEX) : -1;
+        isSound &= root->GetNumChildren() == count + (added != -1) &&
+                   (!child || (child->GetRefCount() == 1U + (added != -1) && !child->GetParent() == (added == -1)));
+        succeeded &= added == (INDEX == -1 ? i : INDEX);
     }
-    return succeeded && root->GetNumChildren() == 5;
+    if (!root)
+        return false;
+    Bare copy(nullptr);
+    copy.CVekResourceFilePacket::operator=(*root.Get());
+    bool const isCopied = copy.GetNumChildren() == root->GetNumChildren();
+    isSound &= isCopied || copy.GetNumChildren() == 0;
+    return succeeded && isCopied && root->GetNumChildren() == 5;
 }
 
 template <class T>
@@ -99,13 +129,13 @@ bool UseCurve()
 
 bool SolveSystem()
 {
-    CVekMatrix<float> matrix(3, 3);
+    CVekMatrix<float> matrix(100, 100);
     if (!matrix.GetElements())
         return false;
     matrix.SetIdentity();
-    unsigned int order[3];
-    float const right[3] = {1, 2, 3};
-    float result[3] = {9, 9, 9};
+    unsigned int order[100];
+    float const right[100] = {1, 2, 3};
+    float result[100] = {9, 9, 9};
     bool const regular = CVekMath32::LUDecompose(matrix, order) == 1;
     CVekMath32::LUSubstitution(matrix, order, right, result);
     return regular && result[0] == 1 && result[2] == 3; // or untouched
@@ -124,8 +154,13 @@ bool Lex()
     if (!lexer || !tokenizer)
         return false;
     bool succeeded = lexer->AddComment(L"//", L"\n") == 1;
+    int keywords = 0; // in the text
     for (wchar_t const * const word : {L"if", L"else", L"while", L"for"})
-        succeeded &= lexer->AddKeyword(word, 1, word[0] == L'i');
+    {
+        bool const added = lexer->AddKeyword(word, 1, word[0] == L'i');
+        succeeded &= added;
+        keywords += added && (word[0] == L'i' || word[0] == L'w');
+    }
     for (wchar_t const * const sign : {L"=", L"==", L"(", L")", L";"})
         succeeded &= lexer->AddOperator(sign, 2);
     wchar_t const * const text = L"while (x == 10) y = 2.5; // and so on\n if \"a text\"";
@@ -135,10 +170,13 @@ bool Lex()
         longText.Append(text);
     bool const tokenized = tokenizer->Tokenize(lexer.Get(), longText, -1);
     // All or nothing, and the lexer has its own callback again.
-    bool const sound = tokenized ? tokenizer->GetNumTokens() > 0 : tokenizer->GetNumTokens() == 0;
+    isSound &= (tokenizer->GetNumTokens() > 0) == tokenized && !lexer->GetCallback();
     bool const filtered = tokenizer->SetFilter(IVekTokenizer::TOKEN_KEYWORD);
-    succeeded &= tokenized && filtered && tokenizer->GetNumTokens() == 2 * many;
-    return succeeded && sound && !lexer->GetCallback();
+    bool const isWhole = longText.GetLength() == many * static_cast<int>(wcslen(text));
+    isSound &= !isWhole || !tokenized || !filtered || tokenizer->GetNumTokens() == keywords * many;
+    bool const again = tokenizer->Tokenize(lexer.Get(), longText, -1);
+    isSound &= again || tokenizer->GetNumTokens() == 0;
+    return succeeded && tokenized && filtered && again && tokenizer->GetNumTokens() == 2 * many;
 }
 
 } // namespace
@@ -147,10 +185,9 @@ std::vector<Scenario> const dataScenarios = {
     {"UseMemoryStream", UseMemoryStream, {L"CVekMemoryIOStream"}},
     {"UseFileStream", UseFileStream, {L"CVekFileIOStream"}},
     {"KeepTypedData", KeepTypedData, {L"CVekMemoryIOStream"}},
-    {"BuildPackets",
-     BuildPackets,
-     {L"CVekResourceFilePacket::AddPacket --> Add pckat failed",
-      L"CVekResourceFilePacket::AddPacket --> Add packet failed"}},
+    {"AppendPackets", BuildPackets<-1>, {L"CVekResourceFilePacket::AddPacket --> Add packet failed"}},
+    {"InsertPackets", BuildPackets<0>, {L"CVekResourceFilePacket::AddPacket --> Add pckat failed"}}, // kept: so spelt
+    {"AppendPacketsBeyond", BuildPackets<9>, {L"CVekResourceFilePacket::AddPacket --> Add pckat failed"}},
     {"UseCurve", UseCurve<float>, {L"CVekNurbsCurve"}},
     {"UseCurveOfDoubles", UseCurve<double>, {L"CVekNurbsCurve"}},
     {"SolveSystem", SolveSystem, {nullptr}},

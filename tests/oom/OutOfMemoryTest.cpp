@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cwchar>
 #include <ostream>
+#include <utility>
 
 void PrintTo(Scenario const & scenario, std::ostream * out)
 {
@@ -88,6 +89,7 @@ void FailEach(Scenario const & scenario, void (*fail)(std::size_t), int & failur
             EXPECT_STREQ(messages.Unexpected(), L"");
         }
         EXPECT_TRUE(succeeded || failed);
+        EXPECT_TRUE(std::exchange(isSound, true)) << "a failed step has left its object unsound";
         ASSERT_TRUE(scenario.run()) << "not usable afterwards";
         ASSERT_EQ(VekGuard::LiveBlocks(), blocks) << "leak";
         if (!failed)

@@ -19,6 +19,9 @@ struct Scenario
     wchar_t const * messages[8];
 };
 
+// Cleared by a scenario in which a failed step has not left what it must leave.
+inline bool isSound = true;
+
 // Work with a stream that fails from its n-th transfer on.
 struct StreamScenario
 {

@@ -2,6 +2,8 @@
 
 #include "support/GuardHeap.h"
 
+#include <gtest/gtest.h>
+
 namespace
 {
 
@@ -38,6 +40,43 @@ bool Build()
     return succeeded && root->GetName().GetLength() == 4 && root->GetNumChildren() == 2 && !text.IsEmpty();
 }
 
+// Kept: what AddChild can't store keeps the reference that was added, and the index of the last child comes back.
+bool AddAChild()
+{
+    CVekRef<IVekXMLElement> const parent(Manager().CreateXMLElement());
+    CVekRef<IVekXMLElement> const child(Manager().CreateXMLElement());
+    if (!parent || !child)
+        return false;
+    int const index = parent->AddChild(child.Get(), -1);
+    bool const isStored = parent->GetNumChildren() == 1;
+    EXPECT_EQ(index, isStored ? 0 : -1);
+    EXPECT_EQ(child->GetRefCount(), 2u);
+    if (!isStored)
+        child->Release();
+    return isStored;
+}
+
+// Of a wide element everything is found, with an index or without.
+bool SearchAWideElement()
+{
+    CVekRef<IVekXMLElement> const parent(Manager().CreateXMLElement());
+    bool succeeded = parent ? true : false;
+    std::wstring name = L"n00";
+    for (int i = 0; succeeded && i < 60; ++i)
+    {
+        name[1] = static_cast<wchar_t>(L'0' + i / 10);
+        name[2] = static_cast<wchar_t>(L'0' + i % 10);
+        succeeded = parent->FindChild(name.c_str(), true) && parent->AddAttribute(name.c_str(), 1, -1) == i;
+    }
+    for (int i = 0; parent && i < parent->GetNumAttributes(); ++i)
+    {
+        wchar_t const * const each = parent->GetChild(i)->GetName();
+        EXPECT_EQ(parent->FindChild(each, false), parent->GetChild(i));
+        EXPECT_EQ(parent->FindAttributeIndex(each), i);
+    }
+    return succeeded;
+}
+
 bool Parse()
 {
     CVekRef<IVekXMLDocument> const document(Manager().CreateXMLDocument());
@@ -67,6 +106,8 @@ bool Write()
 
 std::vector<Scenario> const xmlScenarios = {
     {"Build", Build, {L"CVekXML"}},
+    {"AddChild", AddAChild, {L"CVekXML"}},
+    {"Wide", SearchAWideElement, {L"CVekXML"}},
     {"Parse", Parse, {L"CVekXML", L"   "}},
     {"Write", Write, {L"CVekXML", L"   ", L"CVekMemoryIOStream"}},
 };

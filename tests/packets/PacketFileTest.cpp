@@ -14,7 +14,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <tuple>
 
 using namespace packetfile;
@@ -23,7 +22,7 @@ using testing::HasSubstr;
 namespace
 {
 
-// A manager, and trees as one line of text: "folder{blob=bytes other{}}".
+// A manager and its tree.
 struct Tree
 {
     Manager manager;
@@ -31,11 +30,11 @@ struct Tree
     CVekResourceFilePacket * Add(CVekResourceFilePacket * parent, unsigned int type, std::wstring const & name,
                                  std::string const & bytes = {})
     {
-        Held<CVekResourceFilePacket> const packet(manager.CreatePacket(type, name.c_str()));
-        EXPECT_TRUE(packet != nullptr && parent->AddChild(packet.get(), -1) != -1) << manager.GetLastErrorText();
+        CVekRef<CVekResourceFilePacket> const packet(manager.CreatePacket(type, name.c_str()));
+        EXPECT_TRUE(packet != nullptr && parent->AddChild(packet.Get(), -1) != -1) << manager.GetLastErrorText();
         if (type == TYPE_BLOB)
-            static_cast<Blob *>(packet.get())->SetBytes({bytes.begin(), bytes.end()});
-        return packet.get();
+            static_cast<Blob *>(packet.Get())->SetBytes({bytes.begin(), bytes.end()});
+        return packet.Get();
     }
     void Build()
     {
@@ -43,22 +42,6 @@ struct Tree
         Add(folder, TYPE_BLOB, L"\xD83D\xDE00", std::string("\0\xFF", 2));
         Add(manager.GetRoot(), TYPE_BLOB, L"f");
     }
-    static std::string Text(CVekResourceFilePacket const * packet)
-    {
-        std::string text;
-        for (int i = 0; i < packet->GetNumChildren(); ++i)
-        {
-            CVekResourceFilePacket const * const child = packet->GetChild(i);
-            for (wchar_t const * unit = Named::Of(child)->Name(); *unit; ++unit)
-                text += *unit < 0x80 ? static_cast<char>(*unit) : '?';
-            if (auto const * const blob = dynamic_cast<Blob const *>(child))
-                text += "=" + std::string(blob->Bytes().begin(), blob->Bytes().end()) + " ";
-            else
-                text += "{" + Text(child) + "} ";
-        }
-        return text;
-    }
-    std::string Text() { return Text(manager.GetRoot()); }
     // The file as it would be; the reason in brackets when it can't be.
     std::string Bytes()
     {
@@ -112,12 +95,6 @@ std::string Folders(unsigned int children)
     return Numbers4({TYPE_FOLDER, children, 0, 0});
 }
 
-// A root and the beginning of a blob below it.
-std::string OneBlob(unsigned int nameLength, unsigned int size)
-{
-    return Folders(1) + Numbers4({TYPE_BLOB, 0, nameLength, size});
-}
-
 // What the format's own page says, byte for byte.
 std::string Golden()
 {
@@ -130,29 +107,16 @@ std::string Golden()
                        0x5E);
 }
 
-template <class Base>
-struct Mute final : Base
-{
-    using Base::Base;
-    bool Read(IVekIOStream *) override { return true; }
-    bool Write(IVekIOStream *) override { return false; }
-};
-
 } // namespace
 
-TEST(PacketFile, WritesTheDocumentedBytes)
-{
-    Tree tree;
-    tree.Build();
-    EXPECT_EQ(tree.Bytes(), Golden());
-}
-
-TEST(PacketFile, ComesBackThroughEveryStream)
+TEST(PacketFile, ComesBackFromFilesAndStreams)
 {
     std::wstring const path = TemporaryPath(L"tree.vkpf");
+    LogCapture const log;
     Tree tree;
     EXPECT_FALSE(tree.manager.Save(nullptr)) << "there is no name yet";
     tree.Build();
+    EXPECT_EQ(tree.Bytes(), Golden());
     EXPECT_TRUE(tree.manager.IsModified());
     ASSERT_TRUE(tree.manager.Save(path.c_str())) << tree.Error();
     EXPECT_TRUE(!tree.manager.IsModified() && tree.manager.GetFilePath() == path);
@@ -161,64 +125,30 @@ TEST(PacketFile, ComesBackThroughEveryStream)
     EXPECT_TRUE(tree.manager.IsModified());
     ASSERT_TRUE(tree.manager.Open(path.c_str())) << tree.Error();
     EXPECT_FALSE(tree.manager.IsModified());
-    EXPECT_EQ(tree.Bytes(), Golden());
-
-    CVekMemoryIOStream memory;
-    auto const size = static_cast<unsigned int>(Golden().size());
-    ASSERT_TRUE(memory.Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, size));
-    ASSERT_TRUE(tree.manager.WriteTree(&memory)) << tree.Error();
-    EXPECT_TRUE(memory.IsAtEnd() && memory.MovePosition(-static_cast<int>(size)));
-    Tree other;
-    ASSERT_TRUE(other.manager.ReadTree(&memory)) << other.Error();
-    EXPECT_TRUE(other.manager.IsModified()) << "no file holds it";
-    EXPECT_EQ(other.Bytes(), Golden());
-    tree.manager.Close();
-    EXPECT_TRUE(!*tree.manager.GetFilePath() && tree.Text().empty());
-}
-
-TEST(PacketFile, FailingStreamsAreNoticed)
-{
-    Tree tree;
-    tree.Build();
-    for (unsigned int n = 1; n < 1000; ++n)
-    {
-        TestStream stream;
-        stream.failFrom = n;
-        if (tree.manager.WriteTree(&stream))
-        {
-            EXPECT_EQ(stream.bytes, Golden());
-            EXPECT_GT(n, 10u);
-            break;
-        }
-        EXPECT_THAT(tree.Error(), HasSubstr("can't be written"));
-    }
-    LogCapture const log;
-    std::wstring const path = TemporaryPath(L"no such folder/tree.vkpf");
-    EXPECT_FALSE(tree.manager.Save(path.c_str()) || tree.manager.Open(path.c_str()) || tree.manager.Open(nullptr));
+    EXPECT_FALSE(tree.manager.Save(TemporaryPath(L"no such folder/tree.vkpf").c_str()) || tree.manager.Open(nullptr));
     EXPECT_EQ(tree.Bytes(), Golden()) << "a failure leaves the tree";
-}
+    CVekResourceFilePacket * const folder = tree.manager.GetRoot()->GetChild(0); // the first of two of its name
+    EXPECT_EQ(tree.manager.FindPacket(L"\\f//"), folder);
+    EXPECT_EQ(tree.manager.FindPacket(L"f/\xD83D\xDE00"), folder->GetChild(0));
+    EXPECT_FALSE(tree.manager.FindPacket(L"F") || tree.manager.FindPacket(L"f/\xD83D"));
+    tree.manager.Close();
+    EXPECT_TRUE(!*tree.manager.GetFilePath() && tree.manager.GetRoot()->GetNumChildren() == 0);
 
-TEST(PacketFile, FindsByPath)
-{
-    Tree tree;
-    tree.Build();
-    CVekResourceFilePacket * const root = tree.manager.GetRoot();
-    CVekResourceFilePacket * const folder = root->GetChild(0);
-    tree.Add(folder, TYPE_FOLDER, std::wstring(1000000, L'n'));
-    std::tuple<std::wstring, CVekResourceFilePacket *> const rows[] = {
-        {L"", root},
-        {L"/", root},
-        {L"f", folder}, // the first of two
-        {L"\\f//", folder},
-        {L"F", nullptr},
-        {L"f/\xD83D\xDE00", folder->GetChild(0)},
-        {L"f/\xD83D", nullptr},
-        {L"..", nullptr},
-        {L"f/" + std::wstring(1000000, L'n'), folder->GetChild(1)},
+    struct HostStream final : TestStream
+    {
+        unsigned int size = 0; // as it is told
+        unsigned int GetSize() const override { return size; }
     };
-    for (auto const & [path, packet] : rows)
-        EXPECT_EQ(tree.manager.FindPacket(path.c_str()), packet) << path.substr(0, 9).c_str();
-    EXPECT_EQ(tree.Read(tree.Bytes()), "") << "a megabyte of name";
+    for (unsigned int const told : {2U + 0x5EU, 0U, 0xFFFFFFFFU})
+    {
+        HostStream stream;
+        stream.bytes = "xy" + Golden();
+        stream.size = told;
+        stream.SetPosition(2, false);
+        ASSERT_TRUE(tree.manager.ReadTree(&stream)) << told << tree.Error();
+        EXPECT_TRUE(tree.manager.IsModified()) << "no file holds it";
+        EXPECT_EQ(tree.Bytes(), Golden());
+    }
 }
 
 TEST(PacketFile, HandlersMakePackets)
@@ -233,51 +163,39 @@ TEST(PacketFile, HandlersMakePackets)
     } handler;
     constexpr unsigned int type = TypeOf("MESH");
     Tree tree;
-    EXPECT_EQ(tree.manager.CreatePacket(type, L"m"), nullptr);
     std::string const mesh = File(2, Folders(1) + Numbers4({type, 0, 1, 2}) + std::string("m\0xy", 4));
     EXPECT_EQ(tree.Read(mesh), "") << "an unknown type is kept";
     EXPECT_EQ(tree.manager.GetPacketType(tree.manager.FindPacket(L"m")), type);
-
-    EXPECT_TRUE(tree.manager.RegisterHandler(type, &handler));
-    EXPECT_FALSE(tree.manager.RegisterHandler(type, &handler) || tree.manager.RegisterHandler(1, nullptr));
-    EXPECT_TRUE(handler.GetRefCount() == 2 && tree.manager.FindHandler(type) == &handler);
+    EXPECT_TRUE(tree.manager.RegisterHandler(type, &handler) && !tree.manager.RegisterHandler(type, &handler));
     EXPECT_THAT(tree.Read(mesh), HasSubstr("packet 1 can't be read by its own kind"));
-    handler.made = new Folder(TYPE_FOLDER, L"m", &tree.manager);
-    EXPECT_EQ(tree.manager.CreatePacket(type, L"m"), nullptr) << "of another type than asked for";
-    handler.made = new Folder(type, L"m", &tree.manager);
-    EXPECT_THAT(tree.Read(mesh), HasSubstr("packet 1 can't be read by its own kind")) << "it left bytes unread";
-    EXPECT_TRUE(tree.manager.UnregisterHandler(type));
-    EXPECT_TRUE(!tree.manager.UnregisterHandler(type) && handler.GetRefCount() == 1);
-    for (wchar_t const * const name : {L"a/b", L"\\", static_cast<wchar_t const *>(nullptr)})
-        EXPECT_EQ(tree.manager.CreatePacket(TYPE_BLOB, name), nullptr);
+    for (unsigned int const made : {TYPE_FOLDER, type})
+    {
+        handler.made = new Folder(made, L"m", &tree.manager);
+        EXPECT_THAT(tree.Read(mesh), HasSubstr("can't be read")) << "of another type, or bytes were left";
+    }
+    EXPECT_TRUE(tree.manager.UnregisterHandler(type) && handler.GetRefCount() == 1);
 }
 
 TEST(PacketFile, TreesThatCantBeStored)
 {
     LogCapture const log;
-    for (std::size_t row = 0; row < 6; ++row)
+    std::wstring const path = WriteFileBytes(L"old.vkpf", "old");
+    Tree tree;
+    CVekResourceFilePacket * const root = tree.manager.GetRoot();
+    CVekResourceFilePacket * const blob = tree.Add(root, TYPE_BLOB, L"a");
+    CVekResourceFilePacket * const folder = tree.Add(root, TYPE_FOLDER, L"b");
+    std::pair<CVekResourceFilePacket *, char const *> const rows[] = {
+        {folder, "\"b\" is in the tree twice"}, // in itself
+        {root, "\"\" is in the tree twice"},
+        {blob, "\"a\" is in the tree twice"}, // in two places
+        {nullptr, "null or of a foreign kind"},
+    };
+    for (auto const & [packet, error] : rows)
     {
-        std::wstring const path = WriteFileBytes(L"old.vkpf", "old");
-        Tree tree;
-        CVekResourceFilePacket * const root = tree.manager.GetRoot();
-        CVekResourceFilePacket * const blob = tree.Add(root, TYPE_BLOB, L"a");
-        CVekResourceFilePacket * const folder = tree.Add(root, TYPE_FOLDER, L"b");
-        Held<CVekResourceFilePacket> const foreign(new Mute<CVekResourceFilePacket>(nullptr));
-        Held<CVekResourceFilePacket> const silent(new Mute<NamedPacket<CVekResourceFilePacket>>(1, L"s", nullptr));
-        std::tuple<char const *, CVekResourceFilePacket *, char const *> const rows[] = {
-            {"in itself", folder, "\"b\" is in the tree twice"},
-            {"above itself", root, "\"\" is in the tree twice"},
-            {"in two places", blob, "\"a\" is in the tree twice"},
-            {"null", nullptr, "null or of a foreign kind"},
-            {"foreign", foreign.get(), "foreign kind"},
-            {"unwilling", silent.get(), "\"s\" can't write itself"},
-        };
-        auto const & [name, packet, error] = rows[row];
-        SCOPED_TRACE(name);
         folder->AddChild(packet, -1);
         EXPECT_FALSE(tree.manager.Save(path.c_str()));
         EXPECT_THAT(tree.Error(), HasSubstr(error));
-        EXPECT_EQ(FileBytes(path), "old");
+        EXPECT_EQ(FileBytes(path), "old") << error;
         folder->RemoveAllChildren(); // a circle would keep itself alive
     }
 }
@@ -288,52 +206,18 @@ TEST(PacketFile, DamagedFilesAreRefused)
     ASSERT_EQ(tree.Read(Golden()), "");
     for (std::size_t size = 0; size < Golden().size(); ++size)
         EXPECT_NE(tree.Read(Golden().substr(0, size)), "") << "cut to " << size;
-    EXPECT_NE(tree.Read(Golden() + "x"), "");
-    std::mt19937 random(5);
-    for (std::size_t i = 0; i < Golden().size(); ++i)
-    {
-        for (int bit = 0; bit < 8; ++bit)
-        {
-            std::string bytes = Golden();
-            bytes[i] = static_cast<char>(bytes[i] ^ 1 << bit);
-            EXPECT_NE(tree.Read(bytes), "") << "byte " << i << " bit " << bit;
-            // With the checksum put right it may be a good file, which is then read as it stands: Read compares.
-            tree.Read(Sealed(bytes.substr(0, bytes.size() - 4)));
-            bytes[random() % (bytes.size() - 4)] = static_cast<char>(random());
-            tree.Read(Sealed(bytes.substr(0, bytes.size() - 4)));
-        }
-    }
-}
-
-TEST(PacketFile, LyingFilesAreRefused)
-{
-    unsigned int const most = 0xFFFFFFFF;
-    std::tuple<char const *, std::string, char const *> const rows[] = {
-        {"no packets", File(0, std::string(16, 'x')), "can't hold the 0 packets"},
-        {"too many packets", File(most, Folders(0)), "can't hold the 4294967295 packets"},
-        {"one packet too many", File(2, Folders(0) + Folders(0)), "packet 1 has no parent"},
-        {"bytes behind the last", File(1, Folders(0) + "x"), "1 bytes follow"},
-        {"missing children", File(2, Folders(1) + Folders(1)), "packet 1 claims more children"},
-        {"children elsewhere", File(3, Folders(2) + Folders(1) + Folders(0)), "packets are missing"},
-        {"all the children there are", File(1, Folders(most)), "packet 0 claims more children"},
-        {"name", File(2, OneBlob(most, 0)), "packet 1 claims more bytes"},
-        {"name that wraps round", File(2, OneBlob(0x80000000, 0)), "claims more bytes"},
-        {"payload", File(2, OneBlob(0, most)), "packet 1 claims more bytes"},
-        {"name and payload", File(2, OneBlob(1, 1) + "n "), "claims more bytes"},
-        {"folder with bytes", File(2, Folders(1) + Numbers4({TYPE_FOLDER, 0, 0, 1}) + "x"), "is a folder"},
-        {"root that is none", File(1, Numbers4({TYPE_BLOB, 0, 0, 0})), "packet 0 is no root"},
-        {"name with a zero", File(2, OneBlob(1, 0) + std::string(2, '\0')), "a name that"},
-        {"name with a slash", File(2, OneBlob(1, 0) + std::string("/\0", 2)), "a name that"},
-        {"other version", Sealed(Numbers4({FILE_MAGIC, 2, 36, 1}) + Folders(0)), "version 2"},
-        {"other kind", Sealed(Numbers4({1, 1, 36, 1}) + Folders(0)), "is no packet file"},
-        {"size", Sealed(Numbers4({FILE_MAGIC, 1, most, 1}) + Folders(0)), "and should have 4294967295"},
+    std::pair<std::string, char const *> const rows[] = {
+        {File(0xFFFFFFFF, Folders(0)), "can't hold the 4294967295 packets"},
+        {File(2, Folders(0) + Folders(0)), "packet 1 has no parent"},
+        {File(3, Folders(2) + Folders(1) + Folders(0)), "packets are missing"},
+        {File(1, Folders(0xFFFFFFFF)), "packet 0 claims more children"},
+        {File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 0x80000000, 0})), "packet 1 claims more bytes"},
+        {File(2, Folders(1) + Numbers4({TYPE_BLOB, 0, 0, 0xFFFFFFFF})), "packet 1 claims more bytes"},
+        {File(1, Numbers4({TYPE_BLOB, 0, 0, 0})), "packet 0 is no root"},
+        {Sealed(Numbers4({FILE_MAGIC, 2, 36, 1}) + Folders(0)), "version 2"},
     };
-    for (auto const & [name, bytes, error] : rows)
-    {
-        SCOPED_TRACE(name);
-        Tree tree;
+    for (auto const & [bytes, error] : rows)
         EXPECT_THAT(tree.Read(bytes), HasSubstr(error));
-    }
 }
 
 TEST(PacketFile, AnyDepthIsReadWrittenAndEnded)
@@ -344,7 +228,7 @@ TEST(PacketFile, AnyDepthIsReadWrittenAndEnded)
         packets += Folders(i + 1 < depth);
     Tree tree;
     EXPECT_EQ(tree.Read(File(depth, packets)), "");
-    EXPECT_EQ(tree.Read(File(depth, packets + std::string(1, 'x'))), "is damaged: 1 bytes follow its last packet");
+    EXPECT_EQ(tree.Read(File(depth, packets + 'x')), "is damaged: 1 bytes follow its last packet");
     EXPECT_EQ(tree.manager.GetRoot()->GetNumChildren(), 1) << "the good tree is still there";
 
     // A packet that somebody else holds outlives the tree above it.
@@ -354,24 +238,4 @@ TEST(PacketFile, AnyDepthIsReadWrittenAndEnded)
     EXPECT_EQ(held->GetRefCount(), 1u);
     EXPECT_EQ(held->GetNumChildren(), 1);
     held->Release();
-}
-
-TEST(PacketFile, WithoutMemoryNothingIsLost)
-{
-    if (!VekGuard::Active)
-        GTEST_SKIP() << "needs the guard heap";
-    Tree tree;
-    tree.Build();
-    bool isDone = false;
-    for (std::size_t n = 1; !isDone && n < 1000; ++n)
-    {
-        TestStream stream;
-        stream.bytes = Golden();
-        VekGuard::FailAllocation(n);
-        isDone = tree.manager.ReadTree(&stream);
-        bool const hasFailed = VekGuard::FailReset();
-        EXPECT_TRUE(isDone || hasFailed) << n;
-        EXPECT_EQ(tree.Bytes(), Golden());
-    }
-    EXPECT_TRUE(isDone);
 }

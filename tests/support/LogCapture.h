@@ -45,9 +45,12 @@ public:
     void Clear() { Take(); }
 
 private:
-    // Lives within the capture, whatever its count says.
-    struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
+    // Lives within the capture, whatever its count says: the last Deinit and the capture both release it.
+    struct Catcher final : IVekCatchLogOutput
     {
+        unsigned int AddRef() override { return ++count; }
+        unsigned int Release() override { return --count; }
+        unsigned int GetRefCount() const override { return count; }
         void OnLogOutput(int level, wchar_t const * text) override
         {
             std::wstring line = text;
@@ -61,6 +64,7 @@ private:
             lines.push_back(std::move(line));
         }
 
+        unsigned int count = 1;
         mutable std::mutex mutex;
         std::vector<std::wstring> lines;
         std::wstring oddities;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "VekLib.h"
+#include "VekRef.h"
 
 #include "support/Files.h"
 #include "support/LogCapture.h"
@@ -9,29 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <tuple>
-#include <utility>
-
-// Holds one reference.
-template <class T>
-class Holder
-{
-public:
-    explicit Holder(T * object) : m_object(object) {}
-    Holder(Holder && other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
-    Holder(Holder const &) = delete;
-    Holder & operator=(Holder const &) = delete;
-    ~Holder()
-    {
-        if (m_object)
-            m_object->Release();
-    }
-    T * operator->() const { return m_object; }
-    T & operator*() const { return *m_object; }
-    operator T *() const { return m_object; }
-
-private:
-    T * m_object;
-};
 
 // The library, for the length of a test.
 struct LibraryScope
@@ -53,21 +31,21 @@ inline IVekXMLManager & XMLManager()
     return *getVekLibKernel()->GetXMLManager();
 }
 
-inline Holder<IVekXMLDocument> NewDocument()
+inline CVekRef<IVekXMLDocument> NewDocument()
 {
-    return Holder<IVekXMLDocument>(XMLManager().CreateXMLDocument());
+    return CVekRef<IVekXMLDocument>(XMLManager().CreateXMLDocument());
 }
 
 // Needs no library.
-inline Holder<CVekXMLElement> NewElement(std::wstring const & name = {})
+inline CVekRef<CVekXMLElement> NewElement(std::wstring const & name = {})
 {
-    return Holder<CVekXMLElement>(new CVekXMLElement(name.c_str(), static_cast<int>(name.size())));
+    return CVekRef<CVekXMLElement>(new CVekXMLElement(name.c_str(), static_cast<int>(name.size())));
 }
 
-inline bool ParseBytes(std::string const & bytes, IVekXMLDocument * document)
+inline bool ParseBytes(std::string const & bytes, CVekRef<IVekXMLDocument> const & document)
 {
-    Holder<CVekXMLParser> const parser(new CVekXMLParser);
-    return parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), document);
+    CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
+    return parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), document.Get());
 }
 
 // A tree of moderate depth in one line: name[attribute=value ...]'CDATA'{child child}; a null entry is "0".

@@ -80,15 +80,10 @@ TYPED_TEST(Path, PartsAreLimitedTo1024CharactersByDefault)
 
 TYPED_TEST(Path, IsSamePathIsLiteralButForCase)
 {
-    std::tuple<char const *, char const *, bool> const rows[] = {
-        // clang-format off
-        {"C:\\A\\B", "c:\\a\\b", true}, {"C:/a", "C:\\a", false}, {"a\\.\\b", "a\\b", false},
-        {"", "", true}, {"a", "", false},
-        // clang-format on
-    };
-    for (auto const & [first, second, same] : rows)
-        EXPECT_EQ(Api<TypeParam>::IsSamePath(Text<TypeParam>(first).c_str(), Text<TypeParam>(second).c_str()), same)
-            << first << " and " << second;
+    auto const isSame = [](char const * first, char const * second)
+    { return Api<TypeParam>::IsSamePath(Text<TypeParam>(first).c_str(), Text<TypeParam>(second).c_str()); };
+    EXPECT_TRUE(isSame("C:\\A\\B", "c:\\a\\b") && isSame("", ""));
+    EXPECT_FALSE(isSame("C:/a", "C:\\a") || isSame("a\\.\\b", "a\\b") || isSame("", "a") || isSame("a", "")); // kept
 }
 
 TYPED_TEST(Path, FilesAreOpenedClosedAndFound)
@@ -146,7 +141,8 @@ TEST(PlatformPath, Relative)
         {L":\\", PLAIN_FILE, L":\\\\b", L".\\b"},
         // a directory of two characters that doesn't begin the other path as a whole component
         {L".\\", DIRECTORY, L".\\b", L"\\b"},
-        {L"a\\", DIRECTORY, L"a\\b", L"\\b"},
+        {L"a\\", DIRECTORY, L"a\\", L"\\"},
+        {L"a:", DIRECTORY, L"a:b", L"."},
     };
     for (auto const & [from, fromAttributes, to, expected] : rows)
     {

@@ -140,19 +140,14 @@ TEST(StringFunctionsWidth, PrintfTakesALoneArgument)
     EXPECT_STREQ(narrow, "[abc]");
     EXPECT_EQ(VekStrPrintfW(wide, 16, L"[%hs]", "abc"), 5);
     EXPECT_STREQ(wide, L"[abc]");
-    EXPECT_EQ(VekStrPrintfW(wide, 16, L"%.2f", 0.5F), 4);
-    EXPECT_STREQ(wide, L"0.50");
 }
 
 TYPED_TEST(StringFunctions, CaseIsChangedOnlyInATerminatedBuffer)
 {
     using A = Api<TypeParam>;
     std::tuple<void (*)(TypeParam *, int), int, char const *> const rows[] = {
-        // clang-format off
-        {A::ToLower, 6, "ab1_z"}, {A::ToUpper, 6, "AB1_Z"}, {A::ToUpper, 5, "aB1_z"}, {A::ToLower, 0, "aB1_z"},
-        {A::ToLower, -1, "aB1_z"}, {A::ToUpper, INT_MIN, "aB1_z"},
-        // clang-format on
-    };
+        {A::ToLower, 6, "ab1_z"}, {A::ToUpper, 6, "AB1_Z"},  {A::ToUpper, 5, "aB1_z"},
+        {A::ToLower, 0, "aB1_z"}, {A::ToLower, -1, "aB1_z"}, {A::ToUpper, INT_MIN, "aB1_z"}};
     for (auto const & [change, size, expected] : rows)
     {
         auto text = Text<TypeParam>("aB1_z");
@@ -182,14 +177,6 @@ TYPED_TEST(StringFunctions, Numbers)
     }
 }
 
-TEST(StringFunctionsWidth, DeliberateOnlyTheNarrowCountedCopyChecksForNull)
-{
-    char text[8] = "keep";
-    VekStrCopyA(text, nullptr);
-    VekStrCopyA(nullptr, "x");
-    EXPECT_STREQ(text, "keep");
-}
-
 TEST(Convert, DeliberateBySignExtensionAndLowByte)
 {
     wchar_t wide[8];
@@ -198,44 +185,45 @@ TEST(Convert, DeliberateBySignExtensionAndLowByte)
     EXPECT_EQ(std::wstring(wide), L"a\xFFE9\x7F\xFF80");
     VekStrWtoA(narrow, L"\x20AC\x0141z");
     EXPECT_EQ(std::string(narrow), "\xAC\x41z");
+    VekStrCopyA(narrow, nullptr); // only the narrow counted copy checks for null
+    VekStrCopyA(nullptr, "x");
+    EXPECT_EQ(std::string(narrow), "\xAC\x41z");
     VekStrAtoW(wide, nullptr);
     VekStrWtoA(narrow, nullptr);
     EXPECT_TRUE(wide[0] == 0 && narrow[0] == 0);
     VekStrAtoW(nullptr, "a");
     VekStrWtoA(nullptr, L"a");
-
-    LogCapture log;
-    EXPECT_EQ(Text(VekCreateStrAtoW("a\xE9")), L"a\xFFE9");
-    EXPECT_EQ(Text(VekCreateStrAtoT("a\xE9")), L"a\xFFE9");
-    EXPECT_EQ(Text(VekCreateStrWtoA(L"\x20ACz")), "\xACz");
-    EXPECT_EQ(Text(VekCreateStrTtoA(L"\x20ACz")), "\xACz");
-    EXPECT_EQ(Text(VekCreateStrTtoW(L"\x20AC")), L"\x20AC");
-    EXPECT_EQ(Text(VekCreateStrWtoT(L"\x20AC")), L"\x20AC");
-    EXPECT_EQ(VekCreateStrWtoA(L"a\x0100z").GetLength(), 1) << "a low byte of 0 ends the text";
-    EXPECT_TRUE(VekCreateStrAtoW("").IsEmpty());
-    EXPECT_EQ(log.Take(), L"");
 }
 
-TEST(Convert, LogsWhenMemoryRunsOut)
+template <class T>
+std::wstring Units(CVekString<T> const & text)
 {
-    if (!VekGuard::Active)
-        GTEST_SKIP() << "allocations fail on demand in the guarded build only";
-    std::pair<int (*)(), wchar_t const *> const rows[] = {
-        {[] { return VekCreateStrAtoW("abc").GetLength(); }, L"VekCreateStrAtoW"},
-        {[] { return VekCreateStrWtoA(L"abc").GetLength(); }, L"VekCreateStrWtoA"},
-        {[] { return VekCreateStrTtoW(L"abc").GetLength(); }, L"VekCreateStrTtoW"},
-        {[] { return VekCreateStrTtoA(L"abc").GetLength(); }, L"VekCreateStrTtoA"},
-        {[] { return VekCreateStrWtoT(L"abc").GetLength(); }, L"VekCreateStrWtoT"},
-        {[] { return VekCreateStrAtoT("abc").GetLength(); }, L"VekCreateStrAtoT"},
+    std::basic_string<T> const units = Text(text);
+    return std::wstring(units.begin(), units.end());
+}
+
+TEST(Convert, ToStringsWithAMessageWhenMemoryRunsOut)
+{
+    std::tuple<std::wstring (*)(), wchar_t const *, wchar_t const *> const rows[] = {
+        {[] { return Units(VekCreateStrAtoW("a\xE9")); }, L"a\xFFE9", L"VekCreateStrAtoW"},
+        {[] { return Units(VekCreateStrWtoA(L"\x20ACz")); }, L"\xFFACz", L"VekCreateStrWtoA"},
+        {[] { return Units(VekCreateStrTtoW(L"\x20AC")); }, L"\x20AC", L"VekCreateStrTtoW"},
+        {[] { return Units(VekCreateStrTtoA(L"\x20ACz")); }, L"\xFFACz", L"VekCreateStrTtoA"},
+        {[] { return Units(VekCreateStrWtoT(L"\x20AC")); }, L"\x20AC", L"VekCreateStrWtoT"},
+        {[] { return Units(VekCreateStrAtoT("a\xE9")); }, L"a\xFFE9", L"VekCreateStrAtoT"},
     };
-    for (auto const & [length, name] : rows)
+    LogCapture log;
+    for (auto const & [make, text, name] : rows)
     {
-        LogCapture log;
-        VekGuard::FailAllocation(1);
-        EXPECT_EQ(length(), 0);
-        EXPECT_TRUE(VekGuard::FailReset());
-        EXPECT_EQ(log.Take(), std::wstring(name) + L" --> Failed to allocate buffre");
+        EXPECT_EQ(make(), text) << testing::PrintToString(name);
+        EXPECT_EQ(log.Take(), L"");
+        VekGuard::FailAllocation(1); // in the guarded build only
+        EXPECT_EQ(make(), VekGuard::Active ? L"" : text);
+        EXPECT_EQ(VekGuard::FailReset(), VekGuard::Active);
+        EXPECT_EQ(log.Take(), VekGuard::Active ? std::wstring(name) + L" --> Failed to allocate buffre" : L"");
     }
+    EXPECT_EQ(VekCreateStrWtoA(L"a\x0100z").GetLength(), 1) << "a low byte of 0 ends the text";
+    EXPECT_TRUE(VekCreateStrAtoW("").IsEmpty() && log.Take().empty());
 }
 
 } // namespace

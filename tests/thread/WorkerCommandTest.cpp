@@ -27,25 +27,17 @@ TEST_F(Workers, RunCommandsInOrder)
             kernel.ExecuteThreadCommand(new Command([&] { calls += 'f'; }), thread.Get());
         }));
     thread->AddCommand(nullptr);
+    kernel.PostThreadCommand(nullptr, thread.Get());
+    kernel.ExecuteThreadCommand(nullptr, thread.Get());
     EXPECT_TRUE(thread->HasPendingCommands());
     thread->Start();
     EXPECT_TRUE(Until([&] { return Command::s_destroyed - destroyed == 7; }));
     Command last([&] { calls += '.'; }, false);
     kernel.ExecuteThreadCommand(&last, thread.Get());
+    kernel.ExecuteThreadCommand(&last, nullptr);
+    kernel.PostThreadCommand(&last, nullptr);
     EXPECT_EQ(calls, "abcdefg.") << "on the worker itself they run at once";
-    EXPECT_EQ(last.GetRefCount(), 1u);
-    EXPECT_EQ(last.GetEndSignal(), nullptr);
-    EXPECT_FALSE(thread->HasPendingCommands());
-}
-
-TEST_F(Workers, IgnoreNothing)
-{
-    Thread const thread = Create();
-    Command command([] {}, false);
-    kernel.ExecuteThreadCommand(nullptr, thread.Get());
-    kernel.ExecuteThreadCommand(&command, nullptr);
-    kernel.PostThreadCommand(nullptr, thread.Get());
-    kernel.PostThreadCommand(&command, nullptr);
+    EXPECT_TRUE(last.GetRefCount() == 1 && !last.GetEndSignal());
     EXPECT_FALSE(thread->HasPendingCommands());
 }
 
@@ -90,12 +82,10 @@ TEST_F(Workers, LaunchSetsTheSignalAndReleases)
         Deciding() : CVekThreadCommand(false) {}
         void Execute() override { SetAutoDelete(true); }
     };
-    auto * const deciding = new Deciding;
+    CVekRef<Deciding> const deciding(new Deciding);
     deciding->AddRef();
-    CallSlot(deciding, 6);
-    EXPECT_TRUE(deciding->IsAutoDelete());
     deciding->Launch();
-    EXPECT_EQ(deciding->Release(), 0u);
+    EXPECT_EQ(deciding->GetRefCount(), 1u);
 }
 
 TEST_F(Workers, RunCommandsOnceTheyAreResumed)
@@ -166,11 +156,7 @@ TEST_F(Workers, EndACommandThatIsWaitedForThemselves)
     {
         explicit Watched(std::string & text) : endings(text) {}
         ~Watched() override { endings += std::to_string(VekGetCurrentThreadID()) + ";"; }
-        unsigned int AddRef() override
-        {
-            endings += "counted;";
-            return CVekThreadCommand::AddRef();
-        }
+        unsigned int AddRef() override { return endings += "counted;", CVekThreadCommand::AddRef(); }
         void Execute() override { endings += std::to_string(GetRefCount()) + " in "; }
         std::string & endings;
     };

@@ -55,19 +55,12 @@ private:
     std::function<void()> m_work;
 };
 
-// Open or closed; waits without end while it is closed.
-class Gate
+// Waits until it is opened, for good.
+struct Gate
 {
-public:
-    void Open() { SetEvent(m_event); }
-    void Pass() { WaitForSingleObject(m_event, INFINITE); }
-    Gate() = default;
-    Gate(Gate const &) = delete;
-    Gate & operator=(Gate const &) = delete;
-    ~Gate() { CloseHandle(m_event); }
-
-private:
-    HANDLE m_event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    void Open() { signal.SetSignal(); }
+    void Pass() const { WaitForSingleObject(signal.GetHandle(), INFINITE); }
+    CVekSignal signal;
 };
 
 class Workers : public testing::Test

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <thread>
+#include <tuple>
 
 using WorkerKit::Gate;
 using WorkerKit::Ticks;
@@ -12,25 +13,18 @@ using WorkerKit::Workers;
 
 TEST_F(Workers, TickUpToTheirLimit)
 {
-    struct Row
-    {
-        char const * name;
-        unsigned int interval, limit;
-        bool hasCallback;
-        int ticks;
-    };
-    Row const rows[] = {
+    std::tuple<char const *, unsigned int, unsigned int, bool, int> const rows[] = {
         {"each turn", 0, 3, true, 3},
         {"without callback", 0, 3, false, 0},
         {"the first turn", 5, 1, true, 1},
     };
-    for (Row const & row : rows)
+    for (auto const & [name, interval, limit, hasCallback, expected] : rows)
     {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(name);
         Ticks ticks;
-        Thread thread = Started(row.interval, row.limit, row.hasCallback ? &ticks : nullptr);
+        Thread thread = Started(interval, limit, hasCallback ? &ticks : nullptr);
         EXPECT_TRUE(HasEnded(thread));
-        EXPECT_EQ(ticks.count, row.ticks);
+        EXPECT_EQ(ticks.count, expected);
         DWORD const begin = GetTickCount();
         thread.Reset();
         EXPECT_LT(GetTickCount() - begin, 1000u) << "it is not waited for again";
@@ -146,7 +140,8 @@ TEST_F(Workers, KeptTheRingOfMessagesIsReused)
     Thread const thread = Started(0, 0, &ticks);
     thread->Suspend();
     for (unsigned int type = 0; type < 1000; ++type)
-        thread->PostControlMessage(type % 5 == 3 ? 99 : type % 5 == 2 ? 98 : type, nullptr); // none to act on
+        thread->PostControlMessage(type % 5 == 3 ? 99 : type % 5 == 2 ? 98 : type,
+                                   nullptr); // none to act on
     thread->Resume();
     EXPECT_TRUE(Ticking(ticks));
     thread->Suspend();
@@ -295,7 +290,8 @@ TEST_F(Workers, SwapTheCallbackOfAWorkerThatEndsMeanwhile)
     EXPECT_TRUE(first.GetRefCount() == 1 && second.GetRefCount() == 2);
 }
 
-// A callback may end as soon as the object of an ended worker is gone, whose thread is perhaps still leaving.
+// A callback may end as soon as the object of an ended worker is gone, whose
+// thread is perhaps still leaving.
 TEST_F(Workers, LetGoOfTheirCallbackWithTheirObject)
 {
     Ticks ticks;

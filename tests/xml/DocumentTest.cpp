@@ -10,7 +10,7 @@ namespace
 
 struct XMLDocument : XMLTest
 {
-    Holder<IVekXMLDocument> m_document = NewDocument();
+    CVekRef<IVekXMLDocument> m_document = NewDocument();
 };
 
 TEST_F(XMLDocument, TypeIsKeptEncodingIsNot)
@@ -31,16 +31,16 @@ TEST_F(XMLDocument, RootElementIsCounted)
 {
     auto const first = NewElement(), second = NewElement();
     EXPECT_EQ(m_document->GetRootElement(), nullptr);
-    EXPECT_TRUE(m_document->SetRootElement(first));
-    EXPECT_TRUE(m_document->SetRootElement(first));
+    EXPECT_TRUE(m_document->SetRootElement(first.Get()));
+    EXPECT_TRUE(m_document->SetRootElement(first.Get()));
     EXPECT_EQ(first->GetRefCount(), 2u) << "the same root again";
-    EXPECT_TRUE(m_document->SetRootElement(second));
+    EXPECT_TRUE(m_document->SetRootElement(second.Get()));
     EXPECT_EQ(first->GetRefCount(), 1u);
-    EXPECT_EQ(m_document->GetRootElement(), static_cast<IVekXMLElement *>(second));
+    EXPECT_EQ(m_document->GetRootElement(), static_cast<IVekXMLElement *>(second.Get()));
     EXPECT_TRUE(m_document->SetRootElement(nullptr));
     EXPECT_EQ(second->GetRefCount(), 1u);
     EXPECT_EQ(m_document->GetRootElement(), nullptr);
-    m_document->SetRootElement(NewElement(L"held by the document alone"));
+    m_document->SetRootElement(NewElement(L"held by the document alone").Get());
     m_document->SetRootElement(m_document->GetRootElement());
     EXPECT_EQ(m_document->GetRootElement()->GetRefCount(), 1u);
 }
@@ -49,7 +49,7 @@ TEST_F(XMLDocument, FindElementFromPath)
 {
     EXPECT_EQ(m_document->FindElementFromPath(L"a", true), nullptr);
     EXPECT_EQ(m_log.Take(), L"CVekXMLDocument::FindElementFromPath --> Root element does not exist");
-    m_document->SetRootElement(NewElement(L"root"));
+    m_document->SetRootElement(NewElement(L"root").Get());
     EXPECT_EQ(m_document->FindElementFromPath(L"a/b\\c", true)->GetRefCount(), 1u);
     EXPECT_EQ(TreeText(*m_document), L"root{a{b{c}}}");
     std::tuple<wchar_t const *, wchar_t const *, char const *> const rows[] = {
@@ -73,7 +73,7 @@ TEST_F(XMLDocument, FindElementFromPath)
 
 TEST_F(XMLDocument, PathsOfAnyLengthAndDepth)
 {
-    m_document->SetRootElement(NewElement(L"root"));
+    m_document->SetRootElement(NewElement(L"root").Get());
     std::wstring path(100'000, L'c');
     for (int i = 0; i < (VekGuard::Active ? 5'000 : 200'000); ++i)
         path += L"/d";
@@ -85,7 +85,7 @@ TEST_F(XMLDocument, PathsOfAnyLengthAndDepth)
 
 TEST_F(XMLDocument, ForeignRoot)
 {
-    m_document->SetRootElement(Holder<ForeignElement>(new ForeignElement(L"f")));
+    m_document->SetRootElement(CVekRef<ForeignElement>(new ForeignElement(L"f")).Get());
     EXPECT_EQ(m_document->FindElementFromPath(L"a", false), nullptr);
     IVekXMLElement * const made = m_document->FindElementFromPath(L"a/b", true);
     ASSERT_NE(made, nullptr);

@@ -9,7 +9,7 @@ namespace
 {
 
 // An element "e" with the attributes "a", "b" and so on, as many as there are values, stored as they are.
-Holder<CVekXMLElement> WithValues(std::vector<wchar_t const *> const & values)
+CVekRef<CVekXMLElement> WithValues(std::vector<wchar_t const *> const & values)
 {
     auto element = NewElement(L"e");
     for (std::size_t i = 0; i < values.size(); ++i)

@@ -15,16 +15,16 @@ constexpr int MANY = 1'000'000;
 struct HostileXMLTest : XMLTest
 {
     // Writes the document without indentation, reads it back, and returns the bytes.
-    std::string RoundTrip(IVekXMLDocument * document)
+    std::string RoundTrip(CVekRef<IVekXMLDocument> const & document)
     {
-        Holder<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
+        CVekRef<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
         writer->SetIndentation(0);
         TestStream stream;
-        EXPECT_TRUE(writer->WriteXML(&stream, document));
+        EXPECT_TRUE(writer->WriteXML(&stream, document.Get()));
         auto const again = NewDocument();
         EXPECT_TRUE(ParseBytes(stream.bytes, again));
         TestStream second;
-        EXPECT_TRUE(writer->WriteXML(&second, again));
+        EXPECT_TRUE(writer->WriteXML(&second, again.Get()));
         EXPECT_TRUE(stream.bytes == second.bytes);
         return std::move(stream.bytes);
     }
@@ -99,8 +99,8 @@ TEST_F(HostileXMLTest, NamesLongerThanTheLogBuffer)
     m_log.Clear();
     EXPECT_FALSE(ParseBytes("<a><" + name + "></a>", NewDocument()));
     std::wstring const wide(name.begin(), name.end());
-    Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
-    EXPECT_FALSE(parser->ParseXMLFile(wide.c_str(), document));
+    CVekRef<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+    EXPECT_FALSE(parser->ParseXMLFile(wide.c_str(), document.Get()));
 }
 
 TEST_F(HostileXMLTest, GroupsNestedInADeclaration)

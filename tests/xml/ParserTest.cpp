@@ -48,13 +48,13 @@ TEST_F(ParserTest, BuildsTheTree)
         {"deliberate: nor a declaration alone", "<?xml version='1.0'?>", L"", false},
         {"what is cut after the root is not missed", "<a/> <!-- cut", L"a", true},
     };
-    Holder<CVekXMLParser> const parser(new CVekXMLParser);
+    CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
     EXPECT_FALSE(parser->IsComplete());
     for (auto const & [name, bytes, tree, complete] : rows)
     {
         SCOPED_TRACE(name);
         auto const document = NewDocument();
-        EXPECT_TRUE(parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), document));
+        EXPECT_TRUE(parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), document.Get()));
         EXPECT_EQ(TreeText(*document), tree);
         EXPECT_EQ(parser->IsComplete(), complete);
         EXPECT_EQ(m_log.Take(), L"");
@@ -89,6 +89,24 @@ TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
         EXPECT_EQ(m_log.Take(), PARSE_FAILED + std::wstring(L"   Error code ") + std::to_wstring(code) + L" " + text +
                                     L"\n\n      at line " + std::to_wstring(line) + L", col " +
                                     std::to_wstring(column) + L"\n\nCVekXMLParser::ParseXMLFile --> Failed on parsing");
+    }
+}
+
+TEST_F(ParserTest, IsIncompleteAfterAFailure)
+{
+    CVekXMLParser parser;
+    auto const parse = [&](char const * text, CVekRef<IVekXMLDocument> const & document)
+    { return parser.ParseXMLMemory(text, text ? static_cast<unsigned int>(strlen(text)) : 4, document.Get()); };
+    std::tuple<char const *, CVekRef<IVekXMLDocument>, wchar_t const *> const rows[] = {
+        {"<a/>x", NewDocument(), PARSE_FAILED},
+        {"<a/>", {}, L"CVekXMLParser::ParseXMLFile --> Document is NULL"},
+        {nullptr, NewDocument(), L"CVekXMLParser::ParseXMLMemory --> Text is NULL\n"},
+    };
+    for (auto const & [text, document, message] : rows)
+    {
+        EXPECT_TRUE(parse("<a/>", NewDocument()) && parser.IsComplete());
+        EXPECT_FALSE(parse(text, document) || parser.IsComplete());
+        EXPECT_EQ(m_log.Take().find(message), 0u);
     }
 }
 
@@ -186,20 +204,20 @@ TEST_F(ParserTest, StopsEntityBombs)
 TEST_F(ParserTest, ReadsFiles)
 {
     std::wstring const good = WriteFileBytes(L"good.xml", "<a v='1'><b/></a>");
-    Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+    CVekRef<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
     auto const document = NewDocument();
-    EXPECT_TRUE(parser->ParseXMLFile(good.c_str(), document));
+    EXPECT_TRUE(parser->ParseXMLFile(good.c_str(), document.Get()));
     EXPECT_EQ(TreeText(*document), L"a[v=1]{b}");
 
     std::wstring const empty = WriteFileBytes(L"empty.xml", "");
     auto const other = NewDocument();
-    EXPECT_TRUE(parser->ParseXMLFile(empty.c_str(), other)) << "deliberate: an empty file is no error";
+    EXPECT_TRUE(parser->ParseXMLFile(empty.c_str(), other.Get())) << "deliberate: an empty file is no error";
     EXPECT_EQ(TreeText(*other), L"");
 }
 
 TEST_F(ParserTest, ReportsFilesThatCantBeOpened)
 {
-    Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+    CVekRef<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
     EXPECT_FALSE(parser->ParseXMLFile(L"any.xml", nullptr));
     EXPECT_EQ(m_log.Take(), L"CVekXMLParser::ParseXMLFile --> Document is NULL");
 
@@ -210,7 +228,7 @@ TEST_F(ParserTest, ReportsFilesThatCantBeOpened)
     {
         SCOPED_TRACE(path.size());
         auto const document = NewDocument();
-        EXPECT_FALSE(parser->ParseXMLFile(path.c_str(), document));
+        EXPECT_FALSE(parser->ParseXMLFile(path.c_str(), document.Get()));
         std::wstring const log = m_log.Take();
         EXPECT_EQ(
             log.find(L"CVekFileIOStream::Open --> Failed to open file\nCVekXMLParser::Parse --> Failed to open file " +
@@ -218,7 +236,7 @@ TEST_F(ParserTest, ReportsFilesThatCantBeOpened)
             0U);
         EXPECT_NE(log.find(L"\nCVekXMLParser::ParseXMLFile --> Failed on parsing"), std::wstring::npos);
     }
-    EXPECT_FALSE(parser->ParseXMLFile(nullptr, NewDocument()));
+    EXPECT_FALSE(parser->ParseXMLFile(nullptr, NewDocument().Get()));
     EXPECT_EQ(m_log.Take(),
               L"CVekFileIOStream::Open --> Filename is NULL\nCVekXMLParser::Parse --> Failed to open file \n"
               L"CVekXMLParser::ParseXMLFile --> Failed on parsing");

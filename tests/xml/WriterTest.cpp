@@ -8,15 +8,15 @@ namespace
 
 struct WriterTest : XMLTest
 {
-    std::string Written(IVekXMLDocument * document, int indentation = 3)
+    std::string Written(CVekRef<IVekXMLDocument> const & document, int indentation = 3)
     {
         TestStream stream;
         m_writer->SetIndentation(indentation);
-        EXPECT_TRUE(m_writer->WriteXML(&stream, document));
+        EXPECT_TRUE(m_writer->WriteXML(&stream, document.Get()));
         return stream.bytes;
     }
 
-    Holder<IVekXMLWriter> m_writer{XMLManager().CreateXMLWriter()};
+    CVekRef<IVekXMLWriter> m_writer{XMLManager().CreateXMLWriter()};
 };
 
 constexpr char HEADER[] = "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
@@ -54,7 +54,7 @@ public:
 
 private:
     CVekString<wchar_t> m_encoding;
-    Holder<IVekXMLDocument> m_inner;
+    CVekRef<IVekXMLDocument> m_inner;
 };
 
 TEST_F(WriterTest, WritesElements)
@@ -130,7 +130,7 @@ TEST_F(WriterTest, WritesTheDocumentType)
 TEST_F(WriterTest, OmitsRulesWithoutADocumentType)
 {
     auto const document = NewDocument();
-    document->SetRootElement(NewElement(L"a"));
+    document->SetRootElement(NewElement(L"a").Get());
     document->AddDTDRule(L"a", VEK_XML_DTD_EMPTY);
     EXPECT_EQ(Written(document), std::string(HEADER) + "<a/>\n");
 }
@@ -158,14 +158,14 @@ TEST_F(WriterTest, EncodesAsTheDocumentSays)
     {
         std::string const name(encoding.begin(), encoding.end());
         SCOPED_TRACE(testing::Message() << name << streamOrder << systemOrder);
-        Holder<HostDocument> const document(new HostDocument(encoding.c_str()));
-        document->SetRootElement(NewElement(L"a"));
+        CVekRef<HostDocument> const document(new HostDocument(encoding.c_str()));
+        document->SetRootElement(NewElement(L"a").Get());
         document->GetRootElement()->AddAttribute(L"v", L"A\u00E9\u20AC", -1);
         TestStream stream;
         stream.streamOrder = streamOrder;
         stream.systemOrder = systemOrder;
-        Holder<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
-        EXPECT_TRUE(writer->WriteXML(&stream, document));
+        CVekRef<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
+        EXPECT_TRUE(writer->WriteXML(&stream, document.Get()));
         EXPECT_EQ(m_log.Take(), message);
         EXPECT_EQ(stream.bytes.substr(0, start.size()), start);
         EXPECT_NE(stream.bytes.find(value), std::string::npos) << stream.bytes;
@@ -180,17 +180,17 @@ TEST_F(WriterTest, WritesFilesThatCanBeReadAgain)
     for (wchar_t const * const encoding : {L"UTF-8", L"UTF-16", L"ISO-8859-1"})
     {
         SCOPED_TRACE(testing::Message() << encoding);
-        Holder<HostDocument> const document(new HostDocument(encoding));
+        CVekRef<HostDocument> const document(new HostDocument(encoding));
         auto const original = NewDocument();
         ASSERT_TRUE(ParseBytes(source, original));
         if (std::wstring(encoding) == L"ISO-8859-1")
             original->GetRootElement()->SetAttributeValue(L"x", L"\u00E9", false);
         document->SetRootElement(original->GetRootElement());
         std::wstring const path = TemporaryPath(L"written.xml");
-        ASSERT_TRUE(m_writer->WriteXMLFile(path.c_str(), document));
+        ASSERT_TRUE(m_writer->WriteXMLFile(path.c_str(), document.Get()));
         auto const again = NewDocument();
-        Holder<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
-        ASSERT_TRUE(parser->ParseXMLFile(path.c_str(), again)) << FileBytes(path);
+        CVekRef<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
+        ASSERT_TRUE(parser->ParseXMLFile(path.c_str(), again.Get())) << FileBytes(path);
         EXPECT_EQ(TreeText(*again), TreeText(*document));
     }
 }
@@ -200,7 +200,7 @@ TEST_F(WriterTest, WritesTextFilesWithCarriageReturns)
     auto const document = NewDocument();
     ASSERT_TRUE(ParseBytes("<a><b><![CDATA[1\n2]]></b></a>", document));
     std::wstring const path = TemporaryPath(L"lines.xml");
-    ASSERT_TRUE(m_writer->WriteXMLFile(path.c_str(), document));
+    ASSERT_TRUE(m_writer->WriteXMLFile(path.c_str(), document.Get()));
     std::string expected;
     for (char const c : std::string(HEADER) + "<a>\n   <b>\n<![CDATA[1\n2]]>\n   </b>\n</a>\n")
         expected += c == '\n' ? "\r\n" : std::string(1, c);
@@ -215,29 +215,34 @@ TEST_F(WriterTest, ReportsWhatCantBeWritten)
     EXPECT_FALSE(m_writer->WriteXML(&stream, nullptr));
     EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXML --> Document is NULL");
     auto const document = NewDocument();
-    EXPECT_FALSE(m_writer->WriteXMLFile(L"x.xml", document));
+    EXPECT_FALSE(m_writer->WriteXMLFile(L"x.xml", document.Get()));
     EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXMLFile --> Document has no Element");
-    EXPECT_FALSE(m_writer->WriteXML(&stream, document));
+    EXPECT_FALSE(m_writer->WriteXML(&stream, document.Get()));
     EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteXML --> Document has no Element");
-    document->SetRootElement(NewElement(L"a"));
-    EXPECT_FALSE(m_writer->WriteXMLFile(TemporaryPath(L"no-folder/x.xml").c_str(), document));
+    document->SetRootElement(NewElement(L"a").Get());
+    EXPECT_FALSE(m_writer->WriteXMLFile(TemporaryPath(L"no-folder/x.xml").c_str(), document.Get()));
     EXPECT_EQ(m_log.Take(), L"CVekFileIOStream::Open --> Failed to open file\n"
                             L"CVekXMLWriter::WriteXMLFile --> Failed to write XML");
-    EXPECT_FALSE(m_writer->WriteXML(nullptr, document));
+    EXPECT_FALSE(m_writer->WriteXML(nullptr, document.Get()));
+    CVekRef<IVekFileIOStream> const closed(getVekLibKernel()->CreateFileIOStream());
+    EXPECT_FALSE(m_writer->WriteXML(closed.Get(), document.Get()));
+    EXPECT_EQ(m_log.Take(), L"CVekXMLWriter::WriteHeader --> Error writing header\n"
+                            L"CVekFileIOStream::Write --> File is not opened\n"
+                            L"CVekXMLWriter::WriteHeader --> Error writing header");
 }
 
 TEST_F(WriterTest, NeverCallsALostByteASuccess)
 {
     auto const document = NewDocument();
     auto const root = NewElement(L"a");
-    document->SetRootElement(root);
+    document->SetRootElement(root.Get());
     for (int i = 0; i < 3; ++i)
     {
         root->FindChild((L"child" + std::to_wstring(i)).c_str(), true)
             ->AddAttribute(L"long", std::wstring(60000, L'x').c_str(), -1);
     }
     TestStream whole;
-    ASSERT_TRUE(m_writer->WriteXML(&whole, document));
+    ASSERT_TRUE(m_writer->WriteXML(&whole, document.Get()));
     ASSERT_GE(whole.transfers, 3U);
     wchar_t const * const last = L"CVekXMLWriter::WriteElement --> Failed to write Element close";
     for (unsigned int n = 1; n <= whole.transfers; ++n)
@@ -245,27 +250,26 @@ TEST_F(WriterTest, NeverCallsALostByteASuccess)
         SCOPED_TRACE(n);
         TestStream stream;
         stream.failFrom = n;
-        EXPECT_FALSE(m_writer->WriteXML(&stream, document));
-        std::wstring const log = m_log.Take();
-        EXPECT_EQ(log, n == whole.transfers ? last
-                                            : L"CVekXMLWriter::WriteElement --> Failed to write Element header\n"
-                                              L"CVekXMLWriter::WriteElement --> Failed to write child Element " +
-                                                  std::to_wstring(n - 1));
+        EXPECT_FALSE(m_writer->WriteXML(&stream, document.Get()));
+        std::wstring const header = L"CVekXMLWriter::WriteHeader --> Error writing header";
+        std::wstring const child = L"CVekXMLWriter::WriteElement --> Failed to write Element header\n"
+                                   L"CVekXMLWriter::WriteElement --> Failed to write child Element ";
+        EXPECT_EQ(m_log.Take(), n == 1 ? header : n + 1 >= whole.transfers ? last : child + std::to_wstring(n - 2));
     }
 }
 
 TEST_F(WriterTest, FillsAMemoryStreamToItsLastByte)
 {
     auto const document = NewDocument();
-    document->SetRootElement(NewElement(L"a"));
+    document->SetRootElement(NewElement(L"a").Get());
     std::string const expected = std::string(HEADER) + "<a/>\n";
     auto const size = static_cast<unsigned int>(expected.size());
     for (unsigned int const room : {size + 1, size, size - 1, 1U})
     {
         SCOPED_TRACE(room);
-        Holder<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+        CVekRef<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
         ASSERT_TRUE(stream->Open(nullptr, VEK_IO_WRITE | VEK_IO_READ, room));
-        EXPECT_EQ(m_writer->WriteXML(stream, document), room >= size);
+        EXPECT_EQ(m_writer->WriteXML(stream.Get(), document.Get()), room >= size);
         std::string const stored(reinterpret_cast<char const *>(stream->GetBuffer()), std::min(room, size));
         EXPECT_EQ(stored == expected, room >= size);
     }

@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <random>
 #include <string>
-#include <thread>
 
 static_assert(sizeof(CVekMemoryBlock) == (sizeof(void *) == 4 ? 152 : 176));
 
@@ -21,6 +20,7 @@ namespace
 {
 
 constexpr char const * NO_FILE = nullptr;
+constexpr wchar_t const * NO_WIDE_FILE = nullptr;
 unsigned int g_firstNumber = 99;
 
 CVekMemorySystem & System()
@@ -101,51 +101,38 @@ TEST(MemorySystem, CountsLiveBlocks)
     EXPECT_TRUE(VekDeallocMemory(ground, NO_FILE, 0));
     for (unsigned char * const block : blocks)
         EXPECT_TRUE(VekDeallocMemory(block, NO_FILE, 0));
-    EXPECT_EQ(System().GetCurrentBytes(), 0u);
-    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
+    EXPECT_TRUE(System().GetCurrentBytes() == 0 && System().GetCurrentBlocks() == 0);
 }
 
 TEST(MemorySystem, RecordsWhereABlockWasAskedFor)
 {
     std::wstring const fits(63, L'n');
     std::wstring const tooLong(100, L'n');
-    struct Row
-    {
-        char const * name;
-        wchar_t const * file;
-        wchar_t const * expected;
+    std::pair<wchar_t const *, wchar_t const *> const rows[] = {
+        // clang-format off
+        {L"Scene.cpp", L"Scene.cpp"}, {L"D:\\work/core\\Scene.cpp", L"Scene.cpp"}, {L"D:Scene.cpp", L"Scene.cpp"},
+        {L"core/", L""}, {L"", L""}, {fits.c_str(), fits.c_str()}, {tooLong.c_str(), fits.c_str()},
+        // clang-format on
     };
-    Row const rows[] = {
-        {"plain", L"Scene.cpp", L"Scene.cpp"},
-        {"full path", L"D:\\work/core\\Scene.cpp", L"Scene.cpp"},
-        {"drive only", L"D:Scene.cpp", L"Scene.cpp"},
-        {"folder", L"core/", L""},
-        {"empty", L"", L""},
-        {"63 characters", fits.c_str(), fits.c_str()},
-        {"longer: cut", tooLong.c_str(), fits.c_str()},
-    };
-    for (Row const & row : rows)
+    for (auto const & [file, expected] : rows)
     {
-        SCOPED_TRACE(row.name);
-        unsigned char * const wide = VekAllocMemory(7, row.file, -5);
-        unsigned char * const narrow = VekAllocMemory(7, VekCreateStrWtoA(row.file), 12);
-        EXPECT_STREQ(RecordOf(wide).m_fileName, row.expected);
-        EXPECT_STREQ(RecordOf(narrow).m_fileName, row.expected);
-        EXPECT_EQ(RecordOf(wide).m_line, -5);
-        EXPECT_EQ(RecordOf(narrow).m_line, 12);
-        EXPECT_EQ(RecordOf(narrow).m_size, 7u);
-        EXPECT_EQ(RecordOf(narrow).m_data, narrow);
+        unsigned char * const wide = VekAllocMemory(7, file, -5);
+        unsigned char * const narrow = VekAllocMemory(7, VekCreateStrWtoA(file), 12);
+        EXPECT_STREQ(RecordOf(wide).m_fileName, expected);
+        EXPECT_STREQ(RecordOf(narrow).m_fileName, expected);
+        EXPECT_TRUE(RecordOf(wide).m_line == -5 && RecordOf(narrow).m_line == 12);
+        EXPECT_TRUE(RecordOf(narrow).m_size == 7 && RecordOf(narrow).m_data == narrow);
         VekDeallocMemory(wide, NO_FILE, 0);
         VekDeallocMemory(narrow, NO_FILE, 0);
     }
-    unsigned char * const blocks[] = {VekAllocMemory(1, NO_FILE, 0),
-                                      VekAllocMemory(1, static_cast<wchar_t *>(nullptr), 0),
-                                      VekAllocMemory(1, "\xE9", 0)};
-    EXPECT_STREQ(RecordOf(blocks[0]).m_fileName, L"Unknown File");
-    EXPECT_STREQ(RecordOf(blocks[1]).m_fileName, L"Unknown File");
-    EXPECT_STREQ(RecordOf(blocks[2]).m_fileName, L"\xFFE9");
-    for (unsigned char * const block : blocks)
+    for (unsigned char * const block : {VekAllocMemory(1, NO_FILE, 0), VekAllocMemory(1, NO_WIDE_FILE, 0)})
+    {
+        EXPECT_STREQ(RecordOf(block).m_fileName, L"Unknown File");
         VekDeallocMemory(block, NO_FILE, 0);
+    }
+    unsigned char * const block = VekAllocMemory(1, "\xE9", 0);
+    EXPECT_STREQ(RecordOf(block).m_fileName, L"\xFFE9");
+    VekDeallocMemory(block, NO_FILE, 0);
 }
 
 TEST(MemorySystem, FindsABlockAgain)
@@ -188,7 +175,6 @@ TEST(MemorySystem, FindsABlockAgain)
         }
     }
     EXPECT_EQ(BlocksInBuckets(), live.size());
-    EXPECT_EQ(System().GetCurrentBlocks(), live.size());
     for (Live const & one : live)
         EXPECT_TRUE(VekDeallocMemory(one.data, NO_FILE, 0));
     EXPECT_EQ(BlocksInBuckets(), 0u);
@@ -199,6 +185,10 @@ TEST(MemorySystem, FreesOtherBlocksToo)
     EXPECT_FALSE(VekDeallocMemory(std::malloc(20), NO_FILE, 0));
     EXPECT_FALSE(VekDeallocMemory(nullptr, L"", 0));
     unsigned int const number = System().GetNextNumber();
+    if (sizeof(void *) == 4)
+    {
+        EXPECT_EQ(VekAllocMemory(0xFFFFFFF0u, NO_FILE, 0), nullptr) << "the record would not fit in front of it";
+    }
     vek::g_trackingSuspended = true;
     unsigned char * const plain = VekAllocMemory(20, NO_FILE, 0);
     vek::g_trackingSuspended = false;
@@ -219,55 +209,10 @@ TEST(MemorySystem, StopsInTheDebugger)
     {
         blocks[i] = VekAllocMemory(8, __FILE__, i);
         EXPECT_EQ(g_breaks, i < 5 ? 0 : 1) << i;
-        ASSERT_NE(blocks[i], nullptr);
         EXPECT_EQ(RecordOf(blocks[i]).m_number, first + static_cast<unsigned int>(i));
     }
     getVekLibKernel()->SetBreakOnAllocation(0);
     for (unsigned char * const block : blocks)
         EXPECT_TRUE(VekDeallocMemory(block, __FILE__, 0));
     RemoveVectoredExceptionHandler(handler);
-}
-
-TEST(MemorySystem, LeavesNothingBehindWithoutMemory)
-{
-    if (!VekGuard::Active)
-        GTEST_SKIP() << "needs the guard heap";
-    unsigned int const number = System().GetNextNumber();
-    EXPECT_EQ(VekAllocMemory(0xFFFFFFF0u, NO_FILE, 0), nullptr) << "the record would not fit in front of it";
-    VekGuard::FailAllocation(1);
-    EXPECT_EQ(VekAllocMemory(8, "file", 1), nullptr);
-    EXPECT_TRUE(VekGuard::FailReset());
-    EXPECT_EQ(System().GetNextNumber(), number) << "no number is lost";
-    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
-    EXPECT_EQ(System().GetCurrentBytes(), 0u);
-}
-
-TEST(MemorySystem, ServesSeveralThreads)
-{
-    std::vector<std::thread> threads;
-    for (unsigned int seed = 0; seed < 4; ++seed)
-        threads.emplace_back(
-            [seed]
-            {
-                std::mt19937 random(seed);
-                std::vector<unsigned char *> own;
-                for (int turn = 0; turn < (VekGuard::Active ? 4000 : 100000); ++turn)
-                {
-                    if (own.size() < 200 && random() % 2)
-                        own.push_back(VekAllocMemory(random() % 64, __FILE__, turn));
-                    else if (!own.empty())
-                    {
-                        std::swap(own[random() % own.size()], own.back());
-                        EXPECT_TRUE(VekDeallocMemory(own.back(), __FILE__, turn));
-                        own.pop_back();
-                    }
-                }
-                for (unsigned char * const block : own)
-                    EXPECT_TRUE(VekDeallocMemory(block, __FILE__, 0));
-            });
-    for (std::thread & thread : threads)
-        thread.join();
-    EXPECT_EQ(System().GetCurrentBytes(), 0u);
-    EXPECT_EQ(System().GetCurrentBlocks(), 0u);
-    EXPECT_EQ(BlocksInBuckets(), 0u);
 }

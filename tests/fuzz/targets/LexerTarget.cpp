@@ -263,11 +263,11 @@ std::wstring MakeText(Bytes bytes)
 void RunLexer(Bytes input)
 {
     Reader reader(input);
-    Holder<IVekLexer> const lexer(getVekLibKernel()->CreateLexer());
+    CVekRef<IVekLexer> const lexer(getVekLibKernel()->CreateLexer());
     Language const language = MakeLanguage(reader, *lexer);
     std::wstring const text = MakeText(reader.Rest());
-    Holder<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
-    Check(tokenizer->Tokenize(lexer, text.data(), static_cast<int>(text.size())), "Tokenize");
+    CVekRef<IVekTokenizer> const tokenizer(getVekLibKernel()->CreateTokenizer());
+    Check(tokenizer->Tokenize(lexer.Get(), text.data(), static_cast<int>(text.size())), "Tokenize");
     std::vector<Found> const expected = PlainLexer(language, text).Scan();
     Check(tokenizer->GetNumTokens() == static_cast<int>(expected.size()), "the number of tokens");
     for (int i = 0; i < tokenizer->GetNumTokens(); ++i)

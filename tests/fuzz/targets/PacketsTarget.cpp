@@ -60,8 +60,8 @@ struct Tree
 {
     Tree()
     {
-        Held<NumberedHandler> const handler(new NumberedHandler);
-        Check(manager.RegisterHandler(TYPE_NUMBERS, handler.get()), "RegisterHandler");
+        CVekRef<NumberedHandler> const handler(new NumberedHandler);
+        Check(manager.RegisterHandler(TYPE_NUMBERS, handler.Get()), "RegisterHandler");
     }
     std::string Written()
     {
@@ -106,14 +106,14 @@ void Change(Tree & tree, Reader & reader)
     }
     std::wstring const name = reader.Text<wchar_t>(4);
     bool const isName = name.find_first_of(L"/\\") == name.npos;
-    Held<CVekResourceFilePacket> const packet(
+    CVekRef<CVekResourceFilePacket> const packet(
         tree.manager.CreatePacket(reader.Below(2) ? TYPE_FOLDER : TYPE_BLOB, name.c_str()));
     Check((packet != nullptr) == isName, "a packet is created when its name can be");
     if (!packet)
         return;
     // Kept: the index that was asked for is what is returned.
-    Check(at->AddChild(packet.get(), index) == (index == -1 ? count : index), "AddChild");
-    Check(at->GetChild(isInside ? index : count) == packet.get() && packet->GetParent() == at, "a child's place");
+    Check(at->AddChild(packet.Get(), index) == (index == -1 ? count : index), "AddChild");
+    Check(at->GetChild(isInside ? index : count) == packet.Get() && packet->GetParent() == at, "a child's place");
     Check(!name.empty() || tree.manager.FindPacket(L"//") == tree.manager.GetRoot(), "an empty path");
 }
 

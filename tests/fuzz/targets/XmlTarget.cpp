@@ -32,10 +32,10 @@ bool IsWritable(std::wstring const & text)
 
 void RunXml(Bytes input)
 {
-    Holder<CVekXMLParser> const parser(new CVekXMLParser);
+    CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
     auto const document = NewDocument();
     bool const parsed = parser->ParseXMLMemory(reinterpret_cast<char const *>(input.data()),
-                                               static_cast<unsigned int>(input.size()), document);
+                                               static_cast<unsigned int>(input.size()), document.Get());
     if (!document->GetRootElement())
         return;
     document->FindElementFromPath(L"a/b", false);
@@ -43,17 +43,17 @@ void RunXml(Bytes input)
     if (!parsed || !parser->IsComplete() || !IsWritable(first))
         return;
     // With its document type it must be writable, too; but not everything that is written of one can be read.
-    Holder<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
+    CVekRef<IVekXMLWriter> const writer(XMLManager().CreateXMLWriter());
     TestStream whole;
-    Check(writer->WriteXML(&whole, document), "a document with its type is written");
+    Check(writer->WriteXML(&whole, document.Get()), "a document with its type is written");
     document->RemoveAllDTDRules();
     document->RemoveAllDTDAttributeLists();
     document->SetDocumentType(L"");
     TestStream stream;
-    Check(writer->WriteXML(&stream, document), "a document is written");
+    Check(writer->WriteXML(&stream, document.Get()), "a document is written");
     auto const again = NewDocument();
     bool const readAgain =
-        parser->ParseXMLMemory(stream.bytes.data(), static_cast<unsigned int>(stream.bytes.size()), again);
+        parser->ParseXMLMemory(stream.bytes.data(), static_cast<unsigned int>(stream.bytes.size()), again.Get());
     Check(readAgain && parser->IsComplete(), "what is written can be read");
     Check(Blanked(TreeText(*again)) == Blanked(first), "the second tree is the first");
 }

@@ -12,7 +12,7 @@ TEST(ScanText, CountsArguments)
         {"", 0}, {"text", 0}, {"%d", 1}, {"%d %d", 2}, {"%%", 0}, {"%%d%d", 1}, {"%*d%d", 1}, {"%5d", 1},
         {"%I64d%I32u", 2}, {"%hd%ld%lf%Lf", 4}, {"%s", 2}, {"%10s", 2}, {"%c%C%S", 6}, {"%hs%ls%ws", 6}, {"%*s", 0},
         {"%[a-z]", 2}, {"%[]%d]%d", 3}, {"%[^]%d]%d", 3}, {"%[^a]b%d", 3}, {"%*[%d%d]%d", 1}, {"%[unclosed %d", 2},
-        {"%", 0}, {"%5", 0}, {"%*", 0}, {"%n%x%X%o%i%u%p%e%g", 9},
+        {"%", 0}, {"%5", 0}, {"%*", 0}, {"%n%x%X%o%i%u%p%e%g", 9}, {"%zu%zd%zx", 3},
         // clang-format on
     };
     for (auto const & [format, count] : rows)

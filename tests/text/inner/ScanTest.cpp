@@ -81,32 +81,6 @@ TEST(Fold, OnlyTheLettersAToZ)
     }
 }
 
-TEST(Fold, EqualsNoCaseAtEveryLengthAndPlace)
-{
-    FencedPage const pageA, pageB;
-    for (int length = 0; length <= 40; ++length)
-    {
-        wchar_t * const a = pageA.Last<wchar_t>(static_cast<size_t>(length));
-        wchar_t * const b = pageB.Last<wchar_t>(static_cast<size_t>(length));
-        for (int i = 0; i < length; ++i)
-        {
-            a[i] = static_cast<wchar_t>(L'a' + i % 26);
-            b[i] = static_cast<wchar_t>((i % 3 ? L'A' : L'a') + i % 26);
-        }
-        ASSERT_TRUE(vek::EqualsNoCase(a, length, b, length)) << length;
-        ASSERT_FALSE(vek::EqualsNoCase(a, length, b, length + 1));
-        for (int i = 0; i < length; ++i)
-        {
-            wchar_t const before = b[i];
-            b[i] = static_cast<wchar_t>(before + 0x100);
-            ASSERT_FALSE(vek::EqualsNoCase(a, length, b, length)) << length << " at " << i;
-            b[i] = before;
-        }
-    }
-    EXPECT_FALSE(vek::EqualsNoCase(L"@", 1, L"`", 1));
-    EXPECT_FALSE(vek::EqualsNoCase(L"[", 1, L"{", 1));
-}
-
 TYPED_TEST(Scan, BlocksHoldTheirCapacityAndGrowInPlaceWithinIt)
 {
     using Access = vek::StringAccess<TypeParam>;

@@ -1,0 +1,48 @@
+#include "FileErrors.h"
+
+#include "Console.h"
+#include "Platform.h"
+
+namespace tool
+{
+
+std::wstring LastErrorText()
+{
+    DWORD const code = GetLastError();
+    wchar_t text[256];
+    DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, text,
+                                  256, nullptr);
+    while (length > 0 && (text[length - 1] <= L' ' || text[length - 1] == L'.'))
+        --length;
+    if (length == 0)
+        return Format(L"error %u", static_cast<unsigned int>(code));
+    if (text[0] >= L'A' && text[0] <= L'Z')
+        text[0] = static_cast<wchar_t>(text[0] + 32);
+    return Printable(std::wstring_view(text, length));
+}
+
+std::wstring WhyUnreadable(std::wstring const & path, wchar_t const * otherwise)
+{
+    DWORD const attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return L"can't be read: " + LastErrorText();
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY)
+        return L"is a directory";
+    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return L"can't be read: " + LastErrorText();
+    CloseHandle(file);
+    return otherwise;
+}
+
+std::wstring WhyUnwritable(std::wstring const & path)
+{
+    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return L"can't be written: " + LastErrorText();
+    CloseHandle(file);
+    return L"can't be written whole; is the disk full?";
+}
+
+} // namespace tool

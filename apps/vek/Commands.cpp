@@ -1,0 +1,26 @@
+#include "Commands.h"
+
+namespace tool
+{
+
+namespace
+{
+
+constexpr CommandGroup const * GROUPS[] = {&XML_COMMANDS, &DATA_COMMANDS, &PACKET_COMMANDS, &LEX_COMMANDS};
+
+} // namespace
+
+void AddCommands(CLI::App & app, Command & command)
+{
+    std::string overview = "Commands:\n";
+    for (CommandGroup const * group : GROUPS)
+    {
+        overview += group->overview;
+        group->add(app, command);
+    }
+    app.footer(overview +
+               "\n\"vek xml set --help\" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.");
+    app.require_subcommand(1);
+}
+
+} // namespace tool
