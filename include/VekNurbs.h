@@ -15,6 +15,8 @@
 /// changes the curve leaves it as it is, logs why and returns false when it fails. Operations that measure compute in
 /// double precision for float curves too; coordinates up to 1e150 are safe there. A const curve may be used by many
 /// threads at once.
+///
+/// The notation and most of the methods are those of Piegl and Tiller, The NURBS Book, 2nd edition (below: P & T).
 template <class T>
 class CVekNurbsCurve
 {
@@ -60,15 +62,15 @@ public:
     /// Makes the Bezier curve of 2 to 33 points, from 0 to 1. The weights may be null.
     VEK_API bool CreateBezier(CVekVector3D<T> const * points, T const * weights, unsigned int pointCount) noexcept;
     /// Makes an exact arc of the ellipse centre + xAxis cos(angle) + yAxis sin(angle), from 0 to 1: a rational
-    /// quadratic curve. The axes' lengths are the radii. Angles are in radians; the sweep may be negative, is cut to a
-    /// full turn and must not be 0. The parameter is not proportional to the angle.
+    /// quadratic curve (P & T, A7.1). The axes' lengths are the radii. Angles are in radians; the sweep may be
+    /// negative, is cut to a full turn and must not be 0. The parameter is not proportional to the angle.
     VEK_API bool CreateArc(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis, CVekVector3D<T> const & yAxis,
                            T startAngle, T sweepAngle) noexcept;
     /// Makes the full circle, or ellipse, in the same way: from centre + xAxis over centre + yAxis back to the start.
     VEK_API bool CreateCircle(CVekVector3D<T> const & centre, CVekVector3D<T> const & xAxis,
                               CVekVector3D<T> const & yAxis) noexcept;
     /// Makes the curve through these points, of which no two neighbours may be equal, from 0 to 1. There must be more
-    /// than degree points. Parameters are by chord length, knots by averaging those; the linear system is
+    /// than degree points. Parameters are by chord length, knots by averaging (P & T, A9.1); the linear system is
     /// banded and totally positive, so that it is solved without pivoting. The higher the degree and the more unequal
     /// the points' distances are, the farther swings the curve between them, until control points in T are too coarse
     /// for it. False when it would then miss a point by more than 256 roundings of the points' extent.
@@ -100,13 +102,13 @@ public:
     /// Moves a control point. False for an index outside, and for what Create refuses.
     VEK_API bool SetControlPoint(unsigned int index, CVekVector3D<T> const & point, T weight) noexcept;
 
-    /// The point at a parameter, from the basis functions that are not 0 there. Nothing is allocated. The second form
-    /// writes a point for each of count parameters, faster than one by one, with the same bits; neighbouring parameters
-    /// should be near each other.
+    /// The point at a parameter, from the basis functions that are not 0 there (after P & T, A2.2 and A4.1). Nothing is
+    /// allocated. The second form writes a point for each of count parameters, faster than one by one, with the same
+    /// bits; neighbouring parameters should be near each other.
     VEK_API CVekVector3D<T> GetPoint(T parameter) const noexcept;
     VEK_API void GetPoints(T const * parameters, unsigned int count, CVekVector3D<T> * points) const noexcept;
-    /// Writes the point and its derivatives by the parameter up to any order, order + 1 vectors. At a knot they are
-    /// those of the curve after it, at the domain's end before it.
+    /// Writes the point and its derivatives by the parameter up to any order, order + 1 vectors (the control points'
+    /// differences, and P & T, A4.2). At a knot they are those of the curve after it, at the domain's end before it.
     VEK_API bool GetDerivatives(T parameter, unsigned int order, CVekVector3D<T> * derivatives) const noexcept;
     /// The direction of growing parameters, of length 1. Where the first derivative is 0 the lowest one that is not 0
     /// tells; without one, 0.

@@ -7,7 +7,7 @@ namespace vek
 {
 
 /// The index of the knot span of a parameter of the domain: knots[span] <= parameter < knots[span + 1], or the last
-/// span that is not empty for the domain's end.
+/// span that is not empty for the domain's end. (After P & T, A2.1.)
 template <class T>
 unsigned int FindSpan(T const * knots, unsigned int degree, unsigned int pointCount, T parameter) noexcept
 {
@@ -56,7 +56,8 @@ T ClampToDomain(CVekNurbsCurve<T> const & curve, T parameter) noexcept
 }
 
 /// The degree + 1 basis functions that are not 0 on a span; knots points at the span's first knot. The ratios of knot
-/// differences can't overflow, however short a span is. The loops are unrolled where the degree is a constant.
+/// differences can't overflow, however short a span is. The loops are unrolled where the degree is a constant. (After
+/// P & T, A2.2.)
 template <class T>
 inline void BasisFunctions(T const * knots, unsigned int degree, T parameter, T * basis) noexcept
 {
