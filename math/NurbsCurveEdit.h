@@ -136,10 +136,11 @@ bool CVekNurbsCurve<T>::Part(unsigned int firstPoint, unsigned int count, CVekNu
         return false;
     for (unsigned int i = 0; i < count; ++i)
         part.m_points[i] = m_points[firstPoint + i];
-    for (unsigned int i = 1; i < part.GetKnotCount() - 1; ++i)
+    unsigned int const last = part.GetKnotCount() - 1;
+    for (unsigned int i = 1; i < last; ++i)
         part.m_knots[i] = m_knots[firstPoint + i];
     part.m_knots[0] = part.m_knots[1];
-    part.m_knots[part.GetKnotCount() - 1] = part.m_knots[part.GetKnotCount() - 2];
+    part.m_knots[last] = part.m_knots[last - 1];
     result.Swap(part);
     return true;
 }

@@ -115,7 +115,6 @@ template <class T>
 class LengthWalk
 {
 public:
-    // cppcheck-suppress uninitMemberVar ; Start sets the rest
     LengthWalk(CVekNurbsCurve<T> const & curve, T tolerance)
         : m_curve(curve), m_density(ToleranceDensity(curve, tolerance))
     {
@@ -157,11 +156,11 @@ private:
 
     CVekNurbsCurve<T> const & m_curve;
     double const m_density;
-    double m_before; // the length of all spans before
-    unsigned int m_span;
-    BezierPiece m_piece;
-    double m_allowed;
-    double m_whole; // the span's length
+    double m_before = 0; // the length of all spans before
+    unsigned int m_span = 0;
+    BezierPiece m_piece{};
+    double m_allowed = 0;
+    double m_whole = 0; // the span's length
 };
 
 } // namespace vek
