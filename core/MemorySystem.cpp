@@ -1,7 +1,7 @@
 #include "core/MemorySystem.h"
 
-#include "base/SpinLock.h"
 #include "base/AddressTable.h"
+#include "base/SpinLock.h"
 #include "core/ProcessState.h"
 #include "text/Scan.h"
 

@@ -79,7 +79,7 @@ CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) : CVekXMLElement()
     *this = other;
 }
 
-// NOLINTNEXTLINE(cert-oop54-cpp): all of it bears being assigned to itself
+// NOLINTNEXTLINE(cert-oop54-cpp,bugprone-unhandled-self-assignment): all of it bears being assigned to itself
 CVekXMLElement & CVekXMLElement::operator=(CVekXMLElement const & other)
 {
     CVekRefCounted::operator=(other); // kept: the count, too

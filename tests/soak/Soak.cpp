@@ -27,7 +27,7 @@ namespace
 {
 
 constexpr int THREADS = 8;
-constexpr int SHARED_WORKERS = 3;
+constexpr int SHARED_WORKERS = 2;
 constexpr int HANG_SECONDS = 60;
 constexpr int HANG_STATUS = 97;
 constexpr GUID SHARED_EVENT = {0x50AC, 0, 0, {}};
@@ -39,6 +39,7 @@ std::atomic<bool> g_stop{false};
 std::atomic<long> g_wrong{0};
 std::atomic<long> g_commands{0};
 std::atomic<long> g_commandsMade{0};
+std::atomic<bool> g_isExecuting{false};
 std::atomic<unsigned char *> g_blocks[16]; // one thread's for another to release
 std::atomic<long> g_commandsAlive{0};
 std::atomic<unsigned int> g_beats[THREADS];
@@ -91,7 +92,12 @@ public:
     {
         ++g_commands;
         if (m_done)
+        {
+            Expect(!g_isExecuting.exchange(true), "two callers' commands are run at once");
+            Sleep(1);
             *m_done = true;
+            g_isExecuting = false;
+        }
         if (m_next)
             m_next->AddCommand(new Command);
     }
@@ -167,7 +173,8 @@ void UseWorkers(Random & random)
         worker->Resume();
         break;
     case 3:
-        worker->AddCommand(new Command);
+        for (int i = 0; i < 40; ++i)
+            worker->AddCommand(new Command);
         worker->PostControlMessage(77, nullptr); // unknown: ignored
         worker->HasPendingCommands();
         break;
@@ -204,12 +211,15 @@ void UseWorkers(Random & random)
 
 void UseLog(Random & random)
 {
-    CVekRef<Catcher> const catcher(new Catcher);
-    Kernel().AddCatchLogOutput(catcher.Get());
-    VekLogOutput(0, L"soak %u", random());
-    VekLogOutput(1, L"suppressed %u", random());
-    Expect(catcher->calls > 0, "a message is not delivered");
-    Kernel().RemoveCatchLogOutput(catcher.Get());
+    for (int i = 0; i < 10; ++i)
+    {
+        CVekRef<Catcher> const catcher(new Catcher);
+        Kernel().AddCatchLogOutput(catcher.Get());
+        VekLogOutput(0, L"soak %u", random());
+        VekLogOutput(1, L"suppressed %u", random());
+        Expect(catcher->calls > 0, "a message is not delivered");
+        Kernel().RemoveCatchLogOutput(catcher.Get());
+    }
 }
 
 // Handlers in a container that all threads share.
@@ -309,7 +319,8 @@ DWORD WINAPI UseAll(void * parameter)
     Random random(static_cast<unsigned int>(index) + GetTickCount());
     while (!g_stop)
     {
-        Service & service = g_services[random() % std::size(g_services)];
+        // Half of the time all threads are at the same service, another one every tenth of a second.
+        Service & service = g_services[(random() % 2 ? random() : GetTickCount() / 100) % std::size(g_services)];
         service.use(random);
         ++service.turns;
         ++g_beats[index];
