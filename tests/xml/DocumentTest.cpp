@@ -3,6 +3,7 @@
 #include "support/ForeignElement.h"
 #include "support/GuardHeap.h"
 #include "support/RefCountContract.h"
+#include "support/Slots.h"
 #include "support/XMLKit.h"
 
 namespace
@@ -189,6 +190,8 @@ TEST_F(XMLDocument, LongLists)
     EXPECT_EQ(m_document->FindDTDAttributeList(L"e100"), nullptr);
     EXPECT_EQ(m_document->FindDTDAttributeList(L"e101"), m_document->GetDTDAttributeList(100));
     EXPECT_EQ(m_document->AddDTDAttributeList(L"e100"), count - 1);
+    m_document->RemoveAllDTDAttributeLists();
+    EXPECT_EQ(m_document->FindDTDAttributeList(L"e100"), nullptr);
 
     auto const document = DocumentWithDTD();
     IVekXMLDTDRule::RuleEntry & group = *document->GetDTDRule(0)->GetRuleEntry(0);
@@ -197,6 +200,28 @@ TEST_F(XMLDocument, LongLists)
                   i < 201 ? i : -1);
     EXPECT_EQ(group.AddChild(L"e7", VEK_XML_DTD_MIXED, 0), 201) << "what differs in type or occurrence is not the same";
     EXPECT_EQ(m_log.Take().substr(0, 54), L"CVekXMLDTDRuleEntry::AddChild --> Name already used E0");
+}
+
+// One operation of each interface by its place in the table, as a host of another compiler calls it.
+TEST_F(XMLDocument, Slots)
+{
+    IVekXMLDocument * const document = DocumentWithDTD().Detach();
+    IVekXMLDTDRule * const rule = document->GetDTDRule(0);
+    IVekXMLDTDAttributeList * const list = document->GetDTDAttributeList(0);
+    EXPECT_EQ((CallSlot<int>(rule->GetRuleEntry(0), 9, L"x", VEK_XML_DTD_ELEMENT, 2)), 1);
+    EXPECT_EQ((CallSlot<int>(rule, 6, L"y", VEK_XML_DTD_MIXED, 3)), 1);
+    EXPECT_EQ((CallSlot<int>(document, 16, L"s", VEK_XML_DTD_CHOICE)), 1);
+    EXPECT_EQ((CallSlot<int>(list, 5, L"b", L"ID", true)), 1);
+    EXPECT_TRUE(CallSlot<bool>(list->GetAttributeEntry(1), 5));
+    EXPECT_EQ(DTDText(*document), L"r=5{e:1:0(c:1:1 x:1:2) y:3:3} s=4{} l[a:T b:ID!] ");
+    CVekXMLElement * const element = NewElement(L"e").Detach();
+    element->AddAttribute(L"v", 7, -1);
+    int value = 0;
+    EXPECT_TRUE((CallSlot<bool>(element, 44, L"V", &value, 1)) && value == 7);
+    // The deleting destructors: the leak check of the guarded build sees that they free.
+    CallSlot(document, 28);
+    CallSlot(element, 55);
+    CallSlot(new CVekXMLAttribute(L"n", 1, L"v", 1), 4);
 }
 
 // And the other objects of the model.

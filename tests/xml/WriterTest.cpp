@@ -60,7 +60,6 @@ private:
 TEST_F(WriterTest, WritesElements)
 {
     std::tuple<char const *, char const *, char const *> const rows[] = {
-        {"root alone", "<a/>", "<a/>\n"},
         {"attributes", "<a x='1' y='&lt;&quot;'/>", "<a x=\"1\" y=\"&lt;&quot;\"/>\n"},
         {"children", "<a><b><c/></b><d/></a>", "<a>\n   <b>\n      <c/>\n   </b>\n   <d/>\n</a>\n"},
         {"CDATA stands at the margin", "<a><b><![CDATA[x\ny]]></b></a>",
