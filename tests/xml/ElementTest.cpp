@@ -67,7 +67,9 @@ TEST(XMLElement, FindRemoveAndGetChild)
     EXPECT_EQ(made->GetRefCount(), 1u) << "the parent's is the only reference";
     EXPECT_EQ(top->FindChild(nullptr), made) << "null matches an empty name";
     top->RemoveChild(L"B");
-    EXPECT_EQ(TreeText(*top), L"top{0 a a2 b 0 }");
+    top->FindChild(L"C", true);
+    EXPECT_EQ(TreeText(*top), L"top{0 a a2 b 0  C}");
+    top->RemoveChild(L"c");
     top->RemoveChild(L"none");
     top->RemoveChild(static_cast<wchar_t const *>(nullptr));
     top->RemoveChild(static_cast<IVekXMLElement *>(NewElement(L"b").Get()));

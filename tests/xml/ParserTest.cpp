@@ -3,20 +3,9 @@
 namespace
 {
 
-constexpr wchar_t PARSE_FAILED[] = L"CVekXMLParser::Parse --> Parse error occured\n";
+using namespace std::string_literals;
 
 using ParserTest = XMLTest;
-
-std::string Utf16(std::u16string const & text, bool bigEndian)
-{
-    std::string bytes;
-    for (char16_t const unit : text)
-    {
-        bytes += static_cast<char>(bigEndian ? unit >> 8 : unit);
-        bytes += static_cast<char>(bigEndian ? unit : unit >> 8);
-    }
-    return bytes;
-}
 
 TEST_F(ParserTest, BuildsTheTree)
 {
@@ -36,8 +25,8 @@ TEST_F(ParserTest, BuildsTheTree)
         {"UTF-8 with mark", "\xEF\xBB\xBF<a v='\xC3\xA9'/>", L"a[v=\u00E9]", true},
         {"UTF-8 beyond the basic plane", "<a v='\xF0\x9F\x98\x80'/>", L"a[v=\xD83D\xDE00]", true},
         {"ISO-8859-1", "<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'/>", L"a[v=\u00E9]", true},
-        {"UTF-16 little-endian", Utf16(u"\uFEFF<a v='\u20AC'/>", false), L"a[v=\u20AC]", true},
-        {"UTF-16 big-endian", Utf16(u"\uFEFF<a v='\u20AC'/>", true), L"a[v=\u20AC]", true},
+        {"UTF-16 little-endian", "\xFF\xFE<\0a\0 \0v\0=\0'\0\xAC\x20'\0/\0>\0"s, L"a[v=\u20AC]", true},
+        {"UTF-16 big-endian", "\xFE\xFF\0<\0a\0 \0v\0=\0'\x20\xAC\0'\0/\0>"s, L"a[v=\u20AC]", true},
         {"deliberate: an unclosed element is no error", "<a><b>", L"a{b}", false},
         {"deliberate: a cut tag is no error", "<a><b/><c at", L"a{b}", false},
         {"deliberate: no element at all is no error", "<!-- nothing -->", L"", false},
@@ -69,8 +58,8 @@ TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
         {"only zero bytes", std::string(64, '\0'), 4, L"not well-formed (invalid token)", 1, 0},
         {"undefined entity", "<a>&nothing;</a>", 11, L"undefined entity", 1, 3},
         {"lone surrogate in UTF-8", "<a v='\xED\xA0\x80'/>", 4, L"not well-formed (invalid token)", 1, 6},
-        {"lone surrogate in UTF-16", Utf16(u"\uFEFF<a v='\xDC00x'/>", false), 4, L"not well-formed (invalid token)", 1,
-         7},
+        {"lone surrogate in UTF-16", "\xFF\xFE<\0a\0 \0v\0=\0'\0\0\xDCx\0'\0/\0>\0"s, 4,
+         L"not well-formed (invalid token)", 1, 7},
         {"reference to a surrogate", "<a v='&#xD800;'/>", 14, L"reference to invalid character number", 1, 6},
         {"bytes that are not the default encoding", "<a v='\xE9'/>", 4, L"not well-formed (invalid token)", 1, 6},
         {"lying declaration", "<?xml version='1.0' encoding='UTF-16'?><a/>", 19,
@@ -85,9 +74,10 @@ TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
         EXPECT_TRUE(parser.ParseXMLMemory("<a/>", 4, NewDocument().Get()) && parser.IsComplete());
         EXPECT_FALSE(parser.ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), NewDocument().Get()));
         EXPECT_FALSE(parser.IsComplete());
-        EXPECT_EQ(m_log.Take(), PARSE_FAILED + std::wstring(L"   Error code ") + std::to_wstring(code) + L" " + text +
-                                    L"\n\n      at line " + std::to_wstring(line) + L", col " +
-                                    std::to_wstring(column) + L"\n\nCVekXMLParser::ParseXMLFile --> Failed on parsing");
+        EXPECT_EQ(m_log.Take(), L"CVekXMLParser::Parse --> Parse error occured\n   Error code "s +
+                                    std::to_wstring(code) + L" " + text + L"\n\n      at line " +
+                                    std::to_wstring(line) + L", col " + std::to_wstring(column) +
+                                    L"\n\nCVekXMLParser::ParseXMLFile --> Failed on parsing");
     }
 }
 
