@@ -63,7 +63,7 @@ wchar_t UnitAt(wchar_t const * text, size_t index) noexcept
 EscapeMeasure MeasureUnaligned(wchar_t const * text) noexcept
 {
     EscapeMeasure measure = {0, 0};
-    for (; wchar_t const unit = UnitAt(text, measure.length); ++measure.length)
+    for (wchar_t unit = UnitAt(text, 0); unit; unit = UnitAt(text, ++measure.length))
     {
         Replacement const * const replacement = FindReplacement(unit);
         measure.escapedLength += replacement ? replacement->length : 1;
