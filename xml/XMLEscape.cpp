@@ -52,12 +52,20 @@ unsigned StopMask(__m128i units) noexcept
     return static_cast<unsigned>(_mm_movemask_epi8(hits));
 }
 
+// One unit of a text at any address, odd ones included.
+wchar_t UnitAt(wchar_t const * text, size_t index) noexcept
+{
+    wchar_t unit;
+    memcpy(&unit, text + index, sizeof unit);
+    return unit;
+}
+
 EscapeMeasure MeasureUnaligned(wchar_t const * text) noexcept
 {
     EscapeMeasure measure = {0, 0};
-    for (; text[measure.length]; ++measure.length)
+    for (wchar_t unit = UnitAt(text, 0); unit; unit = UnitAt(text, ++measure.length))
     {
-        Replacement const * const replacement = FindReplacement(text[measure.length]);
+        Replacement const * const replacement = FindReplacement(unit);
         measure.escapedLength += replacement ? replacement->length : 1;
     }
     return measure;
@@ -86,7 +94,7 @@ void Escape(wchar_t const * text, size_t length, wchar_t * place) noexcept
 {
     for (size_t i = 0; i < length; ++i)
     {
-        wchar_t const character = text[i];
+        wchar_t const character = UnitAt(text, i);
         Replacement const * const replacement = character <= L'>' ? FindReplacement(character) : nullptr;
         if (!replacement)
         {

@@ -138,6 +138,10 @@ TEST(Kernel, CountsReferences)
     EXPECT_EQ(Kernel().AddRef(), 1u);
     ExpectRefCountContract("memory stream", Kernel().CreateMemoryIOStream());
     ExpectRefCountContract("file stream", Kernel().CreateFileIOStream());
+    ExpectRefCountContract("randomizer", Kernel().CreateRandomizer());
+    ExpectRefCountContract("CPU usage", Kernel().CreateCPUUsage());
+    ExpectRefCountContract("timer", Kernel().CreateTimer());
+    ExpectRefCountContract("progress controller", Kernel().CreateProgressController());
 }
 
 TEST(Kernel, TellsOfTheSystem)

@@ -1,7 +1,6 @@
 // Randomizer, CPU-usage meter and timer.
 #include "VekLib.h"
 
-#include "support/RefCountContract.h"
 #include "support/Slots.h"
 
 #include <gtest/gtest.h>
@@ -109,11 +108,4 @@ TEST_F(Services, TimerTellsTheTimeSinceItsStart)
     double const rate = CallSlot<double>(timer, 8, 100);
     EXPECT_TRUE(rate > 0 && rate <= 100 / seconds) << rate;
     timer->Release();
-}
-
-TEST_F(Services, CountReferences)
-{
-    ExpectRefCountContract("randomizer", kernel.CreateRandomizer());
-    ExpectRefCountContract("CPU usage", kernel.CreateCPUUsage());
-    ExpectRefCountContract("timer", kernel.CreateTimer());
 }

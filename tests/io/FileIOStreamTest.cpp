@@ -152,29 +152,31 @@ TEST_F(FileIOStream, MessagesWithoutFile)
 TEST_F(FileIOStream, TypedValuesAndText)
 {
     IVekFileIOStream * const stream = &m_stream;
-    ExpectFirstSlots(stream);
+    ExpectByteOrders(*stream);
     for (bool const reversed : {false, true})
     {
         SCOPED_TRACE(reversed);
         EXPECT_TRUE(Open(WRITE_BINARY));
         stream->SetSystemByteOrder(reversed ? VEK_BYTEORDER_LITTLE : VEK_BYTEORDER_BIG);
-        std::string const expected = WriteSlots(stream, reversed);
+        std::string const expected = WriteTypedValues(stream, reversed);
         EXPECT_EQ(stream->GetSize(), expected.size());
         stream->Close();
         EXPECT_EQ(Contents(), expected);
+        EXPECT_TRUE(Open(READ_BINARY));
+        ReadTypedValues(stream);
     }
     stream->SetSystemByteOrder(VEK_BYTEORDER_BIG);
     EXPECT_TRUE(Open(WRITE_BINARY) && stream->Printf(L"%s %d", L"ab", 12));
     stream->Close();
     EXPECT_EQ(Contents(), std::string("a\0b\0 \0001\0002\0", 10));
 
-    Fill("12 word" + std::string(reinterpret_cast<char const *>(SLOT_BYTES), 16));
+    Fill("12 word\1");
     int number = 0;
     char word[5] = "";
     EXPECT_TRUE(Open(READ_BINARY) && stream->Scanf("%d %4s", &number, word, 5u));
     EXPECT_TRUE(number == 12 && std::string(word) == "word");
     EXPECT_EQ(stream->GetPosition(), 7);
-    ExpectReadSlots(stream);
+    EXPECT_EQ(stream->ReadByte(true), 1);
     EXPECT_EQ(CallSlot<_iobuf *>(stream, 46), m_stream.GetFileHandle());
 
     Fill(std::string("7\0 \0", 4));

@@ -190,17 +190,17 @@ TEST(MemoryIOStream, TypedValues)
 {
     OpenStream open(80);
     IVekMemoryIOStream * const stream = &open.stream;
-    ExpectFirstSlots(stream);
-    open.Fill(std::string(reinterpret_cast<char const *>(SLOT_BYTES), 16));
-    ExpectReadSlots(stream);
+    ExpectByteOrders(*stream);
     for (bool const reversed : {false, true})
     {
         SCOPED_TRACE(reversed);
         EXPECT_TRUE(stream->SetPosition(80, true));
         stream->SetStreamByteOrder(reversed ? VEK_BYTEORDER_LITTLE : VEK_BYTEORDER_BIG);
-        std::string const expected = WriteSlots(stream, reversed);
+        std::string const expected = WriteTypedValues(stream, reversed);
         EXPECT_EQ(open.Bytes().substr(0, expected.size()), expected);
         EXPECT_EQ(stream->GetPosition(), static_cast<int>(expected.size()));
+        EXPECT_TRUE(stream->SetPosition(80, true));
+        ReadTypedValues(stream);
     }
     EXPECT_EQ(CallSlot<unsigned char *>(stream, 46), stream->GetBuffer());
     EXPECT_NE(stream->GetBuffer(), nullptr);

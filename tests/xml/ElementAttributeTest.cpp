@@ -28,20 +28,15 @@ std::wstring Stored(IVekXMLElement const & element, int index)
 
 TEST(XMLElementAttributes, SetByNameEscapesByIndexDoesNot)
 {
-    std::wstring const many(100'000, L'<');
-    std::wstring escapedMany;
-    for (int i = 0; i < 100'000; ++i)
-        escapedMany += L"&lt;";
     std::tuple<wchar_t const *, wchar_t const *, wchar_t const *> const rows[] = {
         {L"<>&'\"\n", L"&lt;&gt;&amp;&apos;&quot;&lt;EOL&gt;", L"<>&'\"\n"},
         {L"", L"", L""},
         {L"&lt;", L"&amp;lt;", L"<"}, // kept: "&amp;" is undone first
         {L"<EOL>", L"&lt;EOL&gt;", L"\n"},
-        {many.c_str(), escapedMany.c_str(), many.c_str()},
     };
     for (auto const & [text, stored, readBack] : rows)
     {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(text).substr(0, 9)));
+        SCOPED_TRACE(testing::PrintToString(std::wstring(text)));
         auto const element = WithValues({L"old"});
         EXPECT_TRUE(element->SetAttributeValue(L"A", text, false));
         EXPECT_EQ(Stored(*element, 0), stored);
@@ -71,8 +66,7 @@ TEST(XMLElementAttributes, NamesAndOutcomes)
     EXPECT_FALSE(element->SetAttributeValue(L"y", VEK_DT_BUFFER, true));
     EXPECT_FALSE(element->SetAttributeValue(L"x", VEK_DT_BUFFER, true));
     EXPECT_FALSE(element->SetAttributeValue(1, VEK_DT_BUFFER));
-    EXPECT_FALSE(element->SetAttributeValue(3, 5));
-    EXPECT_FALSE(element->SetAttributeValue(-1, 5));
+    EXPECT_FALSE(element->SetAttributeValue(3, 5) || element->SetAttributeValue(-1, 5));
     EXPECT_EQ(log.Take(), L"CVekXMLElement::VariantToString --> Invalid data type\n"
                           L"CVekXMLElement::VariantToString --> Invalid data type\n"
                           L"CVekXMLElement::SetAttributeValue --> Failed to convert to string\n"
@@ -94,17 +88,16 @@ TEST(XMLElementAttributes, RenameAndRemove)
     EXPECT_FALSE(element->RemoveAttribute(L"none"));
     EXPECT_EQ(log.Take(), L"");
     // Kept: by index all is refused but what is beyond the list, and by name that comes to the same.
-    for (int index : {-1, 0, 1, 2, 3, INT_MAX})
-    {
-        EXPECT_EQ(element->RemoveAttribute(index), index > 1) << index;
-        EXPECT_EQ(element->RenameAttribute(index, L"x"), index > 1) << index;
-        std::wstring const number = std::to_wstring(index);
-        EXPECT_EQ(log.Take(), index > 1 ? L""
-                                        : L"CVekXMLElement::RemoveAttribute --> Invalid index " + number +
-                                              L"\nCVekXMLElement::RenameAttribute --> Invalid index " + number);
-    }
+    for (int index : {-1, 1, 2, INT_MAX})
+        EXPECT_TRUE(element->RemoveAttribute(index) == (index > 1) &&
+                    element->RenameAttribute(index, L"x") == (index > 1))
+            << index;
     EXPECT_FALSE(element->RemoveAttribute(L"new"));
-    EXPECT_EQ(log.Take(), L"CVekXMLElement::RemoveAttribute --> Invalid index 0");
+    EXPECT_EQ(log.Take(), L"CVekXMLElement::RemoveAttribute --> Invalid index -1\n"
+                          L"CVekXMLElement::RenameAttribute --> Invalid index -1\n"
+                          L"CVekXMLElement::RemoveAttribute --> Invalid index 1\n"
+                          L"CVekXMLElement::RenameAttribute --> Invalid index 1\n"
+                          L"CVekXMLElement::RemoveAttribute --> Invalid index 0");
     EXPECT_EQ(TreeText(*element), L"e[new=1 NEW=2]");
     element->RenameAttribute(L"new", nullptr);
     EXPECT_EQ(element->FindAttributeIndex(L""), 0);
@@ -172,13 +165,10 @@ TEST(XMLElementAttributes, BadIndexesAndDefaults)
     for (int index : {-1, 1, INT_MIN, INT_MAX})
     {
         int number = 1;
-        EXPECT_EQ(std::wstring(element->GetAttributeName(index)), L"");
-        EXPECT_EQ(log.Take(), L"");
-        EXPECT_EQ(Stored(*element, index), L"");
+        EXPECT_EQ(std::wstring(element->GetAttributeName(index)) + Stored(*element, index), L"");
         EXPECT_FALSE(element->GetAttributeValue(index, number, 7));
-        EXPECT_EQ(number, 7);
         EXPECT_FALSE(element->GetAttributeValue(index, text, L"default"));
-        EXPECT_EQ(std::wstring(text), L"default");
+        EXPECT_EQ(std::wstring(text) + std::to_wstring(number), L"default7");
         std::wstring const message = L"CVekXMLElement::GetAttributeValue --> Invalid index " + std::to_wstring(index);
         EXPECT_EQ(log.Take(), message + L"\n" + message + L"\n" + message);
     }
@@ -189,53 +179,47 @@ TEST(XMLElementAttributes, BadIndexesAndDefaults)
     EXPECT_EQ(log.Take(), L"");
 }
 
-std::wstring const g_longName(300, L'x');
+// Made before anything fails.
+std::wstring const longName(300, L'x');
+VEK_VARIANT const narrow("a<b, narrow text"), wide(L"a<b, wide text");
 
 TEST(XMLElementAttributes, FailedAllocations)
 {
     if (!VekGuard::Active)
         GTEST_SKIP() << "needs the guard heap";
     LibraryScope const library;
-    VEK_VARIANT const narrow("a<b, a text of some length"), wide(L"a<b, a text of some length");
-    std::tuple<char const *, bool (*)(CVekXMLElement &, VEK_VARIANT const &), std::wstring, std::size_t> const rows[] =
-        {
-            {"AddAttribute",
-             [](CVekXMLElement & e, VEK_VARIANT const & v) { return e.AddAttribute(L"name", v, 0) == 0; },
-             L"e[name=a&lt;b, a text of some length a=old]", 0},
-            {"SetAttributeValue by name",
-             [](CVekXMLElement & e, VEK_VARIANT const & v) { return e.SetAttributeValue(L"a", v, false); },
-             L"e[a=a&lt;b, a text of some length]", 0},
-            {"SetAttributeValue by index",
-             [](CVekXMLElement & e, VEK_VARIANT const & v) { return e.SetAttributeValue(0, v); },
-             L"e[a=a<b, a text of some length]", 0},
-            {"RenameAttribute",
-             [](CVekXMLElement & e, VEK_VARIANT const &) { return e.RenameAttribute(L"a", L"a longer name"); },
-             L"e[a longer name=old]", 0},
-            {"AddCDATASection",
-             [](CVekXMLElement & e, VEK_VARIANT const &)
-             { return e.AddCDATASection(reinterpret_cast<unsigned char const *>(L"x"), 2); },
-             L"e[a=old]'x'", 0},
-            // A new element can do without the block of its empty name.
-            {"FindChild",
-             [](CVekXMLElement & e, VEK_VARIANT const &) { return e.FindChild(g_longName.c_str(), true) != nullptr; },
-             L"e[a=old]{" + g_longName + L"}", 2},
-        };
-    for (auto const & [row, operation, after, dispensable] : rows)
+    using Element = CVekXMLElement;
+    std::tuple<bool (*)(Element &), std::wstring> const rows[] = {
+        // clang-format off
+        {[](Element & e) { return e.AddAttribute(L"name", narrow, 0) == 0; },
+         L"e[name=a&lt;b, narrow text a=old]"},
+        {[](Element & e) { return e.AddAttribute(L"name", wide, 0) == 0; },
+         L"e[name=a&lt;b, wide text a=old]"},
+        {[](Element & e) { return e.SetAttributeValue(L"a", narrow, false); },
+         L"e[a=a&lt;b, narrow text]"},
+        {[](Element & e) { return e.SetAttributeValue(L"a", wide, false); }, L"e[a=a&lt;b, wide text]"},
+        {[](Element & e) { return e.SetAttributeValue(0, narrow); }, L"e[a=a<b, narrow text]"},
+        {[](Element & e) { return e.SetAttributeValue(0, wide); }, L"e[a=a<b, wide text]"},
+        {[](Element & e) { return e.RenameAttribute(L"a", L"a longer name"); }, L"e[a longer name=old]"},
+        {[](Element & e) { return e.AddCDATASection(reinterpret_cast<unsigned char const *>(L"x"), 2); },
+         L"e[a=old]'x'"},
+        {[](Element & e) { return e.FindChild(longName.c_str(), true) != nullptr; }, L"e[a=old]{" + longName + L"}"},
+        // clang-format on
+    };
+    for (auto const & [operation, after] : rows)
     {
-        for (VEK_VARIANT const * value : {&narrow, &wide})
+        bool failed = true;
+        for (std::size_t n = 1; failed; ++n)
         {
-            bool failed = true;
-            for (std::size_t n = 1; failed; ++n)
-            {
-                SCOPED_TRACE(testing::Message() << row << ", allocation " << n);
-                auto const element = WithValues({L"old"});
-                VekGuard::FailAllocation(n);
-                bool const done = operation(*element, *value);
-                failed = VekGuard::FailReset();
-                EXPECT_TRUE(done == !failed || n == dispensable);
-                EXPECT_TRUE(failed || n > 1) << "nothing was allocated";
-                EXPECT_EQ(TreeText(*element), done ? after : L"e[a=old]") << "nothing is stored by halves";
-            }
+            SCOPED_TRACE(testing::PrintToString(after.substr(0, 40)) + ", allocation " + std::to_string(n));
+            auto const element = WithValues({L"old"});
+            VekGuard::FailAllocation(n);
+            bool const done = operation(*element);
+            failed = VekGuard::FailReset();
+            // A new element can do without the block of its empty name, which is the second one.
+            EXPECT_TRUE(done == !failed || (element->GetNumChildren() && n == 2));
+            EXPECT_TRUE(failed || n > 1) << "nothing was allocated";
+            EXPECT_EQ(TreeText(*element), done ? after : L"e[a=old]") << "nothing is stored by halves";
         }
     }
 }

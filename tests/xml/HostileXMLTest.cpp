@@ -1,4 +1,5 @@
 // Documents of a size and shape that no host makes on purpose: all of them simply work.
+#include "support/GuardHeap.h"
 #include "support/TestStream.h"
 #include "support/XMLKit.h"
 
@@ -6,11 +7,7 @@ namespace
 {
 
 // The guard heap spends two pages on each block.
-#ifdef VEKLIB_GUARD
-constexpr int MANY = 20'000;
-#else
-constexpr int MANY = 1'000'000;
-#endif
+constexpr int MANY = VekGuard::Active ? 20'000 : 1'000'000;
 
 struct HostileXMLTest : XMLTest
 {
@@ -48,41 +45,27 @@ TEST_F(HostileXMLTest, NestedElements)
     for (IVekXMLElement const * at = document->GetRootElement(); at->GetNumChildren(); at = at->GetChild(0))
         ++depth;
     EXPECT_EQ(depth, MANY);
+    EXPECT_TRUE(ParseBytes(Repeated("<e>", MANY), NewDocument())) << "unclosed";
 }
 
-TEST_F(HostileXMLTest, UnclosedElements)
-{
-    auto const document = NewDocument();
-    EXPECT_TRUE(ParseBytes(Repeated("<e>", MANY), document));
-}
-
-TEST_F(HostileXMLTest, Siblings)
-{
-    auto const document = NewDocument();
-    ASSERT_TRUE(ParseBytes("<r>" + Repeated("<e/>", MANY) + "</r>", document));
-    EXPECT_EQ(document->GetRootElement()->GetNumChildren(), MANY);
-    RoundTrip(document);
-}
-
-TEST_F(HostileXMLTest, AttributesOfOneElement)
+TEST_F(HostileXMLTest, ChildrenAndAttributesOfOneElement)
 {
     constexpr int count = MANY / 10;
     std::string text = "<r";
     for (int i = 0; i < count; ++i)
         text += " a" + std::to_string(i) + "='" + std::to_string(i) + "'";
     auto const document = NewDocument();
-    ASSERT_TRUE(ParseBytes(text + "/>", document));
-    ASSERT_EQ(document->GetRootElement()->GetNumAttributes(), count);
-    EXPECT_STREQ(document->GetRootElement()->GetAttributeValue(count - 1), std::to_wstring(count - 1).c_str());
+    ASSERT_TRUE(ParseBytes(text + ">" + Repeated("<e/>", MANY) + "</r>", document));
+    IVekXMLElement const & root = *document->GetRootElement();
+    EXPECT_EQ(root.GetNumChildren(), MANY);
+    ASSERT_EQ(root.GetNumAttributes(), count);
+    EXPECT_STREQ(root.GetAttributeValue(count - 1), std::to_wstring(count - 1).c_str());
+    RoundTrip(document);
 }
 
-TEST_F(HostileXMLTest, ValueOf64Megabytes)
+TEST_F(HostileXMLTest, ValueOfManyMegabytes)
 {
-#ifdef VEKLIB_GUARD
-    constexpr std::size_t size = 4 << 20;
-#else
-    constexpr std::size_t size = 64 << 20;
-#endif
+    constexpr std::size_t size = MANY * std::size_t{64};
     auto const document = NewDocument();
     ASSERT_TRUE(ParseBytes("<r v='" + std::string(size, 'v') + "'/>", document));
     EXPECT_EQ(document->GetRootElement()->GetAttributeValue(0).GetLength(), static_cast<int>(size));
@@ -96,11 +79,7 @@ TEST_F(HostileXMLTest, NamesLongerThanTheLogBuffer)
                                name + " " + name + " CDATA #REQUIRED>]><" + name + " " + name + "='1'/>",
                            document));
     EXPECT_EQ(document->GetRootElement()->GetName().GetLength(), 1 << 20);
-    m_log.Clear();
     EXPECT_FALSE(ParseBytes("<a><" + name + "></a>", NewDocument()));
-    std::wstring const wide(name.begin(), name.end());
-    CVekRef<IVekXMLParser> const parser(XMLManager().CreateXMLParser());
-    EXPECT_FALSE(parser->ParseXMLFile(wide.c_str(), document.Get()));
 }
 
 TEST_F(HostileXMLTest, GroupsNestedInADeclaration)
