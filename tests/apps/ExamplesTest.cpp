@@ -14,7 +14,7 @@ TEST(Examples, MinimalChangesAScene)
 {
     std::wstring const target = MakeFolder() + L"changed.xml";
     Outcome const outcome = RunBeside(L"example_minimal.exe", {SceneFile(), target});
-    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "the camera stood at 12.5, -40, 6\r\ndone\r\n");
     EXPECT_EQ(Vek({L"xml", L"get", target, L"camera", L"position"}).out, "12.500000, -40.000000, 8.500000, 1.000000\n");
     EXPECT_EQ(Vek({L"xml", L"get", target, L"light", L"color"}).out, "255, 200, 160, 255\n");
@@ -24,7 +24,7 @@ TEST(Examples, MinimalChangesAScene)
 TEST(Examples, LogCatcherShowsLevels)
 {
     Outcome const outcome = RunBeside(L"example_logcatcher.exe", {});
-    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_THAT(outcome.out, HasSubstr("VekLib Initialized"));
     EXPECT_THAT(outcome.out, HasSubstr("[0] at first: level 0"));
     EXPECT_THAT(outcome.out, Not(HasSubstr("at first: level 5")));
@@ -38,7 +38,7 @@ TEST(Examples, DynamicNeedsNoImportLibrary)
     if (VekGuard::Active)
         GTEST_SKIP() << "the guarded build has no DLL";
     Outcome const outcome = RunBeside(L"example_dynamic.exe", {SceneFile()});
-    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "4 things in the scene, seen at an angle of 50 degrees\r\n");
     EXPECT_EQ(RunBeside(L"example_dynamic.exe", {L"missing.xml"}).code, 1);
 }

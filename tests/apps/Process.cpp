@@ -85,14 +85,21 @@ Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const 
     startup.hStdError = Inheritable(errPath);
     PROCESS_INFORMATION process{};
     Outcome outcome;
-    bool const started = CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
-                                        WorkFolder().c_str(), &startup, &process) != 0;
+    bool started = false;
+    // Under load a start can fail for a moment.
+    for (int attempt = 0; attempt < 3 && !started; ++attempt)
+    {
+        Sleep(attempt * 500U);
+        started = CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS, nullptr,
+                                 WorkFolder().c_str(), &startup, &process) != 0;
+    }
+    DWORD const error = GetLastError();
     CloseHandle(startup.hStdOutput);
     CloseHandle(startup.hStdError);
     if (started)
         outcome.code = WaitFor(process);
     outcome.out = FileBytes(outPath);
-    outcome.err = started ? FileBytes(errPath) : "can't be started";
+    outcome.err = started ? FileBytes(errPath) : "can't be started: error " + std::to_string(error);
     return outcome;
 }
 
