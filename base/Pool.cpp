@@ -8,6 +8,7 @@
 
 #include <windows.h>
 
+#include <bit>
 #include <mutex>
 #include <new>
 
@@ -76,7 +77,7 @@ public:
         Region * const region = m_open;
         if (region->freeChunks == ALL_CHUNKS_FREE)
             --m_idle;
-        unsigned const index = static_cast<unsigned>(__builtin_ctz(region->freeChunks));
+        unsigned const index = static_cast<unsigned>(std::countr_zero(region->freeChunks));
         region->freeChunks &= ~(1U << index);
         if (!region->freeChunks)
             Unlink(region);

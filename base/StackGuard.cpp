@@ -1,5 +1,6 @@
 // The stack protector's part that the compiler leaves to the program. The one that comes with the compiler takes its
-// random value from a system DLL that the library otherwise has no use for.
+// random value from a system DLL that the library otherwise has no use for. Other compilers bring all of it.
+#if !defined(_MSC_VER)
 #include <windows.h>
 
 #include <stdint.h>
@@ -40,3 +41,5 @@ __attribute__((constructor, no_stack_protector)) void MakeGuard()
 }
 
 } // namespace
+
+#endif

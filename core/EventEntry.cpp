@@ -2,8 +2,10 @@
 
 #include "VekRef.h"
 
-// A walk unlinks itself before its end, which GCC does not see across the handlers' calls.
-#pragma GCC diagnostic ignored "-Wdangling-pointer"
+#include "base/Compiler.h"
+
+// A walk unlinks itself before its end, which the compiler does not see across the handlers' calls.
+VEK_IGNORE_WARNING("-Wdangling-pointer")
 
 namespace vek
 {

@@ -8,6 +8,7 @@
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
+#include <xmmintrin.h>
 
 #include <atomic>
 #include <new>
@@ -148,9 +149,10 @@ unsigned char * CVekMemorySystem::Allocate(unsigned int size, T const * file, in
 template <class T>
 CVekMemoryBlock * CVekMemorySystem::MakeBlock(unsigned int size, T const * file, int line) noexcept
 {
-    if (size > SIZE_MAX - sizeof(CVekMemoryBlock))
+    size_t const wholeSize = sizeof(CVekMemoryBlock) + size;
+    if (wholeSize < size)
         return nullptr;
-    auto * const block = static_cast<CVekMemoryBlock *>(malloc(sizeof(CVekMemoryBlock) + size));
+    auto * const block = static_cast<CVekMemoryBlock *>(malloc(wholeSize));
     if (!block)
         return nullptr;
     block->m_links = {};
@@ -207,8 +209,9 @@ CVekMemoryBlock * CVekMemorySystem::Take(void * data) noexcept
 bool CVekMemorySystem::Deallocate(void * pointer) noexcept
 {
     // With very many blocks nothing of this is in a cache: record and bucket are fetched at once.
-    __builtin_prefetch(reinterpret_cast<void *>(reinterpret_cast<uintptr_t>(pointer) - sizeof(CVekMemoryBlock)), 1);
-    __builtin_prefetch(&BucketAt(IndexOf(pointer)), 1);
+    auto const place = reinterpret_cast<uintptr_t>(pointer);
+    _mm_prefetch(reinterpret_cast<char const *>(place - sizeof(CVekMemoryBlock)), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<char const *>(&BucketAt(IndexOf(pointer))), _MM_HINT_T0);
     g_guard.lock();
     CVekMemoryBlock * const block = Take(pointer);
     g_guard.unlock();

@@ -7,6 +7,8 @@
 #include "VekExport.h"
 #include "VekMath.h"
 
+VEK_HEADER_BEGIN
+
 /// How a view volume is projected.
 enum VEK_PROJECTIONMODE : int
 {
@@ -175,5 +177,7 @@ public:
 
     bool Manipulate(int mode, VEK_CAMERASTATE * state) override;
 };
+
+VEK_HEADER_END
 
 #endif

@@ -8,7 +8,9 @@
 
 #include <stddef.h>
 
-#if defined(_MSC_VER) && !defined(__clang__)
+VEK_HEADER_BEGIN
+
+#if defined(_MSC_VER)
 extern "C" long _InterlockedIncrement(long volatile *);
 extern "C" long _InterlockedDecrement(long volatile *);
 #pragma intrinsic(_InterlockedIncrement, _InterlockedDecrement)
@@ -26,7 +28,7 @@ struct ArrayAttachment;
 /// Adds 1 to the count, atomically; returns the new count.
 inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
 {
-#if defined(_MSC_VER) && !defined(__clang__)
+#if defined(_MSC_VER)
     return static_cast<unsigned int>(_InterlockedIncrement(reinterpret_cast<long volatile *>(&count)));
 #else
     return __atomic_add_fetch(&count, 1U, __ATOMIC_SEQ_CST);
@@ -36,7 +38,7 @@ inline unsigned int VekInterlockedIncrement(unsigned int & count) noexcept
 /// Subtracts 1 from the count, atomically; returns the new count.
 inline unsigned int VekInterlockedDecrement(unsigned int & count) noexcept
 {
-#if defined(_MSC_VER) && !defined(__clang__)
+#if defined(_MSC_VER)
     return static_cast<unsigned int>(_InterlockedDecrement(reinterpret_cast<long volatile *>(&count)));
 #else
     return __atomic_sub_fetch(&count, 1U, __ATOMIC_SEQ_CST);
@@ -434,7 +436,7 @@ public:
     /// An old callback that dies by this must not use the controller any more.
     virtual void SetCallback(Callback * callback) = 0;
     /// The callback, no reference added.
-    VEK_OVERLOADS(virtual Callback * GetCallback() = 0, virtual Callback const * GetCallback() const = 0)
+    VEK_OVERLOADS2(virtual Callback * GetCallback() = 0, virtual Callback const * GetCallback() const = 0)
     /// The value that is handed to the callback.
     virtual void SetParam(int param) = 0;
 };
@@ -577,5 +579,7 @@ private:
     bool m_running = false;
     long long m_start = 0;
 };
+
+VEK_HEADER_END
 
 #endif

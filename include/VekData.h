@@ -10,6 +10,8 @@
 #include "VekText.h"
 #include "VekVariant.h"
 
+VEK_HEADER_BEGIN
+
 namespace vek
 {
 class NameIndex;
@@ -175,5 +177,7 @@ private:
     CVekPointerArray<CVekTypedDataEntry> m_entries;
     mutable vek::NameIndex * m_index = nullptr; // of a long list that was searched
 };
+
+VEK_HEADER_END
 
 #endif

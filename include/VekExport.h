@@ -18,53 +18,36 @@
 /// Linkage and calling convention of the three entry points, so that GetProcAddress finds them by their plain names.
 #define VEK_ENTRY extern "C" VEK_API
 
-/// Declares a group of virtual operations that share a name, each without its semicolon, in slot order.
-/// The Itanium C++ ABI lays such a group out in the order of declaration, the Microsoft C++ ABI in reverse: the macro
-/// declares it the right way round for either, so that both see the same vtable.
-#define VEK_OVERLOADS(...) VEK_EXPAND(VEK_OVERLOADS_PICK(__VA_ARGS__, VEK_OV_LIST)(__VA_ARGS__))
-
-/// @cond internal
-#define VEK_EXPAND(x) x
-#define VEK_OV_LIST                                                                                                    \
-    VEK_OV24, VEK_OV23, VEK_OV22, VEK_OV21, VEK_OV20, VEK_OV19, VEK_OV18, VEK_OV17, VEK_OV16, VEK_OV15, VEK_OV14,      \
-        VEK_OV13, VEK_OV12, VEK_OV11, VEK_OV10, VEK_OV9, VEK_OV8, VEK_OV7, VEK_OV6, VEK_OV5, VEK_OV4, VEK_OV3,         \
-        VEK_OV2, VEK_OV1, 0
-#define VEK_OVERLOADS_PICK(...) VEK_EXPAND(VEK_OV_PICK(__VA_ARGS__))
-#define VEK_OV_PICK(a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15, a16, a17, a18, a19, a20, a21,    \
-                    a22, a23, a24, name, ...)                                                                          \
-    name
+/// Declare a group of virtual operations that share a name, 2, 3 or 21 of them, each without its semicolon, in slot
+/// order. The Itanium C++ ABI lays such a group out in the order of declaration, the Microsoft C++ ABI in reverse: the
+/// macros declare it the right way round for either, so that both see the same vtable.
+// clang-format off
 #if defined(_MSC_VER)
-#define VEK_OV_PAIR(first, rest) rest first;
+#define VEK_OVERLOADS2(a, b) b; a;
+#define VEK_OVERLOADS3(a, b, c) c; b; a;
+#define VEK_OVERLOADS21(a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, \
+                        a12, a13, a14, a15, a16, a17, a18, a19, a20, a21) \
+    a21; a20; a19; a18; a17; a16; a15; a14; a13; a12; a11; \
+    a10; a9; a8; a7; a6; a5; a4; a3; a2; a1;
 #else
-#define VEK_OV_PAIR(first, rest)                                                                                       \
-    first;                                                                                                             \
-    rest
+#define VEK_OVERLOADS2(a, b) a; b;
+#define VEK_OVERLOADS3(a, b, c) a; b; c;
+#define VEK_OVERLOADS21(a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, \
+                        a12, a13, a14, a15, a16, a17, a18, a19, a20, a21) \
+    a1; a2; a3; a4; a5; a6; a7; a8; a9; a10; a11; \
+    a12; a13; a14; a15; a16; a17; a18; a19; a20; a21;
 #endif
-#define VEK_OV1(a) a;
-#define VEK_OV2(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV1(__VA_ARGS__)))
-#define VEK_OV3(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV2(__VA_ARGS__)))
-#define VEK_OV4(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV3(__VA_ARGS__)))
-#define VEK_OV5(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV4(__VA_ARGS__)))
-#define VEK_OV6(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV5(__VA_ARGS__)))
-#define VEK_OV7(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV6(__VA_ARGS__)))
-#define VEK_OV8(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV7(__VA_ARGS__)))
-#define VEK_OV9(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV8(__VA_ARGS__)))
-#define VEK_OV10(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV9(__VA_ARGS__)))
-#define VEK_OV11(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV10(__VA_ARGS__)))
-#define VEK_OV12(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV11(__VA_ARGS__)))
-#define VEK_OV13(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV12(__VA_ARGS__)))
-#define VEK_OV14(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV13(__VA_ARGS__)))
-#define VEK_OV15(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV14(__VA_ARGS__)))
-#define VEK_OV16(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV15(__VA_ARGS__)))
-#define VEK_OV17(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV16(__VA_ARGS__)))
-#define VEK_OV18(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV17(__VA_ARGS__)))
-#define VEK_OV19(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV18(__VA_ARGS__)))
-#define VEK_OV20(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV19(__VA_ARGS__)))
-#define VEK_OV21(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV20(__VA_ARGS__)))
-#define VEK_OV22(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV21(__VA_ARGS__)))
-#define VEK_OV23(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV22(__VA_ARGS__)))
-#define VEK_OV24(a, ...) VEK_OV_PAIR(a, VEK_EXPAND(VEK_OV23(__VA_ARGS__)))
-/// @endcond
+// clang-format on
+
+/// Around what a header declares. A host's compiler would warn of members and bases of exported classes that it makes
+/// the code of itself.
+#if defined(_MSC_VER)
+#define VEK_HEADER_BEGIN __pragma(warning(push)) __pragma(warning(disable : 4251 4275))
+#define VEK_HEADER_END __pragma(warning(pop))
+#else
+#define VEK_HEADER_BEGIN
+#define VEK_HEADER_END
+#endif
 
 struct _GUID;
 /// An event or value identifier of 16 bytes; include the platform's own header where one is made or read.

@@ -10,6 +10,8 @@
 #include <stdarg.h>
 #include <stddef.h>
 
+VEK_HEADER_BEGIN
+
 /// The order of the bytes of a value in a stream or in the system. A stream reverses the bytes of every value of more
 /// than one byte when its two orders differ; both are VEK_BYTEORDER_BIG at the start, which leaves values as they are:
 /// for big-endian values on this little-endian system, SetSystemByteOrder(VEK_BYTEORDER_LITTLE).
@@ -99,13 +101,14 @@ public:
     /// Writes formatted text at the position and moves behind it; false when the stream is not open or the text does
     /// not fit. In a memory stream a terminator follows where there is room for it. A file that is open for reading
     /// takes nothing, and that is true.
-    VEK_OVERLOADS(virtual bool Printf(wchar_t const * format, ...) = 0,
-                  virtual bool Printf(char const * format, ...) = 0)
+    VEK_OVERLOADS2(virtual bool Printf(wchar_t const * format, ...) = 0,
+                   virtual bool Printf(char const * format, ...) = 0)
     /// Scans formatted text: a file from its position, a memory stream from its start, without moving. Every "%s", "%c"
     /// and "%[" takes two arguments, the buffer and its size in characters. True when the stream is open, whatever was
     /// found, and for a file that is open for writing, which gives nothing; false, with nothing read, when the
     /// conversions need more than 64 arguments.
-    VEK_OVERLOADS(virtual bool Scanf(wchar_t const * format, ...) = 0, virtual bool Scanf(char const * format, ...) = 0)
+    VEK_OVERLOADS2(virtual bool Scanf(wchar_t const * format, ...) = 0,
+                   virtual bool Scanf(char const * format, ...) = 0)
 };
 
 /// A stream over a block of memory of fixed size.
@@ -113,7 +116,7 @@ class IVekMemoryIOStream : public IVekIOStream
 {
 public:
     /// The block, owned by the stream and valid until Close; null when closed.
-    VEK_OVERLOADS(virtual unsigned char * GetBuffer() = 0, virtual unsigned char const * GetBuffer() const = 0)
+    VEK_OVERLOADS2(virtual unsigned char * GetBuffer() = 0, virtual unsigned char const * GetBuffer() const = 0)
 };
 
 /// A stream over a file.
@@ -121,7 +124,7 @@ class IVekFileIOStream : public IVekIOStream
 {
 public:
     /// The C runtime's file of the library's own runtime, owned by the stream; null when closed.
-    VEK_OVERLOADS(virtual struct _iobuf * GetFileHandle() = 0, virtual struct _iobuf * GetFileHandle() const = 0)
+    VEK_OVERLOADS2(virtual struct _iobuf * GetFileHandle() = 0, virtual struct _iobuf * GetFileHandle() const = 0)
     /// The name given to the last Open that succeeded, owned by the stream.
     virtual CVekString<wchar_t> const & GetFilePath() const = 0;
     /// The part of that name behind the last slash, backslash or colon.
@@ -376,5 +379,7 @@ private:
     CVekString<wchar_t> m_path;
     CVekString<wchar_t> m_fileName;
 };
+
+VEK_HEADER_END
 
 #endif

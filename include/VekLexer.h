@@ -7,6 +7,8 @@
 #include "VekCore.h"
 #include "VekExport.h"
 
+VEK_HEADER_BEGIN
+
 namespace vek
 {
 class LexerRun;
@@ -55,8 +57,8 @@ public:
     /// Takes a reference to the callback and gives back that to the old one; null for none.
     virtual void SetCallback(IVekLexer::Callback * callback) = 0;
     /// The callback, no reference added.
-    VEK_OVERLOADS(virtual IVekLexer::Callback * GetCallback() = 0,
-                  virtual IVekLexer::Callback * GetCallback() const = 0)
+    VEK_OVERLOADS2(virtual IVekLexer::Callback * GetCallback() = 0,
+                   virtual IVekLexer::Callback * GetCallback() const = 0)
     /// Forgets every keyword, operator and comment; the callback stays.
     virtual void RemoveAll() = 0;
     /// Adds a comment from a start to an end delimiter, of at most 16 characters each; the end "\n" makes it a line
@@ -131,8 +133,8 @@ public:
     /// new one is there. The lexer's callback is put back afterwards. A null text or a length below -1 is an empty
     /// text. False with a message, and an empty list, when memory is exhausted, the stream can't be read, or the lexer
     /// or the stream is null.
-    VEK_OVERLOADS(virtual bool Tokenize(IVekLexer * lexer, wchar_t const * text, int length) = 0,
-                  virtual bool Tokenize(IVekLexer * lexer, IVekIOStream * stream) = 0)
+    VEK_OVERLOADS2(virtual bool Tokenize(IVekLexer * lexer, wchar_t const * text, int length) = 0,
+                   virtual bool Tokenize(IVekLexer * lexer, IVekIOStream * stream) = 0)
     /// Empties the list; the filter stays.
     virtual void RemoveAll() = 0;
     /// Sets which kinds of tokens are there, now and after each Tokenize; all at the start. Indices count these tokens
@@ -141,7 +143,7 @@ public:
     virtual unsigned int GetFilter() const = 0;
     virtual int GetNumTokens() const = 0;
     /// The token at an index, no reference added; null outside the list.
-    VEK_OVERLOADS(virtual IToken * GetToken(int index) = 0, virtual IToken const * GetToken(int index) const = 0)
+    VEK_OVERLOADS2(virtual IToken * GetToken(int index) = 0, virtual IToken const * GetToken(int index) const = 0)
     /// The index of the first token that covers a position in the text, or -1. An error covers what its number does
     /// and the character that spoils it.
     virtual int FindTokenAt(int position) const = 0;
@@ -215,5 +217,7 @@ private:
     int * m_selected;
     int m_numSelected;
 };
+
+VEK_HEADER_END
 
 #endif

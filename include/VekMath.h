@@ -12,7 +12,17 @@
 namespace vek
 {
 
-#if defined(__SSE2__) && defined(__GNUC__) && !defined(__clang__)
+#if defined(_MSC_VER)
+extern "C" double __cdecl sqrt(double);
+inline double SquareRoot(double value) noexcept
+{
+    return sqrt(value);
+}
+inline float SquareRoot(float value) noexcept
+{
+    return static_cast<float>(sqrt(value)); // the same as the nearest float: a double has more than twice the digits
+}
+#elif defined(__SSE2__) && !defined(__clang__)
 // The instruction itself: the runtime's function may round twice.
 inline float SquareRoot(float value) noexcept
 {
@@ -24,7 +34,7 @@ inline double SquareRoot(double value) noexcept
     typedef double Pack __attribute__((vector_size(16)));
     return __builtin_ia32_sqrtsd(Pack{value, 0})[0];
 }
-#elif defined(__GNUC__) || defined(__clang__)
+#else
 inline float SquareRoot(float value) noexcept
 {
     return __builtin_sqrtf(value);
@@ -32,16 +42,6 @@ inline float SquareRoot(float value) noexcept
 inline double SquareRoot(double value) noexcept
 {
     return __builtin_sqrt(value);
-}
-#else
-extern "C" double __cdecl sqrt(double);
-inline double SquareRoot(double value) noexcept
-{
-    return sqrt(value);
-}
-inline float SquareRoot(float value) noexcept
-{
-    return static_cast<float>(sqrt(value)); // the same as the nearest float: a double has more than twice the digits
 }
 #endif
 

@@ -6,6 +6,8 @@
 #include "VekCore.h"
 #include "VekExport.h"
 
+VEK_HEADER_BEGIN
+
 class CVekResourceFilePacket;
 class IVekResourceFilePacketHandler;
 
@@ -85,7 +87,7 @@ public:
     /// Removes and releases the child at an index (a bad one is logged), or the first entry of a child; false when
     /// there is none. The child keeps its parent. By index the child is released before its place goes: if it ends
     /// with that, its destructor finds a null entry there. By pointer the place goes first.
-    VEK_OVERLOADS(virtual bool RemoveChild(int index), virtual bool RemoveChild(CVekResourceFilePacket * child))
+    VEK_OVERLOADS2(virtual bool RemoveChild(int index), virtual bool RemoveChild(CVekResourceFilePacket * child))
     /// Does nothing, kept: a host's packet says what happens to its children.
     virtual void RemoveAllChildren();
     /// Reads what the packet itself consists of from the stream's position on, without its children; false when it
@@ -122,5 +124,7 @@ public:
     CVekResourceFileFolderPacket & operator=(CVekResourceFileFolderPacket const &) = default;
     ~CVekResourceFileFolderPacket() override;
 };
+
+VEK_HEADER_END
 
 #endif

@@ -9,6 +9,8 @@
 
 #include <stdint.h>
 
+VEK_HEADER_BEGIN
+
 /// The base of the synchronisation objects. Waits have no time limit, and every operation answers true whatever the
 /// system said. Copies are shallow: a copy of an object with a handle shares it, and both close it.
 class VEK_API CVekSyncObject
@@ -178,8 +180,8 @@ public:
     /// goes on then.
     virtual void SetTickCallback(TickCallback * callback) = 0;
     /// The callback, without adding a reference; null when there is none.
-    VEK_OVERLOADS(virtual TickCallback * GetTickCallback() = 0,
-                  virtual TickCallback const * GetTickCallback() const = 0)
+    VEK_OVERLOADS2(virtual TickCallback * GetTickCallback() = 0,
+                   virtual TickCallback const * GetTickCallback() const = 0)
     /// The name that debuggers show, owned by the thread object.
     virtual CVekString<wchar_t> const & GetName() const = 0;
     /// The tick interval that it was created with: 0 ticks with every turn of the loop, any other in the first turn and
@@ -293,5 +295,7 @@ public:
 private:
     CVekString<wchar_t> m_saved;
 };
+
+VEK_HEADER_END
 
 #endif

@@ -7,6 +7,8 @@
 #include "VekMath.h"
 #include "VekText.h"
 
+VEK_HEADER_BEGIN
+
 /// The types of values. The numbers are part of stored formats.
 enum VEK_DATATYPE : int
 {
@@ -208,5 +210,7 @@ private:
         CVekMatrix4x4<double> * matrix4x4Double;
     } m_heap;
 };
+
+VEK_HEADER_END
 
 #endif

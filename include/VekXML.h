@@ -13,6 +13,8 @@
 #include "VekText.h"
 #include "VekVariant.h"
 
+VEK_HEADER_BEGIN
+
 /// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and
 /// at most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes
 /// one.
@@ -20,7 +22,7 @@ class IVekXMLElement : public IVekObject
 {
 public:
     /// The parent that CVekXMLElement::SetParent recorded, not counted; null when none was. AddChild records none.
-    VEK_OVERLOADS(virtual IVekXMLElement * GetParent() = 0, virtual IVekXMLElement const * GetParent() const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLElement * GetParent() = 0, virtual IVekXMLElement const * GetParent() const = 0)
 
     /// Copies the name; null empties it.
     virtual void SetName(wchar_t const * name) = 0;
@@ -37,19 +39,19 @@ public:
     /// Removes and releases the first child that is the given element or has the given name (silently nothing when
     /// there is none), or the child at an index (a bad index is logged). Null, and any element of a foreign
     /// implementation, means the first null entry.
-    VEK_OVERLOADS(virtual void RemoveChild(IVekXMLElement * child) = 0,
-                  virtual void RemoveChild(wchar_t const * name) = 0, virtual void RemoveChild(int index) = 0)
+    VEK_OVERLOADS3(virtual void RemoveChild(IVekXMLElement * child) = 0,
+                   virtual void RemoveChild(wchar_t const * name) = 0, virtual void RemoveChild(int index) = 0)
     virtual void RemoveAllChildren() = 0;
 
     /// The child at an index, no reference added; null, with a message, for a bad index.
-    VEK_OVERLOADS(virtual IVekXMLElement * GetChild(int index) = 0,
-                  virtual IVekXMLElement const * GetChild(int index) const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLElement * GetChild(int index) = 0,
+                   virtual IVekXMLElement const * GetChild(int index) const = 0)
 
     /// The first child of that name, no reference added; null when there is none. The second form can append a new
     /// child of that name instead; null, with a message, when none can be made: before VekLibInit, or when memory is
     /// exhausted.
-    VEK_OVERLOADS(virtual IVekXMLElement const * FindChild(wchar_t const * name) const = 0,
-                  virtual IVekXMLElement * FindChild(wchar_t const * name, bool create) = 0)
+    VEK_OVERLOADS2(virtual IVekXMLElement const * FindChild(wchar_t const * name) const = 0,
+                   virtual IVekXMLElement * FindChild(wchar_t const * name, bool create) = 0)
 
     virtual int GetNumAttributes() const = 0;
     /// Adds an attribute with the value converted to text and escaped; before the index when it names an attribute,
@@ -59,17 +61,17 @@ public:
 
     /// Replaces an attribute's value. By name the text is escaped, and a missing attribute can be added; by index the
     /// text is stored as it is, unescaped. False when there is no such attribute or the value has no text form.
-    VEK_OVERLOADS(virtual bool SetAttributeValue(wchar_t const * name, VEK_VARIANT const & value, bool add) = 0,
-                  virtual bool SetAttributeValue(int index, VEK_VARIANT const & value) = 0)
+    VEK_OVERLOADS2(virtual bool SetAttributeValue(wchar_t const * name, VEK_VARIANT const & value, bool add) = 0,
+                   virtual bool SetAttributeValue(int index, VEK_VARIANT const & value) = 0)
 
     /// Renames the attribute of that name; false when there is none. The form by index refuses every index inside the
     /// list, with a message, and does nothing for one beyond it: rename by name.
-    VEK_OVERLOADS(virtual bool RenameAttribute(int index, wchar_t const * newName) = 0,
-                  virtual bool RenameAttribute(wchar_t const * name, wchar_t const * newName) = 0)
+    VEK_OVERLOADS2(virtual bool RenameAttribute(int index, wchar_t const * newName) = 0,
+                   virtual bool RenameAttribute(wchar_t const * name, wchar_t const * newName) = 0)
 
     /// Both forms refuse to remove an existing attribute, with a message and false; the form by index does nothing and
     /// returns true for an index beyond the list. RemoveAllAttributes removes.
-    VEK_OVERLOADS(virtual bool RemoveAttribute(wchar_t const * name) = 0, virtual bool RemoveAttribute(int index) = 0)
+    VEK_OVERLOADS2(virtual bool RemoveAttribute(wchar_t const * name) = 0, virtual bool RemoveAttribute(int index) = 0)
     virtual void RemoveAllAttributes() = 0;
 
     /// The index of the first attribute of that name, or -1.
@@ -81,39 +83,39 @@ public:
     /// When there is no such attribute (a bad index is logged) the default is stored and false returned; a text that is
     /// no boolean gives false and leaves the output. The text form by name undoes the escaping, the one by index does
     /// not. The last one returns the stored text itself, an empty one for a bad index.
-    VEK_OVERLOADS(virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value,
-                                                 CVekVector4D<double> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, CVekVector4D<double> & value,
-                                                 CVekVector4D<double> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value,
-                                                 CVekVector4D<float> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, CVekVector4D<float> & value,
-                                                 CVekVector4D<float> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value,
-                                                 CVekVector4D<int> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, CVekVector4D<int> & value,
-                                                 CVekVector4D<int> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value,
-                                                 CVekRGBA<float> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, CVekRGBA<float> & value,
-                                                 CVekRGBA<float> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value,
-                                                 CVekRGBA<unsigned char> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value,
-                                                 CVekRGBA<unsigned char> const & defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, bool & value, bool defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, double & value, double defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, float & value, float defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, float & value, float defaultValue) const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, int & value, int defaultValue) const = 0,
-                  virtual bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue)
-                      const = 0,
-                  virtual bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value,
-                                                 wchar_t const * defaultValue) const = 0,
-                  virtual CVekString<wchar_t> const & GetAttributeValue(int index) const = 0)
+    VEK_OVERLOADS21(virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<double> & value,
+                                                   CVekVector4D<double> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, CVekVector4D<double> & value,
+                                                   CVekVector4D<double> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<float> & value,
+                                                   CVekVector4D<float> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, CVekVector4D<float> & value,
+                                                   CVekVector4D<float> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, CVekVector4D<int> & value,
+                                                   CVekVector4D<int> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, CVekVector4D<int> & value,
+                                                   CVekVector4D<int> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<float> & value,
+                                                   CVekRGBA<float> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, CVekRGBA<float> & value,
+                                                   CVekRGBA<float> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, CVekRGBA<unsigned char> & value,
+                                                   CVekRGBA<unsigned char> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, CVekRGBA<unsigned char> & value,
+                                                   CVekRGBA<unsigned char> const & defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, bool & value, bool defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, bool & value, bool defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, double & value, double defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, double & value, double defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, float & value, float defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, float & value, float defaultValue) const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, int & value, int defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, int & value, int defaultValue) const = 0,
+                    virtual bool GetAttributeValue(int index, CVekString<wchar_t> & value, wchar_t const * defaultValue)
+                        const = 0,
+                    virtual bool GetAttributeValue(wchar_t const * name, CVekString<wchar_t> & value,
+                                                   wchar_t const * defaultValue) const = 0,
+                    virtual CVekString<wchar_t> const & GetAttributeValue(int index) const = 0)
 
     /// Stores a copy of the bytes (UTF-16 text) as the element's CDATA section. The size is in bytes. False, with a
     /// message, when it already has one, the size is negative, there are no bytes of that size, or memory is exhausted.
@@ -151,8 +153,8 @@ public:
         virtual int GetOccurrence() const = 0;
         virtual int GetNumChildren() const = 0;
         /// The child at an index, no reference added; null for a bad index.
-        VEK_OVERLOADS(virtual RuleEntry * GetChild(int index) = 0,
-                      virtual RuleEntry const * GetChild(int index) const = 0)
+        VEK_OVERLOADS2(virtual RuleEntry * GetChild(int index) = 0,
+                       virtual RuleEntry const * GetChild(int index) const = 0)
         /// Appends a child (a null name makes a group) and returns its index; -1, with a message, when a child of the
         /// same name, type and occurrence exists or memory is exhausted.
         virtual int AddChild(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
@@ -168,8 +170,8 @@ public:
     /// name exists or memory is exhausted.
     virtual int AddRuleEntry(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
     /// The entry at an index, no reference added; null for a bad index.
-    VEK_OVERLOADS(virtual RuleEntry * GetRuleEntry(int index) = 0,
-                  virtual RuleEntry const * GetRuleEntry(int index) const = 0)
+    VEK_OVERLOADS2(virtual RuleEntry * GetRuleEntry(int index) = 0,
+                   virtual RuleEntry const * GetRuleEntry(int index) const = 0)
     /// Removes and releases the entry; a bad index is logged.
     virtual void RemoveRuleEntry(int index) = 0;
     virtual void RemoveAllRuleEntries() = 0;
@@ -197,8 +199,8 @@ public:
     virtual void RemoveAttributeEntry(int index) = 0;
     virtual void RemoveAllAttributeEntries() = 0;
     /// The entry at an index, no reference added; null for a bad index.
-    VEK_OVERLOADS(virtual AttributeEntry * GetAttributeEntry(int index) = 0,
-                  virtual AttributeEntry const * GetAttributeEntry(int index) const = 0)
+    VEK_OVERLOADS2(virtual AttributeEntry * GetAttributeEntry(int index) = 0,
+                   virtual AttributeEntry const * GetAttributeEntry(int index) const = 0)
 };
 
 /// One XML document: its root element, document type name, encoding name, and DTD.
@@ -215,8 +217,8 @@ public:
     /// true.
     virtual bool SetRootElement(IVekXMLElement * element) = 0;
     /// The root element, no reference added; null when there is none.
-    VEK_OVERLOADS(virtual IVekXMLElement * GetRootElement() = 0,
-                  virtual IVekXMLElement const * GetRootElement() const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLElement * GetRootElement() = 0,
+                   virtual IVekXMLElement const * GetRootElement() const = 0)
     /// Walks from the root along names separated by slashes or backslashes; the root's own name is not part of the
     /// path, an empty path is the root, and empty components are skipped. Missing elements can be created on the way.
     /// Returns the element reached, no reference added; null when the document has no root, or an element is missing or
@@ -225,10 +227,10 @@ public:
 
     virtual int GetNumDTDRules() const = 0;
     /// The rule at an index or of a name, no reference added; null when there is none.
-    VEK_OVERLOADS(virtual IVekXMLDTDRule * GetDTDRule(int index) = 0,
-                  virtual IVekXMLDTDRule const * GetDTDRule(int index) const = 0)
-    VEK_OVERLOADS(virtual IVekXMLDTDRule * FindDTDRule(wchar_t const * name) = 0,
-                  virtual IVekXMLDTDRule const * FindDTDRule(wchar_t const * name) const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLDTDRule * GetDTDRule(int index) = 0,
+                   virtual IVekXMLDTDRule const * GetDTDRule(int index) const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLDTDRule * FindDTDRule(wchar_t const * name) = 0,
+                   virtual IVekXMLDTDRule const * FindDTDRule(wchar_t const * name) const = 0)
     /// Appends a rule and returns its index; -1, with a message, when the name is taken or memory is exhausted.
     virtual int AddDTDRule(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type) = 0;
     /// Removes and releases the rule; a bad index is logged.
@@ -237,10 +239,10 @@ public:
 
     virtual int GetNumDTDAttributeLists() const = 0;
     /// The attribute list at an index or of an element's name, no reference added; null when there is none.
-    VEK_OVERLOADS(virtual IVekXMLDTDAttributeList * GetDTDAttributeList(int index) = 0,
-                  virtual IVekXMLDTDAttributeList const * GetDTDAttributeList(int index) const = 0)
-    VEK_OVERLOADS(virtual IVekXMLDTDAttributeList * FindDTDAttributeList(wchar_t const * name) = 0,
-                  virtual IVekXMLDTDAttributeList const * FindDTDAttributeList(wchar_t const * name) const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLDTDAttributeList * GetDTDAttributeList(int index) = 0,
+                   virtual IVekXMLDTDAttributeList const * GetDTDAttributeList(int index) const = 0)
+    VEK_OVERLOADS2(virtual IVekXMLDTDAttributeList * FindDTDAttributeList(wchar_t const * name) = 0,
+                   virtual IVekXMLDTDAttributeList const * FindDTDAttributeList(wchar_t const * name) const = 0)
     /// Appends an attribute list and returns its index; -1, with a message, when the name is taken or memory is
     /// exhausted.
     virtual int AddDTDAttributeList(wchar_t const * name) = 0;
@@ -485,5 +487,7 @@ private:
 
     State * m_state;
 };
+
+VEK_HEADER_END
 
 #endif

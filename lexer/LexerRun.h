@@ -3,6 +3,7 @@
 #include "VekLexer.h"
 #include "VekRef.h"
 
+#include "base/Compiler.h"
 #include "lexer/LexerTables.h"
 #include "lexer/Span.h"
 #include "lexer/WordScan.h"
@@ -36,7 +37,7 @@ private:
         EndOfComment
     };
 
-    [[gnu::always_inline]] Stop SkipToToken() noexcept;
+    VEK_ALWAYS_INLINE Stop SkipToToken() noexcept;
     void SkipComment(CVekLexer::Comment const & comment) noexcept;
     /// Moves to a place further on and counts the lines up to there.
     void AdvanceTo(wchar_t const * to) noexcept;
@@ -46,13 +47,13 @@ private:
         ++m_line;
         m_lineStart = m_at;
     }
-    [[gnu::always_inline]] void SkipBlanks() noexcept;
+    VEK_ALWAYS_INLINE void SkipBlanks() noexcept;
     Place Here() const noexcept
     {
         return {static_cast<int>(m_at - m_text), m_line, static_cast<int>(m_at - m_lineStart)};
     }
 
-    [[gnu::always_inline]] void ScanToken();
+    VEK_ALWAYS_INLINE void ScanToken();
     void ScanWord();
     void ScanNumber();
     void ScanRun();

@@ -6,6 +6,8 @@
 #include <emmintrin.h>
 #include <stddef.h>
 
+#include <bit>
+
 namespace vek
 {
 
@@ -30,7 +32,7 @@ inline wchar_t const * FindEither(wchar_t const * at, wchar_t const * end, wchar
         int const hits =
             _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, firsts), _mm_cmpeq_epi16(units, seconds)));
         if (hits != 0)
-            return at + __builtin_ctz(static_cast<unsigned int>(hits)) / 2;
+            return at + std::countr_zero(static_cast<unsigned int>(hits)) / 2;
     }
     while (at != end && *at != first && *at != second)
         ++at;

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "base/Compiler.h"
 #include "lexer/CharClass.h"
 
 #include <emmintrin.h>
 #include <stddef.h>
 #include <stdint.h>
+
+#include <bit>
 
 namespace vek
 {
@@ -63,7 +66,9 @@ inline size_t CountWordUnits(__m128i units) noexcept
     __m128i const digits = isBetween(units, '0', '9');
     __m128i const underscores = _mm_cmpeq_epi16(units, _mm_set1_epi16('_'));
     int const inWord = _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), underscores));
-    return static_cast<size_t>(__builtin_ctz(~static_cast<unsigned int>(inWord))) / 2;
+    unsigned int const others = ~static_cast<unsigned int>(inWord);
+    VEK_ASSUME(others != 0); // there are but 16 bits
+    return static_cast<size_t>(std::countr_zero(others)) / 2;
 }
 
 // What a scanned word's copy needs behind it: whole blocks are stored.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "base/Compiler.h"
 #include "math/Pack.h"
 
 #include <stddef.h>
+#include <string.h>
 
 namespace vek
 {
@@ -40,7 +42,7 @@ public:
 
 private:
     using P = Pack<T>;
-    static constexpr size_t LANES = PackOf<T>::LANES;
+    static constexpr size_t LANES = P::LANES;
     // The widths of the blocks of each level, and the bytes of their pivots' rows that are worked with at once: they
     // and the factors of some other rows stay in the first cache.
     static constexpr int LEVELS = 3;
@@ -77,25 +79,25 @@ private:
     };
 
     template <size_t N, size_t K>
-    [[gnu::always_inline]] inline bool SmallSteps(SmallState<N> & state) noexcept
+    VEK_ALWAYS_INLINE bool SmallSteps(SmallState<N> & state) noexcept
     {
         if constexpr (K + 1 < N)
         {
             FindSmallPivot<N, K>(state);
             T const * const pivotRow = m_elements + state.rows[K];
             T pivots[N];
-#pragma GCC unroll 4
+            VEK_UNROLL(4)
             for (size_t j = K; j < N; ++j)
                 pivots[j] = pivotRow[j];
             if (pivots[K] == T(0))
                 return false;
             m_determinant = m_determinant * static_cast<D>(pivots[K]);
-#pragma GCC unroll 4
+            VEK_UNROLL(4)
             for (size_t i = K + 1; i < N; ++i)
             {
                 T * const row = m_elements + state.rows[i];
                 T const factor = row[K] = row[K] / pivots[K];
-#pragma GCC unroll 4
+                VEK_UNROLL(4)
                 for (size_t j = K + 1; j < N; ++j)
                     row[j] = row[j] - pivots[j] * factor;
             }
@@ -106,14 +108,14 @@ private:
 
     // Chooses instead of jumping: no processor foresees these jumps.
     template <size_t N, size_t K>
-    [[gnu::always_inline]] inline void FindSmallPivot(SmallState<N> & state) const noexcept
+    VEK_ALWAYS_INLINE void FindSmallPivot(SmallState<N> & state) const noexcept
     {
-        T largest = Magnitude(m_elements[state.rows[K] + K]);
-#pragma GCC unroll 4
+        T largest = WithoutSign(m_elements[state.rows[K] + K]);
+        VEK_UNROLL(4)
         for (size_t i = K + 1; i < N; ++i)
         {
             size_t const upper = state.rows[K], lower = state.rows[i];
-            T const magnitude = Magnitude(m_elements[lower + K]);
+            T const magnitude = WithoutSign(m_elements[lower + K]);
             bool const larger = magnitude > largest;
             size_t const exchange = (upper ^ lower) & (size_t{0} - static_cast<size_t>(larger));
             largest = larger ? magnitude : largest;
@@ -123,26 +125,15 @@ private:
         }
     }
 
-    T * Row(size_t i) const noexcept
-    {
-        return m_elements + static_cast<size_t>(m_order[i]) * m_size;
-    }
-
-    static T Magnitude(T value) noexcept
-    {
-        if constexpr (sizeof(T) == sizeof(float))
-            return __builtin_fabsf(value);
-        else
-            return __builtin_fabs(value);
-    }
+    T * Row(size_t i) const noexcept { return m_elements + static_cast<size_t>(m_order[i]) * m_size; }
 
     // Each larger element below becomes the pivot at once, so that the order table is as a plain search leaves it.
     void FindPivot(size_t k) noexcept
     {
-        T largest = Magnitude(Row(k)[k]);
+        T largest = WithoutSign(Row(k)[k]);
         for (size_t i = k + 1; i < m_size; ++i)
         {
-            T const magnitude = Magnitude(Row(i)[k]);
+            T const magnitude = WithoutSign(Row(i)[k]);
             if (!(magnitude > largest))
                 continue;
             unsigned int const row = m_order[i];
@@ -170,7 +161,7 @@ private:
                 T const factor = row[k] = row[k] / pivot;
                 size_t j = k + 1;
                 for (P const factors = Splat(factor); j + LANES <= end; j += LANES)
-                    StorePack<T>(row + j, LoadPack(row + j) - LoadPack(pivotRow + j) * factors);
+                    StorePack(row + j, LoadPack(row + j) - LoadPack(pivotRow + j) * factors);
                 for (; j < end; ++j)
                     row[j] = row[j] - pivotRow[j] * factor;
             }
@@ -277,28 +268,34 @@ private:
                              size_t depth) noexcept
     {
         P tile[R][TILE_PACKS];
-#pragma GCC unroll 8
+        VEK_UNROLL(8)
         for (size_t r = 0; r < R; ++r)
-#pragma GCC unroll 8
+        {
+            VEK_UNROLL(8)
             for (size_t c = 0; c < TILE_PACKS; ++c)
                 tile[r][c] = LoadPack(rows[r] + c * LANES);
+        }
         for (size_t k = 0; k < depth; ++k, pivotRows += stride, factors += R)
         {
             P pivots[TILE_PACKS];
-#pragma GCC unroll 8
+            VEK_UNROLL(8)
             for (size_t c = 0; c < TILE_PACKS; ++c)
-                pivots[c] = *reinterpret_cast<P const *>(pivotRows + c * LANES);
-#pragma GCC unroll 8
+                pivots[c] = LoadAlignedPack(pivotRows + c * LANES);
+            VEK_UNROLL(8)
             for (size_t r = 0; r < R; ++r)
-#pragma GCC unroll 8
+            {
+                VEK_UNROLL(8)
                 for (size_t c = 0; c < TILE_PACKS; ++c)
                     tile[r][c] = tile[r][c] - pivots[c] * factors[r];
+            }
         }
-#pragma GCC unroll 8
+        VEK_UNROLL(8)
         for (size_t r = 0; r < R; ++r)
-#pragma GCC unroll 8
+        {
+            VEK_UNROLL(8)
             for (size_t c = 0; c < TILE_PACKS; ++c)
-                StorePack<T>(rows[r] + c * LANES, tile[r][c]);
+                StorePack(rows[r] + c * LANES, tile[r][c]);
+        }
     }
 
     T * m_elements;

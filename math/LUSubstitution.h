@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Compiler.h"
+
 #include <stddef.h>
 #include <stdint.h>
 
@@ -65,23 +67,23 @@ private:
     void SolveSmall(V const * src, V * result) const noexcept
     {
         V y[N], x[N];
-#pragma GCC unroll 4
+        VEK_UNROLL(4)
         for (size_t i = 0; i < N; ++i)
         {
             T const * const row = m_elements + m_order[i] * N;
             V sum = 0;
-#pragma GCC unroll 4
+            VEK_UNROLL(4)
             for (size_t j = 0; j < i; ++j)
                 sum += static_cast<V>(row[j]) * y[j];
             y[i] = src[m_order[i]] - sum;
         }
-#pragma GCC unroll 4
+        VEK_UNROLL(4)
         for (size_t done = 0; done < N; ++done)
         {
             size_t const i = N - 1 - done;
             T const * const row = m_elements + m_order[i] * N;
             V sum = 0;
-#pragma GCC unroll 4
+            VEK_UNROLL(4)
             for (size_t j = i + 1; j < N; ++j)
                 sum += static_cast<V>(row[j]) * x[j];
             result[i] = x[i] = (y[i] - sum) / static_cast<V>(row[i]);
@@ -94,15 +96,17 @@ private:
         T const * const rows[GROUP] = {Row(i), Row(i + 1), Row(i + 2), Row(i + 3)};
         V sums[GROUP] = {};
         for (size_t j = 0; j < i; ++j)
-#pragma GCC unroll 4
+        {
+            VEK_UNROLL(4)
             for (size_t r = 0; r < GROUP; ++r)
                 sums[r] += static_cast<V>(rows[r][j]) * y[j];
+        }
         V own[GROUP];
-#pragma GCC unroll 4
+        VEK_UNROLL(4)
         for (size_t r = 0; r < GROUP; ++r)
         {
             y[i + r] = own[r] = src[m_order[i + r]] - sums[r];
-#pragma GCC unroll 4
+            VEK_UNROLL(4)
             for (size_t below = r + 1; below < GROUP; ++below)
                 sums[below] += static_cast<V>(rows[below][i + r]) * own[r];
         }

@@ -1,5 +1,6 @@
 #include "VekMath.h"
 
+#include "base/Compiler.h"
 #include "base/Nothing.h"
 #include "math/Pack.h"
 
@@ -21,21 +22,27 @@ unsigned int Smaller(unsigned int a, unsigned int b)
 template <class T>
 void Multiply4x4(T * target, T const * other)
 {
-    constexpr unsigned int LANES = vek::PackOf<T>::LANES;
+    constexpr unsigned int LANES = vek::Pack<T>::LANES;
     vek::Pack<T> rows[4][4 / LANES];
+    VEK_UNROLL(4)
     for (unsigned int k = 0; k < 4; ++k)
+    {
+        VEK_UNROLL(2)
         for (unsigned int part = 0; part < 4 / LANES; ++part)
             rows[k][part] = vek::LoadPack(other + k * 4 + part * LANES);
+    }
     for (unsigned int i = 0; i < 4; ++i, target += 4)
     {
         vek::Pack<T> sums[4 / LANES] = {};
-#pragma GCC unroll 4
+        VEK_UNROLL(4)
         for (unsigned int k = 0; k < 4; ++k)
-#pragma GCC unroll 2
+        {
+            VEK_UNROLL(2)
             for (unsigned int part = 0; part < 4 / LANES; ++part)
                 sums[part] = sums[part] + vek::Splat(target[k]) * rows[k][part];
+        }
         for (unsigned int part = 0; part < 4 / LANES; ++part)
-            vek::StorePack<T>(target + part * LANES, sums[part]);
+            vek::StorePack(target + part * LANES, sums[part]);
     }
 }
 

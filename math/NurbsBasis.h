@@ -3,6 +3,8 @@
 
 #include "VekNurbs.h"
 
+#include "base/Compiler.h"
+
 namespace vek
 {
 
@@ -62,12 +64,12 @@ template <class T>
 inline void BasisFunctions(T const * knots, unsigned int degree, T parameter, T * basis) noexcept
 {
     basis[0] = T(1);
-#pragma GCC unroll 6
+    VEK_UNROLL(6)
     for (unsigned int j = 1; j <= degree; ++j)
     {
         T const * const lower = knots + 1 - j;
         T saved = T(0);
-#pragma GCC unroll 6
+        VEK_UNROLL(6)
         for (unsigned int r = 0; r < j; ++r)
         {
             T const ratio = (parameter - lower[r]) / (knots[r + 1] - lower[r]);

@@ -3,6 +3,7 @@
 
 #include "VekNurbs.h"
 
+#include "base/Compiler.h"
 #include "math/NurbsBasis.h"
 #include "math/NurbsBezier.h"
 
@@ -23,7 +24,7 @@ inline CVekVector3D<T> PointOnSpan(CVekVector4D<T> const * points, T const * kno
     T y = points[0].y * basis[0];
     T z = points[0].z * basis[0];
     T w = points[0].w * basis[0];
-#pragma GCC unroll 6
+    VEK_UNROLL(6)
     for (unsigned int i = 1; i <= (DEGREE ? DEGREE : degree); ++i)
     {
         x += points[i].x * basis[i];

@@ -1,41 +1,89 @@
 #pragma once
 
-#include <string.h>
+#include <emmintrin.h>
+#include <stddef.h>
 
 namespace vek
 {
 
-/// 16 bytes of numbers that one instruction works on; + - * / work lane by lane with the rounding of single ones.
+/// 16 bytes of numbers that one instruction works on; + - * work lane by lane with the rounding of single ones.
 template <class T>
-struct PackOf
+struct Pack;
+
+template <>
+struct Pack<float>
 {
-    typedef T Type __attribute__((vector_size(16)));
-    static constexpr size_t LANES = 16 / sizeof(T);
+    static constexpr size_t LANES = 4;
+    __m128 value;
 };
-template <class T>
-using Pack = typename PackOf<T>::Type;
+
+template <>
+struct Pack<double>
+{
+    static constexpr size_t LANES = 2;
+    __m128d value;
+};
+
+inline Pack<float> operator+(Pack<float> a, Pack<float> b) noexcept
+{
+    return {_mm_add_ps(a.value, b.value)};
+}
+inline Pack<double> operator+(Pack<double> a, Pack<double> b) noexcept
+{
+    return {_mm_add_pd(a.value, b.value)};
+}
+inline Pack<float> operator-(Pack<float> a, Pack<float> b) noexcept
+{
+    return {_mm_sub_ps(a.value, b.value)};
+}
+inline Pack<double> operator-(Pack<double> a, Pack<double> b) noexcept
+{
+    return {_mm_sub_pd(a.value, b.value)};
+}
+inline Pack<float> operator*(Pack<float> a, Pack<float> b) noexcept
+{
+    return {_mm_mul_ps(a.value, b.value)};
+}
+inline Pack<double> operator*(Pack<double> a, Pack<double> b) noexcept
+{
+    return {_mm_mul_pd(a.value, b.value)};
+}
 
 /// From and to any address.
-template <class T>
-inline Pack<T> LoadPack(T const * source) noexcept
+inline Pack<float> LoadPack(float const * source) noexcept
 {
-    Pack<T> pack;
-    memcpy(&pack, source, sizeof pack);
-    return pack;
+    return {_mm_loadu_ps(source)};
 }
-template <class T>
-inline void StorePack(T * target, Pack<T> const & pack) noexcept
+inline Pack<double> LoadPack(double const * source) noexcept
 {
-    memcpy(target, &pack, sizeof pack);
+    return {_mm_loadu_pd(source)};
+}
+inline void StorePack(float * target, Pack<float> pack) noexcept
+{
+    _mm_storeu_ps(target, pack.value);
+}
+inline void StorePack(double * target, Pack<double> pack) noexcept
+{
+    _mm_storeu_pd(target, pack.value);
+}
+
+/// From an address that is a multiple of 16.
+inline Pack<float> LoadAlignedPack(float const * source) noexcept
+{
+    return {_mm_load_ps(source)};
+}
+inline Pack<double> LoadAlignedPack(double const * source) noexcept
+{
+    return {_mm_load_pd(source)};
 }
 
 inline Pack<float> Splat(float value) noexcept
 {
-    return Pack<float>{value, value, value, value};
+    return {_mm_set1_ps(value)};
 }
 inline Pack<double> Splat(double value) noexcept
 {
-    return Pack<double>{value, value};
+    return {_mm_set1_pd(value)};
 }
 
 } // namespace vek

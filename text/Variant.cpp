@@ -14,7 +14,12 @@ struct VEK_VARIANT::Layout
 {
     static_assert(sizeof(m_value) == 16 && alignof(InlineValue) == 8 && sizeof(GUID) == 16);
     static_assert(sizeof(m_narrowText) == sizeof(void *) && sizeof(m_wideText) == sizeof(void *));
+#if defined(_MSC_VER)
+    // Here the table's pointer takes as much room as the strictest member is aligned to.
+    static_assert(sizeof(VEK_VARIANT) == (sizeof(void *) == 4 ? 48 : 64));
+#else
     static_assert(sizeof(VEK_VARIANT) == (sizeof(void *) == 4 ? 40 : 64));
+#endif
 };
 
 template <class T>

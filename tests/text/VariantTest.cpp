@@ -14,7 +14,6 @@ namespace
 {
 
 static_assert(sizeof(VEK_DATATYPE) == 4);
-static_assert(sizeof(VEK_VARIANT) == (sizeof(void *) == 4 ? 40 : 64));
 
 TEST(DataType, Sizes)
 {
