@@ -106,13 +106,13 @@ TEST(MemoryIOStream, Blocks)
     std::wstring const backwards = prefix + L"SetPosition --> Invalid position specified. Overflow";
     std::tuple<char const *, int, unsigned int, bool, bool, int> const rows[] = {
         // clang-format off
-        {"all but the last byte", 0, 7, true, true, 7}, {"deliberate: never the last byte", 0, 8, true, false, 0},
-        {"deliberate: not from the middle either", 5, 3, true, false, 5}, {"nothing", 3, 0, true, true, 3},
-        {"deliberate: not even nothing at the end", 8, 0, true, false, 8}, {"beyond the end", 100, 1, true, false, 100},
+        {"all but the last byte", 0, 7, true, true, 7}, {"kept: never the last byte", 0, 8, true, false, 0},
+        {"kept: not from the middle either", 5, 3, true, false, 5}, {"nothing", 3, 0, true, true, 3},
+        {"kept: not even nothing at the end", 8, 0, true, false, 8}, {"beyond the end", 100, 1, true, false, 100},
         {"a length that wraps", 4, 0xFFFFFFFFu, true, false, 4},
         {"a length that wraps to the start", 4, 0xFFFFFFFCu, true, false, 4},
-        {"deliberate: without advance the position moves and a message appears", 2, 3, false, true, 5},
-        {"deliberate: for nothing too", 2, 0, false, true, 2}, {"refused without advance", 2, 6, false, false, 2},
+        {"kept: without advance the position moves and a message appears", 2, 3, false, true, 5},
+        {"kept: for nothing too", 2, 0, false, true, 2}, {"refused without advance", 2, 6, false, false, 2},
         // clang-format on
     };
     for (auto const & [name, before, count, advance, done, after] : rows)
@@ -245,7 +245,7 @@ TEST(MemoryIOStream, Printf)
     EXPECT_FALSE(open.stream.Printf(static_cast<wchar_t const *>(nullptr)));
 }
 
-TEST(MemoryIOStream, DeliberateScanfReadsFromTheStart)
+TEST(MemoryIOStream, KeptScanfReadsFromTheStart)
 {
     OpenStream open(12);
     open.Fill("12 34 567890"); // no terminator in the block

@@ -196,8 +196,8 @@ TEST_F(Lexer, AddsAndRemoves)
 {
     std::wstring const sixteen = Many(16, L'#');
     EXPECT_EQ(lexer->AddComment(sixteen.c_str(), sixteen.c_str()), 1);
-    EXPECT_EQ(lexer->AddComment((sixteen + L"#").c_str(), L"a"), 17) << "deliberate: a refusal is not 0";
-    EXPECT_EQ(lexer->AddComment(L"a", (sixteen + L"##").c_str()), 18) << "deliberate: a refusal is not 0";
+    EXPECT_EQ(lexer->AddComment((sixteen + L"#").c_str(), L"a"), 17) << "kept: a refusal is not 0";
+    EXPECT_EQ(lexer->AddComment(L"a", (sixteen + L"##").c_str()), 18) << "kept: a refusal is not 0";
     EXPECT_EQ(lexer->AddComment(nullptr, L"a") + lexer->AddComment(L"a", nullptr), 0);
     EXPECT_FALSE(lexer->AddKeyword(nullptr, 0, false) || lexer->AddOperator(nullptr, 0));
     Register(*lexer, {L"k:key", L"o:+"});

@@ -32,14 +32,14 @@ TYPED_TEST(Path, Parts)
         {'N', "x\\abc", 0, "", 2}, {'N', "x\\abc", INT_MIN, "", 2}, {'N', "x\\abc", INT_MAX, "abc", 2},
         {'E', "a\\b.c.d", -1, "d", 6}, {'E', "a.b\\c", -1, "c", 4}, {'E', "", -1, "", -1}, {'E', "a.txt", 2, "tx", 2},
         {'E', "a.", -1, "", 2}, {'E', ".rc", -1, "rc", 1},
-        {'E', "dir\\file", -1, "file", 4}, // deliberate: without a dot the file name is the extension
-        {'E', "file", -1, "file", 0}, // deliberate: or the whole path
-        {'D', "C:\\dir\\file.txt", -1, "C:\\di", -1}, // deliberate: one character short, all of them
+        {'E', "dir\\file", -1, "file", 4}, // kept: without a dot the file name is the extension
+        {'E', "file", -1, "file", 0}, // kept: or the whole path
+        {'D', "C:\\dir\\file.txt", -1, "C:\\di", -1}, // kept: one character short, all of them
         {'D', "a\\c", -1, "", -1}, {'D', "C:\\dir\\file.txt", 3, "C:\\", -1}, {'D', "file.txt", -1, "", -1},
         {'D', "\\file.txt", -1, "", -1}, {'D', "", -1, "", -1}, {'D', "abcd\\x", 0, "", -1},
         {'D', "abcd\\x", -2, "", -1}, {'D', "abcd/", INT_MAX, "abc", -1}, {'W', "dir\\file.txt", -1, "dir\\file", -1},
         {'W', "a.b.c", -1, "a.b", -1}, {'W', "dir\\file.txt", 3, "dir", -1},
-        {'W', "dir\\file", -1, "dir", -1}, // deliberate: a name without a dot is removed
+        {'W', "dir\\file", -1, "dir", -1}, // kept: a name without a dot is removed
         {'W', "\\file", -1, "", -1}, {'W', "dir\\", -1, "dir\\", -1}, {'W', "dir\\x.", -1, "dir\\x.", -1},
         {'W', "", -1, "", -1}, {'W', "file", -1, "file", -1}, {'W', "file", 2, "fi", -1}, {'W', "a.b", -2, "", -1},
         {'W', "file", -2, "", -1}, {'W', "a.b", INT_MAX, "a", -1},

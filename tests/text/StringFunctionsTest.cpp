@@ -86,7 +86,7 @@ TYPED_TEST(StringFunctions, Compare)
     EXPECT_TRUE(empty.Compare(none) == 0 && full.Compare(none) == -1 && empty == none && full > none && none < full);
 }
 
-TEST(StringFunctionsWidth, DeliberateNarrowCharactersAreComparedSigned)
+TEST(StringFunctionsWidth, KeptNarrowCharactersAreComparedSigned)
 {
     EXPECT_EQ(VekStrCompareA("a\xE9", "az", true), -1);
     EXPECT_EQ(VekStrCompareW(L"a\x00E9", L"az", true), 1);
@@ -177,7 +177,7 @@ TYPED_TEST(StringFunctions, Numbers)
     }
 }
 
-TEST(Convert, DeliberateBySignExtensionAndLowByte)
+TEST(Convert, KeptBySignExtensionAndLowByte)
 {
     wchar_t wide[8];
     char narrow[8];

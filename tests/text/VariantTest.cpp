@@ -139,7 +139,7 @@ TYPED_TEST(Variant, WithoutAnObjectOfTheTypeReadsZerosAndIgnoresAssignment)
         }
 }
 
-TEST(VariantRules, DeliberateAssigningNeverChangesTheTypeButCopyingDoes)
+TEST(VariantRules, KeptAssigningNeverChangesTheTypeButCopyingDoes)
 {
     VEK_VARIANT variant(5);
     variant = 2.5f;
@@ -186,7 +186,7 @@ TEST(VariantRules, Buffer)
     EXPECT_TRUE(taken.GetType() == 21 && taken.GetBufferSize() == 5);
 }
 
-TEST(VariantRules, DeliberateCopiesShareTheObjectUntilTheyAreDetached)
+TEST(VariantRules, KeptCopiesShareTheObjectUntilTheyAreDetached)
 {
     VEK_VARIANT const source(CVekVector4D<int>(1, 2, 3, 4));
     VEK_VARIANT copy(source), target(1);

@@ -185,7 +185,7 @@ TEST(MultiLock, WaitingForAnyGivesBackTheOneThatEndedTheWait)
     }
 }
 
-TEST(MultiLock, DeliberateWaitingForAllGivesNothingBack)
+TEST(MultiLock, KeptWaitingForAllGivesNothingBack)
 {
     CVekMutex first, second;
     CVekSyncObject * objects[] = {&first, &second};

@@ -21,7 +21,7 @@ TEST_F(XMLDocument, TypeIsKeptEncodingIsNot)
         EXPECT_TRUE(m_document->SetDocumentType(name));
         EXPECT_STREQ(m_document->GetDocumentType(), name ? name : L"");
         EXPECT_TRUE(m_document->SetEncoding(name));
-        EXPECT_STREQ(m_document->GetEncoding(), L"UTF-8") << "deliberate: the encoding stays for life";
+        EXPECT_STREQ(m_document->GetEncoding(), L"UTF-8") << "kept: the encoding stays for life";
     }
 }
 

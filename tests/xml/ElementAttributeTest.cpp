@@ -114,7 +114,7 @@ TEST(XMLElementAttributes, VariantTexts)
     std::tuple<VEK_VARIANT, std::wstring, char const *> const rows[] = {
         // clang-format off
         {true, L"TRUE", "1 bool"}, {false, L"FALSE", "1 bool"},
-        {twoInBool, L"FALSE", "1 deliberate: only a stored 1 is true"},
+        {twoInBool, L"FALSE", "1 kept: only a stored 1 is true"},
         {static_cast<unsigned char>(200), L"200", "2 byte"},
         {'z', L"z", "3 character"}, {'\0', L"", "3 zero ends the text"},
         {static_cast<char>(-23), L"\xFFE9", "3 kept: a narrow character is sign-extended"},

@@ -27,11 +27,11 @@ TEST_F(ParserTest, BuildsTheTree)
         {"ISO-8859-1", "<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'/>", L"a[v=\u00E9]", true},
         {"UTF-16 little-endian", "\xFF\xFE<\0a\0 \0v\0=\0'\0\xAC\x20'\0/\0>\0"s, L"a[v=\u20AC]", true},
         {"UTF-16 big-endian", "\xFE\xFF\0<\0a\0 \0v\0=\0'\x20\xAC\0'\0/\0>"s, L"a[v=\u20AC]", true},
-        {"deliberate: an unclosed element is no error", "<a><b>", L"a{b}", false},
-        {"deliberate: a cut tag is no error", "<a><b/><c at", L"a{b}", false},
-        {"deliberate: no element at all is no error", "<!-- nothing -->", L"", false},
-        {"deliberate: an empty text is no error", "", L"", false},
-        {"deliberate: nor a declaration alone", "<?xml version='1.0'?>", L"", false},
+        {"kept: an unclosed element is no error", "<a><b>", L"a{b}", false},
+        {"kept: a cut tag is no error", "<a><b/><c at", L"a{b}", false},
+        {"kept: no element at all is no error", "<!-- nothing -->", L"", false},
+        {"kept: an empty text is no error", "", L"", false},
+        {"kept: nor a declaration alone", "<?xml version='1.0'?>", L"", false},
         {"what is cut after the root is not missed", "<a/> <!-- cut", L"a", true},
     };
     CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
@@ -174,7 +174,7 @@ TEST_F(ParserTest, ReportsWhatCantBeRead)
     EXPECT_EQ(m_log.Take(), L"CVekXMLParser::ParseXMLFile --> Document is NULL\n"
                             L"CVekXMLParser::ParseXMLFile --> Document is NULL");
     std::wstring const empty = WriteFileBytes(L"empty.xml", "");
-    EXPECT_TRUE(parser->ParseXMLFile(empty.c_str(), document.Get())) << "deliberate: an empty file is no error";
+    EXPECT_TRUE(parser->ParseXMLFile(empty.c_str(), document.Get())) << "kept: an empty file is no error";
     EXPECT_EQ(m_log.Take(), L"");
     EXPECT_FALSE(parser->ParseXMLFile(nullptr, document.Get()));
     EXPECT_EQ(m_log.Take(),

@@ -67,7 +67,7 @@ TEST_F(WriterTest, WritesElements)
         {"CDATA before children", "<a><b/><![CDATA[t]]></a>", "<a>\n<![CDATA[t]]>\n   <b/>\n</a>\n"},
         {"empty CDATA keeps the tags apart", "<a><![CDATA[]]></a>", "<a>\n</a>\n"},
         {"two- and three-byte characters", "<a v='\xC3\xA9\xE2\x82\xAC'/>", "<a v=\"\xC3\xA9\xE2\x82\xAC\"/>\n"},
-        {"deliberate: halves of a pair are not combined", "<a v='\xF0\x9F\x98\x80'/>",
+        {"kept: halves of a pair are not combined", "<a v='\xF0\x9F\x98\x80'/>",
          "<a v=\"\xED\xA0\xBD\xED\xB8\x80\"/>\n"},
         {"a type without rules is omitted", "<!DOCTYPE a><a/>", "<a/>\n"},
         {"so are lists without rules", "<!DOCTYPE a [<!ATTLIST a id ID #REQUIRED>]><a/>", "<a/>\n"},
@@ -103,11 +103,10 @@ TEST_F(WriterTest, WritesTheDocumentType)
     std::tuple<char const *, char const *, char const *> const rows[] = {
         {"empty", "<!ELEMENT e EMPTY>", "<!ELEMENT e EMPTY>\n"},
         {"text", "<!ELEMENT e (#PCDATA)>", "<!ELEMENT e ( #PCDATA )>\n"},
-        {"deliberate: any content is an empty group", "<!ELEMENT e ANY>", "<!ELEMENT e\n(\n)>\n"},
-        {"deliberate: one or more has no mark", "<!ELEMENT e (a,b?,c*,d+)>",
-         "<!ELEMENT e\n(\n a, \n b?, \n c*, \n d\n)>\n"},
-        {"deliberate: a choice reads as a sequence", "<!ELEMENT e (a|b)>", "<!ELEMENT e\n(\n a, \n b\n)>\n"},
-        {"deliberate: a group reads as a choice", "<!ELEMENT e (a,(b,c?)*)>",
+        {"kept: any content is an empty group", "<!ELEMENT e ANY>", "<!ELEMENT e\n(\n)>\n"},
+        {"kept: one or more has no mark", "<!ELEMENT e (a,b?,c*,d+)>", "<!ELEMENT e\n(\n a, \n b?, \n c*, \n d\n)>\n"},
+        {"kept: a choice reads as a sequence", "<!ELEMENT e (a|b)>", "<!ELEMENT e\n(\n a, \n b\n)>\n"},
+        {"kept: a group reads as a choice", "<!ELEMENT e (a,(b,c?)*)>",
          "<!ELEMENT e\n(\n a, \n ( \n b |\n c? \n )*\n)>\n"},
         {"groups in groups", "<!ELEMENT e ((a,(b|c)?,d)+,f)>",
          "<!ELEMENT e\n(\n ( \n a |\n ( \n b |\n c \n )?, \n d \n ), \n f\n)>\n"},
@@ -116,7 +115,7 @@ TEST_F(WriterTest, WritesTheDocumentType)
         {"attributes", "<!ELEMENT e EMPTY><!ATTLIST e id ID #REQUIRED a-name-longer-than-columns CDATA #REQUIRED>",
          "<!ELEMENT e EMPTY>\n<!ATTLIST e\n id                   ID #REQUIRED\n"
          " a-name-longer-than-columns CDATA #REQUIRED\n>\n"},
-        {"deliberate: no default of an optional attribute", "<!ELEMENT e EMPTY><!ATTLIST e note CDATA #IMPLIED>",
+        {"kept: no default of an optional attribute", "<!ELEMENT e EMPTY><!ATTLIST e note CDATA #IMPLIED>",
          "<!ELEMENT e EMPTY>\n<!ATTLIST e\n note                      CDATA\n>\n"},
     };
     for (auto const & [name, declarations, written] : rows)
@@ -142,7 +141,7 @@ TEST_F(WriterTest, EncodesAsTheDocumentSays)
          L"CVekXMLWriter::SetEncodingType --> Encoding not supported UTF-32"},
         {L"UTF-16", LITTLE, LITTLE, std::string("\xFF\xFE<\0", 4), littleUnits, L""},
         {L"UTF-16", BIG, LITTLE, std::string("\xFE\xFF\0<", 4), bigUnits, L""},
-        // deliberate: the stream's order is marked, but equal orders reverse nothing, so these marks belie the units
+        // kept: the stream's order is marked, but equal orders reverse nothing, so these marks belie the units
         {L"UTF-16", BIG, BIG, std::string("\xFE\xFF<\0", 4), littleUnits, L""},
         {L"UTF-16", LITTLE, BIG, std::string("\xFF\xFE\0<", 4), bigUnits, L""},
         // clang-format on
