@@ -38,5 +38,5 @@ for preset in "${presets[@]}"; do
         status=1
     fi
 done
-[ -z "$checks" ] || step "static checks, still" check-static checks_end
+[ -z "$checks" ] || step "static checks" check-static checks_end
 exit $status
