@@ -17,6 +17,19 @@ namespace
 
 constexpr int INDEXED_FROM = 32;
 
+// Adds the entries that it doesn't know yet; false when memory is exhausted.
+bool AddToIndex(vek::NameIndex & index, CVekPointerArray<CVekTypedDataEntry> const & entries) noexcept
+{
+    bool added = true;
+    while (added && index.Count() < entries.GetCount())
+    {
+        CVekString<wchar_t> const & name = entries[index.Count()]->GetName();
+        vek::SoughtName const sought{vek::GivenText(name)};
+        added = index.AddFirst(name, [&](int other) { return sought.Is(entries[other]->GetName()); });
+    }
+    return added;
+}
+
 } // namespace
 
 CVekTypedDataReader::CVekTypedDataReader() = default;
@@ -86,7 +99,7 @@ bool CVekTypedDataReader::ReadEntry(vek::TypedDataSource & source)
     // Kept: an entry for which the list can't grow is dropped, and reading goes on.
     if (!m_entries.Append(entry))
         delete entry;
-    else if (m_index && !AddToIndex(*m_index))
+    else if (m_index && !AddToIndex(*m_index, m_entries))
         DropIndex();
     return true;
 }
@@ -145,23 +158,10 @@ vek::NameIndex const * CVekTypedDataReader::FindIndex() const
 vek::NameIndex * CVekTypedDataReader::MakeIndex() const
 {
     auto * const index = new (std::nothrow) vek::NameIndex;
-    if (index && index->Reserve(static_cast<size_t>(m_entries.GetCount())) && AddToIndex(*index))
+    if (index && index->Reserve(static_cast<size_t>(m_entries.GetCount())) && AddToIndex(*index, m_entries))
         return index;
     delete index;
     return nullptr;
-}
-
-// Adds the entries that it doesn't know yet; false when memory is exhausted.
-bool CVekTypedDataReader::AddToIndex(vek::NameIndex & index) const
-{
-    bool added = true;
-    while (added && index.Count() < m_entries.GetCount())
-    {
-        CVekString<wchar_t> const & name = m_entries[index.Count()]->m_name;
-        vek::SoughtName const sought{vek::GivenText(name)};
-        added = index.AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); });
-    }
-    return added;
 }
 
 void CVekTypedDataReader::DropIndex()
