@@ -64,17 +64,17 @@ bool CVekTypedDataReader::Read(IVekIOStream * stream)
 
 bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source)
 {
-    constexpr size_t smallestEntry = 8;
-    constexpr int unproven = 4096; // entries of a stream that can't tell whether it holds them
+    constexpr size_t SMALLEST_ENTRY = 8;
+    constexpr int UNPROVEN = 4096; // entries of a stream that can't tell whether it holds them
     int count = 0;
     if (!source.Get(count))
         return false;
     // Kept: a negative number of entries is as good as none.
     if (count < 1)
         return true;
-    if (!source.Holds(static_cast<size_t>(count), smallestEntry) || count > INT_MAX - m_entries.GetCount())
+    if (!source.Holds(static_cast<size_t>(count), SMALLEST_ENTRY) || count > INT_MAX - m_entries.GetCount())
         return false;
-    int const room = source.KnowsSize() || count < unproven ? count : unproven;
+    int const room = source.KnowsSize() || count < UNPROVEN ? count : UNPROVEN;
     if (!m_entries.Reserve(m_entries.GetCount() + room))
         return false;
     for (int i = 0; i < count; ++i)
@@ -107,13 +107,13 @@ bool CVekTypedDataReader::ReadEntry(vek::TypedDataSource & source)
 // Reads the name and the type and makes the entry of them.
 CVekTypedDataEntry * CVekTypedDataReader::NewEntry(vek::TypedDataSource & source, int nameLength)
 {
-    constexpr int shortLength = 1024;
-    wchar_t shortName[shortLength + 1];
+    constexpr int SHORT_LENGTH = 1024;
+    wchar_t shortName[SHORT_LENGTH + 1];
     vek::Buffer<wchar_t> longName;
     wchar_t const * name = shortName;
     if (nameLength < 0)
         return nullptr;
-    if (nameLength > shortLength)
+    if (nameLength > SHORT_LENGTH)
     {
         if (!vek::LoadUnits(source, nameLength, longName))
             return nullptr;

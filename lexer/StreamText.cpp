@@ -72,8 +72,8 @@ uint32_t TakeCharacter(uint8_t const *& at, uint8_t const * end) noexcept
             return REPLACEMENT;
         character = character << 6 | (at[i] & 0x3FU);
     }
-    constexpr uint32_t lowest[4] = {0, 0x80, 0x800, 0x10000};
-    if (character < lowest[more] || character > 0x10FFFF || (character & 0xFFFFF800U) == 0xD800)
+    constexpr uint32_t LOWEST[4] = {0, 0x80, 0x800, 0x10000};
+    if (character < LOWEST[more] || character > 0x10FFFF || (character & 0xFFFFF800U) == 0xD800)
         return REPLACEMENT;
     at += more;
     return character;
