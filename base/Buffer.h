@@ -45,10 +45,10 @@ public:
     {
         if (capacity <= m_capacity)
             return true;
-        constexpr size_t limit = PTRDIFF_MAX / sizeof(T);
-        if (capacity > limit)
+        constexpr size_t LIMIT = PTRDIFF_MAX / sizeof(T);
+        if (capacity > LIMIT)
             return false;
-        size_t grown = m_capacity < 16 ? 16 : (m_capacity > limit / 2 ? limit : m_capacity * 2);
+        size_t grown = m_capacity < 16 ? 16 : (m_capacity > LIMIT / 2 ? LIMIT : m_capacity * 2);
         if (grown < capacity)
             grown = capacity;
         auto * const data = static_cast<T *>(realloc(m_data, grown * sizeof(T)));

@@ -25,10 +25,10 @@ bool CVekPointerArrayBase::Grow() noexcept
 
 bool CVekPointerArrayBase::Reserve(int capacity) noexcept
 {
-    constexpr int limit = INT_MAX / static_cast<int>(2 * sizeof(void *));
+    constexpr int LIMIT = INT_MAX / static_cast<int>(2 * sizeof(void *));
     if (capacity <= m_capacity)
         return true;
-    if (capacity > limit)
+    if (capacity > LIMIT)
         return false;
     if (!m_storage || BlockBytes(capacity) > BlockBytes(m_capacity))
     {

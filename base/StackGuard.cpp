@@ -13,9 +13,9 @@ extern "C"
     /// Called when a function finds the guard above its variables changed.
     [[noreturn]] void __stack_chk_fail()
     {
-        constexpr UINT stackBufferOverrun = 0xC0000409;
+        constexpr UINT STACK_BUFFER_OVERRUN = 0xC0000409;
         for (;;)
-            TerminateProcess(GetCurrentProcess(), stackBufferOverrun);
+            TerminateProcess(GetCurrentProcess(), STACK_BUFFER_OVERRUN);
     }
 }
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

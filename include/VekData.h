@@ -165,7 +165,6 @@ private:
     CVekTypedDataEntry const * FindTyped(wchar_t const * name, VEK_DATATYPE type) const;
     vek::NameIndex const * FindIndex() const;
     vek::NameIndex * MakeIndex() const;
-    bool AddToIndex(vek::NameIndex & index) const;
     void DropIndex();
     template <class T>
     bool ReadValue(wchar_t const * name, VEK_DATATYPE type, T & value, T const & defaultValue) const;

@@ -17,7 +17,7 @@ bool LoadValue(TypedDataSource & source, VEK_VARIANT & value) noexcept;
 template <class T>
 bool LoadUnits(TypedDataSource & source, int count, Buffer<T> & units) noexcept
 {
-    constexpr size_t unproven = 16 * 1024; // values of a stream that can't tell whether it holds them
+    constexpr size_t UNPROVEN = 16 * 1024; // values of a stream that can't tell whether it holds them
     if (count < 0 || !source.Holds(static_cast<size_t>(count), sizeof(T)))
         return false;
     auto left = static_cast<size_t>(count);
@@ -25,7 +25,7 @@ bool LoadUnits(TypedDataSource & source, int count, Buffer<T> & units) noexcept
         return false;
     while (left != 0)
     {
-        size_t const piece = source.KnowsSize() || left < unproven ? left : unproven;
+        size_t const piece = source.KnowsSize() || left < UNPROVEN ? left : UNPROVEN;
         T * const place = units.Extend(piece);
         if (!place || !source.Get(place, piece))
             return false;

@@ -17,6 +17,19 @@ namespace
 
 constexpr int INDEXED_FROM = 32;
 
+// Adds the entries that it doesn't know yet; false when memory is exhausted.
+bool AddToIndex(vek::NameIndex & index, CVekPointerArray<CVekTypedDataEntry> const & entries) noexcept
+{
+    bool added = true;
+    while (added && index.Count() < entries.GetCount())
+    {
+        CVekString<wchar_t> const & name = entries[index.Count()]->GetName();
+        vek::SoughtName const sought{vek::GivenText(name)};
+        added = index.AddFirst(name, [&](int other) { return sought.Is(entries[other]->GetName()); });
+    }
+    return added;
+}
+
 } // namespace
 
 CVekTypedDataReader::CVekTypedDataReader() = default;
@@ -51,17 +64,17 @@ bool CVekTypedDataReader::Read(IVekIOStream * stream)
 
 bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source)
 {
-    constexpr size_t smallestEntry = 8;
-    constexpr int unproven = 4096; // entries of a stream that can't tell whether it holds them
+    constexpr size_t SMALLEST_ENTRY = 8;
+    constexpr int UNPROVEN = 4096; // entries of a stream that can't tell whether it holds them
     int count = 0;
     if (!source.Get(count))
         return false;
     // Kept: a negative number of entries is as good as none.
     if (count < 1)
         return true;
-    if (!source.Holds(static_cast<size_t>(count), smallestEntry) || count > INT_MAX - m_entries.GetCount())
+    if (!source.Holds(static_cast<size_t>(count), SMALLEST_ENTRY) || count > INT_MAX - m_entries.GetCount())
         return false;
-    int const room = source.KnowsSize() || count < unproven ? count : unproven;
+    int const room = source.KnowsSize() || count < UNPROVEN ? count : UNPROVEN;
     if (!m_entries.Reserve(m_entries.GetCount() + room))
         return false;
     for (int i = 0; i < count; ++i)
@@ -86,7 +99,7 @@ bool CVekTypedDataReader::ReadEntry(vek::TypedDataSource & source)
     // Kept: an entry for which the list can't grow is dropped, and reading goes on.
     if (!m_entries.Append(entry))
         delete entry;
-    else if (m_index && !AddToIndex(*m_index))
+    else if (m_index && !AddToIndex(*m_index, m_entries))
         DropIndex();
     return true;
 }
@@ -94,13 +107,13 @@ bool CVekTypedDataReader::ReadEntry(vek::TypedDataSource & source)
 // Reads the name and the type and makes the entry of them.
 CVekTypedDataEntry * CVekTypedDataReader::NewEntry(vek::TypedDataSource & source, int nameLength)
 {
-    constexpr int shortLength = 1024;
-    wchar_t shortName[shortLength + 1];
+    constexpr int SHORT_LENGTH = 1024;
+    wchar_t shortName[SHORT_LENGTH + 1];
     vek::Buffer<wchar_t> longName;
     wchar_t const * name = shortName;
     if (nameLength < 0)
         return nullptr;
-    if (nameLength > shortLength)
+    if (nameLength > SHORT_LENGTH)
     {
         if (!vek::LoadUnits(source, nameLength, longName))
             return nullptr;
@@ -145,23 +158,10 @@ vek::NameIndex const * CVekTypedDataReader::FindIndex() const
 vek::NameIndex * CVekTypedDataReader::MakeIndex() const
 {
     auto * const index = new (std::nothrow) vek::NameIndex;
-    if (index && index->Reserve(static_cast<size_t>(m_entries.GetCount())) && AddToIndex(*index))
+    if (index && index->Reserve(static_cast<size_t>(m_entries.GetCount())) && AddToIndex(*index, m_entries))
         return index;
     delete index;
     return nullptr;
-}
-
-// Adds the entries that it doesn't know yet; false when memory is exhausted.
-bool CVekTypedDataReader::AddToIndex(vek::NameIndex & index) const
-{
-    bool added = true;
-    while (added && index.Count() < m_entries.GetCount())
-    {
-        CVekString<wchar_t> const & name = m_entries[index.Count()]->m_name;
-        vek::SoughtName const sought{vek::GivenText(name)};
-        added = index.AddFirst(name, [&](int other) { return sought.Is(m_entries[other]->m_name); });
-    }
-    return added;
 }
 
 void CVekTypedDataReader::DropIndex()

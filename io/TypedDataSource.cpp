@@ -1,8 +1,7 @@
 #include "io/TypedDataSource.h"
 
 #include "base/AsOwn.h"
-
-#include <limits.h>
+#include "base/StreamSize.h"
 
 namespace vek
 {
@@ -45,7 +44,7 @@ void TypedDataSource::Measure() noexcept
 {
     unsigned int const size = m_stream.GetSize();
     int const position = m_stream.GetPosition();
-    if (m_kind == Kind::OfKnownSize && (size == 0 || size == UINT_MAX))
+    if (m_kind == Kind::OfKnownSize && TellsNoSize(size))
         m_kind = Kind::OfUnknownSize;
     else if (position >= 0 && static_cast<unsigned int>(position) < size)
         m_beyond = size - static_cast<unsigned int>(position);

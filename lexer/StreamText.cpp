@@ -1,6 +1,7 @@
 #include "lexer/StreamText.h"
 
 #include "base/AsOwn.h"
+#include "base/StreamSize.h"
 
 #include <limits.h>
 #include <stdint.h>
@@ -13,10 +14,9 @@ namespace
 constexpr unsigned int PIECE = 64 * 1024;
 constexpr uint32_t REPLACEMENT = 0xFFFD;
 
-// Of a host's stream; the library's own always tell it.
-bool TellsNoSize(IVekIOStream & stream, unsigned int size) noexcept
+bool IsHosts(IVekIOStream & stream) noexcept
 {
-    return (size == 0 || size == UINT_MAX) && !AsOwn<CVekFileIOStream>(stream) && !AsOwn<CVekMemoryIOStream>(stream);
+    return !AsOwn<CVekFileIOStream>(stream) && !AsOwn<CVekMemoryIOStream>(stream);
 }
 
 // Byte by byte: only a block's result tells the end, and what a larger one that fails has taken is not known.
@@ -36,7 +36,7 @@ StreamReading ReadBytes(IVekIOStream & stream, Buffer<uint8_t> & bytes) noexcept
 {
     int const position = stream.GetPosition();
     unsigned int const size = stream.GetSize();
-    if (TellsNoSize(stream, size))
+    if (TellsNoSize(size) && IsHosts(stream))
         return ReadToEnd(stream, bytes);
     unsigned int rest =
         position >= 0 && static_cast<unsigned int>(position) < size ? size - static_cast<unsigned int>(position) : 0;
@@ -72,8 +72,8 @@ uint32_t TakeCharacter(uint8_t const *& at, uint8_t const * end) noexcept
             return REPLACEMENT;
         character = character << 6 | (at[i] & 0x3FU);
     }
-    constexpr uint32_t lowest[4] = {0, 0x80, 0x800, 0x10000};
-    if (character < lowest[more] || character > 0x10FFFF || (character & 0xFFFFF800U) == 0xD800)
+    constexpr uint32_t LOWEST[4] = {0, 0x80, 0x800, 0x10000};
+    if (character < LOWEST[more] || character > 0x10FFFF || (character & 0xFFFFF800U) == 0xD800)
         return REPLACEMENT;
     at += more;
     return character;

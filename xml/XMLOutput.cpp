@@ -32,9 +32,9 @@ void XMLOutput::Text(wchar_t const * text, size_t length) noexcept
 void XMLOutput::Spaces(uint64_t count) noexcept
 {
     static constexpr wchar_t SPACES[] = L"                                                                ";
-    constexpr uint64_t length = sizeof SPACES / sizeof SPACES[0] - 1;
-    for (; count > 0 && !m_failed; count -= std::min(count, length))
-        Text(SPACES, static_cast<size_t>(std::min(count, length)));
+    constexpr uint64_t SPACES_LENGTH = sizeof SPACES / sizeof SPACES[0] - 1;
+    for (; count > 0 && !m_failed; count -= std::min(count, SPACES_LENGTH))
+        Text(SPACES, static_cast<size_t>(std::min(count, SPACES_LENGTH)));
 }
 
 void XMLOutput::Bytes(void const * bytes, size_t count) noexcept

@@ -10,17 +10,16 @@ constexpr CommandGroup const * GROUPS[] = {&XML_COMMANDS, &DATA_COMMANDS, &PACKE
 
 } // namespace
 
-void AddCommands(CLI::App & app, Command & command)
+void AddCommands(Command & program)
 {
     std::string overview = "Commands:\n";
     for (CommandGroup const * group : GROUPS)
     {
         overview += group->overview;
-        group->add(app, command);
+        group->add(program);
     }
-    app.footer(overview +
-               "\n\"vek xml set --help\" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.");
-    app.require_subcommand(1);
+    program.SetFooter(overview +
+                      "\n\"vek xml set --help\" and the like tell more. Exit codes: 0 done, 1 failed, 2 wrong usage.");
 }
 
 } // namespace tool

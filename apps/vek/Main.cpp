@@ -1,5 +1,4 @@
 // vek: VekLib's command-line tool. Uses the library through its public headers alone.
-#include "CommandLine.h"
 #include "Commands.h"
 #include "Console.h"
 #include "LogToStderr.h"
@@ -9,12 +8,11 @@ wchar_t const * const tool::PROGRAM_NAME = L"vek";
 int tool::Run(int count, wchar_t ** arguments)
 {
     CommandLine line("VekLib's command-line tool");
-    Command command;
-    AddCommands(line, command);
+    AddCommands(line);
     if (std::optional<int> const code = line.Parse(count, arguments))
         return *code;
     Library const library;
     if (!library.Started())
         return Fail(L"VekLib", L"can't be started");
-    return command();
+    return line.DoWork();
 }

@@ -98,15 +98,15 @@ bool CurveReader::ReadPoints(IVekXMLElement & element)
 /// In the words of the file, not of the library; empty when it is one.
 std::wstring CurveReader::WhyNoCurve(std::size_t degree, std::vector<double> const & knots) const
 {
-    constexpr std::size_t most = CVekNurbsCurve<double>::MAX_POINTS;
+    constexpr std::size_t MOST_POINTS = CVekNurbsCurve<double>::MAX_POINTS;
     std::size_t const count = m_points.size();
     if (count == 0)
         return L"has no <point> inside";
     if (count <= degree)
         return Format(L"degree %u needs at least %u points inside", static_cast<unsigned int>(degree),
                       static_cast<unsigned int>(degree + 1));
-    if (count > most)
-        return Format(L"has more than %u points inside", static_cast<unsigned int>(most));
+    if (count > MOST_POINTS)
+        return Format(L"has more than %u points inside", static_cast<unsigned int>(MOST_POINTS));
     if (knots.empty())
         return L"";
     if (knots.size() != count + degree + 1)

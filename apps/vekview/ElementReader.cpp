@@ -126,17 +126,17 @@ double ElementReader::OptionalNumber(wchar_t const * attribute, double otherwise
 
 Color ElementReader::OptionalColor(Color const & otherwise)
 {
-    constexpr wchar_t const * attribute = L"color";
-    m_known.emplace_back(attribute);
-    if (!Has(attribute))
+    constexpr wchar_t const * ATTRIBUTE = L"color";
+    m_known.emplace_back(ATTRIBUTE);
+    if (!Has(ATTRIBUTE))
         return otherwise;
-    std::vector<double> const numbers = Numbers(attribute, 0);
+    std::vector<double> const numbers = Numbers(ATTRIBUTE, 0);
     auto const isByte = [](double n) { return n >= 0 && n <= 255 && n == std::floor(n); };
     if (numbers.size() >= 3 && numbers.size() <= 4 && std::all_of(numbers.begin(), numbers.end(), isByte))
         return Color(static_cast<unsigned char>(numbers[0]), static_cast<unsigned char>(numbers[1]),
                      static_cast<unsigned char>(numbers[2]), 255);
     if (m_good)
-        ComplainOf(attribute, L"is not 3 or 4 whole numbers from 0 to 255");
+        ComplainOf(ATTRIBUTE, L"is not 3 or 4 whole numbers from 0 to 255");
     return otherwise;
 }
 

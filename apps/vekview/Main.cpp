@@ -5,7 +5,6 @@
 #include "PngFile.h"
 #include "Renderer.h"
 #include "SceneReader.h"
-#include "Utf8.h"
 #include "Window.h"
 #include "XmlFile.h"
 
@@ -28,11 +27,11 @@ Exit codes: 0 done, 1 failed, 2 wrong usage.)";
 
 struct Arguments
 {
-    std::string scene, snapshot, size;
+    std::wstring scene, snapshot;
     int width = 800, height = 600;
 };
 
-/// "800x600"; an empty text when that is right, for the command-line parser.
+/// "800x600"; an empty text when that is right, otherwise what is wrong.
 std::string ParseSize(std::string const & text, Arguments & arguments)
 {
     int end = 0;
@@ -43,14 +42,14 @@ std::string ParseSize(std::string const & text, Arguments & arguments)
     return parsed && inRange ? "" : "\"" + text + "\" is not WIDTHxHEIGHT, each from 1 to 8192";
 }
 
-void AddArguments(CLI::App & app, Arguments & arguments)
+void AddArguments(CommandLine & line, Arguments & arguments)
 {
-    app.footer(HELP);
-    app.add_option("SCENE", arguments.scene, "The scene's XML file")->required()->type_name("");
-    app.add_option("--snapshot", arguments.snapshot, "Draw into a PNG file instead of a window")->type_name("OUT");
-    app.add_option("--size", arguments.size, "The picture's size (800x600)")
-        ->type_name("WxH")
-        ->check([&arguments](std::string const & text) { return ParseSize(text, arguments); });
+    line.AddText("SCENE", arguments.scene, "The scene's XML file")
+        .AddOption("--snapshot", "OUT", arguments.snapshot, "Draw into a PNG file instead of a window")
+        .AddOption(
+            "--size", "WxH", [&arguments](std::string const & text) { return ParseSize(text, arguments); },
+            "The picture's size (800x600)")
+        .SetFooter(HELP);
 }
 
 /// False, after telling the user what is wrong with the file.
@@ -76,8 +75,7 @@ int DrawSnapshot(Scene const & scene, Arguments const & arguments)
     Canvas canvas;
     canvas.Resize(arguments.width, arguments.height);
     Renderer(view, canvas).Draw(scene, -1);
-    std::wstring const path = FromUtf8(arguments.snapshot);
-    return WritePng(canvas, path) ? EXIT_DONE : Fail(path, L"can't be written");
+    return WritePng(canvas, arguments.snapshot) ? EXIT_DONE : Fail(arguments.snapshot, L"can't be written");
 }
 
 } // namespace
@@ -92,7 +90,7 @@ int Run(int count, wchar_t ** texts)
     Library const library;
     if (!library.Started())
         return Fail(L"VekLib", L"can't be started");
-    std::wstring const path = FromUtf8(arguments.scene);
+    std::wstring const & path = arguments.scene;
     Scene scene;
     if (!LoadScene(path, scene))
         return EXIT_FAILED;

@@ -1,5 +1,4 @@
 #include "Commands.h"
-#include "Utf8.h"
 #include "data/DataDump.h"
 #include "data/DataXml.h"
 
@@ -27,43 +26,33 @@ The new file is written beside the old one and takes its place when it is whole.
 /// The arguments of one command, as the parser stores them.
 struct Arguments
 {
-    std::string from, to;
+    std::wstring from, to;
     DataOptions options;
 };
 
-CLI::App * AddCommand(CLI::App * data, char const * name, char const * description, Arguments & arguments)
+Command AddCommand(Command & data, char const * name, char const * description, Arguments & arguments)
 {
-    CLI::App * const command = data->add_subcommand(name, description);
-    command->add_flag("--big-endian", arguments.options.bigEndian, "The data file's values begin with the high byte");
-    return command;
+    return data.AddCommand(name, description)
+        .AddFlag("--big-endian", arguments.options.bigEndian, "The data file's values begin with the high byte");
 }
 
-void Add(CLI::App & app, Command & command)
+void Add(Command & program)
 {
-    auto const arguments = std::make_shared<Arguments>();
-    CLI::App * const data = app.add_subcommand("data", "Show typed data files, and turn them into XML and back");
-    data->require_subcommand(1);
-
-    CLI::App * const dump = AddCommand(data, "dump", "Show a file's entries, a line each", *arguments);
-    AddText(dump, "FILE", arguments->from, "The typed data file");
-    RunWith(dump, arguments, command,
-            [](Arguments const & given) { return RunDataDump(FromUtf8(given.from), given.options); });
-
-    CLI::App * const pack = AddCommand(data, "pack", "Make a typed data file of an XML file", *arguments);
-    AddText(pack, "XML", arguments->from, "The XML file to read");
-    AddText(pack, "OUT", arguments->to, "The typed data file to write");
-    pack->footer(ABOUT_XML);
-    RunWith(pack, arguments, command,
-            [](Arguments const & given)
-            { return RunDataPack(FromUtf8(given.from), FromUtf8(given.to), given.options); });
-
-    CLI::App * const unpack = AddCommand(data, "unpack", "Make an XML file of a typed data file", *arguments);
-    AddText(unpack, "FILE", arguments->from, "The typed data file to read");
-    AddText(unpack, "XML", arguments->to, "The XML file to write");
-    unpack->footer(ABOUT_XML);
-    RunWith(unpack, arguments, command,
-            [](Arguments const & given)
-            { return RunDataUnpack(FromUtf8(given.from), FromUtf8(given.to), given.options); });
+    auto const given = std::make_shared<Arguments>();
+    Command data = program.AddCommand("data", "Show typed data files, and turn them into XML and back");
+    AddCommand(data, "dump", "Show a file's entries, a line each", *given)
+        .AddText("FILE", given->from, "The typed data file")
+        .SetWork([given] { return RunDataDump(given->from, given->options); });
+    AddCommand(data, "pack", "Make a typed data file of an XML file", *given)
+        .AddText("XML", given->from, "The XML file to read")
+        .AddText("OUT", given->to, "The typed data file to write")
+        .SetFooter(ABOUT_XML)
+        .SetWork([given] { return RunDataPack(given->from, given->to, given->options); });
+    AddCommand(data, "unpack", "Make an XML file of a typed data file", *given)
+        .AddText("FILE", given->from, "The typed data file to read")
+        .AddText("XML", given->to, "The XML file to write")
+        .SetFooter(ABOUT_XML)
+        .SetWork([given] { return RunDataUnpack(given->from, given->to, given->options); });
 }
 
 } // namespace

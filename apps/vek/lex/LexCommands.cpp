@@ -1,5 +1,4 @@
 #include "Commands.h"
-#include "Utf8.h"
 #include "lex/Lex.h"
 
 namespace tool
@@ -31,25 +30,16 @@ end of its line, and "escape" is the character that takes its meaning from a quo
 
 The lexer's rules are its own: a minus sign begins a number, 0x is none, and strings stand in double quotes.)help";
 
-void Add(CLI::App & app, Command & command)
+void Add(Command & program)
 {
-    struct Arguments
-    {
-        std::string file, language, html;
-        bool count = false;
-    };
-    auto const arguments = std::make_shared<Arguments>();
-    CLI::App * const lex = app.add_subcommand("lex", "List or count the tokens of a text file");
-    AddText(lex, "FILE", arguments->file, "The file");
-    lex->add_option("--lang", arguments->language, "The language: a name, or an XML file")
-        ->type_name("c|glsl|LANG.xml");
-    lex->add_flag("--count", arguments->count, "Count the tokens by kind");
-    lex->add_option("--html", arguments->html, "Write the text with its tokens coloured")->type_name("OUT");
-    lex->footer(ABOUT_LANGUAGES);
-    RunWith(lex, arguments, command,
-            [](Arguments const & given) {
-                return RunLex({FromUtf8(given.file), FromUtf8(given.language), FromUtf8(given.html), given.count});
-            });
+    auto const request = std::make_shared<LexRequest>();
+    program.AddCommand("lex", "List or count the tokens of a text file")
+        .AddText("FILE", request->file, "The file")
+        .AddOption("--lang", "c|glsl|LANG.xml", request->language, "The language: a name, or an XML file")
+        .AddFlag("--count", request->count, "Count the tokens by kind")
+        .AddOption("--html", "OUT", request->html, "Write the text with its tokens coloured")
+        .SetFooter(ABOUT_LANGUAGES)
+        .SetWork([request] { return RunLex(*request); });
 }
 
 } // namespace

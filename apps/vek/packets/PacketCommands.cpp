@@ -1,5 +1,4 @@
 #include "Commands.h"
-#include "Utf8.h"
 #include "packets/Packets.h"
 
 namespace tool
@@ -22,48 +21,27 @@ dot or blank), is left out with all below it and told of; so is the second of tw
 /// The arguments of one command, as the parser stores them.
 struct Arguments
 {
-    std::string file, folder;
-    std::vector<std::string> paths;
+    std::wstring file, folder;
+    std::vector<std::wstring> paths;
 };
 
-void AddList(CLI::App * packets, std::shared_ptr<Arguments> const & arguments, Command & command)
+void Add(Command & program)
 {
-    CLI::App * const list = packets->add_subcommand("list", "Show a file's packets: size, type and path");
-    AddText(list, "FILE", arguments->file, "The file");
-    RunWith(list, arguments, command, [](Arguments const & given) { return RunPacketsList(FromUtf8(given.file)); });
-}
-
-void AddExtract(CLI::App * packets, std::shared_ptr<Arguments> const & arguments, Command & command)
-{
-    CLI::App * const extract = packets->add_subcommand("extract", "Write a file's packets as files and folders");
-    AddText(extract, "FILE", arguments->file, "The file");
-    extract->add_option("PATH", arguments->paths, "The packets, all when there is none")->type_name("");
-    extract->add_option("-o,--output", arguments->folder, "The folder to write to, made when it is not there")
-        ->required()
-        ->type_name("DIR");
-    extract->footer(ABOUT_EXTRACTING);
-    RunWith(extract, arguments, command,
-            [](Arguments const & given)
-            { return RunPacketsExtract(FromUtf8(given.file), FromUtf8(given.paths), FromUtf8(given.folder)); });
-}
-
-void AddPack(CLI::App * packets, std::shared_ptr<Arguments> const & arguments, Command & command)
-{
-    CLI::App * const pack = packets->add_subcommand("pack", "Write a folder's files and folders as a packet file");
-    AddText(pack, "DIR", arguments->folder, "The folder; links in it are left out");
-    AddText(pack, "FILE", arguments->file, "The file to write or replace");
-    RunWith(pack, arguments, command,
-            [](Arguments const & given) { return RunPacketsPack(FromUtf8(given.folder), FromUtf8(given.file)); });
-}
-
-void Add(CLI::App & app, Command & command)
-{
-    auto const arguments = std::make_shared<Arguments>();
-    CLI::App * const packets = app.add_subcommand("packets", "Read and write files of the packet-file example");
-    packets->require_subcommand(1);
-    AddList(packets, arguments, command);
-    AddExtract(packets, arguments, command);
-    AddPack(packets, arguments, command);
+    auto const given = std::make_shared<Arguments>();
+    Command packets = program.AddCommand("packets", "Read and write files of the packet-file example");
+    packets.AddCommand("list", "Show a file's packets: size, type and path")
+        .AddText("FILE", given->file, "The file")
+        .SetWork([given] { return RunPacketsList(given->file); });
+    packets.AddCommand("extract", "Write a file's packets as files and folders")
+        .AddText("FILE", given->file, "The file")
+        .AddOptionalTexts("PATH", given->paths, "The packets, all when there is none")
+        .AddRequiredOption("-o,--output", "DIR", given->folder, "The folder to write to, made when it is not there")
+        .SetFooter(ABOUT_EXTRACTING)
+        .SetWork([given] { return RunPacketsExtract(given->file, given->paths, given->folder); });
+    packets.AddCommand("pack", "Write a folder's files and folders as a packet file")
+        .AddText("DIR", given->folder, "The folder; links in it are left out")
+        .AddText("FILE", given->file, "The file to write or replace")
+        .SetWork([given] { return RunPacketsPack(given->folder, given->file); });
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "Commands.h"
-#include "Utf8.h"
 #include "xml/XmlCheck.h"
 #include "xml/XmlEdit.h"
 #include "xml/XmlShow.h"
@@ -37,11 +36,13 @@ constexpr char const * ABOUT_PATHS =
     R"(PATH leads from the root element, whose own name is not part of it, by element names separated by slashes: "a/b" is
 the first b in the first a. "/" or "" is the root itself. Names are found without regard to the case of ASCII letters.)";
 
+constexpr char const * ABOUT_PATH = "The way from the root to the element, such as \"a/b\"; \"/\" for the root";
+
 /// The arguments of one command, as the parser stores them.
 struct Arguments
 {
-    std::vector<std::string> files;
-    std::string file, target, path, attribute, value;
+    std::vector<std::wstring> files;
+    std::wstring file, target, path, attribute, value;
     bool create = false;
     bool onlyBad = false;
     int jobs = 0;
@@ -49,107 +50,83 @@ struct Arguments
     EditOptions edit;
 };
 
-void AddEditing(CLI::App * app, Arguments & arguments)
+using GivenArguments = std::shared_ptr<Arguments>;
+
+Command & AddEditing(Command & command, EditOptions & edit)
 {
-    app->add_option("--indent", arguments.edit.save.indentation, "Blanks for each level of depth (3)")
-        ->type_name("N")
-        ->check(CLI::Range(0, 100).description(""));
-    app->add_flag("--no-dtd", arguments.edit.save.noDocumentType, "Leave the document type out");
-    app->add_flag("--drop-text", arguments.edit.dropText, "Replace a file even if text is lost with it");
+    return command.AddOption("--indent", "N", edit.save.indentation, 0, 100, "Blanks for each level of depth (3)")
+        .AddFlag("--no-dtd", edit.save.noDocumentType, "Leave the document type out")
+        .AddFlag("--drop-text", edit.dropText, "Replace a file even if text is lost with it");
 }
 
-void AddInfo(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+void AddReading(Command & xml, GivenArguments const & given)
 {
-    CLI::App * const info = xml->add_subcommand("info", "Show what files hold and how fast they are read");
-    info->add_option("FILE", arguments->files, "The files")->required()->type_name("");
-    RunWith(info, arguments, command, [](Arguments const & given) { return RunXmlInfo(FromUtf8(given.files)); });
+    xml.AddCommand("info", "Show what files hold and how fast they are read")
+        .AddTexts("FILE", given->files, "The files")
+        .SetWork([given] { return RunXmlInfo(given->files); });
+    xml.AddCommand("tree", "Show a file's elements, a line each, values as they are stored")
+        .AddText("FILE", given->file, "The file")
+        .AddOption("--depth", "N", given->depth, 1, 0x7FFFFFFF, "Levels to show")
+        .SetWork([given] { return RunXmlTree(given->file, given->depth); });
+    xml.AddCommand("get", "Print an attribute's value")
+        .AddText("FILE", given->file, "The file")
+        .AddText("PATH", given->path, ABOUT_PATH)
+        .AddText("ATTRIBUTE", given->attribute, "The attribute's name")
+        .SetFooter(ABOUT_PATHS)
+        .SetWork([given] { return RunXmlGet(given->file, given->path, given->attribute); });
 }
 
-void AddTree(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+void AddSet(Command & xml, GivenArguments const & given)
 {
-    CLI::App * const tree =
-        xml->add_subcommand("tree", "Show a file's elements, a line each, values as they are stored");
-    AddText(tree, "FILE", arguments->file, "The file");
-    tree->add_option("--depth", arguments->depth, "Levels to show")
-        ->type_name("N")
-        ->check(CLI::Range(1U, 0x7FFFFFFFU).description(""));
-    RunWith(tree, arguments, command,
-            [](Arguments const & given) { return RunXmlTree(FromUtf8(given.file), given.depth); });
+    Command set = xml.AddCommand("set", "Change or add an attribute");
+    set.AddText("FILE", given->file, "The file, replaced unless there is -o")
+        .AddText("PATH", given->path, ABOUT_PATH)
+        .AddText("ATTRIBUTE", given->attribute, "The attribute's name")
+        .AddText("VALUE", given->value, "The new value; behind \"--\" if it begins with a minus sign")
+        .AddOption("-o,--output", "OUT", given->target, "Write here and leave FILE alone")
+        .AddFlag("--create", given->create, "Add the elements of PATH that are missing");
+    AddEditing(set, given->edit).SetFooter(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_EDITING);
+    set.SetWork(
+        [given]
+        {
+            Arguments const & a = *given;
+            return RunXmlSet({a.file, a.path, a.attribute, a.value, a.target, a.create}, a.edit);
+        });
 }
 
-void AddGet(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+void AddFormat(Command & xml, GivenArguments const & given)
 {
-    CLI::App * const get = xml->add_subcommand("get", "Print an attribute's value");
-    AddText(get, "FILE", arguments->file, "The file");
-    AddText(get, "PATH", arguments->path, "The way from the root to the element, such as \"a/b\"; \"/\" for the root");
-    AddText(get, "ATTRIBUTE", arguments->attribute, "The attribute's name");
-    get->footer(ABOUT_PATHS);
-    RunWith(get, arguments, command,
-            [](Arguments const & given)
-            { return RunXmlGet(FromUtf8(given.file), FromUtf8(given.path), FromUtf8(given.attribute)); });
+    Command format = xml.AddCommand("format", "Write a file anew, indented by depth");
+    format.AddText("IN", given->file, "The file to read")
+        .AddText("OUT", given->target, "The file to write; may be the same");
+    AddEditing(format, given->edit)
+        .SetFooter(ABOUT_EDITING)
+        .SetWork([given] { return RunXmlFormat(given->file, given->target, given->edit); });
 }
 
-void AddSet(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+void AddCheck(Command & xml, GivenArguments const & given)
 {
-    CLI::App * const set = xml->add_subcommand("set", "Change or add an attribute");
-    AddText(set, "FILE", arguments->file, "The file, replaced unless there is -o");
-    AddText(set, "PATH", arguments->path, "The way from the root to the element, such as \"a/b\"; \"/\" for the root");
-    AddText(set, "ATTRIBUTE", arguments->attribute, "The attribute's name");
-    AddText(set, "VALUE", arguments->value, "The new value; behind \"--\" if it begins with a minus sign");
-    set->add_option("-o,--output", arguments->target, "Write here and leave FILE alone")->type_name("OUT");
-    set->add_flag("--create", arguments->create, "Add the elements of PATH that are missing");
-    AddEditing(set, *arguments);
-    set->footer(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_EDITING);
-    RunWith(set, arguments, command,
-            [](Arguments const & given)
+    xml.AddCommand("check", "Read all XML files of folders and tell which are bad")
+        .AddTexts("DIR", given->files, "The folders; a file stands for itself")
+        .AddOption("--jobs", "N", given->jobs, 1, 64, "Worker threads (as many as processors)")
+        .AddFlag("--bad", given->onlyBad, "Print bad files only")
+        .SetFooter("Files are known by their names: .xml, .xsd, .xsl, .xslt, .svg, .rng, .xhtml and .ui. Ctrl-C stops.")
+        .SetWork(
+            [given]
             {
-                SetRequest const request{FromUtf8(given.file),  FromUtf8(given.path),   FromUtf8(given.attribute),
-                                         FromUtf8(given.value), FromUtf8(given.target), given.create};
-                return RunXmlSet(request, given.edit);
+                int const processors = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 64);
+                return RunXmlCheck(given->files, given->jobs ? given->jobs : processors, given->onlyBad);
             });
 }
 
-void AddFormat(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
+void Add(Command & program)
 {
-    CLI::App * const format = xml->add_subcommand("format", "Write a file anew, indented by depth");
-    AddText(format, "IN", arguments->file, "The file to read");
-    AddText(format, "OUT", arguments->target, "The file to write; may be the same");
-    AddEditing(format, *arguments);
-    format->footer(ABOUT_EDITING);
-    RunWith(format, arguments, command,
-            [](Arguments const & given)
-            { return RunXmlFormat(FromUtf8(given.file), FromUtf8(given.target), given.edit); });
-}
-
-void AddCheck(CLI::App * xml, std::shared_ptr<Arguments> const & arguments, Command & command)
-{
-    CLI::App * const check = xml->add_subcommand("check", "Read all XML files of folders and tell which are bad");
-    check->add_option("DIR", arguments->files, "The folders; a file stands for itself")->required()->type_name("");
-    check->add_option("--jobs", arguments->jobs, "Worker threads (as many as processors)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 64).description(""));
-    check->add_flag("--bad", arguments->onlyBad, "Print bad files only");
-    check->footer("Files are known by their names: .xml, .xsd, .xsl, .xslt, .svg, .rng, .xhtml and .ui. Ctrl-C stops.");
-    RunWith(check, arguments, command,
-            [](Arguments const & given)
-            {
-                int const processors = static_cast<int>(std::thread::hardware_concurrency());
-                return RunXmlCheck(FromUtf8(given.files), given.jobs ? given.jobs : std::clamp(processors, 1, 64),
-                                   given.onlyBad);
-            });
-}
-
-void Add(CLI::App & app, Command & command)
-{
-    auto const arguments = std::make_shared<Arguments>();
-    CLI::App * const xml = app.add_subcommand("xml", "Read, change and write XML files");
-    xml->require_subcommand(1);
-    AddInfo(xml, arguments, command);
-    AddTree(xml, arguments, command);
-    AddGet(xml, arguments, command);
-    AddSet(xml, arguments, command);
-    AddFormat(xml, arguments, command);
-    AddCheck(xml, arguments, command);
+    auto const given = std::make_shared<Arguments>();
+    Command xml = program.AddCommand("xml", "Read, change and write XML files");
+    AddReading(xml, given);
+    AddSet(xml, given);
+    AddFormat(xml, given);
+    AddCheck(xml, given);
 }
 
 } // namespace
