@@ -9,11 +9,16 @@ if(NOT DEFINED VEKLIB_DEPS)
         OUTPUT_VARIABLE veklib_deps OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE status)
     set(VEKLIB_DEPS "${veklib_deps}" CACHE PATH "Folder that tools/setup.sh has filled")
 endif()
+# What is built for the target there has to be found whatever the toolchain file says of where to look. It serves this
+# repository's toolchain files; a host's may differ in more than the processor.
 set(veklib_arch ${CMAKE_SYSTEM_PROCESSOR})
+if(MSVC)
+    string(APPEND veklib_arch -msvc)
+endif()
 
 # --- expat ---
 # Its own test vectors hang older versions in the wide configuration.
-find_package(expat 2.8.3 CONFIG QUIET PATHS ${VEKLIB_DEPS}/expat-${veklib_arch} NO_DEFAULT_PATH)
+find_package(expat 2.8.3 CONFIG QUIET PATHS ${VEKLIB_DEPS}/expat-${veklib_arch} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
 if(NOT expat_FOUND)
     message(STATUS "expat: building it here")
     set(EXPAT_CHAR_TYPE wchar_t CACHE STRING "" FORCE)
@@ -37,7 +42,7 @@ target_compile_definitions(veklib_expat INTERFACE XML_UNICODE_WCHAR_T XML_STATIC
 
 # --- GoogleTest ---
 if(VEKLIB_TESTS)
-    find_package(GTest CONFIG QUIET PATHS ${VEKLIB_DEPS}/gtest-${veklib_arch} NO_DEFAULT_PATH)
+    find_package(GTest CONFIG QUIET PATHS ${VEKLIB_DEPS}/gtest-${veklib_arch} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
     if(NOT GTest_FOUND)
         message(STATUS "GoogleTest: building it here")
         set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
