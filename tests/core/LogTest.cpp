@@ -290,7 +290,7 @@ TEST(Exception, ReportsThroughItsTable)
     }
     catch (CVekException & exception)
     {
-        CallSlot(&exception, 2); // behind the destructor's two places
+        CallSlot(&exception, Behind(1));
     }
     EXPECT_EQ(reports, 1);
     CVekException().ReportError();
