@@ -46,6 +46,7 @@ TEST(Log, FormatsTheMessageAndEndsItsLine)
         {"longest", [] { VekLogOutput(0, L"%.4094s", g_tooLong.c_str()); }, longest.c_str()},
         {"one too long is cut", [] { VekLogOutput(0, L"%.4094sy", g_tooLong.c_str()); }, longest.c_str()},
         {"far too long is cut", [] { VekLogOutput(0, L"%s", g_tooLong.c_str()); }, longest.c_str()},
+        {"refused by some runtimes", [] { VekLogOutput(0, L"%n", std::make_unique<int>().get()); }, L""},
         {"no format", [] { VekLogOutput(0, nullptr); }, L""},
     };
     LogCapture log;
