@@ -31,7 +31,8 @@ else()
         # Stack realignment: the 32-bit Windows ABI promises 4 bytes, GCC's SSE spills need 16.
         target_compile_options(veklib_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-msse2 -mfpmath=sse -mstackrealign>)
     endif()
-    target_link_options(veklib_options INTERFACE -fstack-protector-strong)
+    # One DLL and no runtime DLLs beside it: libgcc, libstdc++ and winpthread are linked in.
+    target_link_options(veklib_options INTERFACE -fstack-protector-strong -static)
 endif()
 if(VEKLIB_GUARD)
     # Its checks would count as branches.
