@@ -5,12 +5,12 @@
 
 extern "C"
 {
-__declspec(dllimport) void * __cdecl malloc(size_t);
-__declspec(dllimport) void __cdecl free(void *);
-__declspec(dllimport) void * __cdecl _aligned_malloc(size_t, size_t);
-__declspec(dllimport) void __cdecl _aligned_free(void *);
-__declspec(dllimport) int __cdecl _callnewh(size_t);
-__declspec(dllimport) __declspec(noreturn) void __cdecl abort();
+    __declspec(dllimport) void * __cdecl malloc(size_t);
+    __declspec(dllimport) void __cdecl free(void *);
+    __declspec(dllimport) void * __cdecl _aligned_malloc(size_t, size_t);
+    __declspec(dllimport) void __cdecl _aligned_free(void *);
+    __declspec(dllimport) int __cdecl _callnewh(size_t);
+    __declspec(dllimport) __declspec(noreturn) void __cdecl abort();
 }
 
 static void * Allocate(size_t size)

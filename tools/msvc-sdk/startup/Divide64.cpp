@@ -46,30 +46,30 @@ uint64_t Magnitude(int64_t value)
 extern "C"
 {
 
-uint64_t __stdcall DivideUnsigned(uint64_t dividend, uint64_t divisor) __asm__("__aulldiv");
-uint64_t __stdcall DivideUnsigned(uint64_t dividend, uint64_t divisor)
-{
-    return Divide(dividend, divisor).quotient;
-}
+    uint64_t __stdcall DivideUnsigned(uint64_t dividend, uint64_t divisor) __asm__("__aulldiv");
+    uint64_t __stdcall DivideUnsigned(uint64_t dividend, uint64_t divisor)
+    {
+        return Divide(dividend, divisor).quotient;
+    }
 
-uint64_t __stdcall RestUnsigned(uint64_t dividend, uint64_t divisor) __asm__("__aullrem");
-uint64_t __stdcall RestUnsigned(uint64_t dividend, uint64_t divisor)
-{
-    return Divide(dividend, divisor).rest;
-}
+    uint64_t __stdcall RestUnsigned(uint64_t dividend, uint64_t divisor) __asm__("__aullrem");
+    uint64_t __stdcall RestUnsigned(uint64_t dividend, uint64_t divisor)
+    {
+        return Divide(dividend, divisor).rest;
+    }
 
-int64_t __stdcall DivideSigned(int64_t dividend, int64_t divisor) __asm__("__alldiv");
-int64_t __stdcall DivideSigned(int64_t dividend, int64_t divisor)
-{
-    uint64_t const quotient = Divide(Magnitude(dividend), Magnitude(divisor)).quotient;
-    return static_cast<int64_t>((dividend < 0) != (divisor < 0) ? 0 - quotient : quotient);
-}
+    int64_t __stdcall DivideSigned(int64_t dividend, int64_t divisor) __asm__("__alldiv");
+    int64_t __stdcall DivideSigned(int64_t dividend, int64_t divisor)
+    {
+        uint64_t const quotient = Divide(Magnitude(dividend), Magnitude(divisor)).quotient;
+        return static_cast<int64_t>((dividend < 0) != (divisor < 0) ? 0 - quotient : quotient);
+    }
 
-int64_t __stdcall RestSigned(int64_t dividend, int64_t divisor) __asm__("__allrem");
-int64_t __stdcall RestSigned(int64_t dividend, int64_t divisor)
-{
-    uint64_t const rest = Divide(Magnitude(dividend), Magnitude(divisor)).rest;
-    return static_cast<int64_t>(dividend < 0 ? 0 - rest : rest);
-}
+    int64_t __stdcall RestSigned(int64_t dividend, int64_t divisor) __asm__("__allrem");
+    int64_t __stdcall RestSigned(int64_t dividend, int64_t divisor)
+    {
+        uint64_t const rest = Divide(Magnitude(dividend), Magnitude(divisor)).rest;
+        return static_cast<int64_t>(dividend < 0 ? 0 - rest : rest);
+    }
 
 } // extern "C"

@@ -8,11 +8,11 @@
 
 extern "C"
 {
-// Runs a module's static initialisers; 0 when one of them gives up.
-int __cdecl StartModule();
-// Runs what the module has registered to be run at its end.
-void __cdecl EndModule();
-void __cdecl __security_init_cookie();
+    // Runs a module's static initialisers; 0 when one of them gives up.
+    int __cdecl StartModule();
+    // Runs what the module has registered to be run at its end.
+    void __cdecl EndModule();
+    void __cdecl __security_init_cookie();
 }
 
 // In front of functions that run before the cookie has its value.
