@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds and tests everything: the 32-bit DLL, the 64-bit DLL, and the guarded static build.
+# Builds and tests everything: the DLLs of both C++ ABIs, 32 and 64 bit, and the guarded static build.
 # Details are in build/*.log. Takes the names of presets to test only those.
 cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
 . tools/build-steps.sh
 
-tools/setup.sh < /dev/null || exit 1
+tools/setup.sh --msvc < /dev/null || exit 1
 
 # Of the sources, whatever they are built for, in the time that builds and tests leave.
 checks=
@@ -23,7 +23,7 @@ checks_end() {
 }
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(win32 win64 win32-guard)
+[ ${#presets[@]} -gt 0 ] || presets=(win32 win64 msvc32 msvc64 win32-guard)
 status=0
 for preset in "${presets[@]}"; do
     step "build $preset" "build-$preset" configure_and_build "$preset"

@@ -9,17 +9,26 @@ if(NOT DEFINED VEKLIB_DEPS)
         OUTPUT_VARIABLE veklib_deps OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET RESULT_VARIABLE status)
     set(VEKLIB_DEPS "${veklib_deps}" CACHE PATH "Folder that tools/setup.sh has filled")
 endif()
+# What stands there has to be found even where a host's toolchain file confines looking to a root of its own.
 set(veklib_arch ${CMAKE_SYSTEM_PROCESSOR})
+if(MSVC)
+    string(APPEND veklib_arch -msvc)
+endif()
 
 # --- expat ---
 # Its own test vectors hang older versions in the wide configuration.
-find_package(expat 2.8.3 CONFIG QUIET PATHS ${VEKLIB_DEPS}/expat-${veklib_arch} NO_DEFAULT_PATH)
+find_package(expat 2.8.3 CONFIG QUIET PATHS ${VEKLIB_DEPS}/expat-${veklib_arch} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
 if(NOT expat_FOUND)
     message(STATUS "expat: building it here")
     set(EXPAT_CHAR_TYPE wchar_t CACHE STRING "" FORCE)
     set(EXPAT_CONTEXT_BYTES 0 CACHE STRING "" FORCE)
     set(EXPAT_SHARED_LIBS OFF CACHE BOOL "" FORCE)
     set(EXPAT_ENABLE_INSTALL OFF CACHE BOOL "" FORCE)
+    if(CMAKE_MSVC_RUNTIME_LIBRARY MATCHES "DLL$")
+        set(EXPAT_MSVC_STATIC_CRT OFF CACHE BOOL "" FORCE)
+    else()
+        set(EXPAT_MSVC_STATIC_CRT ON CACHE BOOL "" FORCE)
+    endif()
     foreach(part TOOLS TESTS EXAMPLES DOCS)
         set(EXPAT_BUILD_${part} OFF CACHE BOOL "" FORCE)
     endforeach()
@@ -37,7 +46,7 @@ target_compile_definitions(veklib_expat INTERFACE XML_UNICODE_WCHAR_T XML_STATIC
 
 # --- GoogleTest ---
 if(VEKLIB_TESTS)
-    find_package(GTest CONFIG QUIET PATHS ${VEKLIB_DEPS}/gtest-${veklib_arch} NO_DEFAULT_PATH)
+    find_package(GTest CONFIG QUIET PATHS ${VEKLIB_DEPS}/gtest-${veklib_arch} NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
     if(NOT GTest_FOUND)
         message(STATUS "GoogleTest: building it here")
         set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)

@@ -1,5 +1,6 @@
 #include "VekCore.h"
 
+#include "base/QuietRuntime.h"
 #include "core/LogDispatch.h"
 #include "core/ProcessState.h"
 
@@ -18,6 +19,7 @@ constexpr size_t LONGEST_TEXT = BUFFER_SIZE - 2; // a newline and the terminator
 // Formats into the buffer and appends the newline. A longer text is cut; one that the runtime can't format is empty.
 void FormatLine(wchar_t (&buffer)[BUFFER_SIZE], wchar_t const * format, va_list arguments)
 {
+    vek::QuietRuntime const quiet;
     va_list again;
     va_copy(again, arguments);
     int const length = format ? _vsnwprintf(buffer, LONGEST_TEXT, format, arguments) : 0;

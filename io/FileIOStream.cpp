@@ -1,5 +1,6 @@
 #include "VekIO.h"
 
+#include "base/QuietRuntime.h"
 #include "io/ScanText.h"
 
 #include <limits.h>
@@ -54,10 +55,12 @@ bool MoveOrStay(FILE * file, long long offset, int origin)
 
 int PrintToFile(FILE * file, char const * format, va_list arguments)
 {
+    vek::QuietRuntime const quiet;
     return vfprintf_s(file, format, arguments);
 }
 int PrintToFile(FILE * file, wchar_t const * format, va_list arguments)
 {
+    vek::QuietRuntime const quiet;
     return vfwprintf_s(file, format, arguments);
 }
 

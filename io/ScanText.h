@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/QuietRuntime.h"
+
 #include <stdarg.h>
 #include <stddef.h>
 #include <stdio.h>
@@ -74,6 +76,7 @@ inline int ScanFile(FILE * file, wchar_t const * format, auto... arguments)
 template <class Char, class Scan>
 bool ScanWithList(Char const * format, va_list list, Scan const & scan)
 {
+    QuietRuntime const quiet;
     int const count = CountScanArguments(format);
     if (count > MAX_SCAN_ARGUMENTS)
         return false;

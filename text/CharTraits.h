@@ -2,6 +2,8 @@
 
 #include "VekText.h"
 
+#include "base/QuietRuntime.h"
+
 #include <emmintrin.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -27,10 +29,12 @@ struct CharTraits<char>
     // The underscore families are the system runtime's own.
     static int Format(char * buffer, size_t size, char const * format, va_list arguments) noexcept
     {
+        QuietRuntime const quiet;
         return _vsnprintf(buffer, size, format, arguments);
     }
     static int FormattedLength(char const * format, va_list arguments) noexcept
     {
+        QuietRuntime const quiet;
         return _vscprintf(format, arguments);
     }
     static void ToLower(char * text) noexcept { _strlwr(text); }
@@ -40,7 +44,11 @@ struct CharTraits<char>
     static unsigned long ToUInt(char const * text, int radix) noexcept { return strtoul(text, nullptr, radix); }
     // NOLINTNEXTLINE(cert-err34-c): what is no number is 0
     static double ToFloat(char const * text) noexcept { return atof(text); }
-    static int Open(FILE ** file, char const * name, char const * mode) noexcept { return fopen_s(file, name, mode); }
+    static int Open(FILE ** file, char const * name, char const * mode) noexcept
+    {
+        QuietRuntime const quiet;
+        return fopen_s(file, name, mode);
+    }
 
     static __m128i Splat(char unit) noexcept { return _mm_set1_epi8(unit); }
     static __m128i Equal(__m128i a, __m128i b) noexcept { return _mm_cmpeq_epi8(a, b); }
@@ -56,10 +64,12 @@ struct CharTraits<wchar_t>
 
     static int Format(wchar_t * buffer, size_t size, wchar_t const * format, va_list arguments) noexcept
     {
+        QuietRuntime const quiet;
         return _vsnwprintf(buffer, size, format, arguments);
     }
     static int FormattedLength(wchar_t const * format, va_list arguments) noexcept
     {
+        QuietRuntime const quiet;
         return _vscwprintf(format, arguments);
     }
     static void ToLower(wchar_t * text) noexcept { _wcslwr(text); }
@@ -69,6 +79,7 @@ struct CharTraits<wchar_t>
     static double ToFloat(wchar_t const * text) noexcept { return _wtof(text); }
     static int Open(FILE ** file, wchar_t const * name, wchar_t const * mode) noexcept
     {
+        QuietRuntime const quiet;
         return _wfopen_s(file, name, mode);
     }
 

@@ -4,6 +4,7 @@
 # the command line parser's header) goes to one private folder that every clone of the repository shares.
 #
 #   tools/setup.sh            set up; one line per step that was really done
+#   tools/setup.sh --msvc     what the builds with Microsoft's C++ ABI need, too
 #   tools/setup.sh --where    print the private folder
 #
 # VEKLIB_DEPS names another private folder; VEKLIB_WINE32 and VEKLIB_WINE64 name Wine loaders to use instead.
@@ -24,10 +25,12 @@ deps_folder() {
 }
 
 deps=$(deps_folder)
+msvc=
 case ${1:-} in
     --where) printf '%s\n' "$deps"; exit 0 ;;
+    --msvc) msvc=yes ;;
     '') ;;
-    *) echo "usage: tools/setup.sh [--where]" >&2; exit 2 ;;
+    *) echo "usage: tools/setup.sh [--msvc | --where]" >&2; exit 2 ;;
 esac
 
 # --- what has to be there ---------------------------------------------------------------------------------------------
@@ -51,6 +54,14 @@ wine64                      /usr/lib/wine/wine64
 xvfb                        Xvfb
 xdotool                     xdotool
 '
+llvm=/usr/lib/llvm-19
+[ -z "$msvc" ] || packages+="
+clang-19                    $llvm/bin/clang
+lld-19                      $llvm/bin/lld-link
+llvm-19                     $llvm/bin/llvm-dlltool
+libc++-19-dev               $llvm/include/c++/v1/version
+libwine-dev                 /usr/include/wine/wine/windows/windows.h
+"
 
 # A component is complete when its stamp holds the key given here. Change a key to have the component made anew.
 expat_minimum=2.8.3
@@ -66,6 +77,15 @@ declare -A key=(
     [prefix-win32]='1'
     [prefix-win64]='1'
 )
+[ -z "$msvc" ] || key+=(
+    [libcxx-source]='1 19'
+    [msvc-sdk-i686]='1'
+    [msvc-sdk-x86_64]='1'
+    [expat-i686-msvc]="1 $expat_minimum"
+    [expat-x86_64-msvc]="1 $expat_minimum"
+    [gtest-i686-msvc]='1'
+    [gtest-x86_64-msvc]='1'
+)
 declare -A witness=(
     [wine32]='loader'
     [expat-source]='CMakeLists.txt'
@@ -76,6 +96,13 @@ declare -A witness=(
     [cli11]='include/CLI/CLI.hpp'
     [prefix-win32]='system.reg'
     [prefix-win64]='system.reg'
+    [libcxx-source]='src/new.cpp'
+    [msvc-sdk-i686]='lib/libc++.lib'
+    [msvc-sdk-x86_64]='lib/libc++.lib'
+    [expat-i686-msvc]='lib/libexpatwMT.lib'
+    [expat-x86_64-msvc]='lib/libexpatwMT.lib'
+    [gtest-i686-msvc]='lib/gtest.lib'
+    [gtest-x86_64-msvc]='lib/gtest.lib'
 )
 
 have() {
@@ -175,19 +202,21 @@ private_apt() {
         -oAPT::Install-Recommends=false -oAPT::Update::Post-Invoke::= -oAPT::Keep-Downloaded-Packages=true)
 }
 
-# Turns the machine's own package sources into source-package entries for another suite, in folder $1.
+own_suite() { (. /etc/os-release; echo "${VERSION_CODENAME:-bookworm}"); }
+
+# Turns the machine's own package sources into source-package entries for suite $2, in folder $1.
 derive_sources() {
-    local into=$1 codename file
-    codename=$(. /etc/os-release; echo "${VERSION_CODENAME:-bookworm}")
+    local into=$1 suite=$2 codename file
+    codename=$(own_suite)
     for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
         [ -r "$file" ] || continue
-        sed -nE "s/^[[:space:]]*deb[[:space:]]+((\[[^]]*\][[:space:]]+)?[^[:space:]]+[[:space:]]+)$codename((-[a-z]+)?)[[:space:]].*/deb-src \1$expat_suite\3 main/p" "$file"
+        sed -nE "s/^[[:space:]]*deb[[:space:]]+((\[[^]]*\][[:space:]]+)?[^[:space:]]+[[:space:]]+)$codename((-[a-z]+)?)[[:space:]].*/deb-src \1$suite\3 main/p" "$file"
     done | grep -v -e "-backports" | sort -u > "$into/private.list"
     for file in /etc/apt/sources.list.d/*.sources; do
         [ -r "$file" ] || continue
         grep -v '^#' "$file"
         echo
-    done | awk -v codename="$codename" -v suite="$expat_suite" '
+    done | awk -v codename="$codename" -v suite="$suite" '
         BEGIN { RS = ""; FS = "\n" }
         {
             types = uris = suites = keys = field = ""; enabled = 1
@@ -214,20 +243,20 @@ derive_sources() {
     [ -s "$into/private.list" ] || [ -s "$into/private.sources" ]
 }
 
-fetch_expat() {
-    local folder=$1
+fetch_source() {    # folder, source package, suite, the version that is new enough
+    local folder=$1 package=$2 minimum=$4
     private_apt "$folder/apt"
-    derive_sources "$folder/apt/parts" || return
+    derive_sources "$folder/apt/parts" "$3" || return
     apt_options+=(-oDir::Etc::sourcelist=/dev/null -oDir::Etc::sourceparts="$folder/apt/parts")
     apt-get "${apt_options[@]}" update
     # Newest first. An archive's index can name a version whose files are gone or not there yet: then the next one.
     local versions version
-    mapfile -t versions < <(apt-cache "${apt_options[@]}" showsrc expat | awk '/^Version:/ { print $2 }' | sort -Vru)
+    mapfile -t versions < <(apt-cache "${apt_options[@]}" showsrc "$package" | awk '/^Version:/ { print $2 }' | sort -Vru)
     for version in ${versions[@]+"${versions[@]}"}; do
-        dpkg --compare-versions "$version" ge "$expat_minimum" || continue
-        echo "expat: trying version $version"
-        rm -f "$folder"/expat_*
-        (cd "$folder" && apt-get "${apt_options[@]}" --download-only --only-source source "expat=$version") &&
+        dpkg --compare-versions "$version" ge "$minimum" || continue
+        echo "$package: trying version $version"
+        rm -f "$folder/${package}_"*
+        (cd "$folder" && apt-get "${apt_options[@]}" --download-only --only-source source "$package=$version") &&
             ls "$folder"/*.dsc && return
     done
     return 1
@@ -242,6 +271,16 @@ unpack_expat() {
     echo "expat $version"
     dpkg --compare-versions "$version" ge "$expat_minimum" || return
     publish expat-source "$source"
+}
+
+# The C++ library's sources out of the compiler's; its headers are a package of the same version.
+unpack_libcxx() {
+    local folder=$1 installed
+    installed=$(dpkg-query -W -f '${Version}' libc++-19-dev) || return
+    installed=${installed#*:}
+    [ -e "$folder/llvm-toolchain-19_${installed%%-*}.orig.tar.xz" ] || { echo "the installed headers are of $installed"; return 1; }
+    tar -C "$folder" -xJf "$folder"/llvm-toolchain-19_*.orig.tar.xz --wildcards '*/libcxx/src/*' || return
+    publish libcxx-source "$(echo "$folder"/*/libcxx)"
 }
 
 # 32-bit Wine in a root of its own: the machine's package set stays as it is.
@@ -284,13 +323,35 @@ cross_build() {     # component, source, target, optimisation, options...
 }
 
 # Without a context kept around the parse point, a document in memory is read where it stands instead of copied.
+expat_options=(-DEXPAT_CHAR_TYPE=wchar_t -DEXPAT_SHARED_LIBS=OFF -DEXPAT_MSVC_STATIC_CRT=ON -DEXPAT_BUILD_TOOLS=OFF -DEXPAT_BUILD_TESTS=OFF
+    -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_DOCS=OFF -DEXPAT_CONTEXT_BYTES=0)
 build_expat() {
-    cross_build "expat-$1" "$deps/expat-source" "$1" -O2 -DEXPAT_CHAR_TYPE=wchar_t -DEXPAT_SHARED_LIBS=OFF \
-        -DEXPAT_BUILD_TOOLS=OFF -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_DOCS=OFF -DEXPAT_CONTEXT_BYTES=0
+    cross_build "expat-$1" "$deps/expat-source" "$1" -O2 "${expat_options[@]}"
 }
 
 build_gtest() {
     cross_build "gtest-$1" /usr/src/googletest "$1" -O1 -DCMAKE_CXX_STANDARD=17
+}
+
+make_msvc_sdk() {
+    "$here/msvc-sdk/make-sdk.sh" "$1" "$work/msvc-sdk-$1" "$deps/libcxx-source" && publish "msvc-sdk-$1" "$work/msvc-sdk-$1"
+}
+
+msvc_build() {      # component, source, target, options...
+    local component=$1 source=$2 target=$3 bits=32 build=$work/$1.build
+    [ "$target" = i686 ] || bits=64
+    shift 3
+    cmake -S "$source" -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$here/../cmake/toolchain-msvc$bits.cmake" -DCMAKE_BUILD_TYPE=Release \
+        -DVEKLIB_MSVC_SDK="$deps/msvc-sdk-$target" -DCMAKE_POLICY_DEFAULT_CMP0091=NEW -DCMAKE_INSTALL_PREFIX="$deps/$component" \
+        -DCMAKE_C_FLAGS_RELEASE="/O2 /GS /guard:cf -DNDEBUG" -DCMAKE_CXX_FLAGS_RELEASE="/O1 /EHsc /GR -DNDEBUG" "$@" &&
+    cmake --build "$build" &&
+    DESTDIR="$work/$component.image" cmake --install "$build" &&
+    publish "$component" "$work/$component.image$deps/$component"
+}
+
+build_msvc() {      # target: both libraries
+    have "expat-$1-msvc" || msvc_build "expat-$1-msvc" "$deps/expat-source" "$1" "${expat_options[@]}" || return
+    have "gtest-$1-msvc" || msvc_build "gtest-$1-msvc" /usr/src/googletest "$1" -DCMAKE_CXX_STANDARD=17
 }
 
 stage_cli11() {
@@ -362,7 +423,12 @@ fi
 if ! have expat-source; then
     say "fetching expat's source"
     mkdir "$work/expat.fetch"
-    start expat-fetch fetch_expat "$work/expat.fetch"
+    start expat-fetch fetch_source "$work/expat.fetch" expat "$expat_suite" "$expat_minimum"
+fi
+if [ -n "$msvc" ] && ! have libcxx-source; then
+    say "fetching the C++ library's source"
+    mkdir "$work/libcxx.fetch"
+    start libcxx-fetch fetch_source "$work/libcxx.fetch" llvm-toolchain-19 "$(own_suite)" 1:19
 fi
 
 if [ -n "${started[packages]:-}" ]; then
@@ -389,6 +455,18 @@ for target in i686 x86_64; do
     say "building expat for $target"
     start "expat-$target" build_expat "$target"
 done
+if [ -n "$msvc" ]; then
+    finish libcxx-fetch "could not get the C++ library's source package (llvm-toolchain-19)"
+    if ! have libcxx-source; then
+        start libcxx-unpack unpack_libcxx "$work/libcxx.fetch"
+        finish libcxx-unpack "could not unpack the C++ library's source, or it is not of the installed headers' version"
+    fi
+    for target in i686 x86_64; do
+        have "msvc-sdk-$target" && continue
+        say "making the tools of Microsoft's C++ ABI for $target"
+        start "msvc-sdk-$target" make_msvc_sdk "$target"
+    done
+fi
 have cli11 || { start cli11 stage_cli11; finish cli11 "could not stage the command line parser's header"; }
 if ! have prefix-win64; then
     say "making the 64-bit Wine prefix"
@@ -411,6 +489,17 @@ for target in i686 x86_64; do
     finish "gtest-$target" "could not build GoogleTest for $target"
     finish "expat-$target" "could not build expat for $target"
 done
+if [ -n "$msvc" ]; then
+    for target in i686 x86_64; do
+        finish "msvc-sdk-$target" "could not make the tools of Microsoft's C++ ABI for $target"
+        have "expat-$target-msvc" && have "gtest-$target-msvc" && continue
+        say "building expat and GoogleTest with Microsoft's C++ ABI for $target"
+        start "$target-msvc" build_msvc "$target"
+    done
+    for target in i686 x86_64; do
+        finish "$target-msvc" "could not build expat or GoogleTest with Microsoft's C++ ABI for $target"
+    done
+fi
 finish prefix-win64 "could not make the 64-bit Wine prefix"
 finish prefix-win32 "could not make the 32-bit Wine prefix"
 

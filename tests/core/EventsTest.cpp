@@ -254,13 +254,13 @@ TEST_F(Events, ContainersUnsubscribeTheirHandlers)
 
 TEST_F(Events, HandlerSlotsCopiesAndCounts)
 {
-    CallSlot(&a, 5, &EVENT);
-    EXPECT_FALSE(CallSlot<bool>(&a, 7, static_cast<CVekEventData *>(nullptr)));
+    CallSlot(&a, Behind(4), &EVENT);
+    EXPECT_FALSE(CallSlot<bool>(&a, Behind(6), static_cast<CVekEventData *>(nullptr)));
     a.AddRef();
     Handler const copy(a);
     EXPECT_EQ(copy.GetRefCount(), 2u) << "kept: a copy carries the count";
     EXPECT_TRUE(IsEqualGUID(copy.GetEvent(), EVENT));
-    CallSlot(&a, 6);
+    CallSlot(&a, Behind(5));
     EXPECT_EQ(calls, "A-A");
     EXPECT_TRUE(a.IsUnsubscribed());
     ExpectRefCountContract("handler", new Handler('H', calls));

@@ -46,6 +46,7 @@ TEST(Log, FormatsTheMessageAndEndsItsLine)
         {"longest", [] { VekLogOutput(0, L"%.4094s", g_tooLong.c_str()); }, longest.c_str()},
         {"one too long is cut", [] { VekLogOutput(0, L"%.4094sy", g_tooLong.c_str()); }, longest.c_str()},
         {"far too long is cut", [] { VekLogOutput(0, L"%s", g_tooLong.c_str()); }, longest.c_str()},
+        {"refused by some runtimes", [] { VekLogOutput(0, L"%n", std::make_unique<int>().get()); }, L""},
         {"no format", [] { VekLogOutput(0, nullptr); }, L""},
     };
     LogCapture log;
@@ -290,7 +291,7 @@ TEST(Exception, ReportsThroughItsTable)
     }
     catch (CVekException & exception)
     {
-        CallSlot(&exception, 2); // behind the destructor's two places
+        CallSlot(&exception, Behind(1));
     }
     EXPECT_EQ(reports, 1);
     CVekException().ReportError();

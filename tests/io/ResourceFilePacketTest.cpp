@@ -71,7 +71,7 @@ TEST(ResourceFilePacket, CountsReferences)
     ExpectRefCountContract("folder packet", new FolderPacket(nullptr));
     Packet packet(nullptr);
     IVekIOStream * const noStream = nullptr;
-    EXPECT_TRUE(CallSlot<bool>(&packet, 9, noStream) && !CallSlot<bool>(&packet, 10, noStream))
+    EXPECT_TRUE(CallSlot<bool>(&packet, Behind(8), noStream) && !CallSlot<bool>(&packet, Behind(9), noStream))
         << "what a packet supplies";
 }
 

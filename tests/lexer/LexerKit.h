@@ -3,6 +3,7 @@
 
 #include "VekLib.h"
 
+#include <cmath>
 #include <functional>
 #include <string>
 #include <vector>
@@ -30,7 +31,8 @@ public:
     void OnFloatFound(double value, int position, int line, int column) override
     {
         wchar_t text[64];
-        _snwprintf(text, 64, L"float %.9g", value);
+        // How infinity is printed is the runtime's.
+        _snwprintf(text, 64, std::isinf(value) ? L"float infinite" : L"float %.9g", value);
         Add(text, position, line, column);
     }
     void OnStringFound(wchar_t const * text, int position, int line, int column) override

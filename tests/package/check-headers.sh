@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Public headers compile alone and in any order, as C++17 without a warning, and bring nothing along:
-# check-headers.sh COMPILER INCLUDE-FOLDER
+# check-headers.sh INCLUDE-FOLDER COMPILER FLAG...
 set -u
-compiler=$1 folder=$2
+folder=$1
+shift
+compile=("$@")
 shopt -s nullglob
 headers=("$folder"/*.h)
 [ ${#headers[@]} -gt 0 ] || { echo "no headers in $folder"; exit 1; }
@@ -22,8 +24,7 @@ done
 compile() {     # description, headers...
     local what=$1 output
     shift
-    output=$(printf '#include "%s"\n' "$@" | "$compiler" -x c++ -std=c++17 -Wall -Wextra -Wpedantic -Werror \
-        -Wno-non-virtual-dtor -fsyntax-only -I "$folder" - 2>&1) || { echo "$what does not compile:"; echo "$output"; status=1; }
+    output=$(printf '#include "%s"\n' "$@" | "${compile[@]}" -fsyntax-only -I "$folder" - 2>&1) || { echo "$what does not compile:"; echo "$output"; status=1; }
 }
 names=()
 backwards=()

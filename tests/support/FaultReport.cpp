@@ -47,7 +47,7 @@ LONG WINAPI ReportFault(EXCEPTION_POINTERS * pointers)
                static_cast<std::size_t>(record.ExceptionInformation[1]));
     if (record.ExceptionCode == EXCEPTION_ILLEGAL_INSTRUCTION)
         Report("  a trap: undefined behaviour, or the guard heap's complaint above\n");
-#ifdef __i386__
+#ifndef _WIN64
     Report("  callers:");
     auto const * frame = reinterpret_cast<std::uintptr_t const *>(pointers->ContextRecord->Ebp);
     for (int depth = 0; depth < 16; ++depth)
@@ -75,7 +75,7 @@ void Report(char const * format, ...)
     char text[512];
     va_list arguments;
     va_start(arguments, format);
-    int const length = __mingw_vsnprintf(text, sizeof text, format, arguments);
+    int const length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
     DWORD written;
     if (length > 0)

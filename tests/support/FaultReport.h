@@ -5,7 +5,10 @@ namespace VekTest
 {
 
 // Writes to the standard error.
-void Report(char const * format, ...) __attribute__((format(gnu_printf, 1, 2)));
+#if defined(__GNUC__) && !defined(__clang__)
+__attribute__((format(gnu_printf, 1, 2)))
+#endif
+void Report(char const * format, ...);
 // From now on a fault ends the program with status 96, after it has told the place, the callers and what was running.
 void ReportFaults(char const * running);
 

@@ -44,7 +44,7 @@ class Listener : public testing::EmptyTestEventListener
 {
     void OnTestStart(testing::TestInfo const & test) override
     {
-        __mingw_snprintf(g_testName, sizeof g_testName, "%s.%s", test.test_suite_name(), test.name());
+        std::snprintf(g_testName, sizeof g_testName, "%s.%s", test.test_suite_name(), test.name());
         SetEvent(g_testChanged);
         m_blocks = VekGuard::LiveBlocks();
         m_bytes = VekGuard::LiveBytes();

@@ -1,9 +1,19 @@
-// Calls an operation by its place in an object's table, as a host built with another compiler does. GCC's layout: a
-// virtual destructor takes two places, of which the first destroys the object in place.
+// Calls an operation by its place in an object's table, as a host built with another compiler does.
 #pragma once
 
 #include <bit>
 #include <cstddef>
+
+// The place of an operation behind the destructor, which counts as one. GCC's has two: one destroys the object where it
+// is, the next frees it too. Microsoft's is told whether to free.
+constexpr int Behind(int slot)
+{
+#if defined(_MSC_VER)
+    return slot;
+#else
+    return slot + 1;
+#endif
+}
 
 inline void * SlotAddress(void const * object, int slot)
 {
@@ -17,14 +27,16 @@ class SlotOwner
 struct MemberPointer
 {
     void * address;
-    std::ptrdiff_t adjustment;
+#if !defined(_MSC_VER)
+    std::ptrdiff_t adjustment = 0;
+#endif
 };
 
 template <class Result = void, class... Arguments>
 Result CallSlot(void const * object, int slot, Arguments... arguments)
 {
     using Operation = Result (SlotOwner::*)(Arguments...) const;
-    auto const operation = std::bit_cast<Operation>(MemberPointer{SlotAddress(object, slot), 0});
+    auto const operation = std::bit_cast<Operation>(MemberPointer{SlotAddress(object, slot)});
     return (static_cast<SlotOwner const *>(object)->*operation)(arguments...);
 }
 
@@ -33,6 +45,16 @@ template <class Char, class... Arguments>
 bool CallFormatSlot(void const * object, int slot, Char const * format, Arguments... arguments)
 {
     using Operation = bool (SlotOwner::*)(Char const *, ...) const;
-    auto const operation = std::bit_cast<Operation>(MemberPointer{SlotAddress(object, slot), 0});
+    auto const operation = std::bit_cast<Operation>(MemberPointer{SlotAddress(object, slot)});
     return (static_cast<SlotOwner const *>(object)->*operation)(format, arguments...);
+}
+
+// Destroys an object by its destructor's place, and frees it.
+inline void DestroyBySlot(void const * object, int slot)
+{
+#if defined(_MSC_VER)
+    CallSlot<void *>(object, slot, 1U);
+#else
+    CallSlot(object, slot + 1);
+#endif
 }

@@ -151,7 +151,8 @@ TYPED_TEST(String, AppendFormat)
     string.AppendFormat(Text<TypeParam>("b%cc").c_str(), 0);
     this->ExpectValid(string, Text<TypeParam>("ab")); // a formatted zero ends the text
     string.AppendFormat(nullptr);
-    this->ExpectValid(string, Text<TypeParam>("ab"));
+    int count;
+    this->Make("").AppendFormat(Text<TypeParam>("%n").c_str(), &count); // a runtime that refuses it ends no process
 }
 
 TYPED_TEST(String, SearchesAtTheEdges) // of "abcABCabc"

@@ -44,24 +44,24 @@ struct Api;
     template <>                                                                                                        \
     struct Api<type>                                                                                                   \
     {                                                                                                                  \
-        static constexpr int (*Compare)(type const *, type const *, bool) = VekStrCompare##suffix;                     \
-        static constexpr int (*CompareCounted)(type const *, type const *, int, bool) = VekStrCompare##suffix;         \
-        static constexpr int (*Printf)(type *, int, type const *, ...) = VekStrPrintf##suffix;                         \
-        static constexpr auto Copy = VekStrCopy##suffix, Cat = VekStrCat##suffix;                                      \
-        static constexpr auto Plain = VekStr##suffix##to##suffix;                                                      \
-        static constexpr auto ToLower = VekStrToLower##suffix, ToUpper = VekStrToUpper##suffix;                        \
-        static constexpr auto ToInt = VekStrToInt##suffix;                                                             \
-        static constexpr auto ToUInt = VekStrToUInt##suffix;                                                           \
-        static constexpr auto ToFloat = VekStrToFloat##suffix;                                                         \
-        static constexpr auto Length = VekStrLen##suffix;                                                              \
-        static constexpr auto PrintfLength = VekPrintfLength##suffix;                                                  \
-        static constexpr auto FileName = VekGetFileNameFromPath##suffix, Extension = VekGetFileExtension##suffix;      \
-        static constexpr auto Directory = VekGetFileDirectory##suffix;                                                 \
-        static constexpr auto WithoutExtension = VekGetFileNameWithoutExtension##suffix;                               \
-        static constexpr auto IsSamePath = VekIsSamePath##suffix;                                                      \
-        static constexpr auto Open = VekFileOpen##suffix;                                                              \
-        static constexpr auto Close = VekFileClose##suffix;                                                            \
-        static constexpr auto Exist = VekFileExist##suffix;                                                            \
+        static inline int (*const Compare)(type const *, type const *, bool) = VekStrCompare##suffix;                  \
+        static inline int (*const CompareCounted)(type const *, type const *, int, bool) = VekStrCompare##suffix;      \
+        static inline int (*const Printf)(type *, int, type const *, ...) = VekStrPrintf##suffix;                      \
+        static inline auto const Copy = VekStrCopy##suffix, Cat = VekStrCat##suffix;                                   \
+        static inline auto const Plain = VekStr##suffix##to##suffix;                                                   \
+        static inline auto const ToLower = VekStrToLower##suffix, ToUpper = VekStrToUpper##suffix;                     \
+        static inline auto const ToInt = VekStrToInt##suffix;                                                          \
+        static inline auto const ToUInt = VekStrToUInt##suffix;                                                        \
+        static inline auto const ToFloat = VekStrToFloat##suffix;                                                      \
+        static inline auto const Length = VekStrLen##suffix;                                                           \
+        static inline auto const PrintfLength = VekPrintfLength##suffix;                                               \
+        static inline auto const FileName = VekGetFileNameFromPath##suffix, Extension = VekGetFileExtension##suffix;   \
+        static inline auto const Directory = VekGetFileDirectory##suffix;                                              \
+        static inline auto const WithoutExtension = VekGetFileNameWithoutExtension##suffix;                            \
+        static inline auto const IsSamePath = VekIsSamePath##suffix;                                                   \
+        static inline auto const Open = VekFileOpen##suffix;                                                           \
+        static inline auto const Close = VekFileClose##suffix;                                                         \
+        static inline auto const Exist = VekFileExist##suffix;                                                         \
     }
 TEXT_API(char, A);
 TEXT_API(wchar_t, W);

@@ -119,7 +119,7 @@ TEST(SyncObjects, SignalIsConsumedByLockOnly)
 {
     CVekSignal signal;
     EXPECT_FALSE(IsFree(signal)) << "clear at the start";
-    EXPECT_TRUE(CallSlot<bool>(&signal, 5)); // SetSignal, behind the destructor's two places
+    EXPECT_TRUE(CallSlot<bool>(&signal, Behind(4))); // SetSignal
     EXPECT_TRUE(IsFree(signal) && IsFree(signal)) << "a wait of the system's leaves it set";
     EXPECT_TRUE(signal.Unlock() && IsFree(signal)) << "Unlock does nothing";
     EXPECT_TRUE(signal.Lock());

@@ -64,7 +64,7 @@ TEST_F(Workers, LaunchSetsTheSignalAndReleases)
     command->AddRef();
     EXPECT_TRUE(command->IsAutoDelete());
     command->SetEndSignal(&signal);
-    CallSlot(command, 5);
+    CallSlot(command, Behind(4));
     EXPECT_EQ(WaitForSingleObject(signal.GetHandle(), 0), WAIT_OBJECT_0);
     EXPECT_EQ(command->GetRefCount(), 1u);
     Command other([] {}, false);

@@ -219,9 +219,9 @@ TEST_F(XMLDocument, Slots)
     int value = 0;
     EXPECT_TRUE((CallSlot<bool>(element, 44, L"V", &value, 1)) && value == 7);
     // The deleting destructors: the leak check of the guarded build sees that they free.
-    CallSlot(document, 28);
-    CallSlot(element, 55);
-    CallSlot(new CVekXMLAttribute(L"n", 1, L"v", 1), 4);
+    DestroyBySlot(document, 27);
+    DestroyBySlot(element, 54);
+    DestroyBySlot(new CVekXMLAttribute(L"n", 1, L"v", 1), 3);
 }
 
 // And the other objects of the model.

@@ -1,0 +1,7 @@
+// Its own file, as programs with a C++ library have it from there.
+#include <new>
+
+namespace std
+{
+nothrow_t const nothrow{};
+}
