@@ -86,16 +86,9 @@ public:
     virtual IVekXMLManager * GetXMLManager() = 0;
     /// Creates a CPU-usage meter; null with a message when that fails.
     virtual IVekCPUUsage * CreateCPUUsage() = 0;
+
+protected:
+    ~IVekKernel() = default;
 };
-
-/// Starts the library; calls are counted, and only the first does the work. False when that failed; the call counts
-/// even so, and VekLibDeinit takes it back.
-VEK_ENTRY bool VekLibInit();
-
-/// Takes one VekLibInit back; the last stops the library, on the thread that started it. Nothing without a VekLibInit.
-VEK_ENTRY void VekLibDeinit();
-
-/// The kernel, made on first use; always the same object. It belongs to the library: no reference is added.
-VEK_ENTRY IVekKernel * getVekLibKernel();
 
 #endif

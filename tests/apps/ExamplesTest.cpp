@@ -18,6 +18,9 @@ TEST(Examples, MinimalChangesAScene)
     EXPECT_EQ(outcome.out, "the camera stood at 12.5, -40, 6\r\ndone\r\n");
     EXPECT_EQ(Vek({L"xml", L"get", target, L"camera", L"position"}).out, "12.500000, -40.000000, 8.500000, 1.000000\n");
     EXPECT_EQ(Vek({L"xml", L"get", target, L"light", L"color"}).out, "255, 200, 160, 255\n");
+    std::string const scene = FileBytes(SceneFile());
+    for (std::string const & bad : {std::string(), std::string("hello"), scene.substr(0, scene.size() / 2)})
+        EXPECT_EQ(RunBeside(L"example_minimal.exe", {WriteFileBytes(L"bad.xml", bad), target}).code, 1) << bad;
     EXPECT_EQ(RunBeside(L"example_minimal.exe", {L"missing.xml", target}).code, 1);
 }
 

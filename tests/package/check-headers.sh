@@ -23,7 +23,7 @@ compile() {     # description, headers...
     local what=$1 output
     shift
     output=$(printf '#include "%s"\n' "$@" | "$compiler" -x c++ -std=c++17 -Wall -Wextra -Wpedantic -Werror \
-        -Wno-non-virtual-dtor -fsyntax-only -I "$folder" - 2>&1) || { echo "$what does not compile:"; echo "$output"; status=1; }
+        -Wnon-virtual-dtor -fsyntax-only -I "$folder" - 2>&1) || { echo "$what does not compile:"; echo "$output"; status=1; }
 }
 names=()
 backwards=()

@@ -5,7 +5,7 @@
 set -u -o pipefail
 folder=$1
 headers=$(cd "$folder" && printf '#include "%s"\n' *.h)
-compile=(clang++ "--target=$2" -std=c++17 -Dfinal= -Wno-non-virtual-dtor -I "$folder" -x c++ -)
+compile=(clang++ "--target=$2" -std=c++17 -Dfinal= -I "$folder" -x c++ -)
 
 # Every class with a table; the syntax tree is indented by two a level.
 classes=$("${compile[@]}" -fsyntax-only -Xclang -ast-dump <<< "$headers" | awk '
