@@ -4,7 +4,7 @@ set -u
 compiler=$1 folder=$2
 status=0
 compiles() {    # statements
-    printf '#include <memory>\n#include "VekLib.h"\n%s\n' \
+    printf '#include <memory>\n#include "VekLib.h"\n#include "VekStd.h"\nvoid Use(VEK_VARIANT const &);\n%s\n' \
         "void Try(IVekKernel * kernel, CVekString<wchar_t> & string, CVekRef<IVekTimer> & timer, unsigned char * bytes) { $1; }
         void Silence() { (void)&Try; }" |
         "$compiler" -x c++ -std=c++20 -Wall -fsyntax-only -I "$folder" - > /dev/null 2>&1
@@ -23,5 +23,9 @@ CVekLibrary library; CVekLibrary other(library)|CVekLibrary library; CVekLibrary
 if (string) return|if (!string.IsEmpty()) return
 if (!string) return|if (string != L"") return
 while (string && timer) return|while (timer) return
+Use(u8"text")|Use("text")
+Use(bytes)|Use(VEK_VARIANT(bytes, 4))
+Use(kernel)|Use(kernel != nullptr)
+Use(nullptr)|Use(false)
 END
 exit $status
