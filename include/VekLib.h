@@ -6,6 +6,7 @@
 #include "VekCamera.h"
 #include "VekCore.h"
 #include "VekData.h"
+#include "VekEdit.h"
 #include "VekExport.h"
 #include "VekGeometry.h"
 #include "VekIO.h"
@@ -17,6 +18,7 @@
 #include "VekText.h"
 #include "VekThread.h"
 #include "VekVariant.h"
+#include "VekWalk.h"
 #include "VekXML.h"
 
 /// The library's one process-wide object: start-up and shut-down, log catchers, events, and the factory of services.

@@ -15,6 +15,11 @@
 
 VEK_HEADER_BEGIN
 
+namespace vek
+{
+struct XMLEdit;
+}
+
 /// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and
 /// at most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes
 /// one.
@@ -362,6 +367,7 @@ public:
 private:
     friend class CVekXMLElement;
     friend class CVekXMLParser;
+    friend struct vek::XMLEdit;
 
     CVekXMLAttribute(CVekString<wchar_t> && name, CVekString<wchar_t> && value);
     static CVekXMLAttribute * Make(wchar_t const * name, int nameLength, wchar_t const * value, int valueLength);
@@ -456,6 +462,7 @@ public:
 private:
     friend class CVekXMLManager;
     friend class CVekXMLParser;
+    friend struct vek::XMLEdit;
 
     struct ChildNames;
     struct Tree;
