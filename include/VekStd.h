@@ -18,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-#if defined(__has_include) && __cplusplus >= 202002L
+#if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 #if __has_include(<span>)
 #include <span>
 #endif
