@@ -59,7 +59,8 @@ int wmain(int count, wchar_t ** arguments)
         else
             options.database = argument;
     }
-    if (!VekLibInit())
+    CVekLibrary const library;
+    if (!library)
         return 1;
     Aims aims;
     bool done = true;
@@ -74,6 +75,5 @@ int wmain(int count, wchar_t ** arguments)
     if (!known)
         std::fprintf(stderr, "veklib_bench: no subject %ls\n", only.data());
     aims.PrintSummary();
-    VekLibDeinit();
     return done && known ? 0 : 1;
 }

@@ -91,7 +91,7 @@ void AddLog(Table & table, int rounds)
 void AddProgress(Table & table, int rounds)
 {
     Callback callback;
-    IVekProgressController * const controller = getVekLibKernel()->CreateProgressController();
+    CVekRef<IVekProgressController> const controller{getVekLibKernel()->CreateProgressController()};
     table.Add({"Progress without task", Number(Time(rounds, 100000, [&] { controller->Progress(0.0); }), 1)});
     controller->SetCallback(&callback);
     controller->BeginTask(L"task", 100, 0.001, 0);
@@ -99,7 +99,6 @@ void AddProgress(Table & table, int rounds)
     IVekProgressController::Callback * volatile direct = &callback;
     table.Add({"direct virtual call of OnProgress",
                Number(Time(rounds, 100000, [&] { direct->OnProgress(1, 2, L"task", 0); }), 1)});
-    controller->Release();
 }
 
 } // namespace

@@ -46,14 +46,14 @@ void MeasureThreads(bool quick)
 {
     int const count = quick ? 300 : 2000;
     IVekKernel & kernel = *getVekLibKernel();
-    IVekThread * const thread = kernel.CreateThread(L"bench", nullptr, false, 0, 0);
+    CVekRef<IVekThread> thread{kernel.CreateThread(L"bench", nullptr, false, 0, 0)};
     thread->Start();
     Nothing command;
     Table table({"microseconds", "median", "99 %"});
     AddRow(table, "Sleep(1)", count, [] { Sleep(1); });
-    AddRow(table, "ExecuteThreadCommand", count, [&] { kernel.ExecuteThreadCommand(&command, thread); });
+    AddRow(table, "ExecuteThreadCommand", count, [&] { kernel.ExecuteThreadCommand(&command, thread.Get()); });
     AddRow(table, "Suspend and Resume", count / 4, [&] { thread->Suspend(), thread->Resume(); });
-    thread->Release();
+    thread.Reset(); // ends the worker
     std::printf("Worker threads: a worker looks into its queue once per Sleep(1).\n\n");
     table.Print();
     std::printf("\n");

@@ -14,9 +14,7 @@ if(MSVC)
 endif()
 target_compile_options(veklib_warnings INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:
-        -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Woverloaded-virtual -Wimplicit-fallthrough
-        # Interfaces deliberately have no virtual destructor; GCC says so where one is deleted through a final class.
-        -Wno-non-virtual-dtor -Wno-delete-non-virtual-dtor
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Woverloaded-virtual -Wnon-virtual-dtor -Wimplicit-fallthrough
         # printf-like members read wide text; MinGW's checker knows the narrow rules only.
         -Wno-format
     >

@@ -164,6 +164,9 @@ public:
     /// values that are not finite, a roll with the pointer on the view axis, and a pan whose field of view
     /// (CVekFrustum::GetFOV) is 0, as that of an orthographic view with near 0 is.
     virtual bool Manipulate(int mode, VEK_CAMERASTATE * state) = 0;
+
+protected:
+    ~IVekCameraUIController() = default;
 };
 
 /// The library's camera controller.

@@ -53,7 +53,8 @@ struct VekObjectCommonData
 };
 
 /// The base of every service object. An object is born with count 1, which its creator owns and gives back with
-/// Release; the last Release destroys the object. Never delete one directly.
+/// Release; the last Release destroys the object. Interfaces have a protected destructor, no virtual one, so that
+/// delete and owners that would call it don't compile: CVekRef owns a reference.
 class IVekObject
 {
 public:
@@ -63,6 +64,9 @@ public:
     virtual unsigned int Release() = 0;
     /// The current count.
     virtual unsigned int GetRefCount() const = 0;
+
+protected:
+    ~IVekObject() = default;
 };
 
 /// Counts references for an interface: derive from CVekRefCounted<IVekSomething> and write only the interface's own
@@ -178,6 +182,9 @@ public:
     /// a newline and is valid only during the call. It must not add or remove catchers. The kernel takes no further
     /// reference for the call. An exception that leaves it ends the process.
     virtual void OnLogOutput(int level, wchar_t const * text) = 0;
+
+protected:
+    ~IVekCatchLogOutput() = default;
 };
 
 /// Formats a message (wide printf rules: "%s" is wide text), appends a newline and sends it to the debugger and to
@@ -415,6 +422,9 @@ public:
         /// False asks the working code to stop. The controller keeps a reference to the callback during the call. An
         /// exception that leaves it ends the process.
         virtual bool OnProgress(double taskProgress, double finishedShare, wchar_t const * taskName, int param) = 0;
+
+    protected:
+        ~Callback() = default;
     };
 
     /// Begins a task within the current one. The share is the task's part of it, in percent; the step is what Progress
@@ -439,6 +449,9 @@ public:
     VEK_OVERLOADS2(virtual Callback * GetCallback() = 0, virtual Callback const * GetCallback() const = 0)
     /// The value that is handed to the callback.
     virtual void SetParam(int param) = 0;
+
+protected:
+    ~IVekProgressController() = default;
 };
 
 /// The library's progress controller; IVekKernel::CreateProgressController makes one.
@@ -499,6 +512,9 @@ class IVekRandomizer : public IVekObject
 public:
     /// A value between the two, both included; they may be in either order.
     virtual float GetRandomValue(float low, float high) = 0;
+
+protected:
+    ~IVekRandomizer() = default;
 };
 
 /// Measures this process's share of the processors' time.
@@ -510,6 +526,9 @@ public:
     virtual void Update(double now) = 0;
     /// The last measured share, in percent from 0 to 100.
     virtual double GetUsage() = 0;
+
+protected:
+    ~IVekCPUUsage() = default;
 };
 
 /// A stopwatch.
@@ -527,6 +546,9 @@ public:
     virtual long long GetElapsedTicks() = 0;
     /// That many events a second since Start; the count itself when no time has passed, 0 for no events.
     virtual double GetRate(int count) = 0;
+
+protected:
+    ~IVekTimer() = default;
 };
 
 /// The library's randomizer; IVekKernel::CreateRandomizer makes one.

@@ -109,6 +109,9 @@ public:
     /// conversions need more than 64 arguments.
     VEK_OVERLOADS2(virtual bool Scanf(wchar_t const * format, ...) = 0,
                    virtual bool Scanf(char const * format, ...) = 0)
+
+protected:
+    ~IVekIOStream() = default;
 };
 
 /// A stream over a block of memory of fixed size.
@@ -117,6 +120,9 @@ class IVekMemoryIOStream : public IVekIOStream
 public:
     /// The block, owned by the stream and valid until Close; null when closed.
     VEK_OVERLOADS2(virtual unsigned char * GetBuffer() = 0, virtual unsigned char const * GetBuffer() const = 0)
+
+protected:
+    ~IVekMemoryIOStream() = default;
 };
 
 /// A stream over a file.
@@ -129,6 +135,9 @@ public:
     virtual CVekString<wchar_t> const & GetFilePath() const = 0;
     /// The part of that name behind the last slash, backslash or colon.
     virtual CVekString<wchar_t> const & GetFileName() const = 0;
+
+protected:
+    ~IVekFileIOStream() = default;
 };
 
 /// The value with its bytes in reverse order.

@@ -52,6 +52,9 @@ public:
         virtual void OnInvalidSyntax(wchar_t const * text, int position, int line, int column) = 0;
         /// A malformed number ("Invalid number"): comes before the number itself.
         virtual void OnError(wchar_t const * text, int position, int line, int column) = 0;
+
+    protected:
+        ~Callback() = default;
     };
 
     /// Takes a reference to the callback and gives back that to the old one; null for none.
@@ -77,6 +80,9 @@ public:
     /// "0x" is no prefix. Words, numbers and runs are cut at 1,024 characters, strings at 2,048, and the rest is
     /// scanned anew. Returns the length when a comment ends the text, otherwise 0.
     virtual int Parse(wchar_t const * text, int length) = 0;
+
+protected:
+    ~IVekLexer() = default;
 };
 
 /// Collects what a lexer finds in a text into a list of tokens. Used by one thread at a time.
@@ -124,6 +130,9 @@ public:
         virtual int GetLine() const = 0;
         /// The characters before it in its line.
         virtual int GetColumn() const = 0;
+
+    protected:
+        ~IToken() = default;
     };
 
     /// Replaces the list by the tokens of a text: of that many characters, or with -1 up to its terminator. Or of the
@@ -149,6 +158,9 @@ public:
     virtual int FindTokenAt(int position) const = 0;
     /// The index of the first token that begins at or behind a position, or -1.
     virtual int FindTokenFrom(int position) const = 0;
+
+protected:
+    ~IVekTokenizer() = default;
 };
 
 /// The library's lexer; IVekKernel::CreateLexer makes one.

@@ -6,6 +6,7 @@
 #include "VekCamera.h"
 #include "VekCore.h"
 #include "VekData.h"
+#include "VekEdit.h"
 #include "VekExport.h"
 #include "VekGeometry.h"
 #include "VekIO.h"
@@ -17,6 +18,7 @@
 #include "VekText.h"
 #include "VekThread.h"
 #include "VekVariant.h"
+#include "VekWalk.h"
 #include "VekXML.h"
 
 /// The library's one process-wide object: start-up and shut-down, log catchers, events, and the factory of services.
@@ -86,16 +88,9 @@ public:
     virtual IVekXMLManager * GetXMLManager() = 0;
     /// Creates a CPU-usage meter; null with a message when that fails.
     virtual IVekCPUUsage * CreateCPUUsage() = 0;
+
+protected:
+    ~IVekKernel() = default;
 };
-
-/// Starts the library; calls are counted, and only the first does the work. False when that failed; the call counts
-/// even so, and VekLibDeinit takes it back.
-VEK_ENTRY bool VekLibInit();
-
-/// Takes one VekLibInit back; the last stops the library, on the thread that started it. Nothing without a VekLibInit.
-VEK_ENTRY void VekLibDeinit();
-
-/// The kernel, made on first use; always the same object. It belongs to the library: no reference is added.
-VEK_ENTRY IVekKernel * getVekLibKernel();
 
 #endif

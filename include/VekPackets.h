@@ -53,6 +53,9 @@ public:
     virtual IVekResourceFilePacketHandler * FindHandler(unsigned int type) = 0;
     /// Why the last operation that failed did so; empty when none has. Valid until the next one.
     virtual wchar_t const * GetLastErrorText() const = 0;
+
+protected:
+    ~IVekResourceFileManager() = default;
 };
 
 /// Creates the packets of a type. Hosts implement it and register it with their manager.
@@ -62,6 +65,9 @@ public:
     /// A new packet with count 1, or null. The manager may be stored, not counted.
     virtual CVekResourceFilePacket * CreatePacket(unsigned int type, wchar_t const * name,
                                                   IVekResourceFileManager * manager) = 0;
+
+protected:
+    ~IVekResourceFilePacketHandler() = default;
 };
 
 /// A packet of a resource file: the base of a host's own packets, which read and write themselves. It holds one

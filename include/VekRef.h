@@ -1,7 +1,45 @@
 /// @file
-/// The owner of one reference to an object of the library.
+/// The library's entry points, its start and stop as a scope, and the owner of one reference to an object of it.
 #ifndef VEK_REF_H
 #define VEK_REF_H
+
+#include "VekExport.h"
+
+/// Starts the library; calls are counted, and only the first does the work. False when that failed; the call counts
+/// even so, and VekLibDeinit takes it back.
+VEK_ENTRY bool VekLibInit();
+
+/// Takes one VekLibInit back; the last stops the library, on the thread that started it. Nothing without a VekLibInit.
+VEK_ENTRY void VekLibDeinit();
+
+/// The kernel, made on first use; always the same object. It belongs to the library: no reference is added.
+VEK_ENTRY IVekKernel * getVekLibKernel();
+
+/// The library for the length of a scope: VekLibInit at its beginning, VekLibDeinit at its end, also after a start that
+/// failed. Scopes may be nested. What is made with the library is to be released before: declare the scope first.
+///
+///     CVekLibrary const library;
+///     if (!library)
+///         return 1;
+///     CVekRef<IVekTimer> const timer{library->CreateTimer()};
+class CVekLibrary
+{
+public:
+    CVekLibrary() noexcept : m_started(VekLibInit()) {}
+    CVekLibrary(CVekLibrary const &) = delete;
+    CVekLibrary & operator=(CVekLibrary const &) = delete;
+    ~CVekLibrary() { VekLibDeinit(); }
+
+    /// Whether the start succeeded, or the library was running already.
+    bool IsStarted() const noexcept { return m_started; }
+    explicit operator bool() const noexcept { return m_started; }
+    /// The kernel, never null, which stays the library's.
+    IVekKernel * GetKernel() const noexcept { return getVekLibKernel(); }
+    IVekKernel * operator->() const noexcept { return getVekLibKernel(); }
+
+private:
+    bool m_started;
+};
 
 /// Owns one reference to a counted object and gives it back with Release at the end of the scope, or owns nothing
 /// (null). T is any class with AddRef and Release: the library's interfaces, and hosts' own classes.

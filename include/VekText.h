@@ -86,6 +86,24 @@ VEK_API unsigned long VekStrToUIntW(wchar_t const * text, int radix);
 VEK_API double VekStrToFloatA(char const * text);
 VEK_API double VekStrToFloatW(wchar_t const * text);
 
+/// The fewest digits that read back as the same number, with a point in every locale: "0.1", "-12.5", "1e300", "inf",
+/// "nan". Returns the number of characters written, or -1, with an empty text, when the buffer of size characters is
+/// too small; 32 are always enough.
+VEK_API int VekStrFromNumberA(char * buffer, int size, double value);
+VEK_API int VekStrFromNumberA(char * buffer, int size, float value);
+VEK_API int VekStrFromNumberW(wchar_t * buffer, int size, double value);
+VEK_API int VekStrFromNumberW(wchar_t * buffer, int size, float value);
+
+/// Reads a decimal number, with a point in every locale, as the nearest one that there is: a sign, digits with or
+/// without a point, an exponent; "inf" and "nan" too. Leading white space is skipped. The text may go on behind the
+/// number when end is given, which gets that place; otherwise only white space may follow. False, with value and end
+/// unchanged, for anything else, for null, a number that is too large, and when memory for a very long one is
+/// exhausted.
+VEK_API bool VekStrToNumberA(char const * text, double & value, char const ** end = nullptr);
+VEK_API bool VekStrToNumberA(char const * text, float & value, char const ** end = nullptr);
+VEK_API bool VekStrToNumberW(wchar_t const * text, double & value, wchar_t const ** end = nullptr);
+VEK_API bool VekStrToNumberW(wchar_t const * text, float & value, wchar_t const ** end = nullptr);
+
 // --- the string -----------------------------------------------------------------------------------------------------
 
 /// A text that owns its characters: one pointer to them, with length, capacity and grow-by in front of them in the same
@@ -152,6 +170,23 @@ public:
         if (count <= 0 || count >= GetCapacity() - GetLength() || count > SHORT_PIECE)
             return AppendString(other);
         AppendHere(other.m_text, count);
+    }
+    /// As Append: a text (null appends nothing), a string, or one character (zero appends nothing).
+    CVekString & operator+=(T const * text) noexcept
+    {
+        Append(text);
+        return *this;
+    }
+    CVekString & operator+=(CVekString const & other) noexcept
+    {
+        Append(other);
+        return *this;
+    }
+    CVekString & operator+=(T unit) noexcept
+    {
+        T const text[2] = {unit, 0};
+        Append(text, 0, 1);
+        return *this;
     }
     /// Appends formatted text (printf rules; "%s" is text of the string's own width). Nothing is appended when it can't
     /// be formatted. An argument may be this string's own text.

@@ -171,6 +171,9 @@ public:
     public:
         /// The worker holds one more reference during the call. An exception that leaves it ends the process.
         virtual void OnTick() = 0;
+
+    protected:
+        ~TickCallback() = default;
     };
 
     /// Swaps the callback, between two ticks of a worker that runs, and waits until that is done, as
@@ -220,6 +223,9 @@ public:
     virtual void AddCommand(CVekThreadCommand * command) = 0;
     /// True while there are commands in the queue.
     virtual bool HasPendingCommands() = 0;
+
+protected:
+    ~IVekThread() = default;
 };
 
 /// A piece of work for a worker thread. Hosts derive from it and write Execute. By default it is released once it has

@@ -36,6 +36,70 @@ enum VEK_DATATYPE : int
     VEK_DT_BUFFER = 21
 };
 
+/// @cond internal
+namespace vek
+{
+/// The whole numbers that have no type of their own, by their size and sign.
+template <class T>
+struct LongNumber
+{
+};
+template <>
+struct LongNumber<long>
+{
+    using Allow = int;
+    static bool IsNegative(long value) noexcept { return value < 0; }
+};
+template <>
+struct LongNumber<long long>
+{
+    using Allow = int;
+    static bool IsNegative(long long value) noexcept { return value < 0; }
+};
+template <>
+struct LongNumber<unsigned long>
+{
+    using Allow = int;
+    static bool IsNegative(unsigned long) noexcept { return false; }
+};
+template <>
+struct LongNumber<unsigned long long>
+{
+    using Allow = int;
+    static bool IsNegative(unsigned long long) noexcept { return false; }
+};
+
+/// A whole number taken apart, and whether an int can have it.
+struct WholeNumber
+{
+    template <class T>
+    explicit WholeNumber(T value) noexcept
+        : isNegative(LongNumber<T>::IsNegative(value)),
+          amount(isNegative ? 0 - static_cast<unsigned long long>(value) : static_cast<unsigned long long>(value))
+    {
+    }
+    bool IsInt() const noexcept { return amount <= 0x7FFFFFFFU + (isNegative ? 1U : 0U); }
+    /// Its digits, written to the end of a buffer of TEXT_SIZE units.
+    wchar_t const * Text(wchar_t * buffer) const noexcept
+    {
+        wchar_t * at = buffer + TEXT_SIZE - 1;
+        *at = 0;
+        unsigned long long rest = amount;
+        do
+            *--at = static_cast<wchar_t>(L'0' + rest % 10);
+        while ((rest /= 10) != 0);
+        if (isNegative)
+            *--at = L'-';
+        return at;
+    }
+
+    static constexpr int TEXT_SIZE = 24;
+    bool isNegative;
+    unsigned long long amount;
+};
+} // namespace vek
+/// @endcond
+
 /// The bytes a value of the type takes when stored; 0 for texts, buffers and numbers that are no type.
 VEK_API int VekDataTypeSize(VEK_DATATYPE type);
 
@@ -69,6 +133,26 @@ public:
     VEK_VARIANT(CVekMatrix4x4<double> const & value);
     VEK_VARIANT(char const * value);
     VEK_VARIANT(wchar_t const * value);
+    template <class T>
+    VEK_VARIANT(CVekString<T> const & value) : VEK_VARIANT(static_cast<T const *>(value))
+    {
+    }
+    /// From a long or a long long, signed or not, and with them a size_t of 64 bits: a VEK_DT_INT when an int can have
+    /// the number, otherwise its digits as a text (VEK_DT_STRINGW), so that nothing is cut off.
+    template <class T, typename vek::LongNumber<T>::Allow = 0>
+    VEK_VARIANT(T value) : VEK_VARIANT(vek::WholeNumber(value).IsInt() ? VEK_DT_INT : VEK_DT_STRINGW)
+    {
+        wchar_t digits[vek::WholeNumber::TEXT_SIZE];
+        if (m_type == VEK_DT_INT)
+            *this = static_cast<int>(value);
+        else
+            *this = vek::WholeNumber(value).Text(digits);
+    }
+    /// Other pointers are refused: they would become booleans.
+    template <class T>
+    VEK_VARIANT(T const volatile * pointer) = delete;
+    template <class Result, class... Arguments>
+    VEK_VARIANT(Result (*function)(Arguments...)) = delete;
     /// A buffer; takes the block over as SetBuffer does.
     VEK_VARIANT(unsigned char * buffer, int size);
     /// A variant of that type without a value; the types 13 to 19 get an object.
@@ -148,6 +232,13 @@ public:
     /// Assigns the narrow or the wide text; the type stays.
     VEK_VARIANT & operator=(char const * value);
     VEK_VARIANT & operator=(wchar_t const * value);
+    template <class T>
+    VEK_VARIANT & operator=(CVekString<T> const & value)
+    {
+        return *this = static_cast<T const *>(value);
+    }
+    template <class T>
+    VEK_VARIANT & operator=(T const volatile * pointer) = delete;
 
     /// The buffer, which stays the variant's, and its size in bytes; null and 0 without one.
     unsigned char * GetBuffer();

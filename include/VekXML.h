@@ -15,6 +15,11 @@
 
 VEK_HEADER_BEGIN
 
+namespace vek
+{
+struct XMLEdit;
+}
+
 /// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and
 /// at most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes
 /// one.
@@ -126,6 +131,9 @@ public:
     virtual bool HasCDATASection() const = 0;
     /// The section's bytes, owned by the element; null without a section.
     virtual unsigned char const * GetCDATASection() const = 0;
+
+protected:
+    ~IVekXMLElement() = default;
 };
 
 /// What an element declaration or an entry of its content model stands for. The numbers are part of the interface.
@@ -161,6 +169,9 @@ public:
         /// Removes and releases the child; a bad index is logged.
         virtual void RemoveChild(int index) = 0;
         virtual void RemoveAllChildren() = 0;
+
+    protected:
+        ~RuleEntry() = default;
     };
 
     virtual CVekString<wchar_t> const & GetName() const = 0;
@@ -175,6 +186,9 @@ public:
     /// Removes and releases the entry; a bad index is logged.
     virtual void RemoveRuleEntry(int index) = 0;
     virtual void RemoveAllRuleEntries() = 0;
+
+protected:
+    ~IVekXMLDTDRule() = default;
 };
 
 /// The declared attributes of one element of a document type.
@@ -189,6 +203,9 @@ public:
         /// The declared type's text, such as "CDATA".
         virtual CVekString<wchar_t> const & GetType() const = 0;
         virtual bool IsRequired() const = 0;
+
+    protected:
+        ~AttributeEntry() = default;
     };
 
     virtual CVekString<wchar_t> const & GetName() const = 0;
@@ -201,6 +218,9 @@ public:
     /// The entry at an index, no reference added; null for a bad index.
     VEK_OVERLOADS2(virtual AttributeEntry * GetAttributeEntry(int index) = 0,
                    virtual AttributeEntry const * GetAttributeEntry(int index) const = 0)
+
+protected:
+    ~IVekXMLDTDAttributeList() = default;
 };
 
 /// One XML document: its root element, document type name, encoding name, and DTD.
@@ -249,6 +269,9 @@ public:
     /// Removes and releases the list; a bad index is logged.
     virtual void RemoveDTDAttributeList(int index) = 0;
     virtual void RemoveAllDTDAttributeLists() = 0;
+
+protected:
+    ~IVekXMLDocument() = default;
 };
 
 /// Reads XML files into documents. External entities are never opened. One parser may read many files, one at a time.
@@ -261,6 +284,9 @@ public:
     /// can't be read or is malformed, or the document's root is of a foreign implementation; the document then keeps
     /// what was read. A file that merely ends early is not an error here; ask CVekXMLParser::IsComplete.
     virtual bool ParseXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
+
+protected:
+    ~IVekXMLParser() = default;
 };
 
 /// Writes XML documents, one line for each tag, indented by depth. The encoding is the document's.
@@ -275,6 +301,9 @@ public:
     virtual bool WriteXMLFile(wchar_t const * path, IVekXMLDocument * document) = 0;
     /// Writes the document to an open stream, at its position; the same failures, and a null stream.
     virtual bool WriteXML(IVekIOStream * stream, IVekXMLDocument * document) = 0;
+
+protected:
+    ~IVekXMLWriter() = default;
 };
 
 /// Creates every XML object, each with one reference that the caller owns; null, with a message, when memory is
@@ -286,6 +315,9 @@ public:
     virtual IVekXMLDocument * CreateXMLDocument() = 0;
     virtual IVekXMLParser * CreateXMLParser() = 0;
     virtual IVekXMLWriter * CreateXMLWriter() = 0;
+
+protected:
+    ~IVekXMLManager() = default;
 };
 
 /// One attribute: a name and the text of its value, exactly as stored. The element escapes what is set through it.
@@ -335,6 +367,7 @@ public:
 private:
     friend class CVekXMLElement;
     friend class CVekXMLParser;
+    friend struct vek::XMLEdit;
 
     CVekXMLAttribute(CVekString<wchar_t> && name, CVekString<wchar_t> && value);
     static CVekXMLAttribute * Make(wchar_t const * name, int nameLength, wchar_t const * value, int valueLength);
@@ -429,6 +462,7 @@ public:
 private:
     friend class CVekXMLManager;
     friend class CVekXMLParser;
+    friend struct vek::XMLEdit;
 
     struct ChildNames;
     struct Tree;

@@ -62,18 +62,21 @@ void LogToStderr::Show(bool keptToo)
     m_kept.clear();
 }
 
-Library::Library()
+namespace
 {
-    auto * const catcher = new LogToStderr;
-    getVekLibKernel()->AddCatchLogOutput(catcher);
-    m_started = VekLibInit();
-    catcher->Show(!m_started);
-    catcher->Release(); // the kernel holds its own reference until VekLibDeinit
+
+CVekRef<LogToStderr> AddCatcher()
+{
+    CVekRef<LogToStderr> catcher{new LogToStderr};
+    getVekLibKernel()->AddCatchLogOutput(catcher.Get());
+    return catcher;
 }
 
-Library::~Library()
+} // namespace
+
+Library::Library() : m_catcher(AddCatcher())
 {
-    VekLibDeinit();
+    m_catcher->Show(!Started());
 }
 
 } // namespace tool

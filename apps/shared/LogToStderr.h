@@ -40,14 +40,14 @@ class Library
 {
 public:
     Library();
-    ~Library();
     Library(Library const &) = delete;
     Library & operator=(Library const &) = delete;
 
-    bool Started() const { return m_started; }
+    bool Started() const { return m_library.IsStarted(); }
 
 private:
-    bool m_started;
+    CVekRef<LogToStderr> m_catcher;
+    CVekLibrary m_library;
 };
 
 } // namespace tool

@@ -1,10 +1,10 @@
 #include "PngFile.h"
 
+#include "VekRef.h"
+
 #include "Platform.h"
 
 #include <wincodec.h>
-
-#include <memory>
 
 namespace tool
 {
@@ -12,12 +12,8 @@ namespace tool
 namespace
 {
 
-struct ReleaseCom
-{
-    void operator()(IUnknown * object) const { object->Release(); }
-};
 template <class T>
-using Com = std::unique_ptr<T, ReleaseCom>;
+using Com = CVekRef<T>;
 
 /// Takes over what a function returns through its last parameter; null when it failed.
 template <class T, class Function>
@@ -72,7 +68,7 @@ bool WritePng(Canvas const & canvas, std::wstring const & path)
     if (!stream || FAILED(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE)))
         return false;
     bool const written = Encode(*factory, *stream, canvas);
-    stream.reset();
+    stream.Reset();
     if (!written)
         DeleteFileW(path.c_str());
     return written;

@@ -22,9 +22,9 @@ static Function Find(HMODULE library, char const * name)
 
 static bool LookAt(wchar_t const * path, IVekXMLManager * manager)
 {
-    IVekXMLDocument * const document = manager->CreateXMLDocument();
-    IVekXMLParser * const parser = manager->CreateXMLParser();
-    bool const done = parser->ParseXMLFile(path, document);
+    CVekRef<IVekXMLDocument> const document{manager->CreateXMLDocument()};
+    CVekRef<IVekXMLParser> const parser{manager->CreateXMLParser()};
+    bool const done = parser->ParseXMLFile(path, document.Get());
     if (done)
     {
         double angle = 0;
@@ -33,8 +33,6 @@ static bool LookAt(wchar_t const * path, IVekXMLManager * manager)
         std::printf("%d things in the scene, seen at an angle of %g degrees\n",
                     document->GetRootElement()->GetNumChildren(), angle);
     }
-    parser->Release();
-    document->Release();
     return done;
 }
 

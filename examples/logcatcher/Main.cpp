@@ -30,9 +30,10 @@ static void ReportOnce(wchar_t const * when)
 int wmain()
 {
     IVekKernel * const kernel = getVekLibKernel();
-    auto * const catcher = new PrintingCatcher; // count 1, ours
-    kernel->AddCatchLogOutput(catcher);         // the kernel's own reference
-    if (!VekLibInit())                          // four lines about the system
+    CVekRef<PrintingCatcher> const catcher{new PrintingCatcher}; // count 1, ours
+    kernel->AddCatchLogOutput(catcher.Get());                    // the kernel's own reference
+    CVekLibrary const library;                                   // four lines about the system
+    if (!library)
         return 1;
 
     ReportOnce(L"at first"); // the level is 0: messages up to 0 are shown
@@ -45,15 +46,11 @@ int wmain()
         ReportOnce(L"with level -1");
     }
 
-    IVekXMLDocument * const document = kernel->GetXMLManager()->CreateXMLDocument();
-    IVekXMLParser * const parser = kernel->GetXMLManager()->CreateXMLParser();
-    parser->ParseXMLFile(L"no such file.xml", document); // says why it failed
-    parser->Release();
-    document->Release();
+    CVekRef<IVekXMLDocument> const document{kernel->GetXMLManager()->CreateXMLDocument()};
+    CVekRef<IVekXMLParser> const parser{kernel->GetXMLManager()->CreateXMLParser()};
+    parser->ParseXMLFile(L"no such file.xml", document.Get()); // says why it failed
 
-    kernel->RemoveCatchLogOutput(catcher); // VekLibDeinit would remove it too
-    VekLibDeinit();
+    kernel->RemoveCatchLogOutput(catcher.Get()); // the library's end would remove it too
     printf("%d messages caught\n", catcher->Messages());
-    catcher->Release();
     return 0;
 }

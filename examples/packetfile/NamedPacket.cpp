@@ -1,38 +1,33 @@
 #include "NamedPacket.h"
 
+#include <utility>
+
 namespace packetfile
 {
 
 /// Packets whose last reference this list holds, linked through their own fields.
 struct Named::Doomed
 {
-    CVekResourceFilePacket * first = nullptr;
+    CVekRef<CVekResourceFilePacket> first;
 
     /// Takes the last child out, which costs least.
     void TakeLastChild(CVekResourceFilePacket & packet)
     {
         int const last = packet.GetNumChildren() - 1;
-        CVekResourceFilePacket * const child = packet.GetChild(last);
-        if (child)
-            child->AddRef();
+        auto child = CVekRef<CVekResourceFilePacket>::Share(packet.GetChild(last));
         // Not the packet's own operation, which would tell a manager that may be gone.
         packet.CVekResourceFilePacket::RemoveChild(last);
-        if (!child)
-            return;
-        auto * const named = dynamic_cast<Named *>(child);
+        auto * const named = dynamic_cast<Named *>(child.Get());
         if (!named || child->GetRefCount() > 1 || child->GetNumChildren() == 0)
-        {
-            child->Release();
             return;
-        }
-        named->m_nextDoomed = first;
-        first = child;
+        named->m_nextDoomed = std::move(first);
+        first = std::move(child);
     }
-    CVekResourceFilePacket * Pop()
+    CVekRef<CVekResourceFilePacket> Pop()
     {
-        CVekResourceFilePacket * const packet = first;
+        CVekRef<CVekResourceFilePacket> packet = std::move(first);
         if (packet)
-            first = dynamic_cast<Named *>(packet)->m_nextDoomed;
+            first = std::move(dynamic_cast<Named &>(*packet).m_nextDoomed);
         return packet;
     }
 };
@@ -42,11 +37,10 @@ void Named::DropChildren(CVekResourceFilePacket & packet)
     Doomed doomed;
     while (packet.GetNumChildren() > 0)
         doomed.TakeLastChild(packet);
-    while (CVekResourceFilePacket * const next = doomed.Pop())
+    while (auto const next = doomed.Pop())
     {
         while (next->GetNumChildren() > 0)
             doomed.TakeLastChild(*next);
-        next->Release();
     }
 }
 

@@ -30,7 +30,7 @@ private:
 
     unsigned int m_type;
     std::wstring m_name;
-    CVekResourceFilePacket * m_nextDoomed = nullptr;
+    CVekRef<CVekResourceFilePacket> m_nextDoomed;
 };
 
 /// Gives a packet class of the library a name, an end that takes its children along, and changes that reach the

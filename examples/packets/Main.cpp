@@ -91,9 +91,6 @@ int wmain(int count, wchar_t ** arguments)
         std::puts("usage: example_packets FILE\nWrites a small tree of packets to FILE and reads it back.");
         return 2;
     }
-    if (!VekLibInit())
-        return 1;
-    bool const isDone = Run(arguments[1]);
-    VekLibDeinit();
-    return isDone ? 0 : 1;
+    CVekLibrary const library;
+    return library && Run(arguments[1]) ? 0 : 1;
 }

@@ -60,12 +60,7 @@ private:
 class Events : public testing::Test
 {
 protected:
-    Events() : a('A', calls), b('B', calls), c('C', calls)
-    {
-        VekLibInit();
-        Kernel().RegisterEvent(EVENT);
-    }
-    ~Events() override { VekLibDeinit(); }
+    Events() : a('A', calls), b('B', calls), c('C', calls) { Kernel().RegisterEvent(EVENT); }
     bool Add(Handler & handler) { return Kernel().AddEventHandler(EVENT, &handler); }
     void Remove(Handler & handler) { Kernel().RemoveEventHandler(EVENT, &handler); }
     std::string Fire()
@@ -77,6 +72,7 @@ protected:
 
     std::string calls;
     Handler a, b, c;
+    CVekLibrary m_library; // stops before they end
 };
 
 } // namespace

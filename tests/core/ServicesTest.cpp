@@ -15,9 +15,7 @@ namespace
 class Services : public testing::Test
 {
 protected:
-    Services() { VekLibInit(); }
-    ~Services() override { VekLibDeinit(); }
-
+    CVekLibrary m_library;
     IVekKernel & kernel = *getVekLibKernel();
 };
 

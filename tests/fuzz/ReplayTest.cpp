@@ -19,21 +19,14 @@ char g_input[300]; // the one that runs
 class Fuzz : public testing::TestWithParam<fuzz::Target>
 {
 protected:
-    Fuzz()
-    {
-        VekLibInit();
-        getVekLibKernel()->SetDebugOutputLevel(-1);
-    }
-    ~Fuzz() override
-    {
-        getVekLibKernel()->SetDebugOutputLevel(0);
-        VekLibDeinit();
-    }
     static void Run(std::string const & name, std::string const & input)
     {
         g_input[name.copy(g_input, sizeof g_input - 1)] = 0;
         GetParam().run(fuzz::Bytes(reinterpret_cast<std::uint8_t const *>(input.data()), input.size()));
     }
+
+    CVekLibrary m_library;
+    CVekSetDebugOutputLevel m_silence{-1};
 };
 
 } // namespace

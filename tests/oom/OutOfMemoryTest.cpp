@@ -57,11 +57,10 @@ private:
 // What the library and the runtime keep from their first use on.
 void WarmScenariosUp()
 {
-    VekLibInit();
+    CVekLibrary const library;
     for (auto const & scenarios : {coreScenarios, dataScenarios, xmlScenarios})
         for (Scenario const & scenario : scenarios)
             scenario.run();
-    VekLibDeinit();
 }
 VekTest::WarmUp const warmUp(WarmScenariosUp);
 
@@ -100,13 +99,12 @@ void FailEach(Scenario const & scenario, void (*fail)(std::size_t), int & failur
 
 TEST_P(OutOfMemory, IsReportedAndLeavesTheLibraryUsable)
 {
-    VekLibInit();
+    CVekLibrary const library;
     int failures = 0;
     FailEach(GetParam(), VekGuard::FailAllocation, failures);
     FailEach(GetParam(), VekGuard::FailFrom, failures);
     EXPECT_EQ(failures > 0, VekGuard::Active);
     total += failures;
-    VekLibDeinit();
 }
 
 std::string NameOf(testing::TestParamInfo<Scenario> const & info)
@@ -124,7 +122,7 @@ class FailingStream : public testing::TestWithParam<StreamScenario>
 
 TEST_P(FailingStream, IsReported)
 {
-    VekLibInit();
+    CVekLibrary const library;
     for (unsigned int n = 1;; ++n)
     {
         SCOPED_TRACE(testing::Message() << "transfer " << n);
@@ -138,7 +136,6 @@ TEST_P(FailingStream, IsReported)
         if (!failed)
             break;
     }
-    VekLibDeinit();
 }
 
 INSTANTIATE_TEST_SUITE_P(All, FailingStream, testing::ValuesIn(streamScenarios),

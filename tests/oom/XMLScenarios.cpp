@@ -102,6 +102,29 @@ bool Write()
            stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 4096) && writer->WriteXML(stream.Get(), document.Get());
 }
 
+// The free functions that copy, change, walk and save.
+bool Edit()
+{
+    CVekRef<IVekXMLDocument> const document(Manager().CreateXMLDocument());
+    CVekRef<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
+    if (!document || !parser || !parser->ParseXMLMemory(DOCUMENT, sizeof DOCUMENT - 1, document.Get()))
+        return false;
+    IVekXMLElement & root = *document->GetRootElement();
+    CVekRef<IVekXMLElement> const copy(VekCloneXMLElement(&root));
+    bool succeeded = copy && VekIsSameXML(copy.Get(), &root);
+    IVekXMLElement * const node = root.GetChild(0);
+    bool const isReplaced = VekReplaceXMLAttribute(node, L"kind", L"sort", L"a < b");
+    isSound = isSound && node->FindAttributeIndex(isReplaced ? L"sort" : L"kind") >= 0;
+    auto walk = VekDescendants(root);
+    int count = 0;
+    for ([[maybe_unused]] IVekXMLElement const & element : walk)
+        ++count;
+    isSound = isSound && (count == 11 || walk.IsOutOfMemory());
+    double number = 0;
+    succeeded &= VekStrToNumberA("1.00000000000000000000000001", number);
+    return succeeded && isReplaced && !walk.IsOutOfMemory();
+}
+
 } // namespace
 
 std::vector<Scenario> const xmlScenarios = {
@@ -109,5 +132,6 @@ std::vector<Scenario> const xmlScenarios = {
     {"AddChild", AddAChild, {L"CVekXML"}},
     {"Wide", SearchAWideElement, {L"CVekXML"}},
     {"Parse", Parse, {L"CVekXML", L"   "}},
+    {"Edit", Edit, {L"CVekXML", L"   ", L"VekCloneXML", L"VekReplaceXML"}},
     {"Write", Write, {L"CVekXML", L"   ", L"CVekMemoryIOStream"}},
 };

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Public headers compile alone and in any order, as C++17 without a warning, and bring nothing along:
+# Public headers compile alone and in any order, as C++17 without a warning, and bring nothing along, but for VekStd.h,
+# which brings the standard library, and which no other includes:
 # check-headers.sh INCLUDE-FOLDER COMPILER FLAG...
 set -u
 folder=$1
@@ -14,6 +15,10 @@ for header in "${headers[@]}"; do
     while read -r included; do
         case $included in
             '<stddef.h>' | '<stdarg.h>' | '<stdint.h>') ;;
+            '"VekStd.h"') echo "$(basename "$header") includes VekStd.h"; status=1 ;;
+            '<'*'.h>') echo "$(basename "$header") includes $included, which is not allowed in a public header"; status=1 ;;
+            '<'*) [[ $header == */VekStd.h ]] ||
+                { echo "$(basename "$header") includes $included, which is not allowed in a public header"; status=1; } ;;
             '"'*'"') name=${included//\"/}; [[ $name != */* && -e $folder/$name ]] ||
                 { echo "$(basename "$header") includes $included, which is not a public header"; status=1; } ;;
             *) echo "$(basename "$header") includes $included, which is not allowed in a public header"; status=1 ;;

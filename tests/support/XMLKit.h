@@ -11,18 +11,9 @@
 
 #include <tuple>
 
-// The library, for the length of a test.
-struct LibraryScope
-{
-    LibraryScope() { VekLibInit(); }
-    ~LibraryScope() { VekLibDeinit(); }
-    LibraryScope(LibraryScope const &) = delete;
-    LibraryScope & operator=(LibraryScope const &) = delete;
-};
-
 struct XMLTest : testing::Test
 {
-    LibraryScope m_library;
+    CVekLibrary m_library;
     LogCapture m_log;
 };
 

@@ -66,8 +66,7 @@ struct Gate
 class Workers : public testing::Test
 {
 protected:
-    Workers() { VekLibInit(); }
-    ~Workers() override { VekLibDeinit(); }
+    CVekLibrary m_library;
 
     using Thread = CVekRef<IVekThread>;
 

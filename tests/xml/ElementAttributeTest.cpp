@@ -187,7 +187,7 @@ TEST(XMLElementAttributes, FailedAllocations)
 {
     if (!VekGuard::Active)
         GTEST_SKIP() << "needs the guard heap";
-    LibraryScope const library;
+    CVekLibrary const library;
     using Element = CVekXMLElement;
     std::tuple<bool (*)(Element &), std::wstring> const rows[] = {
         // clang-format off

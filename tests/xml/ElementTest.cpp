@@ -57,7 +57,7 @@ TEST(XMLElement, PlacesOfChildrenAndAttributes)
 
 TEST(XMLElement, FindRemoveAndGetChild)
 {
-    LibraryScope const library;
+    CVekLibrary const library;
     LogCapture log;
     auto const top = Family(L"0 a B a2 b 0");
     EXPECT_EQ(top->FindChild(L"b", true), top->GetChild(2)) << "the first match, in any case";
@@ -296,7 +296,7 @@ TEST(XMLElement, WideElementsAreFilledInLinearTime)
 {
     if (VekGuard::Active)
         GTEST_SKIP() << "the guard heap takes its own time";
-    LibraryScope const library;
+    CVekLibrary const library;
     auto const seconds = [](int count)
     {
         auto const root = NewElement(L"root");
