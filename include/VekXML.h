@@ -521,11 +521,11 @@ public:
     bool SetKeepAll(VEK_XML_KEEP keep);
     /// From the next parse on records where elements and values stand. Off at first. False when memory is exhausted.
     bool SetKeepPositions(bool keep);
-    /// From the next parse on also reads the encodings that the system has a code page for; a parser that keeps anything
-    /// does so anyway. Off at first. False when memory is exhausted.
+    /// From the next parse on also reads the encodings that the system has a code page for; a parser that keeps
+    /// anything does so anyway. Off at first. False when memory is exhausted.
     bool SetPlatformEncodings(bool use);
-    /// Where an element of the last parse stood. False when positions weren't kept, for an element that the parse did not
-    /// make, and for one that came out of an entity's text. Elements are known by their address: ask before the
+    /// Where an element of the last parse stood. False when positions weren't kept, for an element that the parse did
+    /// not make, and for one that came out of an entity's text. Elements are known by their address: ask before the
     /// tree is changed.
     bool GetPosition(IVekXMLElement const * element, VEK_XML_POSITION & position) const;
     /// The bytes of an attribute's value in the source, without its quotes. False as above, and for a value that is a
@@ -578,9 +578,9 @@ public:
     bool WriteXML(IVekIOStream * stream, IVekXMLDocument * document) override;
 
     /// Writes children whose names begin with "#" as what they stand for, the document's prolog and epilog, and all
-    /// values so that any parser reads them back as they are. No white space is added, unless SetIndentation was called:
-    /// then around the children of elements without text. What can't be written is told, with false, before the file is
-    /// opened. Off at first.
+    /// values so that any parser reads them back as they are. No white space is added, unless SetIndentation was
+    /// called: then around the children of elements without text. What can't be written is told, with false, before the
+    /// file is opened. Off at first.
     void SetKeepAll(bool keep);
     /// The encoding that such a document is written in; VEK_XML_ENCODING_AS_SOURCE at first.
     void SetKeepAllEncoding(VEK_XML_ENCODING encoding);
@@ -599,9 +599,9 @@ private:
     bool m_isIndented = false;
 };
 
-/// What stands in front of the outermost element of a document's file, and behind it: XML declaration, document type with
-/// its internal subset, comments, processing instructions and white space, as in the file, each line's end a newline. A
-/// parser with VEK_XML_KEEP_PROLOG stores them. Empty for other documents.
+/// What stands in front of the outermost element of a document's file, and behind it: XML declaration, document type
+/// with its internal subset, comments, processing instructions and white space, as in the file, each line's end a
+/// newline. A parser with VEK_XML_KEEP_PROLOG stores them. Empty for other documents.
 VEK_API CVekString<wchar_t> const & VekGetXMLProlog(IVekXMLDocument const & document);
 VEK_API CVekString<wchar_t> const & VekGetXMLEpilog(IVekXMLDocument const & document);
 /// Store copies; what they hold is checked when they are written. Null empties. False for a document of a foreign

@@ -170,8 +170,9 @@ bool EscapedText::MakeExact(wchar_t const * text) noexcept
     for (wchar_t const * at = text; *at;)
     {
         bool const isMarker = wcsncmp(at, NEWLINE_MARKER.text, NEWLINE_MARKER.length) == 0;
-        Replacement const * const replacement =
-            isMarker ? &EXACT_MARKER : *at <= L'>' && *at != L'\n' ? FindReplacement(*at) : nullptr;
+        Replacement const * const replacement = isMarker                      ? &EXACT_MARKER
+                                                : *at <= L'>' && *at != L'\n' ? FindReplacement(*at)
+                                                                              : nullptr;
         at += isMarker ? NEWLINE_MARKER.length : 1;
         if (!replacement)
         {

@@ -10,14 +10,14 @@
 namespace
 {
 
-CVekString<wchar_t> const & Get(IVekXMLDocument const & document, CVekString<wchar_t> vek::XMLKept::* part)
+CVekString<wchar_t> const & Get(IVekXMLDocument const & document, CVekString<wchar_t> vek::XMLKept::*part)
 {
     auto const * const own = vek::AsOwn<CVekXMLDocument const>(document);
     vek::XMLKept const * const kept = own ? own->GetKept() : nullptr;
     return kept ? kept->*part : vek::EmptyText();
 }
 
-bool Set(IVekXMLDocument & document, CVekString<wchar_t> vek::XMLKept::* part, wchar_t const * text)
+bool Set(IVekXMLDocument & document, CVekString<wchar_t> vek::XMLKept::*part, wchar_t const * text)
 {
     auto * const own = vek::AsOwn<CVekXMLDocument>(document);
     vek::XMLKept * const kept = own ? own->MakeKept() : nullptr;
@@ -25,8 +25,8 @@ bool Set(IVekXMLDocument & document, CVekString<wchar_t> vek::XMLKept::* part, w
     if (!kept || !vek::StoreText(vek::GivenText(text), stored))
         return false;
     if (wchar_t * const characters = vek::StringAccess<wchar_t>::Text(stored))
-        vek::StringAccess<wchar_t>::SetLength(
-            characters, vek::JoinLineEnds(characters, static_cast<size_t>(stored.GetLength())));
+        vek::StringAccess<wchar_t>::SetLength(characters,
+                                              vek::JoinLineEnds(characters, static_cast<size_t>(stored.GetLength())));
     (kept->*part).Swap(stored);
     return true;
 }

@@ -182,10 +182,13 @@ void CVekXMLParser::State::OnEndElementExtra()
 bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int attributesBefore)
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    auto const line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
+    auto const column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
+    // The tokenizer counts a byte order mark as a column.
+    unsigned int const mark = line == 1 && extras->source.MarkLength() > 0 ? 1 : 0;
     VEK_XML_POSITION const position = {static_cast<unsigned int>(offset),
-                                       static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0,
-                                       static_cast<unsigned int>(XML_GetCurrentLineNumber(expat)),
-                                       static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat)) + 1};
+                                       static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, line,
+                                       column + 1 - mark};
     if (!extras->source.IsTagAt(offset))
         return extras->positions.Begin(nullptr, position);
     return extras->positions.Begin(element, position) &&
@@ -298,8 +301,7 @@ bool CVekXMLParser::State::FlushSection()
 
 bool CVekXMLParser::State::FlushText()
 {
-    bool const isKept = !extras->text.Empty() &&
-                        Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
+    bool const isKept = !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
     bool const isDone = !isKept || AddNode(L"#text", extras->text.Data(), extras->text.Size());
     extras->text.Clear();
     extras->isBlank = true;

@@ -112,7 +112,8 @@ bool XMLSource::HasCarriageReturns() const noexcept
 {
     if (m_size > 0 && !IsWide())
     {
-        auto const * const newline = static_cast<unsigned char const *>(memchr(m_bytes, '\n', static_cast<size_t>(m_size)));
+        auto const * const newline =
+            static_cast<unsigned char const *>(memchr(m_bytes, '\n', static_cast<size_t>(m_size)));
         return newline && newline != m_bytes && newline[-1] == '\r';
     }
     for (int at = m_markLength; at < m_size; at += Step())

@@ -143,7 +143,8 @@ size_t ReferenceLength(wchar_t const * text, size_t length) noexcept
 // Where the value of the declaration's encoding stands in a prolog; none begins at 0.
 Piece FindEncoding(wchar_t const * prolog) noexcept
 {
-    wchar_t const * const end = wcsncmp(prolog, L"<?xml", 5) == 0 && IsBlank(prolog[5]) ? wcsstr(prolog, L"?>") : nullptr;
+    wchar_t const * const end =
+        wcsncmp(prolog, L"<?xml", 5) == 0 && IsBlank(prolog[5]) ? wcsstr(prolog, L"?>") : nullptr;
     wchar_t const * at = end ? wcsstr(prolog, L"encoding") : nullptr;
     if (!at || at > end)
         return {prolog, 0};
@@ -390,9 +391,10 @@ bool XMLWholeWriter::AreAttributesDistinct(IVekXMLElement const & element) noexc
     { return wcscmp(*left, *right) < 0; };
     CVekString<wchar_t> const ** const end = m_names.Data() + m_names.Size();
     std::sort(m_names.Data(), end, isLess);
-    auto * const twin = std::adjacent_find(m_names.Data(), end, [](auto * left, auto * right)
-                                           { return wcscmp(*left, *right) == 0; });
-    return twin == end || Fail(L"CVekXMLWriter::WriteXML --> Two attributes of one name can not be written: %s", **twin);
+    auto * const twin =
+        std::adjacent_find(m_names.Data(), end, [](auto * left, auto * right) { return wcscmp(*left, *right) == 0; });
+    return twin == end ||
+           Fail(L"CVekXMLWriter::WriteXML --> Two attributes of one name can not be written: %s", **twin);
 }
 
 bool XMLWholeWriter::Instruction(IVekXMLElement const & node, wchar_t const * text, size_t length) noexcept
@@ -469,7 +471,7 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
             ++i;
             continue;
         }
-        size_t const marker = BeginsWith(text + i, length - i, L"<EOL>")             ? 5
+        size_t const marker = BeginsWith(text + i, length - i, L"<EOL>")         ? 5
                               : BeginsWith(text + i, length - i, L"&lt;EOL&gt;") ? 11
                                                                                  : 0;
         size_t const reference = marker || text[i] == L'<' ? 0 : ReferenceLength(text + i, length - i);

@@ -9,9 +9,9 @@
 namespace vek
 {
 
-/// Writes a document so that any parser reads all of it back: its children whose names begin with "#" as what they stand
-/// for, and what it keeps of its file. Walks the tree on a stack of its own: once to see whether everything can be
-/// written, once to write it.
+/// Writes a document so that any parser reads all of it back: its children whose names begin with "#" as what they
+/// stand for, and what it keeps of its file. Walks the tree on a stack of its own: once to see whether everything can
+/// be written, once to write it.
 class XMLWholeWriter
 {
 public:

@@ -258,8 +258,7 @@ bool CVekXMLWriter::WriteFilePlain(wchar_t const * path, IVekFileIOStream & stre
     // A UTF-16 file is little-endian and binary, so that it can be read again. The others have the line ends of a text
     // file; they are written here, which is faster than leaving them to the runtime.
     vek::XMLEncoding const * const named = FindEncoding(document.GetEncoding());
-    bool const isUTF16 =
-        (named ? *named : static_cast<vek::XMLEncoding>(m_encodingType)) == vek::XMLEncoding::UTF16;
+    bool const isUTF16 = (named ? *named : static_cast<vek::XMLEncoding>(m_encodingType)) == vek::XMLEncoding::UTF16;
     stream.SetStreamByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream.GetStreamByteOrder());
     stream.SetSystemByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream.GetSystemByteOrder());
     return stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) && WritePlain(stream, document, !isUTF16);

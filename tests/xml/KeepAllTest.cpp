@@ -62,8 +62,7 @@ TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
         {"entities are text", "<!DOCTYPE a [<!ENTITY e 'x<b/>y'>]><a>1&e;2</a>", ALL, L"a{#text'1x' b #text'y2'}"},
         {"entities that are not read", "<!DOCTYPE a SYSTEM 'd' [<!ENTITY e SYSTEM 'f'>]><a>1&e;&u;</a>", ALL,
          L"a{#text'1' #entity-reference'e' #entity-reference'u'}"},
-        {"values", "<a x='&#10;&#9;&lt;EOL>&quot;' X='&amp;lt;'/>", ALL,
-         L"a[x=\n\t&lt;EOL&#62;&quot; X=&amp;lt;]"},
+        {"values", "<a x='&#10;&#9;&lt;EOL>&quot;' X='&amp;lt;'/>", ALL, L"a[x=\n\t&lt;EOL&#62;&quot; X=&amp;lt;]"},
         {"cut", "<a>x<b>y", ALL, L"a{#text'x' b{#text'y'}}"},
     };
     for (auto const & [name, bytes, keep, tree] : rows)
@@ -85,7 +84,8 @@ TEST_F(KeepAllTest, CopiesSayTheSame)
         {"bare", "<a/>", nullptr},
         {"no white space of its own", "<a><b><c/></b><d>t</d></a>", nullptr},
         {"prolog and epilog",
-         "<?xml version=\"1.0\" encoding='utf-8' standalone='no'?>\n<!-- 1 --><!DOCTYPE a PUBLIC 'p' \"s\" [\n<!ENTITY % "
+         "<?xml version=\"1.0\" encoding='utf-8' standalone='no'?>\n<!-- 1 --><!DOCTYPE a PUBLIC 'p' \"s\" [\n<!ENTITY "
+         "% "
          "p '<!ELEMENT b ANY>'>%p;<!ENTITY e '&#60;b/>'>\n]>\n<?pi?>\n<a b=\"1\"/>\n<!--2-->\n",
          nullptr},
         {"a mark", "\xEF\xBB\xBF<a>\xE2\x82\xAC</a>", nullptr},
@@ -95,7 +95,7 @@ TEST_F(KeepAllTest, CopiesSayTheSame)
         {"beyond the basic plane", "<a v=\"\xF0\x9F\x98\x80\">\xF4\x8F\xBF\xBD<!--\xF0\x9F\x98\x80--></a>", nullptr},
         {"values", "<a v=\"&#10;&#9;&#13;&lt;&amp;&quot;&apos;&lt;EOL&#62;&amp;#10;\"/>", nullptr},
         {"names that differ in case", "<a B=\"1\" b=\"2\"/>", nullptr},
-        {"text", "<a>&lt;&amp;&gt; > ]&gt; ]]&gt;\"'&#13;\n\t</a>", nullptr},
+        {"text", "<a>&lt;&amp;> ]&gt; ]]&gt;\"'&#13;\n\t</a>", nullptr},
         {"sections", "<a><![CDATA[<&]] >]]><![CDATA[]]><b><![CDATA[]]></b></a>", nullptr},
         {"references", "<!DOCTYPE a SYSTEM \"d\"><a>&u;<b/>&v;</a>", nullptr},
         {"instructions", "<a><?p q ?><?r?></a>", nullptr},
@@ -120,16 +120,16 @@ TEST_F(KeepAllTest, WritesWhatHostsMade)
     c.SetAttributeValue(1, VEK_VARIANT(L"a&b<c \"&#128512;&#0;&nbsp;<EOL>"));
     constexpr wchar_t section[] = L"x]]>y\r]]";
     c.AddCDATASection(reinterpret_cast<unsigned char const *>(section), sizeof section - sizeof *section);
-    char const * const all = "<a><b/>x<c v=\"1&#10;2\" w=\"a&amp;b&lt;c &quot;&#128512;&amp;#0;&amp;nbsp;&#10;\"><![CDATA["
-                             "x]]]]><![CDATA[>y]]>&#13;<![CDATA[]]]]><d/><e y=\"1\"><!--f--></e></c></a>";
+    char const * const all =
+        "<a><b/>x<c v=\"1&#10;2\" w=\"a&amp;b&lt;c &quot;&#128512;&amp;#0;&amp;nbsp;&#10;\"><![CDATA["
+        "x]]]]><![CDATA[>y]]>&#13;<![CDATA[]]]]><d/><e y=\"1\"><!--f--></e></c></a>";
     EXPECT_EQ(Written(*document.Get()), all);
     c.RemoveCDATASection();
     c.RemoveAllAttributes();
     m_writer.SetIndentation(1);
     EXPECT_EQ(Written(*document.Get()), "<a><b/>x<c><d/><e y=\"1\"><!--f--></e></c></a>") << "below text";
     document->GetRootElement()->RemoveChild(1);
-    EXPECT_EQ(Written(*document.Get()),
-              "<a>\n <b/>\n <c>\n  <d/>\n  <e y=\"1\">\n   <!--f-->\n  </e>\n </c>\n</a>");
+    EXPECT_EQ(Written(*document.Get()), "<a>\n <b/>\n <c>\n  <d/>\n  <e y=\"1\">\n   <!--f-->\n  </e>\n </c>\n</a>");
     m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_UTF16_BIG);
     VekSetXMLProlog(*document.Get(), L"<?xml version='1.0' encoding='UTF-8'?>\r\n");
     EXPECT_EQ(Written(*document.Get()).substr(0, 8), "\xFE\xFF\0<\0?\0x"s);
@@ -216,7 +216,8 @@ TEST_F(KeepAllTest, ReadsTheEncodingsOfTheSystem)
     for (auto const & [name, bytes, text, codePage] : rows)
     {
         SCOPED_TRACE(name);
-        std::string const source = "<?xml version='1.0' encoding='"s + name + "'?><!--" + bytes + "--><a>" + bytes + "</a>";
+        std::string const source =
+            "<?xml version='1.0' encoding='"s + name + "'?><!--" + bytes + "--><a>" + bytes + "</a>";
         auto const document = NewDocument();
         EXPECT_FALSE(ParseBytes(source, document)) << "kept: without being asked it is unknown";
         EXPECT_TRUE(Parse(source, *document.Get()));
@@ -239,7 +240,8 @@ TEST_F(KeepAllTest, TellsPositions)
     std::tuple<char const *, std::string> const rows[] = {
         {"UTF-8", "<?xml version='1.0'?>\n<a>\n  <b x = '1' y=\"\xC3\xA9>/\"\n z=''/><c></c></a>"},
         {"with a mark", "\xEF\xBB\xBF<a><b x = '1' y=\"\xC3\xA9>/\" z=''/><c></c></a>"},
-        {"UTF-16", "\xFF\xFE<\0a\0>\0\n\0<\0b\0 \0x\0=\0'\0\x31\0'\0 \0y\0=\0\"\0\xE9\0>\0/\0\"\0 \0z\0=\0'\0'\0/\0>\0<\0c\0>\0<\0/\0c\0>\0<\0/\0a\0>\0"s},
+        {"UTF-16",
+         "\xFF\xFE<\0a\0>\0\n\0<\0b\0 \0x\0=\0'\0\x31\0'\0 \0y\0=\0\"\0\xE9\0>\0/\0\"\0 \0z\0=\0'\0'\0/\0>\0<\0c\0>\0<\0/\0c\0>\0<\0/\0a\0>\0"s},
     };
     m_parser.SetKeepPositions(true);
     for (auto const & [name, bytes] : rows)
@@ -274,7 +276,7 @@ TEST_F(KeepAllTest, TellsPositions)
         EXPECT_EQ(plain(at.offset, at.end), "<c></c>");
         ASSERT_TRUE(m_parser.GetPosition(document->GetRootElement(), at));
         EXPECT_EQ(at.end, bytes.size());
-        EXPECT_EQ(at.column, name == "with a mark"s ? 1u : at.column);
+        EXPECT_EQ(at.column, 1u) << "a mark is no column";
     }
     auto const document = NewDocument();
     EXPECT_TRUE(Parse("<!DOCTYPE a [<!ENTITY e '<b x=\"1\"/>'><!ATTLIST a d CDATA 'v'>]><a w='1'>\n&e;<c/></a>",
@@ -304,6 +306,7 @@ TEST_F(KeepAllTest, BearsAnyAmount)
     std::string const nested = "x<a>", closed = "</a>y";
     for (std::size_t i = 0; i < many; ++i)
         text += nested;
+    text += "z";
     for (std::size_t i = 0; i < many; ++i)
         text += closed;
     for (std::size_t i = 0; i < many; ++i)
