@@ -435,6 +435,7 @@ private:
 
     explicit CVekXMLElement(CVekString<wchar_t> && name);
     static CVekXMLElement * Make(wchar_t const * name, int nameLength);
+    static CVekXMLElement * MakeNode(wchar_t const * name, int nameLength, void const * section, size_t size);
     static CVekXMLAttribute * NewAttribute(wchar_t const * name, wchar_t const * text);
     void DestrotyChildren(); // Kept: spelled so.
     void DestroyAttributes();
@@ -457,6 +458,7 @@ private:
     bool m_hasCDATA = false;
     bool m_isKnownByAddress = false;
     bool m_isNameIndexed = false;
+    bool m_isCDATAEmbedded = false;
     int m_cdataSize = 0;
 };
 

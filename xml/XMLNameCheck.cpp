@@ -12,16 +12,29 @@ namespace
 
 constexpr wchar_t ENCODING[] = L"UTF-16LE";
 
-bool IsNameStart(wchar_t unit) noexcept
+// What a unit of ASCII may be in a name.
+enum NameUse : unsigned char
 {
-    return (unit >= L'a' && unit <= L'z') || (unit >= L'A' && unit <= L'Z') || unit == L'_' || unit == L':' ||
-           unit >= 0x80;
-}
+    NOWHERE = 0,
+    INSIDE = 1,
+    ANYWHERE = 2
+};
 
-bool IsNameUnit(wchar_t unit) noexcept
+struct NameTable
 {
-    return IsNameStart(unit) || (unit >= L'0' && unit <= L'9') || unit == L'-' || unit == L'.';
-}
+    constexpr NameTable() noexcept
+    {
+        for (unsigned unit = L'a'; unit <= L'z'; ++unit)
+            uses[unit] = uses[unit - L'a' + L'A'] = ANYWHERE;
+        uses[L'_'] = uses[L':'] = ANYWHERE;
+        for (unsigned unit = L'0'; unit <= L'9'; ++unit)
+            uses[unit] = INSIDE;
+        uses[L'-'] = uses[L'.'] = INSIDE;
+    }
+
+    NameUse uses[0x80] = {};
+};
+constexpr NameTable NAMES;
 
 /// What the outermost element of a text stands on.
 struct Outermost
@@ -59,14 +72,15 @@ XMLNameCheck::~XMLNameCheck()
 
 bool XMLNameCheck::IsName(wchar_t const * text, size_t length) noexcept
 {
-    if (length == 0 || length > INT_MAX / sizeof *text || !IsNameStart(*text))
+    if (length == 0 || length > INT_MAX / sizeof *text || (*text < 0x80 && NAMES.uses[*text] != ANYWHERE))
         return false;
     bool isAscii = true;
     for (size_t i = 0; i < length; ++i)
     {
-        if (!IsNameUnit(text[i]))
+        if (text[i] >= 0x80)
+            isAscii = false;
+        else if (NAMES.uses[text[i]] == NOWHERE)
             return false;
-        isAscii = isAscii && text[i] < 0x80;
     }
     if (isAscii)
         return true;

@@ -1,6 +1,7 @@
 #include "VekRef.h"
 
 #include "base/AsOwn.h"
+#include "text/StringAccess.h"
 #include "xml/XMLDocument.h"
 #include "xml/XMLManager.h"
 #include "xml/XMLParserState.h"
@@ -220,9 +221,18 @@ void CVekXMLParser::State::OnText(wchar_t const * text, int length)
     if (inCDATA)
         return OnCDATA(text, length);
     extras->isOneSection = false;
+    // The tokenizer hands out each newline by itself.
+    if (length == 1 && *text == L'\n')
+    {
+        if (!extras->text.Append(L'\n'))
+            Abort();
+        return;
+    }
     extras->isBlank = extras->isBlank && IsBlank(text, length);
-    if (!extras->text.Append(text, static_cast<size_t>(length)))
-        Abort();
+    wchar_t * const place = extras->text.Extend(static_cast<size_t>(length));
+    if (!place)
+        return Abort();
+    vek::CopyShort(place, text, static_cast<size_t>(length) * sizeof *text);
 }
 
 void CVekXMLParser::State::OnStartSection()
@@ -250,7 +260,7 @@ void CVekXMLParser::State::OnEndSection()
 
 void CVekXMLParser::State::OnComment(wchar_t const * text)
 {
-    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode(L"#comment", text, wcslen(text))))
+    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode({L"#comment", 8}, text, wcslen(text))))
         Abort();
 }
 
@@ -259,7 +269,7 @@ void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const *
     if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS) || !IsInside())
         return;
     size_t const length = wcslen(target);
-    CVekXMLElement * const node = Flush() ? AddNode(L"#processing-instruction", text, wcslen(text)) : nullptr;
+    CVekXMLElement * const node = Flush() ? AddNode({L"#processing-instruction", 23}, text, wcslen(text)) : nullptr;
     auto * const attribute = node && length < INT_MAX / sizeof(wchar_t)
                                  ? CVekXMLAttribute::Make(L"target", 6, target, static_cast<int>(length))
                                  : nullptr;
@@ -279,7 +289,7 @@ void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
     bool const isWhole = text[length - 1] == L';';
     if (!reference.Append(text, static_cast<size_t>(length)) ||
         (isWhole &&
-         (!Flush() || !AddNode(L"#entity-reference", reference.Data() + 1, reference.Size() - 2)))) // without & and ;
+         (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1, reference.Size() - 2)))) // without & and ;
         return Abort();
     if (isWhole)
         reference.Clear();
@@ -295,14 +305,14 @@ bool CVekXMLParser::State::FlushSection()
     if (!extras->hasSection)
         return true;
     extras->hasSection = false;
-    return AddNode(L"#cdata-section", reinterpret_cast<wchar_t const *>(cdata.Data()),
+    return AddNode({L"#cdata-section", 14}, reinterpret_cast<wchar_t const *>(cdata.Data()),
                    cdata.Size() / sizeof(wchar_t)) != nullptr;
 }
 
 bool CVekXMLParser::State::FlushText()
 {
     bool const isKept = !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
-    bool const isDone = !isKept || AddNode(L"#text", extras->text.Data(), extras->text.Size());
+    bool const isDone = !isKept || AddNode({L"#text", 5}, extras->text.Data(), extras->text.Size());
     extras->text.Clear();
     extras->isBlank = true;
     extras->isOneSection = false;
@@ -325,18 +335,10 @@ bool CVekXMLParser::State::FlushAtEnd()
     return cdata.Size() <= INT_MAX && element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size()));
 }
 
-CVekXMLElement * CVekXMLParser::State::AddNode(wchar_t const * name, wchar_t const * text, size_t length)
+CVekXMLElement * CVekXMLParser::State::AddNode(NodeName const & name, wchar_t const * text, size_t length)
 {
-    CVekXMLElement * const node = CVekXMLManager::NewElement(name, static_cast<int>(wcslen(name)));
+    auto * const node = CVekXMLElement::MakeNode(name.text, name.length, text, length * sizeof(wchar_t));
     if (!node)
-        return nullptr;
-    // cppcheck-suppress nullPointer ; a node without characters may have no text
-    if (length > INT_MAX / sizeof *text ||
-        !node->CVekXMLElement::AddCDATASection(reinterpret_cast<unsigned char const *>(text),
-                                               static_cast<int>(length * sizeof *text)))
-    {
-        node->Release();
-        return nullptr;
-    }
-    return AddChild(node) ? node : nullptr;
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name.text);
+    return node && AddChild(node) ? node : nullptr;
 }

@@ -108,7 +108,12 @@ private:
     bool FlushAtEnd();
     bool FlushSection();
     bool FlushText();
-    CVekXMLElement * AddNode(wchar_t const * name, wchar_t const * text, size_t length);
+    struct NodeName
+    {
+        wchar_t const * text;
+        int length;
+    };
+    CVekXMLElement * AddNode(NodeName const & name, wchar_t const * text, size_t length);
     bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 

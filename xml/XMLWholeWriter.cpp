@@ -463,6 +463,12 @@ bool XMLWholeWriter::Section(wchar_t const * text, size_t length) noexcept
 // the marker of a newline for one.
 bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 {
+    auto const & look = LOOKS.look[static_cast<int>(Place::VALUE)];
+    if (std::none_of(text, text + length, [&look](wchar_t unit) { return NeedsLook(unit, look); }))
+    {
+        Put(text, length);
+        return true;
+    }
     size_t begin = 0;
     for (size_t i = 0; i < length;)
     {
