@@ -18,19 +18,17 @@ mkdir -p "$lists"
 export VEK_FLAGS="--nonet --c14n"
 
 # By what they begin with, whatever they are called.
-find "$@" -type f -size -64M -print0 | while IFS= read -r -d '' file; do
-    case $file in *$'\n'*) continue ;; esac
-    head=$(head -c 64 "$file" 2> /dev/null | tr -d '\000\357\273\277\376\377 \t\r\n' | head -c 5)
-    case $head in
-    '<?xml' | '<!DOC' | '<!--'* | '<svg'*) echo "$file" ;;
-    *) case $file in *.xml | *.svg | *.xsd | *.xsl | *.rng) echo "$file" ;; esac ;;
-    esac
-done | sort > "$lists/files"
+begin='\A(\xEF\xBB\xBF)?\s*<(\?xml\s|!DOCTYPE\s|!--|svg\s)|\A(\xFF\xFE)?<\z|\A\xFE\xFF\z'
+{
+    find "$@" -type f -size -64M -size +0 -print0 | LC_ALL=C xargs -0 -r grep -lazP -m1 "$begin" 2> /dev/null
+    find "$@" -type f \( -name '*.xml' -o -name '*.svg' -o -name '*.xsd' -o -name '*.xsl' -o -name '*.rng' \) -print
+} | grep -v '\.html$' | sort -u > "$lists/files"
 
 number=0
 while IFS= read -r file; do
     number=$((number + 1))
-    printf 'Z:%s\0Z:%s\0' "$(realpath "$file")" "$work/$number.xml"
+    ln -s "$(realpath "$file")" "$work/$number.source" # names of any kind
+    printf 'Z:%s\0Z:%s\0' "$work/$number.source" "$work/$number.xml"
 done < "$lists/files" > "$work/arguments"
 xargs -0 -r -n 100 "$here/tools/wine-run" "$program" < "$work/arguments" 2> /dev/null | tr -d '\r' |
     grep -xE 'copied|refused' > "$work/results"
