@@ -67,6 +67,19 @@ void XMLCALL OnDeclarationCB(void * userData, XML_Char const *, XML_Char const *
     StateOf(userData).extras->source.Declare(encoding);
 }
 
+void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Char const *, XML_Char const *, int)
+{
+    StateOf(userData).extras->hasDocumentType = true;
+    StateOf(userData).document->SetDocumentType(name);
+}
+
+void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int,
+                            XML_Char const *, XML_Char const *, XML_Char const *, XML_Char const *)
+{
+    if (value && !isParameter && !StateOf(userData).extras->entities.Add(name))
+        StateOf(userData).Abort();
+}
+
 int XMLCALL OnUnknownEncodingCB(void * userData, XML_Char const * name, XML_Encoding * encoding)
 {
     return StateOf(userData).extras->source.UsePlatform(name, *encoding) ? XML_STATUS_OK : XML_STATUS_ERROR;
@@ -106,6 +119,8 @@ void vek::InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * stat
     XML_SetUnknownEncodingHandler(expat, OnUnknownEncodingCB, state);
     if (state->options.keep == VEK_XML_KEEP_NOTHING)
         return;
+    XML_SetStartDoctypeDeclHandler(expat, OnStartDoctypeDeclCB);
+    XML_SetEntityDeclHandler(expat, OnEntityDeclCB);
     XML_SetCommentHandler(expat, OnCommentCB);
     XML_SetProcessingInstructionHandler(expat, OnInstructionCB);
     XML_SetDefaultHandlerExpand(expat, OnDefaultCB);
@@ -158,12 +173,38 @@ void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t con
         extras->rootBegin = static_cast<int>(XML_GetCurrentByteIndex(expat));
     else if (!Flush())
         return Abort();
+    if (extras->hasDocumentType && Keeps(VEK_XML_KEEP_PROLOG) && !AreValuesWhole())
+        return Abort();
     int const before = firstElement ? stack.Back()->GetNumAttributes() : 0;
     size_t const depth = firstElement ? 0 : stack.Size();
     extras->stored.Clear();
     OnStartElement(name, attributes);
     if (options.positions && stack.Size() > depth && !RecordPosition(stack.Back(), before))
         Abort();
+}
+
+// The tokenizer drops references in values to entities that are declared where it doesn't read.
+bool CVekXMLParser::State::AreValuesWhole()
+{
+    auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    int const length = XML_GetCurrentByteCount(expat);
+    if (!extras->source.IsTagAt(offset) ||
+        !extras->source.MayHoldReference({static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}))
+        return true;
+    CVekString<wchar_t> tag;
+    if (!extras->source.Decode(offset, offset + length, tag))
+        return false;
+    for (wchar_t const * at = wcschr(tag, L'&'); at; at = wcschr(at, L'&'))
+    {
+        wchar_t const * const name = ++at;
+        auto const nameLength = static_cast<int>(wcscspn(name, L";"));
+        if (extras->entities.Has(name, static_cast<size_t>(nameLength)))
+            continue;
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
+                     static_cast<wchar_t const *>(CVekString<wchar_t>(name, nameLength)));
+        return false;
+    }
+    return true;
 }
 
 void CVekXMLParser::State::OnEndElementExtra()
@@ -288,8 +329,8 @@ void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
         return;
     bool const isWhole = text[length - 1] == L';';
     if (!reference.Append(text, static_cast<size_t>(length)) ||
-        (isWhole &&
-         (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1, reference.Size() - 2)))) // without & and ;
+        (isWhole && (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1,
+                                          reference.Size() - 2)))) // without & and ;
         return Abort();
     if (isWhole)
         reference.Clear();

@@ -5,6 +5,7 @@
 #include "VekRef.h"
 
 #include "base/Buffer.h"
+#include "xml/XMLEntityNames.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLNameCache.h"
 #include "xml/XMLPositions.h"
@@ -30,6 +31,8 @@ struct XMLParserExtras
 {
     XMLSource source;
     XMLPositions positions;
+    XMLEntityNames entities;
+    bool hasDocumentType = false;
     Buffer<XMLRange> values;   // of one tag
     Buffer<int> stored;        // of an element's attributes that were stored: their places in the tag
     Buffer<wchar_t> text;      // that was met since the last node
@@ -103,6 +106,7 @@ private:
     bool KnowExistingAttributes(CVekXMLElement const * element);
 
     bool EndDocument();
+    bool AreValuesWhole();
     bool StoreProlog();
     bool Flush();
     bool FlushAtEnd();

@@ -186,6 +186,11 @@ bool XMLSource::DecodePlatform(int begin, int end, Buffer<wchar_t> & text) const
     return true;
 }
 
+bool XMLSource::MayHoldReference(XMLRange piece) const noexcept
+{
+    return memchr(m_bytes + piece.offset, '&', piece.length) != nullptr;
+}
+
 int XMLSource::SkipBlanks(int at, int end) const noexcept
 {
     while (at < end && IsBlank(UnitAt(at)))

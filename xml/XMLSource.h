@@ -42,6 +42,8 @@ public:
     bool Decode(int begin, int end, CVekString<wchar_t> & text) const noexcept;
     /// Whether a tag begins there, rather than a reference to an entity.
     bool IsTagAt(int offset) const noexcept { return UnitAt(offset) == L'<'; }
+    /// False when no reference can stand in the piece.
+    bool MayHoldReference(XMLRange piece) const noexcept;
     /// Adds where the values of a start tag stand, in order; false when memory is exhausted.
     bool FindValues(XMLRange tag, Buffer<XMLRange> & values) const noexcept;
 

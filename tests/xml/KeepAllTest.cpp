@@ -75,6 +75,9 @@ TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
     auto const document = NewDocument();
     EXPECT_TRUE(Parse("<a/><!-- cut", *document.Get()));
     EXPECT_FALSE(m_parser.IsComplete()) << "it would be written as it is";
+    EXPECT_TRUE(Parse("<!DOCTYPE a SYSTEM 'd' [<!ENTITY e ''>]><a b='&lt;&#65;&e;'/>", *NewDocument().Get()));
+    EXPECT_FALSE(Parse("<!DOCTYPE a SYSTEM 'd' [<!ENTITY e ''>]><a><b c='&lt;&u;'/></a>", *NewDocument().Get()));
+    EXPECT_NE(m_log.Take().find(L"an entity that is not read: u"), std::wstring::npos);
 }
 
 TEST_F(KeepAllTest, CopiesSayTheSame)
