@@ -86,4 +86,4 @@ echo "well-formed without canonical form, refused  $(count 'not-canonical refuse
 echo "malformed to xmllint, refused                $(count 'malformed refused')"
 echo "malformed to xmllint, copied                 $(count 'malformed copied')"
 grep -E '^(different|refused alone) ' "$lists/verdicts" | head -20
-[ "$(count 'different ')" = 0 ] && [ "$(count 'refused alone')" = 0 ]
+[ "$(count 'equal ')" != 0 ] && [ "$(count 'different ')" = 0 ] && [ "$(count 'refused alone')" = 0 ]

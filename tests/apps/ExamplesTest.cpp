@@ -42,3 +42,10 @@ TEST(Examples, DynamicNeedsNoImportLibrary)
     EXPECT_EQ(outcome.out, "4 things in the scene, seen at an angle of 50 degrees\r\n");
     EXPECT_EQ(RunBeside(L"example_dynamic.exe", {L"missing.xml"}).code, 1);
 }
+
+TEST(Examples, ColladaMeasuresMeshes)
+{
+    std::wstring const ship = SceneFile().replace(SceneFile().rfind(L"scene.xml"), 9, L"ship.dae");
+    EXPECT_EQ(RunBeside(L"example_collada.exe", {ship}).out, "hull: from -2.5, -6, 0 to 2.5, 6.5, 1.25\r\n");
+    EXPECT_EQ(RunBeside(L"example_collada.exe", {SceneFile()}).code, 1);
+}
