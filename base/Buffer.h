@@ -32,6 +32,8 @@ public:
     void PopBack() noexcept { --m_size; }
     /// Empties the array and keeps its storage.
     void Clear() noexcept { m_size = 0; }
+    /// Drops what stands behind that many values, of which there are at least as many.
+    void Shrink(size_t size) noexcept { m_size = size; }
     /// Empties the array and frees its storage.
     void Free() noexcept
     {

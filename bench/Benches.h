@@ -23,6 +23,9 @@ bool MeasureXmlSpeed(XmlBenchOptions const & options, Aims & aims);
 /// Whether ten times as many siblings or attributes take ten times as long.
 bool MeasureXmlLinearity(Aims & aims);
 
+/// Reading and writing with everything kept beside the plain ways. False when something failed.
+bool MeasureXmlKeep(XmlBenchOptions const & options, Aims & aims);
+
 /// How fast the lexer and the tokenizer read 10 MB of text like C, beside a lexer written by hand for that language.
 bool MeasureLexing(bool quick, Aims & aims);
 

@@ -63,6 +63,21 @@ std::string AttributeHeavy(std::size_t bytes)
         });
 }
 
+std::string Drawing(std::size_t bytes)
+{
+    return Fill(bytes,
+                [](std::string & text, int n)
+                {
+                    AppendFormat(text,
+                                 "  <g>\n    <path style=\"fill:#%06x;stroke:none\" d=\"M %d.5,%d C %d.25,%d %d,%d "
+                                 "%d.125,%d z\"/>\n  </g>\n",
+                                 static_cast<unsigned int>(n) * 2654435761U >> 8, n % 977, n % 411, n % 313, n % 997,
+                                 n % 211, n % 557, n % 131, n % 701);
+                    if (n % 10 == 0)
+                        AppendFormat(text, "  <text x=\"%d\"><tspan>plate %d</tspan></text>\n", n % 1000, n);
+                });
+}
+
 std::string Siblings(int count)
 {
     std::string text = "<model>";

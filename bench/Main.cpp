@@ -1,8 +1,8 @@
 // veklib_bench: how fast the library is, beside what it is built on.
 //     veklib_bench [--quick] [--only SUBJECT] [FILE]
-// The subjects are xml, lexing, data, math, curves, memory, services and threads. FILE is a real XML file to measure
-// with; without it the MIME database of the machine is taken. Ratios are between figures of one run: absolute ones
-// depend on the machine.
+// The subjects are xml, keep, lexing, data, math, curves, memory, services and threads. FILE is a real XML file to
+// measure with; without it the MIME database of the machine is taken. Ratios are between figures of one run: absolute
+// ones depend on the machine.
 
 #include "VekLib.h"
 
@@ -32,6 +32,7 @@ bool MeasureXml(Options const & options, Aims & aims)
 
 constexpr Subject SUBJECTS[] = {
     {L"xml", MeasureXml},
+    {L"keep", bench::MeasureXmlKeep},
     {L"lexing", [](Options const & options, Aims & aims) { return bench::MeasureLexing(options.quick, aims); }},
     {L"data", [](Options const & options, Aims & aims) { return bench::MeasureData(options.quick, aims); }},
     {L"math", [](Options const & options, Aims & aims) { return bench::MeasureMath(options.quick, aims), true; }},

@@ -469,6 +469,7 @@ private:
 
     explicit CVekXMLElement(CVekString<wchar_t> && name);
     static CVekXMLElement * Make(wchar_t const * name, int nameLength);
+    static CVekXMLElement * MakeNode(wchar_t const * name, int nameLength, void const * section, size_t size);
     static CVekXMLAttribute * NewAttribute(wchar_t const * name, wchar_t const * text);
     void DestrotyChildren(); // Kept: spelled so.
     void DestroyAttributes();
@@ -491,7 +492,46 @@ private:
     bool m_hasCDATA = false;
     bool m_isKnownByAddress = false;
     bool m_isNameIndexed = false;
+    bool m_isCDATAEmbedded = false;
     int m_cdataSize = 0;
+};
+
+/// What CVekXMLParser::SetKeepAll keeps of a file beyond elements, attributes and each element's CDATA section.
+enum VEK_XML_KEEP : unsigned int
+{
+    VEK_XML_KEEP_NOTHING = 0,
+    /// Text that is not only white space, as children named "#text"; references to entities that are not read, as
+    /// children named "#entity-reference" that hold the entity's name.
+    VEK_XML_KEEP_TEXT = 1,
+    /// Text of white space alone, likewise.
+    VEK_XML_KEEP_WHITE_SPACE = 2,
+    /// Comments below the outermost element, as children named "#comment".
+    VEK_XML_KEEP_COMMENTS = 4,
+    /// Processing instructions there, as children named "#processing-instruction" whose attribute is "target".
+    VEK_XML_KEEP_INSTRUCTIONS = 8,
+    /// Where CDATA sections begin and end: as children named "#cdata-section", but for the section of an element that
+    /// holds nothing else, which stays the element's own. Without it such sections are part of the text that is kept.
+    VEK_XML_KEEP_CDATA = 16,
+    /// What stands in front of the outermost element and behind it: see VekGetXMLProlog.
+    VEK_XML_KEEP_PROLOG = 32,
+    VEK_XML_KEEP_ALL = 63
+};
+constexpr VEK_XML_KEEP operator|(VEK_XML_KEEP left, VEK_XML_KEEP right) noexcept
+{
+    return static_cast<VEK_XML_KEEP>(static_cast<unsigned int>(left) | static_cast<unsigned int>(right));
+}
+
+/// Where an element stands in the bytes of its source, a byte order mark included.
+struct VEK_XML_POSITION
+{
+    /// The first byte of the start tag, and the tag's length in bytes.
+    unsigned int offset;
+    unsigned int length;
+    /// The byte behind the element: behind its end tag, or behind the tag of an empty one. 0 when it never ended.
+    unsigned int end;
+    /// Where the start tag begins, both from 1. Columns count characters.
+    unsigned int line;
+    unsigned int column;
 };
 
 /// The library's XML parser. IVekXMLManager::CreateXMLParser makes one; a host that wants the operations beyond the
@@ -511,16 +551,99 @@ public:
     /// element, of one that ends early, and of a failure.
     bool IsComplete() const;
 
+    /// From the next parse on keeps what the model has no place for, as children whose names begin with "#": their
+    /// characters are their CDATA section. Attributes whose names differ only in case are all kept, and a newline in a
+    /// value is stored as it is. Nothing at first. False when memory is exhausted.
+    bool SetKeepAll(VEK_XML_KEEP keep);
+    /// From the next parse on records where elements and values stand. Off at first. False when memory is exhausted.
+    bool SetKeepPositions(bool keep);
+    /// From the next parse on also reads the encodings that the system has a code page for; a parser that keeps
+    /// anything does so anyway. Off at first. False when memory is exhausted.
+    bool SetPlatformEncodings(bool use);
+    /// Where an element of the last parse stood. False when positions weren't kept, for an element that the parse did
+    /// not make, and for one that came out of an entity's text. Elements are known by their address: ask before the
+    /// tree is changed.
+    bool GetPosition(IVekXMLElement const * element, VEK_XML_POSITION & position) const;
+    /// The bytes of an attribute's value in the source, without its quotes. False as above, and for a value that is a
+    /// declared default.
+    bool GetAttributePosition(IVekXMLElement const * element, int index, unsigned int & offset,
+                              unsigned int & length) const;
+    /// The system's number for the encoding of the last parse's source, such as 65001 for UTF-8, 1200 and 1201 for
+    /// UTF-16, little- and big-endian; 0 when nothing was parsed, or without any of the above.
+    unsigned int GetSourceCodePage() const;
+
     /// @cond internal
+    struct Options;
     struct State;
     /// @endcond
 
 private:
     template <class Source>
     bool ParseDocument(IVekXMLDocument * document, Source source);
+    Options * ChangeOptions();
 
     State * m_state;
 };
+
+/// What a writer that keeps all writes.
+enum VEK_XML_ENCODING
+{
+    /// What the document was read from; UTF-8 for a new document, and when that was neither UTF-8 nor UTF-16.
+    VEK_XML_ENCODING_AS_SOURCE = 0,
+    VEK_XML_ENCODING_UTF8 = 1,
+    /// With a byte order mark.
+    VEK_XML_ENCODING_UTF8_MARK = 2,
+    /// Little- and big-endian, with a byte order mark.
+    VEK_XML_ENCODING_UTF16 = 3,
+    VEK_XML_ENCODING_UTF16_BIG = 4
+};
+
+/// The library's XML writer. IVekXMLManager::CreateXMLWriter makes one; a host that wants the operations beyond the
+/// interface makes its own.
+class VEK_API CVekXMLWriter : public CVekRefCounted<IVekXMLWriter>
+{
+public:
+    CVekXMLWriter();
+    CVekXMLWriter(CVekXMLWriter const &) = delete;
+    CVekXMLWriter & operator=(CVekXMLWriter const &) = delete;
+    ~CVekXMLWriter() override;
+
+    void SetIndentation(int spaces) override;
+    int GetIndentation() const override;
+    bool WriteXMLFile(wchar_t const * path, IVekXMLDocument * document) override;
+    bool WriteXML(IVekIOStream * stream, IVekXMLDocument * document) override;
+
+    /// Writes children whose names begin with "#" as what they stand for, the document's prolog and epilog, and all
+    /// values so that any parser reads them back as they are. No white space is added, unless SetIndentation was
+    /// called: then around the children of elements without text. What can't be written is told, with false, before the
+    /// file is opened. Off at first.
+    void SetKeepAll(bool keep);
+    /// The encoding that such a document is written in; VEK_XML_ENCODING_AS_SOURCE at first.
+    void SetKeepAllEncoding(VEK_XML_ENCODING encoding);
+
+private:
+    void SetEncodingType(wchar_t const * name);
+    bool WriteFilePlain(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document);
+    bool WriteFileWhole(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document);
+    bool WritePlain(IVekIOStream & stream, IVekXMLDocument & document, bool carriageReturns);
+
+    int m_indentation = 3;
+    int m_encodingType = 1;
+    CVekString<wchar_t> m_encodingName;
+    VEK_XML_ENCODING m_keepAllEncoding = VEK_XML_ENCODING_AS_SOURCE;
+    bool m_keepAll = false;
+    bool m_isIndented = false;
+};
+
+/// What stands in front of the outermost element of a document's file, and behind it: XML declaration, document type
+/// with its internal subset, comments, processing instructions and white space, as in the file, each line's end a
+/// newline. A parser with VEK_XML_KEEP_PROLOG stores them. Empty for other documents.
+VEK_API CVekString<wchar_t> const & VekGetXMLProlog(IVekXMLDocument const & document);
+VEK_API CVekString<wchar_t> const & VekGetXMLEpilog(IVekXMLDocument const & document);
+/// Store copies; what they hold is checked when they are written. Null empties. False for a document of a foreign
+/// implementation, and when memory is exhausted.
+VEK_API bool VekSetXMLProlog(IVekXMLDocument & document, wchar_t const * text);
+VEK_API bool VekSetXMLEpilog(IVekXMLDocument & document, wchar_t const * text);
 
 VEK_HEADER_END
 

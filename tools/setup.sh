@@ -49,6 +49,8 @@ clang                       clang++
 clang-tidy                  clang-tidy
 clang-format                clang-format
 cppcheck                    cppcheck
+libxml2-utils               xmllint
+expat                       xmlwf
 libc6-i386                  /lib/ld-linux.so.2
 wine64                      /usr/lib/wine/wine64
 xvfb                        Xvfb

@@ -5,6 +5,8 @@
 
 #include <wchar.h>
 
+#include <new>
+
 namespace
 {
 
@@ -31,6 +33,14 @@ CVekXMLDocument::~CVekXMLDocument()
 {
     if (m_root)
         m_root->Release();
+    delete m_kept;
+}
+
+vek::XMLKept * CVekXMLDocument::MakeKept() noexcept
+{
+    if (!m_kept)
+        m_kept = new (std::nothrow) vek::XMLKept;
+    return m_kept;
 }
 
 bool CVekXMLDocument::SetDocumentType(wchar_t const * name)

@@ -6,6 +6,20 @@
 #include "xml/XMLDTDAttributeList.h"
 #include "xml/XMLDTDRule.h"
 
+namespace vek
+{
+
+/// What a document keeps of its file beyond the model.
+struct XMLKept
+{
+    CVekString<wchar_t> prolog;
+    CVekString<wchar_t> epilog;
+    VEK_XML_ENCODING encoding = VEK_XML_ENCODING_AS_SOURCE;
+    bool carriageReturns = false;
+};
+
+} // namespace vek
+
 class CVekXMLDocument final : public CVekRefCounted<IVekXMLDocument>, public CVekPooled
 {
 public:
@@ -45,10 +59,16 @@ public:
     void RemoveDTDAttributeList(int index) override;
     void RemoveAllDTDAttributeLists() override { m_lists.RemoveAll(); }
 
+    /// Null for a document that keeps nothing.
+    vek::XMLKept const * GetKept() const noexcept { return m_kept; }
+    /// Made when there is none; null when memory is exhausted.
+    vek::XMLKept * MakeKept() noexcept;
+
 private:
     IVekXMLElement * m_root = nullptr;
     CVekString<wchar_t> m_documentType;
     CVekString<wchar_t> m_encoding;
     vek::NamedList<CVekXMLDTDRule> m_rules;
     vek::NamedList<CVekXMLDTDAttributeList> m_lists;
+    vek::XMLKept * m_kept = nullptr;
 };

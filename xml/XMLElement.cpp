@@ -8,6 +8,7 @@
 #include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 
+#include <limits.h>
 #include <string.h>
 
 #include <atomic>
@@ -74,6 +75,33 @@ CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
                                                vek::TextPiece{name, nameLength});
 }
 
+// With its section, which shares its block when it is short; null when memory is exhausted.
+CVekXMLElement * CVekXMLElement::MakeNode(wchar_t const * name, int nameLength, void const * section, size_t size)
+{
+    using Access = vek::StringAccess<wchar_t>;
+    constexpr size_t EMBEDDED_BYTES = 256;
+    if (size > EMBEDDED_BYTES)
+    {
+        CVekXMLElement * const node = size <= INT_MAX ? Make(name, nameLength) : nullptr;
+        if (!node || node->AddCDATASection(static_cast<unsigned char const *>(section), static_cast<int>(size)))
+            return node;
+        node->Release();
+        return nullptr;
+    }
+    size_t const nameBytes = Access::EmbeddedBytes(static_cast<size_t>(nameLength));
+    auto * const block = static_cast<char *>(vek::PoolAllocate(sizeof(CVekXMLElement) + nameBytes + size));
+    if (!block)
+        return nullptr;
+    char * const place = block + sizeof(CVekXMLElement);
+    auto * const node = new (block) CVekXMLElement(Access::Embed(place, name, static_cast<size_t>(nameLength)));
+    vek::CopyShort(place + nameBytes, section, size);
+    node->m_cdata = reinterpret_cast<unsigned char *>(place + nameBytes);
+    node->m_cdataSize = static_cast<int>(size);
+    node->m_hasCDATA = true;
+    node->m_isCDATAEmbedded = true;
+    return node;
+}
+
 CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) : CVekXMLElement()
 {
     *this = other;
@@ -91,6 +119,7 @@ CVekXMLElement & CVekXMLElement::operator=(CVekXMLElement const & other)
     m_cdata = other.m_cdata;
     m_hasCDATA = other.m_hasCDATA;
     m_cdataSize = other.m_cdataSize;
+    m_isCDATAEmbedded = other.m_isCDATAEmbedded;
     return *this;
 }
 
@@ -283,7 +312,9 @@ void CVekXMLElement::RemoveSection()
 {
     if (!m_cdata)
         return;
-    vek::PoolFree(m_cdata, CDATABlockSize(m_cdataSize));
+    if (!m_isCDATAEmbedded)
+        vek::PoolFree(m_cdata, CDATABlockSize(m_cdataSize));
+    m_isCDATAEmbedded = false;
     m_cdata = nullptr;
     m_hasCDATA = false;
     m_cdataSize = 0;

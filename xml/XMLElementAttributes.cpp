@@ -12,20 +12,6 @@
 namespace
 {
 
-// An empty text that holds no memory and is never destroyed, so that references to it stay good to the end.
-CVekString<wchar_t> const & EmptyText()
-{
-    union Holder
-    {
-        Holder() : text() { CVekString<wchar_t> const block(std::move(text)); }
-        ~Holder() {}
-
-        CVekString<wchar_t> text;
-    };
-    static Holder const holder;
-    return holder.text;
-}
-
 // Copies into a caller's string, whose block is used again; false, with the string unchanged, when memory is exhausted.
 bool CopyText(CVekString<wchar_t> const & stored, CVekString<wchar_t> & value)
 {
@@ -173,7 +159,7 @@ void CVekXMLElement::DestroyAttributes()
 
 CVekString<wchar_t> const & CVekXMLElement::GetAttributeName(int index) const
 {
-    return m_attributes.Has(index) ? m_attributes[index]->GetName() : EmptyText();
+    return m_attributes.Has(index) ? m_attributes[index]->GetName() : vek::EmptyText();
 }
 
 // --- typed reads -----------------------------------------------------------------------------------------------------
@@ -326,5 +312,5 @@ CVekString<wchar_t> const & CVekXMLElement::GetAttributeValue(int index) const
     if (m_attributes.Has(index))
         return m_attributes[index]->GetValue();
     vek::LogIndexAsText(L"CVekXMLElement::GetAttributeValue --> Invalid index %s", index);
-    return EmptyText();
+    return vek::EmptyText();
 }

@@ -8,6 +8,7 @@
 #include <stdio.h>
 
 #include <iterator>
+#include <utility>
 
 namespace vek
 {
@@ -45,6 +46,19 @@ IVekXMLElement * AddNewElement(IVekXMLElement & parent, wchar_t const * name) no
     while (child->GetRefCount() > 1)
         child->Release();
     return nullptr;
+}
+
+CVekString<wchar_t> const & EmptyText() noexcept
+{
+    union Holder
+    {
+        Holder() : text() { CVekString<wchar_t> const block(std::move(text)); }
+        ~Holder() {}
+
+        CVekString<wchar_t> text;
+    };
+    static Holder const holder;
+    return holder.text;
 }
 
 void LogIndexAsText(wchar_t const * format, int index) noexcept

@@ -28,6 +28,9 @@ CVekXMLElement * ToLibraryElement(IVekXMLElement * element) noexcept;
 /// Null when there is no manager or memory is exhausted.
 IVekXMLElement * AddNewElement(IVekXMLElement & parent, wchar_t const * name) noexcept;
 
+/// An empty text that holds no memory and is never destroyed, so that references to it stay good to the end.
+CVekString<wchar_t> const & EmptyText() noexcept;
+
 /// Logs a message whose one placeholder is "%s" although it is for an index: the index is given as its text.
 void LogIndexAsText(wchar_t const * format, int index) noexcept;
 

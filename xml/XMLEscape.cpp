@@ -29,6 +29,7 @@ constexpr Replacement ENTITIES[] = {
 };
 constexpr Replacement ESCAPED_NEWLINE = {L'\n', L"&lt;EOL&gt;", 11};
 constexpr Replacement NEWLINE_MARKER = {L'\n', L"<EOL>", 5};
+constexpr Replacement EXACT_MARKER = {L'<', L"&lt;EOL&#62;", 12};
 
 Replacement const * FindReplacement(wchar_t character) noexcept
 {
@@ -149,6 +150,40 @@ bool EscapedText::Make(wchar_t const * text) noexcept
         Escape(text, measure.length, place);
     m_text = place;
     return place != nullptr;
+}
+
+bool EscapedText::MakeExact(wchar_t const * text) noexcept
+{
+    EscapeMeasure const measure = MeasureEscape(text);
+    m_text = text;
+    m_length = static_cast<int>(measure.length);
+    if (measure.escapedLength == measure.length && measure.length < INT_MAX / sizeof(wchar_t))
+        return true;
+    // A marker gets one character longer than it was measured.
+    size_t const limit = measure.escapedLength + measure.length / NEWLINE_MARKER.length;
+    m_scratch.Clear();
+    wchar_t * const place = limit < INT_MAX / sizeof(wchar_t) ? m_scratch.Extend(limit) : nullptr;
+    m_text = place;
+    if (!place)
+        return false;
+    wchar_t * end = place;
+    for (wchar_t const * at = text; *at;)
+    {
+        bool const isMarker = wcsncmp(at, NEWLINE_MARKER.text, NEWLINE_MARKER.length) == 0;
+        Replacement const * const replacement = isMarker                      ? &EXACT_MARKER
+                                                : *at <= L'>' && *at != L'\n' ? FindReplacement(*at)
+                                                                              : nullptr;
+        at += isMarker ? NEWLINE_MARKER.length : 1;
+        if (!replacement)
+        {
+            *end++ = at[-1];
+            continue;
+        }
+        memcpy(end, replacement->text, replacement->length * sizeof(wchar_t));
+        end += replacement->length;
+    }
+    m_length = static_cast<int>(end - place);
+    return true;
 }
 
 bool EscapeTo(wchar_t const * text, CVekString<wchar_t> & target) noexcept

@@ -26,6 +26,8 @@ class EscapedText
 public:
     /// Escapes a zero-terminated text; false when memory is exhausted or the form would be too long for a string.
     bool Make(wchar_t const * text) noexcept;
+    /// The same, but a newline stays one, and a text that looks like the marker is told from it.
+    bool MakeExact(wchar_t const * text) noexcept;
     /// Not terminated. Valid as long as this object, or until the next text, and the text that was given.
     wchar_t const * Text() const noexcept { return m_text; }
     int Length() const noexcept { return m_length; }

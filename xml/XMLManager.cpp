@@ -1,7 +1,6 @@
 #include "xml/XMLManager.h"
 
 #include "xml/XMLDocument.h"
-#include "xml/XMLWriter.h"
 
 #include <new>
 

@@ -31,6 +31,9 @@ public:
 
     XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept;
 
+    /// Gives UTF-16 a byte order that is not the one of the stream's values.
+    void SetBigEndian(bool isBigEndian) noexcept { m_reversed = isBigEndian; }
+
     void Text(wchar_t const * text, size_t length) noexcept;
     template <size_t N>
     void Text(wchar_t const (&text)[N]) noexcept

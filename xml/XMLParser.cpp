@@ -68,6 +68,8 @@ public:
         state.expat = XML_ParserCreate(nullptr);
         if (state.expat)
             vek::InstallXMLCallbacks(state.expat, &state);
+        if (state.expat && state.extras)
+            vek::InstallExtraXMLCallbacks(state.expat, &state);
     }
     ParseScope(ParseScope const &) = delete;
     ParseScope & operator=(ParseScope const &) = delete;
@@ -75,6 +77,8 @@ public:
     {
         m_state.LeaveElements();
         m_state.document = nullptr;
+        if (m_state.extras)
+            m_state.extras->source.End();
         if (m_state.expat)
             XML_ParserFree(m_state.expat);
         m_state.expat = nullptr;
@@ -106,6 +110,61 @@ bool CVekXMLParser::IsComplete() const
     return m_state && m_state->complete;
 }
 
+// Null when memory is exhausted.
+CVekXMLParser::Options * CVekXMLParser::ChangeOptions()
+{
+    if (!m_state)
+        m_state = new (std::nothrow) State(Options());
+    if (!m_state)
+        VekLogOutput(0, L"CVekXMLParser::SetKeepAll --> Failed to allocate memory");
+    return m_state ? &m_state->options : nullptr;
+}
+
+bool CVekXMLParser::SetKeepAll(VEK_XML_KEEP keep)
+{
+    Options * const options = ChangeOptions();
+    if (options)
+        options->keep = static_cast<VEK_XML_KEEP>(keep & VEK_XML_KEEP_ALL);
+    return options != nullptr;
+}
+
+bool CVekXMLParser::SetKeepPositions(bool keep)
+{
+    Options * const options = ChangeOptions();
+    if (options)
+        options->positions = keep;
+    return options != nullptr;
+}
+
+bool CVekXMLParser::SetPlatformEncodings(bool use)
+{
+    Options * const options = ChangeOptions();
+    if (options)
+        options->encodings = use;
+    return options != nullptr;
+}
+
+bool CVekXMLParser::GetPosition(IVekXMLElement const * element, VEK_XML_POSITION & position) const
+{
+    return m_state && m_state->extras && m_state->extras->positions.Find(element, position);
+}
+
+bool CVekXMLParser::GetAttributePosition(IVekXMLElement const * element, int index, unsigned int & offset,
+                                         unsigned int & length) const
+{
+    vek::XMLRange value = {0, 0};
+    if (!m_state || !m_state->extras || !m_state->extras->positions.FindValue(element, index, value))
+        return false;
+    offset = value.offset;
+    length = value.length;
+    return true;
+}
+
+unsigned int CVekXMLParser::GetSourceCodePage() const
+{
+    return m_state && m_state->extras ? m_state->extras->source.CodePage() : 0;
+}
+
 bool CVekXMLParser::ParseXMLFile(wchar_t const * path, IVekXMLDocument * document)
 {
     return ParseDocument(document,
@@ -134,15 +193,21 @@ bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXM
 template <class Source>
 bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
 {
-    delete m_state; // a fresh state for each document
-    m_state = nullptr;
+    if (m_state)
+        m_state->Forget();
     if (!document)
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Document is NULL");
         return false;
     }
-    m_state = new (std::nothrow) State;
-    if (!m_state)
+    // A fresh state for each document.
+    State * const fresh = new (std::nothrow) State(m_state ? m_state->options : Options());
+    if (fresh)
+    {
+        delete m_state;
+        m_state = fresh;
+    }
+    if (!fresh || (fresh->options.Any() && !fresh->InstallExtras()))
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Error creating XML Parser");
         return false;

@@ -124,19 +124,33 @@ void vek::InstallXMLCallbacks(XML_Parser expat, void * userData) noexcept
     XML_SetReparseDeferralEnabled(expat, XML_FALSE);
 }
 
-CVekXMLParser::State::State()
+CVekXMLParser::State::State(Options const & asked) : options(asked)
 {
     firstElement = true;
     cdata.Reserve(CDATA_RESERVED); // a failure is met again, and reported, where text is added
 }
 
+CVekXMLParser::State::~State()
+{
+    delete extras;
+}
+
+void CVekXMLParser::State::Forget()
+{
+    complete = false;
+    delete extras;
+    extras = nullptr;
+}
+
 bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
 {
     inCDATA = false;
+    if (extras)
+        extras->source.Begin(bytes, size);
     // Kept: the piece is not marked as the last, so that a file that merely ends early is read without an error. Hosts
     // read files that are still being written.
     if (XML_Parse(expat, static_cast<char const *>(bytes), size, XML_FALSE) != XML_STATUS_ERROR)
-        return true;
+        return !extras || EndDocument();
     XML_Error const code = XML_GetErrorCode(expat);
     VekLogOutput(0, L"CVekXMLParser::Parse --> Parse error occured");
     VekLogOutput(0, L"   Error code %d %s\n", static_cast<int>(code), XML_ErrorString(code));
@@ -233,6 +247,8 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
             element->AddAttribute(attributes[0], VEK_VARIANT(attributes[1]), -1);
         return true;
     }
+    int const before = element->m_attributes.GetCount();
+    bool const keepsAll = options.keep != VEK_XML_KEEP_NOTHING && before == 0;
     int count = 0;
     while (attributes[2 * count])
         ++count;
@@ -245,7 +261,7 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
     {
         vek::XMLNameCache::Name const * const name = m_names.Find(attributes[2 * i]);
         // Names that differ only in case are one name to an element: the first keeps its value.
-        if (name && !m_names.MarkUsed(name->foldedId))
+        if (name && !m_names.MarkUsed(name->foldedId) && !keepsAll)
             continue;
         CVekXMLAttribute * const attribute = name ? MakeAttribute(*name, attributes[2 * i + 1]) : nullptr;
         if (!attribute)
@@ -254,13 +270,16 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
             return false;
         }
         element->m_attributes.Append(attribute); // room was made above
+        if (options.positions && !extras->stored.Append(i))
+            return false;
     }
     return true;
 }
 
 CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value)
 {
-    return m_escaped.Make(value)
+    bool const isMade = options.keep != VEK_XML_KEEP_NOTHING ? m_escaped.MakeExact(value) : m_escaped.Make(value);
+    return isMade
                ? CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), m_escaped.Text(), m_escaped.Length())
                : nullptr;
 }

@@ -5,15 +5,59 @@
 #include "VekRef.h"
 
 #include "base/Buffer.h"
+#include "xml/XMLEntityNames.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLNameCache.h"
+#include "xml/XMLPositions.h"
+#include "xml/XMLSource.h"
 
 #include <expat.h>
+
+/// What a parser was asked for beyond the plain model.
+struct CVekXMLParser::Options
+{
+    VEK_XML_KEEP keep = VEK_XML_KEEP_NOTHING;
+    bool positions = false;
+    bool encodings = false;
+
+    bool Any() const noexcept { return keep != VEK_XML_KEEP_NOTHING || positions || encodings; }
+};
+
+namespace vek
+{
+
+/// The part of a parse that only those have who ask for more than the plain model.
+struct XMLParserExtras
+{
+    XMLSource source;
+    XMLPositions positions;
+    XMLEntityNames entities;
+    bool hasDocumentType = false;
+    Buffer<XMLRange> values;   // of one tag
+    Buffer<int> stored;        // of an element's attributes that were stored: their places in the tag
+    Buffer<wchar_t> text;      // that was met since the last node
+    Buffer<wchar_t> reference; // to an entity, as far as it came
+    bool isBlank = true;       // the text is white space alone
+    bool hasSection = false;   // the CDATA buffer holds a section that comes before the text
+    bool isOneSection = false; // the text is one CDATA section, and nothing else
+    int rootBegin = -1;
+    int rootEnd = -1;
+};
+
+} // namespace vek
 
 /// What the parser keeps between the tokenizer's callbacks.
 struct CVekXMLParser::State
 {
-    State();
+    explicit State(Options const & asked);
+    State(State const &) = delete;
+    State & operator=(State const &) = delete;
+    ~State();
+
+    /// Forgets the last parse, not what was asked for.
+    void Forget();
+    /// Prepares for what was asked for; false when memory is exhausted.
+    bool InstallExtras();
 
     /// Reads a document's bytes in one piece into the document; false, with messages, when they are malformed.
     bool ParseBytes(void const * bytes, int size);
@@ -32,6 +76,20 @@ struct CVekXMLParser::State
     void OnElementDecl(wchar_t const * name, XML_Content const * model);
     void OnAttlistDecl(wchar_t const * element, wchar_t const * attribute, wchar_t const * type, int required);
 
+    // With extras.
+    void OnStartElementExtra(wchar_t const * name, wchar_t const ** attributes);
+    void OnEndElementExtra();
+    void OnText(wchar_t const * text, int length);
+    void OnStartSection();
+    void OnEndSection();
+    void OnComment(wchar_t const * text);
+    void OnInstruction(wchar_t const * target, wchar_t const * text);
+    void OnReferencePiece(wchar_t const * text, int length);
+    bool Keeps(VEK_XML_KEEP what) const noexcept { return (options.keep & what) != 0; }
+    bool IsInside() const noexcept { return !firstElement && !stack.Empty(); }
+
+    Options options;
+    vek::XMLParserExtras * extras = nullptr;
     XML_Parser expat = nullptr;
     IVekXMLDocument * document = nullptr;
     bool inCDATA = false;
@@ -47,6 +105,22 @@ private:
     CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value);
     bool KnowExistingAttributes(CVekXMLElement const * element);
 
+    bool EndDocument();
+    bool AreValuesWhole();
+    bool StoreProlog();
+    bool Flush();
+    bool FlushAtEnd();
+    bool FlushSection();
+    bool FlushText();
+    struct NodeName
+    {
+        wchar_t const * text;
+        int length;
+    };
+    CVekXMLElement * AddNode(NodeName const & name, wchar_t const * text, size_t length);
+    bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
+    bool RecordValues(vek::XMLRange tag, int attributesBefore);
+
     vek::XMLNameCache m_names;
     vek::EscapedText m_escaped;
     CVekRef<CVekXMLElement> m_root;
@@ -59,5 +133,7 @@ namespace vek
 
 /// Installs the callbacks that build the document; the user data is the parser's state.
 void InstallXMLCallbacks(XML_Parser expat, void * userData) noexcept;
+/// Installs those that do so with extras in place of them.
+void InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * state) noexcept;
 
 } // namespace vek

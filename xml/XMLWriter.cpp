@@ -1,11 +1,12 @@
-#include "xml/XMLWriter.h"
-
 #include "VekIO.h"
 #include "VekLib.h"
 #include "VekRef.h"
 
 #include "base/AsOwn.h"
+#include "base/Buffer.h"
 #include "xml/XMLDTDWriter.h"
+#include "xml/XMLOutput.h"
+#include "xml/XMLWholeWriter.h"
 
 namespace
 {
@@ -63,16 +64,152 @@ void WriteCDATA(vek::XMLOutput & output, IVekXMLElement const & element)
     output.Text(L"]]>\n");
 }
 
+/// Writes one document, one line for each tag. Walks the tree through the element interface, on a stack of its own.
+class PlainWriter
+{
+public:
+    PlainWriter(IVekIOStream & stream, vek::XMLEncoding encoding, vek::XMLOutput::NewLines newLines, int indentation)
+        : m_stream(stream), m_encoding(encoding), m_indentation(indentation), m_output(stream, encoding, newLines)
+    {
+    }
+
+    bool WriteDocument(IVekXMLDocument & document, CVekString<wchar_t> const & encodingName);
+
+private:
+    /// An element whose children are being written; its level is its place in the stack.
+    struct OpenElement
+    {
+        IVekXMLElement const * element;
+        int child;
+        int childCount;
+    };
+
+    void WriteByteOrderMark();
+    bool WriteHeader(CVekString<wchar_t> const & encodingName);
+    bool WriteElement(IVekXMLElement const * root);
+    bool WriteElements(IVekXMLElement const * root);
+    bool BeginElement(IVekXMLElement const * element);
+    void EndElement(IVekXMLElement const * element, size_t level);
+
+    IVekIOStream & m_stream;
+    vek::XMLEncoding m_encoding;
+    int m_indentation;
+    vek::XMLOutput m_output;
+    vek::Buffer<OpenElement> m_open;
+};
+
+bool PlainWriter::WriteDocument(IVekXMLDocument & document, CVekString<wchar_t> const & encodingName)
+{
+    if (!WriteHeader(encodingName))
+        return false;
+    if (document.GetDocumentType().GetLength() > 0 && document.GetNumDTDRules() > 0 &&
+        !vek::WriteDocumentType(m_output, document, m_indentation))
+        return false;
+    return WriteElement(document.GetRootElement());
+}
+
+void PlainWriter::WriteByteOrderMark()
+{
+    if (m_encoding == vek::XMLEncoding::UTF8)
+        m_output.Bytes("\xEF\xBB\xBF", 3);
+    else if (m_encoding == vek::XMLEncoding::UTF16)
+        m_output.Bytes(m_stream.GetStreamByteOrder() == VEK_BYTEORDER_BIG ? "\xFE\xFF" : "\xFF\xFE", 2);
+}
+
+bool PlainWriter::WriteHeader(CVekString<wchar_t> const & encodingName)
+{
+    WriteByteOrderMark();
+    m_output.Text(L"<?xml version=\"1.0\" encoding=\"");
+    m_output.Text(encodingName);
+    m_output.Text(L"\" standalone=\"yes\"?>\n");
+    // Written at once: a stream that takes nothing is told by the header.
+    if (m_output.Flush())
+        return true;
+    VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
+    return false;
+}
+
+bool PlainWriter::WriteElement(IVekXMLElement const * root)
+{
+    bool written = WriteElements(root);
+    if (written && !(m_output.Finish() && Settle(m_stream)))
+    {
+        VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element close");
+        written = false;
+    }
+    for (; !written && !m_open.Empty(); m_open.PopBack())
+        VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write child Element %d", m_open.Back().child);
+    return written;
+}
+
+bool PlainWriter::WriteElements(IVekXMLElement const * root)
+{
+    if (!BeginElement(root))
+        return false;
+    while (!m_open.Empty())
+    {
+        OpenElement & current = m_open.Back();
+        if (++current.child < current.childCount)
+        {
+            IVekXMLElement const * const child = current.element->GetChild(current.child);
+            if (child && !BeginElement(child))
+                return false;
+            continue;
+        }
+        IVekXMLElement const * const element = current.element;
+        m_open.PopBack();
+        EndElement(element, m_open.Size());
+        if (m_output.HasFailed())
+        {
+            VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element close");
+            return false;
+        }
+    }
+    return true;
+}
+
+bool PlainWriter::BeginElement(IVekXMLElement const * element)
+{
+    int const childCount = element->GetNumChildren();
+    bool const isEmpty = childCount == 0 && !element->HasCDATASection();
+    m_output.Spaces(static_cast<uint64_t>(m_indentation) * m_open.Size());
+    m_output.Text(L"<");
+    m_output.Text(element->GetName());
+    WriteAttributes(m_output, *element);
+    if (isEmpty)
+        m_output.Text(L"/>\n");
+    else
+        m_output.Text(L">\n");
+    WriteCDATA(m_output, *element);
+    if (!m_output.HasFailed() && (isEmpty || m_open.Append({element, -1, childCount})))
+        return true;
+    VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element header");
+    return false;
+}
+
+void PlainWriter::EndElement(IVekXMLElement const * element, size_t level)
+{
+    m_output.Spaces(static_cast<uint64_t>(m_indentation) * level);
+    m_output.Text(L"</");
+    m_output.Text(element->GetName());
+    m_output.Text(L">\n");
+}
+
 } // namespace
 
 CVekXMLWriter::CVekXMLWriter() : m_encodingName(L"UTF-8") {}
 
+CVekXMLWriter::~CVekXMLWriter() = default;
+
 void CVekXMLWriter::SetIndentation(int spaces)
 {
-    if (spaces >= 0)
-        m_indentation = spaces;
-    else
+    if (spaces < 0)
+    {
         VekLogOutput(0, L"CVekXMLWriter::SetIndentation --> Identation can not be negative %d", spaces);
+        return;
+    }
+    m_indentation = spaces;
+    m_isIndented = true;
 }
 
 int CVekXMLWriter::GetIndentation() const
@@ -85,7 +222,7 @@ void CVekXMLWriter::SetEncodingType(wchar_t const * name)
     // Kept: an unknown name goes into the declaration although the text is encoded as before.
     m_encodingName.Assign(name);
     if (vek::XMLEncoding const * const encoding = FindEncoding(name))
-        m_encodingType = *encoding;
+        m_encodingType = static_cast<int>(*encoding);
     else
         VekLogOutput(0, L"CVekXMLWriter::SetEncodingType --> Encoding not supported %s", name);
 }
@@ -108,20 +245,30 @@ bool CVekXMLWriter::WriteXMLFile(wchar_t const * path, IVekXMLDocument * documen
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Failed to create File IO Stream");
         return false;
     }
-    // A UTF-16 file is little-endian and binary, so that it can be read again. The others have the line ends of a text
-    // file; they are written here, which is faster than leaving them to the runtime.
-    vek::XMLEncoding const * const named = FindEncoding(document->GetEncoding());
-    bool const isUTF16 = (named ? *named : m_encodingType) == vek::XMLEncoding::UTF16;
-    stream->SetStreamByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream->GetStreamByteOrder());
-    stream->SetSystemByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream->GetSystemByteOrder());
-    bool const written = stream->Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) &&
-                         WriteDocument(*stream.Get(), *document,
-                                       isUTF16 ? vek::XMLOutput::NewLines::AS_THEY_ARE
-                                               : vek::XMLOutput::NewLines::CARRIAGE_RETURN_FIRST);
+    bool const written =
+        m_keepAll ? WriteFileWhole(path, *stream.Get(), *document) : WriteFilePlain(path, *stream.Get(), *document);
     if (!written)
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Failed to write XML");
     stream->Close();
     return written;
+}
+
+bool CVekXMLWriter::WriteFilePlain(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document)
+{
+    // A UTF-16 file is little-endian and binary, so that it can be read again. The others have the line ends of a text
+    // file; they are written here, which is faster than leaving them to the runtime.
+    vek::XMLEncoding const * const named = FindEncoding(document.GetEncoding());
+    bool const isUTF16 = (named ? *named : static_cast<vek::XMLEncoding>(m_encodingType)) == vek::XMLEncoding::UTF16;
+    stream.SetStreamByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream.GetStreamByteOrder());
+    stream.SetSystemByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream.GetSystemByteOrder());
+    return stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) && WritePlain(stream, document, !isUTF16);
+}
+
+bool CVekXMLWriter::WriteFileWhole(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document)
+{
+    vek::XMLWholeWriter writer(document, m_keepAllEncoding, m_isIndented ? m_indentation : -1);
+    return writer.Check() && stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) && writer.Write(stream) &&
+           Settle(stream);
 }
 
 bool CVekXMLWriter::WriteXML(IVekIOStream * stream, IVekXMLDocument * document)
@@ -141,107 +288,28 @@ bool CVekXMLWriter::WriteXML(IVekIOStream * stream, IVekXMLDocument * document)
         VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
         return false;
     }
-    return WriteDocument(*stream, *document, vek::XMLOutput::NewLines::AS_THEY_ARE);
+    if (!m_keepAll)
+        return WritePlain(*stream, *document, false);
+    vek::XMLWholeWriter writer(*document, m_keepAllEncoding, m_isIndented ? m_indentation : -1);
+    return writer.Check() && writer.Write(*stream) && Settle(*stream);
 }
 
-bool CVekXMLWriter::WriteDocument(IVekIOStream & stream, IVekXMLDocument & document, vek::XMLOutput::NewLines newLines)
+bool CVekXMLWriter::WritePlain(IVekIOStream & stream, IVekXMLDocument & document, bool carriageReturns)
 {
     SetEncodingType(document.GetEncoding());
-    vek::XMLOutput output(stream, m_encodingType, newLines);
-    if (!WriteHeader(output, stream))
-        return false;
-    if (document.GetDocumentType().GetLength() > 0 && document.GetNumDTDRules() > 0 &&
-        !vek::WriteDocumentType(output, document, m_indentation))
-        return false;
-    return WriteElement(output, stream, document.GetRootElement());
+    PlainWriter writer(stream, static_cast<vek::XMLEncoding>(m_encodingType),
+                       carriageReturns ? vek::XMLOutput::NewLines::CARRIAGE_RETURN_FIRST
+                                       : vek::XMLOutput::NewLines::AS_THEY_ARE,
+                       m_indentation);
+    return writer.WriteDocument(document, m_encodingName);
 }
 
-void CVekXMLWriter::WriteByteOrderMark(vek::XMLOutput & output, IVekIOStream & stream) const
+void CVekXMLWriter::SetKeepAll(bool keep)
 {
-    if (m_encodingType == vek::XMLEncoding::UTF8)
-        output.Bytes("\xEF\xBB\xBF", 3);
-    else if (m_encodingType == vek::XMLEncoding::UTF16)
-        output.Bytes(stream.GetStreamByteOrder() == VEK_BYTEORDER_BIG ? "\xFE\xFF" : "\xFF\xFE", 2);
+    m_keepAll = keep;
 }
 
-bool CVekXMLWriter::WriteHeader(vek::XMLOutput & output, IVekIOStream & stream) const
+void CVekXMLWriter::SetKeepAllEncoding(VEK_XML_ENCODING encoding)
 {
-    WriteByteOrderMark(output, stream);
-    output.Text(L"<?xml version=\"1.0\" encoding=\"");
-    output.Text(m_encodingName);
-    output.Text(L"\" standalone=\"yes\"?>\n");
-    // Written at once: a stream that takes nothing is told by the header.
-    if (output.Flush())
-        return true;
-    VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
-    return false;
-}
-
-bool CVekXMLWriter::WriteElement(vek::XMLOutput & output, IVekIOStream & stream, IVekXMLElement const * root) const
-{
-    vek::Buffer<OpenElement> open;
-    bool written = WriteElements(output, open, root);
-    if (written && !(output.Finish() && Settle(stream)))
-    {
-        VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element close");
-        written = false;
-    }
-    for (; !written && !open.Empty(); open.PopBack())
-        VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write child Element %d", open.Back().child);
-    return written;
-}
-
-bool CVekXMLWriter::WriteElements(vek::XMLOutput & output, vek::Buffer<OpenElement> & open,
-                                  IVekXMLElement const * root) const
-{
-    if (!BeginElement(output, open, root))
-        return false;
-    while (!open.Empty())
-    {
-        OpenElement & current = open.Back();
-        if (++current.child < current.childCount)
-        {
-            IVekXMLElement const * const child = current.element->GetChild(current.child);
-            if (child && !BeginElement(output, open, child))
-                return false;
-            continue;
-        }
-        IVekXMLElement const * const element = current.element;
-        open.PopBack();
-        EndElement(output, element, open.Size());
-        if (output.HasFailed())
-        {
-            VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element close");
-            return false;
-        }
-    }
-    return true;
-}
-
-bool CVekXMLWriter::BeginElement(vek::XMLOutput & output, vek::Buffer<OpenElement> & open,
-                                 IVekXMLElement const * element) const
-{
-    int const childCount = element->GetNumChildren();
-    bool const isEmpty = childCount == 0 && !element->HasCDATASection();
-    output.Spaces(static_cast<uint64_t>(m_indentation) * open.Size());
-    output.Text(L"<");
-    output.Text(element->GetName());
-    WriteAttributes(output, *element);
-    if (isEmpty)
-        output.Text(L"/>\n");
-    else
-        output.Text(L">\n");
-    WriteCDATA(output, *element);
-    if (!output.HasFailed() && (isEmpty || open.Append({element, -1, childCount})))
-        return true;
-    VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element header");
-    return false;
-}
-
-void CVekXMLWriter::EndElement(vek::XMLOutput & output, IVekXMLElement const * element, size_t level) const
-{
-    output.Spaces(static_cast<uint64_t>(m_indentation) * level);
-    output.Text(L"</");
-    output.Text(element->GetName());
-    output.Text(L">\n");
+    m_keepAllEncoding = encoding;
 }

@@ -106,3 +106,10 @@ TEST(Examples, HighlighterShowsCommentsNumbersAndACurve)
     EXPECT_THAT(page, HasSubstr("points=\"16, 0 "));
     EXPECT_EQ(RunBeside(L"example_highlighter.exe", {WriteFileBytes(L"bad.frag", "\xC3("), target}).code, 1);
 }
+
+TEST(Examples, ColladaMeasuresMeshes)
+{
+    std::wstring const ship = SceneFile().replace(SceneFile().rfind(L"scene.xml"), 9, L"ship.dae");
+    EXPECT_EQ(RunBeside(L"example_collada.exe", {ship}).out, "hull: from -2.5, -6, 0 to 2.5, 6.5, 1.25\r\n");
+    EXPECT_EQ(RunBeside(L"example_collada.exe", {SceneFile()}).code, 1);
+}

@@ -6,16 +6,47 @@ namespace fuzz
 namespace
 {
 
-char const * const xmlWords[] = {"<a>",           "</a>",     "<a b='c'/>",   "<![CDATA[", "]]>",
-                                 "<!DOCTYPE a [", "]>",       "<!ELEMENT a ", "(b|c)*",    "(b,c+)?",
-                                 "<!ATTLIST a b", " CDATA ",  "#IMPLIED>",    "#PCDATA",   "<!ENTITY e 'f'>",
-                                 "&e;",           "&#10;",    "&#x10FFFF;",   "&amp;",     "<?xml encoding=",
-                                 "'UTF-16'?>",    "\xFF\xFE", "\xEF\xBB\xBF", "<!-- -->",  "<EOL>",
-                                 "&lt;EOL&gt;",   "%p;",      nullptr};
+char const * const xmlWords[] = {"<a>",
+                                 "</a>",
+                                 "<a b='c'/>",
+                                 "<![CDATA[",
+                                 "]]>",
+                                 "<!DOCTYPE a [",
+                                 "]>",
+                                 "<!ELEMENT a ",
+                                 "(b|c)*",
+                                 "(b,c+)?",
+                                 "<!ATTLIST a b",
+                                 " CDATA ",
+                                 "#IMPLIED>",
+                                 "#PCDATA",
+                                 "<!ENTITY e 'f'>",
+                                 "&e;",
+                                 "&#10;",
+                                 "&#x10FFFF;",
+                                 "&amp;",
+                                 "<?xml encoding=",
+                                 "'UTF-16'?>",
+                                 "\xFF\xFE",
+                                 "\xEF\xBB\xBF",
+                                 "<!-- -->",
+                                 "<EOL>",
+                                 "&lt;EOL&gt;",
+                                 "%p;",
+                                 "'windows-1252'?>",
+                                 "'Shift_JIS'?>",
+                                 "SYSTEM 'd'",
+                                 "&u;",
+                                 "\r\n",
+                                 "--",
+                                 nullptr};
 char const * const xmlSeeds[] = {
     "<?xml version='1.0'?><!DOCTYPE a [<!ELEMENT a (b|(c,d)+)*><!ELEMENT b EMPTY><!ELEMENT c ANY><!ATTLIST a x CDATA "
     "#REQUIRED y (u|v) 'u'><!ENTITY e 'text'><!NOTATION n SYSTEM 'x'>]><a x='1 &amp; &e;&#10;'><b/><c><![CDATA[bytes "
     "]] >]]></c><d z='\xC3\xA4'/>text<!-- comment --><?pi data?></a>",
+    "<?xml version='1.0' encoding='EUC-JP'?>\r\n<!DOCTYPE a SYSTEM 'd' [<!ENTITY e SYSTEM 'f'>]><a "
+    "b='&#13;&#9;&lt;EOL>' "
+    "B='&quot;'>&e;&u;]]&gt;&#13;<![CDATA[ ]]]><![CDATA[]]>\xA5\xBD<b><![CDATA[x]]></b><?p q ?></a><!-- e -->",
     "\xEF\xBB\xBF<a><b c='1'/><B C='2'/></a>", "\xFF\xFE<\0a\0/\0>\0", nullptr};
 char const * const lexerWords[] = {"if", "while", "==", "=",    "->",          "//",   "/*",
                                    "*/", "\n",    "\"", "0x1F", "017",         "1.5",  "1.2.3",

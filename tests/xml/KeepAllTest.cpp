@@ -1,0 +1,321 @@
+// What a parser and a writer that keep all do: nothing of a file is lost, and nothing is written that can't be read.
+#include "support/GuardHeap.h"
+#include "support/TestStream.h"
+#include "support/XMLKit.h"
+
+namespace
+{
+
+using namespace std::string_literals;
+
+struct KeepAllTest : XMLTest
+{
+    bool Parse(std::string const & bytes, IVekXMLDocument & document, VEK_XML_KEEP keep = VEK_XML_KEEP_ALL)
+    {
+        m_parser.SetKeepAll(keep);
+        return m_parser.ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), &document);
+    }
+    std::string Written(IVekXMLDocument & document)
+    {
+        TestStream stream;
+        EXPECT_TRUE(m_writer.WriteXML(&stream, &document));
+        return stream.bytes;
+    }
+    std::wstring Model(std::string const & bytes, VEK_XML_KEEP keep)
+    {
+        auto const document = NewDocument();
+        EXPECT_TRUE(Parse(bytes, *document.Get(), keep));
+        return TreeText(*document);
+    }
+    std::string Copied(std::string const & bytes)
+    {
+        auto const document = NewDocument();
+        EXPECT_TRUE(Parse(bytes, *document.Get()) && m_parser.IsComplete());
+        return Written(*document.Get());
+    }
+    void SetUp() override { m_writer.SetKeepAll(true); }
+
+    CVekXMLParser m_parser;
+    CVekXMLWriter m_writer;
+};
+
+TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
+{
+    constexpr auto ALL = VEK_XML_KEEP_ALL;
+    std::tuple<char const *, std::string, VEK_XML_KEEP, wchar_t const *> const rows[] = {
+        {"text among elements", "<a>x<b>y</b>&amp;z</a>", ALL, L"a{#text'x' b{#text'y'} #text'&z'}"},
+        {"white space", "<a>\r\n <b/>\t</a>", ALL, L"a{#text'\n ' b #text'\t'}"},
+        {"text alone", "<a> <b/>x y<!--c--> z</a>", VEK_XML_KEEP_TEXT, L"a{b #text'x y z'}"},
+        {"white space alone", "<a> <b/>x</a>", VEK_XML_KEEP_WHITE_SPACE, L"a{#text' ' b}"},
+        {"comments and instructions", "<?p?><a><!-- c --><?q  d ?><?r?></a><!--e-->", ALL,
+         L"a{#comment' c ' #processing-instruction[target=q]'d ' #processing-instruction[target=r]''}"},
+        {"comments alone", "<a>x<!--c--><![CDATA[s]]></a>", VEK_XML_KEEP_COMMENTS, L"a's'{#comment'c'}"},
+        {"a section alone is its element's own", "<a><![CDATA[x<y]]></a>", ALL, L"a'x<y'"},
+        {"so is an empty one", "<a><![CDATA[]]></a>", ALL, L"a''"},
+        {"white space that is dropped changes nothing", "<a>\n<![CDATA[x]]>\n</a>",
+         VEK_XML_KEEP_TEXT | VEK_XML_KEEP_CDATA, L"a'x'"},
+        {"white space that is kept does", "<a>\n<![CDATA[x]]></a>", ALL, L"a{#text'\n' #cdata-section'x'}"},
+        {"sections in order", "<a><![CDATA[1]]>t<![CDATA[2]]><b/><![CDATA[]]></a>", ALL,
+         L"a{#cdata-section'1' #text't' #cdata-section'2' b #cdata-section''}"},
+        {"sections without borders", "<a>t<![CDATA[1]]><b><![CDATA[2]]></b></a>", VEK_XML_KEEP_TEXT,
+         L"a{#text't1' b'2'}"},
+        {"entities are text", "<!DOCTYPE a [<!ENTITY e 'x<b/>y'>]><a>1&e;2</a>", ALL, L"a{#text'1x' b #text'y2'}"},
+        {"entities that are not read", "<!DOCTYPE a SYSTEM 'd' [<!ENTITY e SYSTEM 'f'>]><a>1&e;&u;</a>", ALL,
+         L"a{#text'1' #entity-reference'e' #entity-reference'u'}"},
+        {"values", "<a x='&#10;&#9;&lt;EOL>&quot;' X='&amp;lt;'/>", ALL, L"a[x=\n\t&lt;EOL&#62;&quot; X=&amp;lt;]"},
+        {"cut", "<a>x<b>y", ALL, L"a{#text'x' b{#text'y'}}"},
+    };
+    for (auto const & [name, bytes, keep, tree] : rows)
+    {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Model(bytes, keep), tree);
+        EXPECT_EQ(m_log.Take(), L"");
+    }
+    EXPECT_EQ(Model("<a> x<!--c--><![CDATA[s]]>\n</a>", VEK_XML_KEEP_NOTHING), L"a's'");
+    auto const document = NewDocument();
+    EXPECT_TRUE(Parse("<a/><!-- cut", *document.Get()));
+    EXPECT_FALSE(m_parser.IsComplete()) << "it would be written as it is";
+    EXPECT_TRUE(Parse("<!DOCTYPE a SYSTEM 'd' [<!ENTITY e ''>]><a b='&lt;&#65;&e;'/>", *NewDocument().Get()));
+    EXPECT_FALSE(Parse("<!DOCTYPE a SYSTEM 'd' [<!ENTITY e ''>]><a><b c='&lt;&u;'/></a>", *NewDocument().Get()));
+    EXPECT_NE(m_log.Take().find(L"an entity that is not read: u"), std::wstring::npos);
+}
+
+TEST_F(KeepAllTest, CopiesSayTheSame)
+{
+    // Null stands for the source itself.
+    std::tuple<char const *, std::string, char const *> const rows[] = {
+        {"bare", "<a/>", nullptr},
+        {"no white space of its own", "<a><b><c/></b><d>t</d></a>", nullptr},
+        {"prolog and epilog",
+         "<?xml version=\"1.0\" encoding='utf-8' standalone='no'?>\n<!-- 1 --><!DOCTYPE a PUBLIC 'p' \"s\" [\n<!ENTITY "
+         "% "
+         "p '<!ELEMENT b ANY>'>%p;<!ENTITY e '&#60;b/>'>\n]>\n<?pi?>\n<a b=\"1\"/>\n<!--2-->\n",
+         nullptr},
+        {"a mark", "\xEF\xBB\xBF<a>\xE2\x82\xAC</a>", nullptr},
+        {"line ends", "<?xml version='1.0'?>\r\n<a>\r\n<![CDATA[\r\n]]></a>\r\n", nullptr},
+        {"line ends of UTF-16", "\xFF\xFE<\0a\0>\0\r\0\n\0<\0/\0a\0>\0\r\0\n\0"s, nullptr},
+        {"UTF-16 big-endian", "\xFE\xFF\0<\0a\0>\xD8\x3D\xDE\x00\0<\0/\0a\0>"s, nullptr},
+        {"beyond the basic plane", "<a v=\"\xF0\x9F\x98\x80\">\xF4\x8F\xBF\xBD<!--\xF0\x9F\x98\x80--></a>", nullptr},
+        {"values", "<a v=\"&#10;&#9;&#13;&lt;&amp;&quot;&apos;&lt;EOL&#62;&amp;#10;\"/>", nullptr},
+        {"names that differ in case", "<a B=\"1\" b=\"2\"/>", nullptr},
+        {"text", "<a>&lt;&amp;> ]&gt; ]]&gt;\"'&#13;\n\t</a>", nullptr},
+        {"sections", "<a><![CDATA[<&]] >]]><![CDATA[]]><b><![CDATA[]]></b></a>", nullptr},
+        {"references", "<!DOCTYPE a SYSTEM \"d\"><a>&u;<b/>&v;</a>", nullptr},
+        {"instructions", "<a><?p q ?><?r?></a>", nullptr},
+        {"another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>",
+         "<?xml version='1.0' encoding='UTF-8'?><a>\xC3\xA9</a>"},
+    };
+    for (auto const & [name, bytes, written] : rows)
+    {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Copied(bytes), written ? written : bytes);
+        EXPECT_EQ(m_log.Take(), L"");
+    }
+}
+
+TEST_F(KeepAllTest, WritesWhatHostsMade)
+{
+    auto const document = NewDocument();
+    Parse("<a><b/>x<c><d/><e y='1'><!--f--></e></c></a>", *document.Get());
+    IVekXMLElement & c = *document->FindElementFromPath(L"c", false);
+    c.SetAttributeValue(L"v", VEK_VARIANT(L"1\n2"), true);
+    c.AddAttribute(L"w", VEK_VARIANT(L""), -1);
+    c.SetAttributeValue(1, VEK_VARIANT(L"a&b<c \"&#128512;&#0;&nbsp;<EOL>"));
+    constexpr wchar_t section[] = L"x]]>y\r]]";
+    c.AddCDATASection(reinterpret_cast<unsigned char const *>(section), sizeof section - sizeof *section);
+    char const * const all =
+        "<a><b/>x<c v=\"1&#10;2\" w=\"a&amp;b&lt;c &quot;&#128512;&amp;#0;&amp;nbsp;&#10;\"><![CDATA["
+        "x]]]]><![CDATA[>y]]>&#13;<![CDATA[]]]]><d/><e y=\"1\"><!--f--></e></c></a>";
+    EXPECT_EQ(Written(*document.Get()), all);
+    c.RemoveCDATASection();
+    c.RemoveAllAttributes();
+    m_writer.SetIndentation(1);
+    EXPECT_EQ(Written(*document.Get()), "<a><b/>x<c><d/><e y=\"1\"><!--f--></e></c></a>") << "below text";
+    document->GetRootElement()->RemoveChild(1);
+    EXPECT_EQ(Written(*document.Get()), "<a>\n <b/>\n <c>\n  <d/>\n  <e y=\"1\">\n   <!--f-->\n  </e>\n </c>\n</a>");
+    m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_UTF16_BIG);
+    VekSetXMLProlog(*document.Get(), L"<?xml version='1.0' encoding='UTF-8'?>\r\n");
+    EXPECT_EQ(Written(*document.Get()).substr(0, 8), "\xFE\xFF\0<\0?\0x"s);
+    EXPECT_STREQ(VekGetXMLProlog(*document.Get()), L"<?xml version='1.0' encoding='UTF-8'?>\n");
+    EXPECT_STREQ(VekGetXMLEpilog(*NewDocument().Get()), L"");
+
+    auto const fresh = NewDocument();
+    fresh->SetRootElement(NewElement(L"r").Get());
+    m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_AS_SOURCE);
+    EXPECT_EQ(Written(*fresh.Get()), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r/>\n");
+}
+
+TEST_F(KeepAllTest, RefusesWhatNobodyCouldRead)
+{
+    using Change = void (*)(IVekXMLDocument &, IVekXMLElement &);
+    std::tuple<char const *, wchar_t const *, wchar_t const *, Change> const rows[] = {
+        {"no name", L"", nullptr, nullptr},
+        {"a name with a blank", L"a b", nullptr, nullptr},
+        {"a name that begins with a digit", L"1", nullptr, nullptr},
+        {"a name of no node", L"#other", nullptr, nullptr},
+        {"a name beyond the basic plane", L"a\xD83D\xDE00", nullptr, nullptr},
+        {"a sign as a name", L"\u20AC", nullptr, nullptr},
+        {"a control character", L"#text", L"a\x1", nullptr},
+        {"half a character", L"#text", L"\xDE00\xD83D", nullptr},
+        {"no character", L"#cdata-section", L"\xFFFF", nullptr},
+        {"two hyphens", L"#comment", L"a--b", nullptr},
+        {"a hyphen at the end", L"#comment", L"a-", nullptr},
+        {"a return in a comment", L"#comment", L"\r", nullptr},
+        {"no target", L"#processing-instruction", L"x", nullptr},
+        {"an instruction's end", L"#processing-instruction", L"x?>",
+         [](auto &, auto & node) { node.AddAttribute(L"target", VEK_VARIANT(L"t"), -1); }},
+        {"a reserved target", L"#processing-instruction", L"x",
+         [](auto &, auto & node) { node.AddAttribute(L"target", VEK_VARIANT(L"XML"), -1); }},
+        {"an entity that isn't there", L"#entity-reference", L"e", nullptr},
+        {"children of text", L"#text", L"x", [](auto &, auto & node) { node.FindChild(L"b", true); }},
+        {"control characters in a value", L"e", nullptr,
+         [](auto &, auto & node) { node.AddAttribute(L"a", VEK_VARIANT(L"\b"), -1); }},
+        {"a name twice", L"e", nullptr,
+         [](auto &, auto & node)
+         {
+             for (wchar_t const * name : {L"a", L"b", L"c"})
+                 node.AddAttribute(name, VEK_VARIANT(L""), -1);
+             node.RenameAttribute(L"a", L"c");
+         }},
+        {"an open comment", L"e", nullptr, [](auto & document, auto &) { VekSetXMLProlog(document, L"<!-- "); }},
+        {"a root before the root", L"e", nullptr, [](auto & document, auto &) { VekSetXMLProlog(document, L"<a>"); }},
+        {"two roots", L"e", nullptr, [](auto & document, auto &) { VekSetXMLEpilog(document, L"<a/>"); }},
+    };
+    std::wstring const path = TemporaryPath(L"kept.xml");
+    for (auto const & [name, element, text, change] : rows)
+    {
+        SCOPED_TRACE(name);
+        auto const document = NewDocument();
+        auto const root = NewElement(L"r");
+        document->SetRootElement(root.Get());
+        EXPECT_TRUE(m_writer.WriteXMLFile(path.c_str(), document.Get()));
+        std::string const before = FileBytes(path);
+        auto const node = NewElement(element);
+        root->AddChild(node.Get(), -1);
+        if (text)
+            node->AddCDATASection(reinterpret_cast<unsigned char const *>(text),
+                                  static_cast<int>(std::wcslen(text) * sizeof *text));
+        if (change)
+            change(*document.Get(), *node.Get());
+        EXPECT_FALSE(m_writer.WriteXMLFile(path.c_str(), document.Get()));
+        EXPECT_NE(m_log.Take().find(L"CVekXMLWriter::WriteXML --> "), std::wstring::npos);
+        EXPECT_EQ(FileBytes(path), before) << "the old file stays";
+    }
+}
+
+TEST_F(KeepAllTest, ReadsTheEncodingsOfTheSystem)
+{
+    std::tuple<char const *, char const *, wchar_t const *, unsigned int> const rows[] = {
+        {"windows-1252", "\x80\xE9", L"\u20AC\u00E9", 1252},
+        {"Windows-1251", "\xC0", L"\u0410", 1251},
+        {"ISO-8859-15", "\xA4", L"\u20AC", 28605},
+        {"KOI8-R", "\xC1", L"\u0430", 20866},
+        {"Shift_JIS", "\x83\x5C\xB1", L"\u30BD\uFF71", 932},
+        {"EUC-JP", "\xA5\xBD\x8E\xB1\x8F\xB0\xA1", L"\u30BD\uFF71\u4E02", 20932},
+        {"GBK", "\xC4\xE3", L"\u4F60", 936},
+        {"Big5", "\xA4\x40", L"\u4E00", 950},
+        {"EUC-KR", "\xB0\xA1", L"\uAC00", 949},
+    };
+    for (auto const & [name, bytes, text, codePage] : rows)
+    {
+        SCOPED_TRACE(name);
+        std::string const source =
+            "<?xml version='1.0' encoding='"s + name + "'?><!--" + bytes + "--><a>" + bytes + "</a>";
+        auto const document = NewDocument();
+        EXPECT_FALSE(ParseBytes(source, document)) << "kept: without being asked it is unknown";
+        EXPECT_TRUE(Parse(source, *document.Get()));
+        EXPECT_EQ(TreeText(*document), L"a{#text'"s + text + L"'}");
+        EXPECT_EQ(std::wstring(VekGetXMLProlog(*document.Get())).substr(34 + std::strlen(name) + 3),
+                  L"<!--"s.substr(4) + text + L"-->");
+        EXPECT_EQ(m_parser.GetSourceCodePage(), codePage);
+        m_log.Take();
+    }
+    for (char const * name : {"UTF-7", "ISO-2022-JP", "GB18030", "x"})
+    {
+        auto const document = NewDocument();
+        EXPECT_FALSE(Parse("<?xml version='1.0' encoding='"s + name + "'?><a/>", *document.Get())) << name;
+        EXPECT_NE(m_log.Take().find(L"Encoding not supported"), std::wstring::npos);
+    }
+}
+
+TEST_F(KeepAllTest, TellsPositions)
+{
+    std::tuple<char const *, std::string> const rows[] = {
+        {"UTF-8", "<?xml version='1.0'?>\n<a>\n  <b x = '1' y=\"\xC3\xA9>/\"\n z=''/><c></c></a>"},
+        {"with a mark", "\xEF\xBB\xBF<a><b x = '1' y=\"\xC3\xA9>/\" z=''/><c></c></a>"},
+        {"UTF-16",
+         "\xFF\xFE<\0a\0>\0\n\0<\0b\0 \0x\0=\0'\0\x31\0'\0 \0y\0=\0\"\0\xE9\0>\0/\0\"\0 \0z\0=\0'\0'\0/\0>\0<\0c\0>\0<\0/\0c\0>\0<\0/\0a\0>\0"s},
+    };
+    m_parser.SetKeepPositions(true);
+    for (auto const & [name, bytes] : rows)
+    {
+        SCOPED_TRACE(name);
+        auto const document = NewDocument();
+        ASSERT_TRUE(Parse(bytes, *document.Get(), VEK_XML_KEEP_NOTHING));
+        IVekXMLElement * const b = document->FindElementFromPath(L"b", false);
+        VEK_XML_POSITION at;
+        ASSERT_TRUE(m_parser.GetPosition(b, at));
+        auto const plain = [bytes = bytes](unsigned from, unsigned to)
+        {
+            std::string text = bytes.substr(from, to - from);
+            std::erase(text, '\0');
+            return text;
+        };
+        std::string const tag = plain(at.offset, at.offset + at.length);
+        EXPECT_TRUE(tag.starts_with("<b") && tag.ends_with("/>")) << tag;
+        EXPECT_EQ(at.end, at.offset + at.length);
+        std::string const before = plain(0, at.offset);
+        EXPECT_EQ(at.line, 1u + static_cast<unsigned>(std::count(before.begin(), before.end(), '\n')));
+        char const * const values[] = {"1", nullptr, ""};
+        for (int i : {0, 2})
+        {
+            unsigned int offset = 0;
+            unsigned int length = 9;
+            EXPECT_TRUE(m_parser.GetAttributePosition(b, i, offset, length));
+            EXPECT_EQ(plain(offset, offset + length), values[i]);
+            EXPECT_TRUE(bytes[offset - (bytes[1] == '\xFE' ? 2 : 1)] == '\'');
+        }
+        ASSERT_TRUE(m_parser.GetPosition(document->FindElementFromPath(L"c", false), at));
+        EXPECT_EQ(plain(at.offset, at.end), "<c></c>");
+        ASSERT_TRUE(m_parser.GetPosition(document->GetRootElement(), at));
+        EXPECT_EQ(at.end, bytes.size());
+        EXPECT_EQ(at.column, 1u) << "a mark is no column";
+    }
+    auto const document = NewDocument();
+    EXPECT_TRUE(Parse("<!DOCTYPE a [<!ENTITY e '<b x=\"1\"/>'><!ATTLIST a d CDATA 'v'>]><a w='1'>\n&e;<c/></a>",
+                      *document.Get()));
+    VEK_XML_POSITION at;
+    unsigned int offset = 0;
+    unsigned int length = 0;
+    IVekXMLElement * const root = document->GetRootElement();
+    EXPECT_FALSE(m_parser.GetPosition(document->FindElementFromPath(L"b", false), at)) << "of an entity's text";
+    EXPECT_TRUE(m_parser.GetPosition(document->FindElementFromPath(L"c", false), at));
+    EXPECT_EQ(at.line, 2u);
+    EXPECT_EQ(at.column, 4u);
+    EXPECT_TRUE(m_parser.GetAttributePosition(root, 0, offset, length));
+    EXPECT_FALSE(m_parser.GetAttributePosition(root, 1, offset, length)) << "a default";
+    EXPECT_FALSE(m_parser.GetAttributePosition(root, -1, offset, length));
+    EXPECT_FALSE(m_parser.GetPosition(nullptr, at));
+    m_parser.SetKeepPositions(false);
+    EXPECT_TRUE(m_parser.GetPosition(root, at)) << "until the next parse";
+    EXPECT_TRUE(Parse("<a/>", *NewDocument().Get()));
+    EXPECT_FALSE(m_parser.GetPosition(root, at));
+}
+
+TEST_F(KeepAllTest, BearsAnyAmount)
+{
+    constexpr std::size_t many = VekGuard::Active ? 5'000 : 300'000;
+    std::string text = "<a>" + std::string(many * 100, '\n') + "&amp;";
+    std::string const nested = "x<a>", closed = "</a>y";
+    for (std::size_t i = 0; i < many; ++i)
+        text += nested;
+    text += "z";
+    for (std::size_t i = 0; i < many; ++i)
+        text += closed;
+    for (std::size_t i = 0; i < many; ++i)
+        text += "<!--c-->";
+    text += "</a>";
+    EXPECT_TRUE(Copied(text) == text);
+}
+
+} // namespace

@@ -1,0 +1,385 @@
+#include "VekRef.h"
+
+#include "base/AsOwn.h"
+#include "text/StringAccess.h"
+#include "xml/XMLDocument.h"
+#include "xml/XMLManager.h"
+#include "xml/XMLParserState.h"
+
+#include <limits.h>
+#include <wchar.h>
+
+#include <new>
+
+namespace
+{
+
+using State = CVekXMLParser::State;
+
+State & StateOf(void * userData)
+{
+    return *static_cast<State *>(userData);
+}
+
+void XMLCALL OnStartElementCB(void * userData, XML_Char const * name, XML_Char const ** attributes)
+{
+    StateOf(userData).OnStartElementExtra(name, attributes);
+}
+
+void XMLCALL OnEndElementCB(void * userData, XML_Char const *)
+{
+    StateOf(userData).OnEndElementExtra();
+}
+
+void XMLCALL OnCharacterDataCB(void * userData, XML_Char const * text, int length)
+{
+    StateOf(userData).OnText(text, length);
+}
+
+void XMLCALL OnStartCdataSectionCB(void * userData)
+{
+    StateOf(userData).OnStartSection();
+}
+
+void XMLCALL OnEndCdataSectionCB(void * userData)
+{
+    StateOf(userData).OnEndSection();
+}
+
+void XMLCALL OnCommentCB(void * userData, XML_Char const * text)
+{
+    StateOf(userData).OnComment(text);
+}
+
+void XMLCALL OnInstructionCB(void * userData, XML_Char const * target, XML_Char const * text)
+{
+    StateOf(userData).OnInstruction(target, text);
+}
+
+// Of what stands in an element, references to entities that aren't read are all that no other callback takes.
+void XMLCALL OnDefaultCB(void * userData, XML_Char const * text, int length)
+{
+    StateOf(userData).OnReferencePiece(text, length);
+}
+
+void XMLCALL OnDeclarationCB(void * userData, XML_Char const *, XML_Char const * encoding, int)
+{
+    StateOf(userData).extras->source.Declare(encoding);
+}
+
+void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Char const *, XML_Char const *, int)
+{
+    StateOf(userData).extras->hasDocumentType = true;
+    StateOf(userData).document->SetDocumentType(name);
+}
+
+void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int,
+                            XML_Char const *, XML_Char const *, XML_Char const *, XML_Char const *)
+{
+    if (value && !isParameter && !StateOf(userData).extras->entities.Add(name))
+        StateOf(userData).Abort();
+}
+
+int XMLCALL OnUnknownEncodingCB(void * userData, XML_Char const * name, XML_Encoding * encoding)
+{
+    return StateOf(userData).extras->source.UsePlatform(name, *encoding) ? XML_STATUS_OK : XML_STATUS_ERROR;
+}
+
+bool IsBlank(wchar_t const * text, int length)
+{
+    for (int i = 0; i < length; ++i)
+    {
+        if (text[i] != L' ' && text[i] != L'\n' && text[i] != L'\t' && text[i] != L'\r')
+            return false;
+    }
+    return true;
+}
+
+VEK_XML_ENCODING EncodingOf(vek::XMLSource const & source)
+{
+    switch (source.CodePage())
+    {
+    case 65001:
+        return source.MarkLength() ? VEK_XML_ENCODING_UTF8_MARK : VEK_XML_ENCODING_UTF8;
+    case 1200:
+        return VEK_XML_ENCODING_UTF16;
+    case 1201:
+        return VEK_XML_ENCODING_UTF16_BIG;
+    default:
+        return VEK_XML_ENCODING_UTF8;
+    }
+}
+
+} // namespace
+
+void vek::InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * state) noexcept
+{
+    XML_SetElementHandler(expat, OnStartElementCB, OnEndElementCB);
+    XML_SetXmlDeclHandler(expat, OnDeclarationCB);
+    XML_SetUnknownEncodingHandler(expat, OnUnknownEncodingCB, state);
+    if (state->options.keep == VEK_XML_KEEP_NOTHING)
+        return;
+    XML_SetStartDoctypeDeclHandler(expat, OnStartDoctypeDeclCB);
+    XML_SetEntityDeclHandler(expat, OnEntityDeclCB);
+    XML_SetCommentHandler(expat, OnCommentCB);
+    XML_SetProcessingInstructionHandler(expat, OnInstructionCB);
+    XML_SetDefaultHandlerExpand(expat, OnDefaultCB);
+    if (!state->Keeps(VEK_XML_KEEP_TEXT | VEK_XML_KEEP_WHITE_SPACE | VEK_XML_KEEP_CDATA))
+        return;
+    XML_SetCharacterDataHandler(expat, OnCharacterDataCB);
+    XML_SetCdataSectionHandler(expat, OnStartCdataSectionCB, OnEndCdataSectionCB);
+}
+
+bool CVekXMLParser::State::InstallExtras()
+{
+    extras = new (std::nothrow) vek::XMLParserExtras;
+    return extras != nullptr;
+}
+
+// --- the document ----------------------------------------------------------------------------------------------------
+
+bool CVekXMLParser::State::EndDocument()
+{
+    // With nothing more to come, what is cut behind the outermost element shows.
+    if (complete && options.keep != VEK_XML_KEEP_NOTHING)
+        complete = XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR;
+    if ((!IsInside() || Flush()) && (!Keeps(VEK_XML_KEEP_PROLOG) || StoreProlog()))
+        return true;
+    VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep the prolog");
+    return false;
+}
+
+bool CVekXMLParser::State::StoreProlog()
+{
+    auto * const own = vek::AsOwn<CVekXMLDocument>(*document);
+    vek::XMLKept * const kept = own ? own->MakeKept() : nullptr;
+    if (!kept)
+        return false;
+    vek::XMLSource const & source = extras->source;
+    int const begin = extras->rootBegin >= 0 ? extras->rootBegin : source.Size();
+    int const end = extras->rootEnd >= 0 ? extras->rootEnd : source.Size();
+    kept->encoding = EncodingOf(source);
+    kept->carriageReturns = source.HasCarriageReturns();
+    return source.Decode(source.MarkLength(), begin, kept->prolog) && source.Decode(end, source.Size(), kept->epilog);
+}
+
+// --- elements --------------------------------------------------------------------------------------------------------
+
+void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t const ** attributes)
+{
+    if (stack.Empty())
+        return;
+    if (firstElement)
+        extras->rootBegin = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    else if (!Flush())
+        return Abort();
+    if (extras->hasDocumentType && Keeps(VEK_XML_KEEP_PROLOG) && !AreValuesWhole())
+        return Abort();
+    int const before = firstElement ? stack.Back()->GetNumAttributes() : 0;
+    size_t const depth = firstElement ? 0 : stack.Size();
+    extras->stored.Clear();
+    OnStartElement(name, attributes);
+    if (options.positions && stack.Size() > depth && !RecordPosition(stack.Back(), before))
+        Abort();
+}
+
+// The tokenizer drops references in values to entities that are declared where it doesn't read.
+bool CVekXMLParser::State::AreValuesWhole()
+{
+    auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    int const length = XML_GetCurrentByteCount(expat);
+    if (!extras->source.IsTagAt(offset) ||
+        !extras->source.MayHoldReference({static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}))
+        return true;
+    CVekString<wchar_t> tag;
+    if (!extras->source.Decode(offset, offset + length, tag))
+        return false;
+    for (wchar_t const * at = wcschr(tag, L'&'); at; at = wcschr(at, L'&'))
+    {
+        wchar_t const * const name = ++at;
+        auto const nameLength = static_cast<int>(wcscspn(name, L";"));
+        if (extras->entities.Has(name, static_cast<size_t>(nameLength)))
+            continue;
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
+                     static_cast<wchar_t const *>(CVekString<wchar_t>(name, nameLength)));
+        return false;
+    }
+    return true;
+}
+
+void CVekXMLParser::State::OnEndElementExtra()
+{
+    if (stack.Empty())
+        return;
+    if (!FlushAtEnd())
+        return Abort();
+    int const end = static_cast<int>(XML_GetCurrentByteIndex(expat)) + XML_GetCurrentByteCount(expat);
+    if (options.positions)
+        extras->positions.End(static_cast<unsigned int>(end));
+    OnEndElement();
+    if (stack.Empty())
+        extras->rootEnd = end;
+}
+
+bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int attributesBefore)
+{
+    auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    auto const line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
+    auto const column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
+    // The tokenizer counts a byte order mark as a column.
+    unsigned int const mark = line == 1 && extras->source.MarkLength() > 0 ? 1 : 0;
+    VEK_XML_POSITION const position = {static_cast<unsigned int>(offset),
+                                       static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, line,
+                                       column + 1 - mark};
+    if (!extras->source.IsTagAt(offset))
+        return extras->positions.Begin(nullptr, position);
+    return extras->positions.Begin(element, position) &&
+           (extras->stored.Empty() || RecordValues({position.offset, position.length}, attributesBefore));
+}
+
+bool CVekXMLParser::State::RecordValues(vek::XMLRange tag, int attributesBefore)
+{
+    extras->values.Clear();
+    if (!extras->source.FindValues(tag, extras->values))
+        return false;
+    for (size_t i = 0; i < extras->stored.Size(); ++i)
+    {
+        // Declared defaults stand behind all others.
+        auto const place = static_cast<size_t>(extras->stored[i]);
+        vek::XMLRange const value = place < extras->values.Size() ? extras->values[place] : vek::XMLRange{0, 0};
+        if (!extras->positions.AddValue(attributesBefore, value))
+            return false;
+    }
+    return true;
+}
+
+// --- what stands between the elements --------------------------------------------------------------------------------
+
+void CVekXMLParser::State::OnText(wchar_t const * text, int length)
+{
+    if (stack.Empty())
+        return;
+    if (inCDATA)
+        return OnCDATA(text, length);
+    extras->isOneSection = false;
+    // The tokenizer hands out each newline by itself.
+    if (length == 1 && *text == L'\n')
+    {
+        if (!extras->text.Append(L'\n'))
+            Abort();
+        return;
+    }
+    extras->isBlank = extras->isBlank && IsBlank(text, length);
+    wchar_t * const place = extras->text.Extend(static_cast<size_t>(length));
+    if (!place)
+        return Abort();
+    vek::CopyShort(place, text, static_cast<size_t>(length) * sizeof *text);
+}
+
+void CVekXMLParser::State::OnStartSection()
+{
+    if (Keeps(VEK_XML_KEEP_CDATA) && !stack.Empty() && !Flush())
+        return Abort();
+    OnStartCDATA();
+}
+
+void CVekXMLParser::State::OnEndSection()
+{
+    if (!Keeps(VEK_XML_KEEP_CDATA) && !Keeps(VEK_XML_KEEP_TEXT))
+        return OnEndCDATA();
+    inCDATA = false;
+    if (Keeps(VEK_XML_KEEP_CDATA))
+    {
+        extras->hasSection = true;
+        return;
+    }
+    extras->isOneSection = extras->text.Empty();
+    extras->isBlank = false;
+    if (!extras->text.Append(reinterpret_cast<wchar_t const *>(cdata.Data()), cdata.Size() / sizeof(wchar_t)))
+        Abort();
+}
+
+void CVekXMLParser::State::OnComment(wchar_t const * text)
+{
+    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode({L"#comment", 8}, text, wcslen(text))))
+        Abort();
+}
+
+void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const * text)
+{
+    if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS) || !IsInside())
+        return;
+    size_t const length = wcslen(target);
+    CVekXMLElement * const node = Flush() ? AddNode({L"#processing-instruction", 23}, text, wcslen(text)) : nullptr;
+    auto * const attribute = node && length < INT_MAX / sizeof(wchar_t)
+                                 ? CVekXMLAttribute::Make(L"target", 6, target, static_cast<int>(length))
+                                 : nullptr;
+    if (!attribute)
+        return Abort();
+    if (node->m_attributes.Append(attribute))
+        return;
+    attribute->Release();
+    Abort();
+}
+
+void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
+{
+    vek::Buffer<wchar_t> & reference = extras->reference;
+    if (!IsInside() || !Keeps(VEK_XML_KEEP_TEXT) || length == 0 || (reference.Empty() && text[0] != L'&'))
+        return;
+    bool const isWhole = text[length - 1] == L';';
+    if (!reference.Append(text, static_cast<size_t>(length)) ||
+        (isWhole && (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1,
+                                          reference.Size() - 2)))) // without & and ;
+        return Abort();
+    if (isWhole)
+        reference.Clear();
+}
+
+bool CVekXMLParser::State::Flush()
+{
+    return FlushSection() && FlushText();
+}
+
+bool CVekXMLParser::State::FlushSection()
+{
+    if (!extras->hasSection)
+        return true;
+    extras->hasSection = false;
+    return AddNode({L"#cdata-section", 14}, reinterpret_cast<wchar_t const *>(cdata.Data()),
+                   cdata.Size() / sizeof(wchar_t)) != nullptr;
+}
+
+bool CVekXMLParser::State::FlushText()
+{
+    bool const isKept = !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
+    bool const isDone = !isKept || AddNode({L"#text", 5}, extras->text.Data(), extras->text.Size());
+    extras->text.Clear();
+    extras->isBlank = true;
+    extras->isOneSection = false;
+    return isDone;
+}
+
+// The element on top of the stack ends. A section that is all it holds becomes its own.
+bool CVekXMLParser::State::FlushAtEnd()
+{
+    CVekXMLElement & element = *stack.Back();
+    if ((!extras->hasSection && !extras->isOneSection) || element.HasCDATASection() || element.GetNumChildren() > 0)
+        return Flush();
+    if (extras->hasSection && !extras->text.Empty() &&
+        Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT))
+        return Flush();
+    extras->hasSection = false;
+    extras->text.Clear();
+    extras->isBlank = true;
+    extras->isOneSection = false;
+    return cdata.Size() <= INT_MAX && element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size()));
+}
+
+CVekXMLElement * CVekXMLParser::State::AddNode(NodeName const & name, wchar_t const * text, size_t length)
+{
+    auto * const node = CVekXMLElement::MakeNode(name.text, name.length, text, length * sizeof(wchar_t));
+    if (!node)
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name.text);
+    return node && AddChild(node) ? node : nullptr;
+}

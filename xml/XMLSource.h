@@ -1,0 +1,70 @@
+#pragma once
+
+#include "VekText.h"
+
+#include "base/Buffer.h"
+
+#include <expat.h>
+
+namespace vek
+{
+
+/// Makes every line end of the text a newline, in place; returns the new length.
+size_t JoinLineEnds(wchar_t * text, size_t length) noexcept;
+
+/// A piece of the source, in bytes.
+struct XMLRange
+{
+    unsigned int offset;
+    unsigned int length;
+};
+
+/// The bytes of the document that is being parsed, and how they are encoded. The encodings that the tokenizer doesn't
+/// know are taken from the system's code pages.
+class XMLSource
+{
+public:
+    /// Takes the bytes, which stay the caller's, until End.
+    void Begin(void const * bytes, int size) noexcept;
+    void End() noexcept { m_bytes = nullptr; }
+    /// The encoding that the declaration names; null for none.
+    void Declare(wchar_t const * name) noexcept;
+    /// Answers the tokenizer, which doesn't know the encoding: false, with a message, when the system doesn't either.
+    bool UsePlatform(wchar_t const * name, XML_Encoding & encoding) noexcept;
+
+    unsigned int CodePage() const noexcept { return m_codePage; }
+    int Size() const noexcept { return m_size; }
+    /// The length of the byte order mark.
+    int MarkLength() const noexcept { return m_markLength; }
+    /// Whether the first line ends in a carriage return and a newline.
+    bool HasCarriageReturns() const noexcept;
+    /// The text of a piece, line ends as newlines; false when memory is exhausted.
+    bool Decode(int begin, int end, CVekString<wchar_t> & text) const noexcept;
+    /// Whether a tag begins there, rather than a reference to an entity.
+    bool IsTagAt(int offset) const noexcept { return UnitAt(offset) == L'<'; }
+    /// False when no reference can stand in the piece.
+    bool MayHoldReference(XMLRange piece) const noexcept;
+    /// Adds where the values of a start tag stand, in order; false when memory is exhausted.
+    bool FindValues(XMLRange tag, Buffer<XMLRange> & values) const noexcept;
+
+private:
+    struct Platform;
+
+    bool IsWide() const noexcept;
+    int Step() const noexcept { return IsWide() ? 2 : 1; }
+    /// The unit of UTF-16, or the byte, that begins there; 0 outside.
+    wchar_t UnitAt(int offset) const noexcept;
+    int SkipBlanks(int at, int end) const noexcept;
+    bool DecodeWide(int begin, int end, Buffer<wchar_t> & text) const noexcept;
+    bool DecodeBytes(int begin, int end, Buffer<wchar_t> & text) const noexcept;
+    bool DecodePlatform(int begin, int end, Buffer<wchar_t> & text) const noexcept;
+
+    unsigned char const * m_bytes = nullptr;
+    int m_size = 0;
+    int m_markLength = 0;
+    unsigned int m_codePage = 0;
+    bool m_isPlatform = false;
+    int m_map[256] = {}; // of the system's encoding, as the tokenizer has it
+};
+
+} // namespace vek
