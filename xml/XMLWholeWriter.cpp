@@ -463,8 +463,8 @@ bool XMLWholeWriter::Section(wchar_t const * text, size_t length) noexcept
 // the marker of a newline for one.
 bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 {
-    auto const & look = LOOKS.look[static_cast<int>(Place::VALUE)];
-    if (std::none_of(text, text + length, [&look](wchar_t unit) { return NeedsLook(unit, look); }))
+    auto const needsLook = [](wchar_t unit) { return NeedsLook(unit, LOOKS.look[static_cast<int>(Place::VALUE)]); };
+    if (std::none_of(text, text + length, needsLook))
     {
         Put(text, length);
         return true;
