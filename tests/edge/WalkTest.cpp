@@ -166,6 +166,8 @@ TEST_F(Edge, TakesOutAndReplacesSingleAttributes)
         element->AddAttribute((L"n" + std::to_wstring(i)).c_str(), i, -1);
     EXPECT_EQ(element->FindAttributeIndex(L"n99"), 99);
     EXPECT_TRUE(VekRemoveXMLAttribute(element.Get(), L"N50"));
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(element->FindAttributeIndex(L"none"), -1); // fills the index
     EXPECT_TRUE(VekReplaceXMLAttribute(element.Get(), L"n98", L"new", L"<"));
     EXPECT_EQ(element->FindAttributeIndex(L"n99"), 98);
     EXPECT_EQ(element->FindAttributeIndex(L"n98"), -1);
