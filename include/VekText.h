@@ -97,8 +97,8 @@ VEK_API int VekStrFromNumberW(wchar_t * buffer, int size, float value);
 /// Reads a decimal number, with a point in every locale, as the nearest one that there is: a sign, digits with or
 /// without a point, an exponent; "inf" and "nan" too. Leading white space is skipped. The text may go on behind the
 /// number when end is given, which gets that place; otherwise only white space may follow. False, with value and end
-/// unchanged, for anything else, for null, a number that is too large, and when memory for a very long one is
-/// exhausted.
+/// unchanged, for anything else, for null, and for a number that is too large. Any number of digits counts, and none
+/// needs memory.
 VEK_API bool VekStrToNumberA(char const * text, double & value, char const ** end = nullptr);
 VEK_API bool VekStrToNumberA(char const * text, float & value, char const ** end = nullptr);
 VEK_API bool VekStrToNumberW(wchar_t const * text, double & value, wchar_t const ** end = nullptr);

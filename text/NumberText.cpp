@@ -1,13 +1,14 @@
 #include "VekText.h"
 
-#include "base/Buffer.h"
+#include "text/BigNumber.h"
 
-#include <locale.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -51,13 +52,11 @@ public:
             at = ScanDigits(at + 1, 1);
         if (m_digits == 0)
             return ScanWord(at);
-        if (*at == 'e' || *at == 'E')
-            at = ScanExponent(at);
-        m_end = at;
-        return at;
+        m_digitsEnd = at;
+        return *at == 'e' || *at == 'E' ? ScanExponent(at) : at;
     }
 
-    /// False when the number is too large, or memory is exhausted.
+    /// False when the number is too large.
     bool GetValue(Real & value) const
     {
         Real amount = m_word;
@@ -68,9 +67,13 @@ public:
     }
 
 private:
+    using Limits = std::numeric_limits<Real>;
+
     // What a number has exactly: whole numbers up to that power of two, and powers of ten up to MOST_POWER.
     static constexpr uint64_t MOST_WHOLE = uint64_t{1} << std::numeric_limits<Real>::digits;
     static constexpr uint64_t KEPT = 1000000000000000000;
+    // No number that lies between two doubles has more.
+    static constexpr int MOST_DIGITS = 800;
 
     T const * ScanDigits(T const * at, int isFraction)
     {
@@ -99,7 +102,8 @@ private:
             if (exponent < 100000000)
                 exponent = exponent * 10 + static_cast<int>(*at - '0');
         }
-        m_power += isNegative ? -exponent : exponent;
+        m_exponent = isNegative ? -exponent : exponent;
+        m_power += m_exponent;
         return at;
     }
     T const * ScanWord(T const * at)
@@ -122,35 +126,79 @@ private:
                             : whole * static_cast<Real>(POWERS_OF_TEN[m_power]);
         return true;
     }
-    // The runtime wants its locale's point.
+    // The digits as a whole number, with a 1 behind them for all that can't matter, times a power of ten. The runtime's
+    // own scan would want memory for that, and its locale's point.
     bool GetNearest(Real & value) const
     {
-        char const * const point = localeconv()->decimal_point;
-        vek::Buffer<char> text;
-        if (!text.Reserve(static_cast<size_t>(m_end - m_begin) + strlen(point) + 1))
-            return false;
-        for (T const * at = m_begin; at != m_end; ++at)
+        vek::BigNumber digits;
+        int count = 0;
+        int64_t power = m_exponent;
+        bool isFraction = false, isCut = false;
+        for (T const * at = m_begin; at != m_digitsEnd; ++at)
         {
             if (*at == '.')
-                text.Append(point, strlen(point));
-            else
-                text.Append(static_cast<char>(*at));
+            {
+                isFraction = true;
+                continue;
+            }
+            bool const isKept = count < MOST_DIGITS && (count > 0 || *at != '0');
+            power += (count == MOST_DIGITS) - isFraction;
+            isCut = isCut || (!isKept && *at != '0');
+            count += isKept;
+            if (isKept)
+                digits.MultiplyAndAdd(10, static_cast<uint32_t>(*at - '0'));
         }
-        text.Append(0);
-        if constexpr (sizeof(Real) == sizeof(double))
-            value = strtod(text.Data(), nullptr);
-        else
-            value = strtof(text.Data(), nullptr);
-        return value <= std::numeric_limits<Real>::max();
+        if (isCut)
+            digits.MultiplyAndAdd(10, 1);
+        power -= isCut;
+        count += isCut;
+        value = 0;
+        if (count == 0 || count + power < Limits::min_exponent10 - Limits::max_digits10)
+            return true;
+        if (count + power > Limits::max_exponent10 + 1)
+            return false;
+        value = Nearest(digits, static_cast<int>(power));
+        return value <= Limits::max();
+    }
+    static Real Nearest(vek::BigNumber digits, int power)
+    {
+        vek::BigNumber divisor(1);
+        (power < 0 ? divisor : digits).MultiplyByPowerOfTen(power < 0 ? -power : power);
+        // So that the quotient has one bit more than a number has, or two, or less for the smallest of all.
+        int const exponent =
+            std::max(digits.Bits() - divisor.Bits() - Limits::digits - 1, Limits::min_exponent - Limits::digits - 1);
+        (exponent > 0 ? divisor : digits).ShiftLeft(exponent > 0 ? exponent : -exponent);
+        uint64_t quotient = 0;
+        divisor.ShiftLeft(Limits::digits + 2);
+        for (int i = Limits::digits + 2; i >= 0; --i)
+        {
+            bool const fits = digits.Compare(divisor) >= 0;
+            if (fits)
+                digits.Subtract(divisor);
+            quotient = quotient << 1 | fits;
+            divisor.Halve();
+        }
+        return std::ldexp(Rounded(quotient, !digits.IsZero(), exponent), exponent);
+    }
+    // Half to even, to as many bits as a number of that size has.
+    static Real Rounded(uint64_t whole, bool hasRest, int exponent)
+    {
+        int extra = std::max(static_cast<int>(std::bit_width(whole)) - Limits::digits, 0);
+        extra = std::max(extra, Limits::min_exponent - Limits::digits - exponent);
+        uint64_t const half = (uint64_t{1} << extra) >> 1, part = whole & ((uint64_t{1} << extra) - 1);
+        whole >>= extra;
+        bool const isUp = part > half || (part == half && extra > 0 && (hasRest || (whole & 1) != 0));
+        return std::ldexp(static_cast<Real>(static_cast<int64_t>(whole + isUp)), extra);
     }
 
     T const * m_begin = nullptr;
-    T const * m_end = nullptr;
+    T const * m_digitsEnd = nullptr;
     bool m_isNegative = false;
     bool m_isLong = false;
     int64_t m_digits = 0;
     uint64_t m_whole = 0;
     int m_power = 0;
+    int m_exponent = 0;
     Real m_word = 0;
 };
 
@@ -243,10 +291,8 @@ private:
             _snprintf(printed, sizeof printed, "%.*g", precision, static_cast<double>(amount));
             Tidy(printed);
             Real back = 0;
-            if (Read<char, Real>(printed, back, nullptr) && back == amount)
+            if (precision == Limits::max_digits10 || (Read<char, Real>(printed, back, nullptr) && back == amount))
                 return Add(printed);
-            if (precision == Limits::max_digits10)
-                Add(printed); // there was no memory to look at it
         }
     }
     // A point for the locale's one, and an exponent without the plus and zeros that runtimes differ in.

@@ -78,7 +78,8 @@ TEST(Examples, SceneEditorUndoes)
 
 TEST(Examples, AssetCacheTellsWhatHasChanged)
 {
-    std::wstring const folder = MakeFolder(), index = folder + L"index.xml", assets = folder + L"assets";
+    std::wstring const folder = TemporaryPath(L"cache"), index = folder + L"/index.xml", assets = folder + L"/assets";
+    std::filesystem::remove_all(folder);
     std::filesystem::create_directories(assets + L"/deep");
     for (int i = 0; i < 200; ++i)
         StoreBytes(assets + (i % 2 ? L"/deep/" : L"/") + std::to_wstring(i), std::string(std::size_t(i), 'x'));
@@ -91,7 +92,7 @@ TEST(Examples, AssetCacheTellsWhatHasChanged)
     EXPECT_EQ(outcome.out, "201 files, 1 new, 1 changed, 0 unreadable\r\n");
     EXPECT_THAT(outcome.err, HasSubstr("reading: 100 %"));
     EXPECT_THAT(FileBytes(index), HasSubstr("name=\"deep\\7\" size=\"7\" sum="));
-    EXPECT_EQ(RunBeside(L"example_assetcache.exe", {folder + L"none", index}).code, 2);
+    EXPECT_EQ(RunBeside(L"example_assetcache.exe", {folder + L"/none", index}).code, 2);
 }
 
 TEST(Examples, HighlighterShowsCommentsNumbersAndACurve)

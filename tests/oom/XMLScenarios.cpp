@@ -120,8 +120,6 @@ bool Edit()
     for ([[maybe_unused]] IVekXMLElement const & element : walk)
         ++count;
     isSound = isSound && (count == 11 || walk.IsOutOfMemory());
-    double number = 0;
-    succeeded &= VekStrToNumberA("1.00000000000000000000000001", number);
     return succeeded && isReplaced && !walk.IsOutOfMemory();
 }
 
