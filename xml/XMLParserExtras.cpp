@@ -33,7 +33,13 @@ void XMLCALL OnEndElementCB(void * userData, XML_Char const *)
 
 void XMLCALL OnCharacterDataCB(void * userData, XML_Char const * text, int length)
 {
-    StateOf(userData).OnText(text, length);
+    State & state = StateOf(userData);
+    // The tokenizer hands out each newline by itself.
+    if (length != 1 || *text != L'\n' || state.inCDATA)
+        return state.OnText(text, length);
+    state.extras->isOneSection = false;
+    if (!state.extras->text.Append(L'\n'))
+        state.Abort();
 }
 
 void XMLCALL OnStartCdataSectionCB(void * userData)
@@ -262,13 +268,6 @@ void CVekXMLParser::State::OnText(wchar_t const * text, int length)
     if (inCDATA)
         return OnCDATA(text, length);
     extras->isOneSection = false;
-    // The tokenizer hands out each newline by itself.
-    if (length == 1 && *text == L'\n')
-    {
-        if (!extras->text.Append(L'\n'))
-            Abort();
-        return;
-    }
     extras->isBlank = extras->isBlank && IsBlank(text, length);
     wchar_t * const place = extras->text.Extend(static_cast<size_t>(length));
     if (!place)
@@ -338,13 +337,11 @@ void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
 
 bool CVekXMLParser::State::Flush()
 {
-    return FlushSection() && FlushText();
+    return (!extras->hasSection || FlushSection()) && ((extras->text.Empty() && !extras->isOneSection) || FlushText());
 }
 
 bool CVekXMLParser::State::FlushSection()
 {
-    if (!extras->hasSection)
-        return true;
     extras->hasSection = false;
     return AddNode({L"#cdata-section", 14}, reinterpret_cast<wchar_t const *>(cdata.Data()),
                    cdata.Size() / sizeof(wchar_t)) != nullptr;

@@ -2,6 +2,7 @@
 
 #include "base/AsOwn.h"
 #include "xml/XMLDocument.h"
+#include "xml/XMLMarkup.h"
 
 #include <limits.h>
 #include <stdint.h>
@@ -87,59 +88,6 @@ bool IsBlank(wchar_t unit) noexcept
     return unit == L' ' || unit == L'\n' || unit == L'\t' || unit == L'\r';
 }
 
-template <size_t N>
-bool BeginsWith(wchar_t const * text, size_t length, wchar_t const (&what)[N]) noexcept
-{
-    return length >= N - 1 && wmemcmp(text, what, N - 1) == 0;
-}
-
-int DigitOf(wchar_t unit) noexcept
-{
-    if (unit >= L'0' && unit <= L'9')
-        return unit - L'0';
-    unit |= 0x20;
-    return unit >= L'a' && unit <= L'f' ? unit - L'a' + 10 : 16;
-}
-
-bool IsCharacter(unsigned int code) noexcept
-{
-    if (code < 0x20)
-        return code == '\n' || code == '\t' || code == '\r';
-    return code < 0xD800 || (code > 0xDFFF && code < 0xFFFE) || (code > 0xFFFF && code < 0x110000);
-}
-
-// The length of the reference to a character that the text, which begins with "&#", begins with; 0 for none.
-size_t NumberLength(wchar_t const * text, size_t length) noexcept
-{
-    bool const isHex = length > 2 && text[2] == L'x';
-    size_t const first = isHex ? 3 : 2;
-    int const base = isHex ? 16 : 10;
-    unsigned int code = 0;
-    for (size_t i = first; i < length; ++i)
-    {
-        if (text[i] == L';')
-            return i > first && IsCharacter(code) ? i + 1 : 0;
-        if (DigitOf(text[i]) >= base || code >= 0x110000)
-            return 0;
-        code = code * static_cast<unsigned int>(base) + static_cast<unsigned int>(DigitOf(text[i]));
-    }
-    return 0;
-}
-
-// The same for any reference that every parser knows.
-size_t ReferenceLength(wchar_t const * text, size_t length) noexcept
-{
-    if (BeginsWith(text, length, L"&#"))
-        return NumberLength(text, length);
-    static constexpr Piece KNOWN[] = {{L"&amp;", 5}, {L"&lt;", 4}, {L"&gt;", 4}, {L"&quot;", 6}, {L"&apos;", 6}};
-    for (Piece const & known : KNOWN)
-    {
-        if (length >= known.length && wmemcmp(text, known.text, known.length) == 0)
-            return known.length;
-    }
-    return 0;
-}
-
 // Where the value of the declaration's encoding stands in a prolog; none begins at 0.
 Piece FindEncoding(wchar_t const * prolog) noexcept
 {
@@ -156,30 +104,6 @@ Piece FindEncoding(wchar_t const * prolog) noexcept
 bool IsSame(Piece const & piece, wchar_t const * name) noexcept
 {
     return piece.length == wcslen(name) && _wcsnicmp(piece.text, name, piece.length) == 0;
-}
-
-constexpr unsigned int LAST_TABLED = 0x40;
-
-// One for the units that need a look, in text, values and elsewhere.
-struct LookTable
-{
-    constexpr LookTable() noexcept
-    {
-        for (unsigned unit = 0; unit < 0x20; ++unit)
-            look[0][unit] = look[1][unit] = look[2][unit] = true;
-        look[0][L'\t'] = look[2][L'\t'] = false;
-        for (unsigned unit : {L'&', L'<'})
-            look[0][unit] = look[1][unit] = true;
-        look[0][L'>'] = look[1][L'"'] = true;
-    }
-
-    bool look[3][LAST_TABLED] = {};
-};
-constexpr LookTable LOOKS;
-
-bool NeedsLook(wchar_t unit, bool const (&look)[LAST_TABLED]) noexcept
-{
-    return unit < LAST_TABLED ? look[unit] : unit >= 0xD800 && (unit < 0xE000 || unit >= 0xFFFE);
 }
 
 } // namespace
@@ -242,7 +166,7 @@ bool XMLWholeWriter::Document() noexcept
         return false;
     if (m_isNew && m_epilog.IsEmpty())
         Put(L"\n");
-    return m_epilog.IsEmpty() || Characters(m_epilog, static_cast<size_t>(m_epilog.GetLength()), Place::LITERAL);
+    return m_epilog.IsEmpty() || Characters(m_epilog, static_cast<size_t>(m_epilog.GetLength()), XMLPlace::LITERAL);
 }
 
 // The prolog, with the encoding that is written in its declaration.
@@ -260,13 +184,13 @@ bool XMLWholeWriter::Declaration(CVekString<wchar_t> const & prolog) noexcept
     Piece const declared = FindEncoding(rest);
     if (declared.length > 0 && !IsSame(declared, name))
     {
-        if (!Characters(rest, static_cast<size_t>(declared.text - rest), Place::LITERAL))
+        if (!Characters(rest, static_cast<size_t>(declared.text - rest), XMLPlace::LITERAL))
             return false;
         Put(name, wcslen(name));
         rest = declared.text + declared.length;
     }
     size_t const length = static_cast<size_t>(prolog.GetLength()) - static_cast<size_t>(rest - prolog);
-    return Characters(rest, length, Place::LITERAL);
+    return Characters(rest, length, XMLPlace::LITERAL);
 }
 
 bool XMLWholeWriter::Elements(IVekXMLElement const & root) noexcept
@@ -311,7 +235,7 @@ bool XMLWholeWriter::Child(IVekXMLElement const & child, bool isIndented) noexce
     switch (kind)
     {
     case NodeKind::TEXT:
-        return Characters(text, length, Place::TEXT);
+        return Characters(text, length, XMLPlace::TEXT);
     case NodeKind::SECTION:
         return Section(text, length);
     case NodeKind::REFERENCE:
@@ -327,7 +251,7 @@ bool XMLWholeWriter::Child(IVekXMLElement const & child, bool isIndented) noexce
             return Fail(L"CVekXMLWriter::WriteXML --> Comment with \"--\" can not be written", L"");
     }
     Put(L"<!--");
-    if (!Characters(text, length, Place::LITERAL))
+    if (!Characters(text, length, XMLPlace::LITERAL))
         return false;
     Put(L"-->");
     return true;
@@ -415,7 +339,7 @@ bool XMLWholeWriter::Instruction(IVekXMLElement const & node, wchar_t const * te
     Put(target, targetLength);
     if (length > 0)
         Put(L" ");
-    if (!Characters(text, length, Place::LITERAL))
+    if (!Characters(text, length, XMLPlace::LITERAL))
         return false;
     Put(L"?>");
     return true;
@@ -445,7 +369,7 @@ bool XMLWholeWriter::Section(wchar_t const * text, size_t length) noexcept
             continue;
         if (isEnd)
             i += 2;
-        if (!Characters(text + begin, i - begin, Place::LITERAL))
+        if (!Characters(text + begin, i - begin, XMLPlace::LITERAL))
             return false;
         begin = isEnd ? i : i + 1;
         if (isEnd)
@@ -453,7 +377,7 @@ bool XMLWholeWriter::Section(wchar_t const * text, size_t length) noexcept
         else
             Put(L"]]>&#13;<![CDATA[");
     }
-    if (!Characters(text + begin, length - begin, Place::LITERAL))
+    if (!Characters(text + begin, length - begin, XMLPlace::LITERAL))
         return false;
     Put(L"]]>");
     return true;
@@ -463,8 +387,7 @@ bool XMLWholeWriter::Section(wchar_t const * text, size_t length) noexcept
 // the marker of a newline for one.
 bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 {
-    auto const needsLook = [](wchar_t unit) { return NeedsLook(unit, LOOKS.look[static_cast<int>(Place::VALUE)]); };
-    if (std::none_of(text, text + length, needsLook))
+    if (PlainLength(text, length) == length)
     {
         Put(text, length);
         return true;
@@ -486,7 +409,7 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
             ++i;
             continue;
         }
-        if (!Characters(text + begin, i - begin, Place::VALUE))
+        if (!Characters(text + begin, i - begin, XMLPlace::VALUE))
             return false;
         if (marker)
             Put(L"&#10;");
@@ -494,20 +417,19 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
             Put(text + i, reference);
         begin = i += marker + reference;
     }
-    return Characters(text + begin, length - begin, Place::VALUE);
+    return Characters(text + begin, length - begin, XMLPlace::VALUE);
 }
 
-bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, Place place) noexcept
+bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace place) noexcept
 {
-    auto const & look = LOOKS.look[static_cast<int>(place)];
     bool const splitsLines = m_carriageReturns && m_encoding > VEK_XML_ENCODING_UTF8_MARK;
     size_t begin = 0;
-    for (size_t i = 0; i < length; ++i)
+    for (size_t i = PlainLength(text, length); i < length; i += 1 + PlainLength(text + i + 1, length - i - 1))
     {
         wchar_t const unit = text[i];
-        if (!NeedsLook(unit, look))
+        if (!NeedsLook(unit, place))
             continue;
-        if (unit == L'\n' && place != Place::VALUE && !splitsLines)
+        if (unit == L'\n' && place != XMLPlace::VALUE && !splitsLines)
             continue;
         if (unit == L'>' && i > 0 && text[i - 1] != L']')
             continue;
@@ -521,13 +443,13 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, Place place
             Put(L"&gt;");
         else if (unit == L'"')
             Put(L"&quot;");
-        else if (unit == L'\n' && place != Place::VALUE)
+        else if (unit == L'\n' && place != XMLPlace::VALUE)
             Put(L"\r\n");
         else if (unit == L'\n')
             Put(L"&#10;");
         else if (unit == L'\t')
             Put(L"&#9;");
-        else if (unit == L'\r' && place != Place::LITERAL)
+        else if (unit == L'\r' && place != XMLPlace::LITERAL)
             Put(L"&#13;");
         else if ((unit & 0xFC00) == 0xD800 && begin < length && (text[begin] & 0xFC00) == 0xDC00)
         {
@@ -554,7 +476,7 @@ bool XMLWholeWriter::Name(wchar_t const * text, size_t length) noexcept
 
 void XMLWholeWriter::NewLine(size_t level) noexcept
 {
-    Characters(L"\n", 1, Place::TEXT);
+    Characters(L"\n", 1, XMLPlace::TEXT);
     if (m_output)
         m_output->Spaces(static_cast<uint64_t>(m_indentation) * level);
 }

@@ -3,6 +3,7 @@
 #include "VekXML.h"
 
 #include "base/Buffer.h"
+#include "xml/XMLMarkup.h"
 #include "xml/XMLNameCheck.h"
 #include "xml/XMLOutput.h"
 
@@ -24,12 +25,6 @@ public:
     bool Write(IVekIOStream & stream) noexcept;
 
 private:
-    enum class Place
-    {
-        TEXT,
-        VALUE,
-        LITERAL
-    };
     struct OpenElement
     {
         IVekXMLElement const * element;
@@ -48,7 +43,7 @@ private:
     bool Reference(wchar_t const * name, size_t length) noexcept;
     bool Section(wchar_t const * text, size_t length) noexcept;
     bool Value(wchar_t const * text, size_t length) noexcept;
-    bool Characters(wchar_t const * text, size_t length, Place place) noexcept;
+    bool Characters(wchar_t const * text, size_t length, XMLPlace place) noexcept;
     bool Name(wchar_t const * text, size_t length) noexcept;
     bool Declaration(CVekString<wchar_t> const & prolog) noexcept;
     void NewLine(size_t level) noexcept;

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace
 {
 
@@ -123,6 +125,33 @@ bool Edit()
     return succeeded && isReplaced && !walk.IsOutOfMemory();
 }
 
+constexpr char KEPT[] =
+    "<?xml version='1.0' encoding='windows-1252'?><!DOCTYPE a [<!ENTITY e 'f'>]><a \xE9='1\xE9&#10;' c='2'>text<!-- c "
+    "--><?p q?><b><![CDATA[d]]></b><![CDATA[d]]>&e;<g/></a><!-- e -->";
+constexpr char COPIED[] =
+    "<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE a [<!ENTITY e 'f'>]><a \xC3\xA9=\"1\xC3\xA9&#10;\" "
+    "c=\"2\">text<!-- c --><?p q?><b><![CDATA[d]]></b><![CDATA[d]]>f<g/></a><!-- e -->";
+
+// What is told to have been kept and written is all there.
+bool KeepAll()
+{
+    CVekRef<IVekXMLDocument> const document(Manager().CreateXMLDocument());
+    CVekRef<CVekXMLParser> const parser(new (std::nothrow) CVekXMLParser);
+    CVekRef<CVekXMLWriter> const writer(new (std::nothrow) CVekXMLWriter);
+    CVekRef<IVekMemoryIOStream> const stream(getVekLibKernel()->CreateMemoryIOStream());
+    if (!document || !parser || !writer || !stream || !parser->SetKeepAll(VEK_XML_KEEP_ALL) ||
+        !parser->SetKeepPositions(true) || !stream->Open(nullptr, VEK_IO_READ | VEK_IO_WRITE, 4096))
+        return false;
+    writer->SetKeepAll(true);
+    if (!parser->ParseXMLMemory(KEPT, sizeof KEPT - 1, document.Get()) ||
+        !writer->WriteXML(stream.Get(), document.Get()))
+        return false;
+    VEK_XML_POSITION position;
+    isSound = std::memcmp(stream->GetBuffer(), COPIED, sizeof COPIED - 1) == 0 &&
+              parser->GetPosition(document->FindElementFromPath(L"g", false), position);
+    return isSound;
+}
+
 } // namespace
 
 std::vector<Scenario> const xmlScenarios = {
@@ -132,4 +161,5 @@ std::vector<Scenario> const xmlScenarios = {
     {"Parse", Parse, {L"CVekXML", L"   "}},
     {"Edit", Edit, {L"CVekXML", L"   ", L"VekCloneXML", L"VekReplaceXML"}},
     {"Write", Write, {L"CVekXML", L"   ", L"CVekMemoryIOStream"}},
+    {"KeepAll", KeepAll, {L"CVekXML", L"   ", L"CVekMemoryIOStream"}},
 };

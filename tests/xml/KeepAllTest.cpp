@@ -59,6 +59,7 @@ TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
          L"a{#cdata-section'1' #text't' #cdata-section'2' b #cdata-section''}"},
         {"sections without borders", "<a>t<![CDATA[1]]><b><![CDATA[2]]></b></a>", VEK_XML_KEEP_TEXT,
          L"a{#text't1' b'2'}"},
+        {"an empty one of these is nothing", "<a><![CDATA[]]><b/></a>", VEK_XML_KEEP_TEXT, L"a{b}"},
         {"entities are text", "<!DOCTYPE a [<!ENTITY e 'x<b/>y'>]><a>1&e;2</a>", ALL, L"a{#text'1x' b #text'y2'}"},
         {"entities that are not read", "<!DOCTYPE a SYSTEM 'd' [<!ENTITY e SYSTEM 'f'>]><a>1&e;&u;</a>", ALL,
          L"a{#text'1' #entity-reference'e' #entity-reference'u'}"},
