@@ -81,8 +81,8 @@ declare -A key=(
 )
 [ -z "$msvc" ] || key+=(
     [libcxx-source]='1 19'
-    [msvc-sdk-i686]='2'
-    [msvc-sdk-x86_64]='2'
+    [msvc-sdk-i686]='3'
+    [msvc-sdk-x86_64]='3'
     [expat-i686-msvc]="1 $expat_minimum"
     [expat-x86_64-msvc]="1 $expat_minimum"
     [gtest-i686-msvc]='1'

@@ -57,10 +57,8 @@ for source in Module Cookie Exceptions StaticOnce DllEntry Allocator NoThrow; do
 startup TypeInfo TypeInfo.cpp /GR-
 startup main ProgramEntry.cpp
 startup wmain ProgramEntry.cpp -DWIDE_MAIN
-if [ "$arch" = i686 ]; then
-    startup FloatMath FloatMath.cpp -fno-builtin
-    startup Divide64 Divide64.cpp
-fi
+startup FloatMath FloatMath.cpp -fno-builtin
+[ "$arch" != i686 ] || startup Divide64 Divide64.cpp
 "$llvm/bin/clang" "--target=$arch-pc-windows-msvc" -c "$here/startup/Machine.S" -o "$sdk/objects/Machine.obj"
 "$llvm/bin/llvm-lib" /nologo "/out:$sdk/lib/libcmt.lib" "${objects[@]}" "$sdk/objects/Machine.obj"
 # What /MD asks for; the two differ in Microsoft's own runtime only.

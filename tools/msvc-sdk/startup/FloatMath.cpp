@@ -15,6 +15,13 @@
 extern "C"
 {
 
+    __declspec(dllimport) double __cdecl ldexp(double, int);
+    float __cdecl ldexpf(float x, int exponent) // 64-bit ucrtbase.dll has none either
+    {
+        return static_cast<float>(ldexp(static_cast<double>(x), exponent));
+    }
+
+#ifdef _M_IX86
     FUNCTION(acos)
     FUNCTION(asin)
     FUNCTION(atan)
@@ -33,5 +40,6 @@ extern "C"
     FUNCTION2(atan2)
     FUNCTION2(fmod)
     FUNCTION2(pow)
+#endif
 
 } // extern "C"
