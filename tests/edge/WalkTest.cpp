@@ -259,9 +259,10 @@ TEST_F(Edge, SavesWholeFilesOrNone)
     EXPECT_NE(m_log.Take().find(L"VekSaveXMLDocument --> What was written reads back as another document, for"),
               std::wstring::npos);
     VekRemoveXMLAttribute(&root, L"bad");
-    fs::permissions(path, fs::perms::owner_write, fs::perm_options::remove);
+    constexpr auto WRITE = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    fs::permissions(path, WRITE, fs::perm_options::remove);
     EXPECT_FALSE(VekSaveXMLDocument(path.c_str(), document.Get())) << "read-only";
-    fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
+    fs::permissions(path, WRITE, fs::perm_options::add);
     EXPECT_FALSE(VekSaveXMLDocument(folder.c_str(), document.Get())) << "a folder";
     EXPECT_FALSE(VekSaveXMLDocument((folder + L"\\none\\x.xml").c_str(), document.Get()));
     EXPECT_FALSE(VekSaveXMLDocument(L"", document.Get()) || VekSaveXMLDocument(nullptr, document.Get()) ||
