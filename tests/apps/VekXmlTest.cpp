@@ -104,6 +104,28 @@ TEST(VekXml, SetStoresValuesThatComeBack)
     EXPECT_THAT(Facts(file), HasSubstr("attributes        35\n"));
 }
 
+TEST(VekXml, LineBreaksStayForEveryReader)
+{
+    std::tuple<char const *, std::string, char const *> const rows[] = {
+        // the file, its attributes as written, then as read
+        {"<a d=\"M0 0&#10;L9&#x0009;9&#xA;\"/>", "d=\"M0 0&#10;L9&#9;9&#10;\"", "M0 0\nL9\t9\n\n"},
+        {"<a d='&lt;EOL>&#60;EOL&gt;'/>", "d=\"&lt;EOL&gt;&lt;EOL&gt;\"", "\n\n\n"},
+        {"<a d='&#13;&lt;EOL&#62;&#10;&amp;#10;'/>", "d=\"&#13;&lt;EOL&gt;&#10;&amp;#10;\"", "\r\n\n&#10;\n"},
+        {"<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a d CDATA '&#10;'>]><a/>", "d=\"&#10;\"", "\n\n"},
+    };
+    std::wstring const folder = MakeFolder();
+    std::wstring const file = folder + L"a.svg";
+    for (auto const & [text, written, value] : rows)
+    {
+        SCOPED_TRACE(text);
+        StoreBytes(file, text);
+        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"e", L"'1'\n<2>\n&#10;"}).code, 0);
+        EXPECT_EQ(Vek({L"xml", L"format", file, file}).err, "");
+        EXPECT_THAT(FileBytes(file), HasSubstr("<a " + written + " e=\"&apos;1&apos;&#10;&lt;2&gt;&#10;&amp;#10;\""));
+        EXPECT_EQ(Get(file, L"/", L"d"), value);
+    }
+}
+
 TEST(VekXml, SetAddsElementsOnlyWhenAsked)
 {
     std::wstring const folder = MakeFolder();
