@@ -1,5 +1,6 @@
 #include "VekIO.h"
 
+#include "base/LiveObjects.h"
 #include "io/ScanText.h"
 
 #include <limits.h>
@@ -69,10 +70,14 @@ Result Clip(long long position, Result limit)
 
 } // namespace
 
-CVekFileIOStream::CVekFileIOStream() = default;
+CVekFileIOStream::CVekFileIOStream()
+{
+    vek::CountBirth(vek::LiveClass::FileIOStream);
+}
 
 CVekFileIOStream::~CVekFileIOStream()
 {
+    vek::CountEnd(vek::LiveClass::FileIOStream);
     Close();
 }
 

@@ -2,6 +2,7 @@
 #include "VekLib.h"
 #include "VekRef.h"
 
+#include "base/LiveObjects.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLManager.h"
 #include "xml/XMLParserState.h"
@@ -94,10 +95,14 @@ bool EnsureRootElement(IVekXMLDocument * document)
 
 } // namespace
 
-CVekXMLParser::CVekXMLParser() : m_state(nullptr) {}
+CVekXMLParser::CVekXMLParser() : m_state(nullptr)
+{
+    vek::CountBirth(vek::LiveClass::XMLParser);
+}
 
 CVekXMLParser::~CVekXMLParser()
 {
+    vek::CountEnd(vek::LiveClass::XMLParser);
     delete m_state;
 }
 

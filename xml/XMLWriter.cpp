@@ -5,6 +5,7 @@
 #include "VekRef.h"
 
 #include "base/AsOwn.h"
+#include "base/LiveObjects.h"
 #include "xml/XMLDTDWriter.h"
 
 namespace
@@ -65,7 +66,15 @@ void WriteCDATA(vek::XMLOutput & output, IVekXMLElement const & element)
 
 } // namespace
 
-CVekXMLWriter::CVekXMLWriter() : m_encodingName(L"UTF-8") {}
+CVekXMLWriter::CVekXMLWriter() : m_encodingName(L"UTF-8")
+{
+    vek::CountBirth(vek::LiveClass::XMLWriter);
+}
+
+CVekXMLWriter::~CVekXMLWriter()
+{
+    vek::CountEnd(vek::LiveClass::XMLWriter);
+}
 
 void CVekXMLWriter::SetIndentation(int spaces)
 {

@@ -10,6 +10,9 @@ class CVekXMLWriter final : public CVekRefCounted<IVekXMLWriter>
 {
 public:
     CVekXMLWriter();
+    CVekXMLWriter(CVekXMLWriter const &) = delete;
+    CVekXMLWriter & operator=(CVekXMLWriter const &) = delete;
+    ~CVekXMLWriter() override;
 
     void SetIndentation(int spaces) override;
     int GetIndentation() const override;
