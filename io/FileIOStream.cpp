@@ -5,12 +5,19 @@
 
 #include <limits.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 namespace
 {
 
 constexpr size_t FILE_BUFFER_SIZE = 65536;
+
+// Where the last failure stands beside the flags of Open, of which there are five bits.
+constexpr unsigned int FLAGS_MASK = 0xFF;
+constexpr int OPERATION_SHIFT = 8;
+constexpr unsigned int OPERATION_MASK = 0xFF;
+constexpr int CODE_SHIFT = 16;
 
 // The mode text of the flags; the opening routine refuses what is no mode.
 struct OpenMode
@@ -87,22 +94,24 @@ bool CVekFileIOStream::Open(wchar_t const * name, unsigned int flags, unsigned i
     if (!name)
     {
         VekLogOutput(0, L"CVekFileIOStream::Open --> Filename is NULL");
-        return false;
+        return Fail(VEK_IO_OPERATION_OPEN, false);
     }
     if (!*name)
     {
         VekLogOutput(0, L"CVekFileIOStream::Open --> Filename has no character");
-        return false;
+        return Fail(VEK_IO_OPERATION_OPEN, false);
     }
-    m_flags = flags;
+    m_flags = flags & FLAGS_MASK;
     OpenMode const mode(flags);
     wchar_t nothing[1];
+    _doserrno = 0;
     CVekString<wchar_t> path(name);
     CVekString<wchar_t> fileName(VekGetFileNameFromPathW(name, nothing, 0));
     if (!path.IsEmpty())
         m_file = VekFileOpenW(name, mode.text);
     if (!m_file)
     {
+        Fail(VEK_IO_OPERATION_OPEN, true);
         VekLogOutput(0, L"CVekFileIOStream::Open --> Failed to open file");
         return false;
     }
@@ -121,7 +130,33 @@ void CVekFileIOStream::Close()
 
 bool CVekFileIOStream::Flush()
 {
-    return m_file && IsWritable() && fflush(m_file) == 0 && !ferror(m_file);
+    bool const isOpen = m_file && IsWritable();
+    return (isOpen && fflush(m_file) == 0 && !ferror(m_file)) || Fail(VEK_IO_OPERATION_WRITE, isOpen);
+}
+
+bool CVekFileIOStream::Fail(VEK_IO_OPERATION operation, bool askSystem)
+{
+    unsigned long const code = askSystem ? _doserrno : 0;
+    // Flush meets again what a write has met: the system told the write alone.
+    if (code == 0 && GetError().operation == operation && operation == VEK_IO_OPERATION_WRITE)
+        return false;
+    m_flags = (m_flags & FLAGS_MASK) | static_cast<unsigned int>(operation) << OPERATION_SHIFT |
+              static_cast<unsigned int>(code) << CODE_SHIFT;
+    return false;
+}
+
+VekFileError CVekFileIOStream::GetError() const
+{
+    VekFileError error;
+    error.operation = static_cast<VEK_IO_OPERATION>(m_flags >> OPERATION_SHIFT & OPERATION_MASK);
+    error.systemCode = m_flags >> CODE_SHIFT;
+    return error;
+}
+
+bool CVekFileIOStream::Move(long long offset, int origin)
+{
+    _doserrno = 0;
+    return (m_file && MoveOrStay(m_file, offset, origin)) || Fail(VEK_IO_OPERATION_MOVE, m_file != nullptr);
 }
 
 bool CVekFileIOStream::CheckOpen() const
@@ -145,12 +180,12 @@ int CVekFileIOStream::GetPosition() const
 bool CVekFileIOStream::SetPosition(int position, bool fromEnd)
 {
     long long const offset = position;
-    return m_file && MoveOrStay(m_file, fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
+    return Move(fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
 }
 
 bool CVekFileIOStream::MovePosition(int offset)
 {
-    return m_file && MoveOrStay(m_file, offset, SEEK_CUR);
+    return Move(offset, SEEK_CUR);
 }
 
 bool CVekFileIOStream::IsAtEnd() const
@@ -169,13 +204,15 @@ bool CVekFileIOStream::IsAtEnd() const
 bool CVekFileIOStream::Read(void * data, unsigned int count, bool advance)
 {
     if (!CheckOpen())
-        return false;
+        return Fail(VEK_IO_OPERATION_READ, false);
     if (count == 0)
         return true;
     if (!data || !IsReadable())
-        return false;
+        return Fail(VEK_IO_OPERATION_READ, false);
     long long const before = advance ? 0 : _ftelli64(m_file);
     bool const whole = fread(data, 1, count, m_file) == count;
+    if (!whole)
+        Fail(VEK_IO_OPERATION_READ, ferror(m_file) != 0);
     if (!advance)
         _fseeki64(m_file, before, SEEK_SET);
     return whole;
@@ -186,14 +223,16 @@ bool CVekFileIOStream::Write(void const * data, unsigned int count, bool advance
     if (!m_file)
     {
         VekLogOutput(0, L"CVekFileIOStream::Write --> File is not opened");
-        return false;
+        return Fail(VEK_IO_OPERATION_WRITE, false);
     }
     if (count == 0)
         return true;
     if (!data || !IsWritable())
-        return false;
+        return Fail(VEK_IO_OPERATION_WRITE, false);
     long long const before = advance ? 0 : _ftelli64(m_file);
     bool const whole = fwrite(data, 1, count, m_file) == count;
+    if (!whole)
+        Fail(VEK_IO_OPERATION_WRITE, true);
     if (!advance)
         _fseeki64(m_file, before, SEEK_SET);
     return whole;
@@ -221,6 +260,8 @@ bool CVekFileIOStream::Take(void * value, size_t size, bool advance)
     if (!m_file || !IsReadable())
         return false;
     size_t const count = fread(value, 1, size, m_file);
+    if (count != size)
+        Fail(VEK_IO_OPERATION_READ, ferror(m_file) != 0);
     if (!advance && count != 0)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
     return count == size;
@@ -231,6 +272,8 @@ void CVekFileIOStream::Give(void const * value, size_t size, bool advance)
     if (!m_file || !IsWritable())
         return;
     size_t const count = fwrite(value, 1, size, m_file);
+    if (count != size)
+        Fail(VEK_IO_OPERATION_WRITE, true);
     if (!advance)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
 }
