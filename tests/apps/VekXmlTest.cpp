@@ -201,6 +201,31 @@ TEST(VekXml, NotesTellWhatWasLost)
     EXPECT_EQ(CountFiles(folder), 2) << "something was left beside the files";
 }
 
+TEST(VekXml, DashStandsForStandardInputAndOutput)
+{
+    std::string const text = "<a b='1&#10;'><c/>";
+    std::tuple<std::vector<std::wstring>, std::string, int, char const *> const rows[] = {
+        {{L"xml", L"get", L"-", L"/", L"b"}, text + "</a>", 0, "1\n\n"},
+        {{L"xml", L"tree", L"-"}, text + "</a>", 0, "a b=\"1&lt;EOL&gt;\"\n  c\n"},
+        {{L"xml", L"info", L"-"}, text + "</a>", 0, "<standard input>\n  root element      a\n"},
+        {{L"xml", L"set", L"-", L"c", L"d", L"2"}, text + "</a>", 0, "\r\n   <c d=\"2\"/>\r\n</a>\r\n"},
+        {{L"xml", L"format", L"-", L"-"}, text + "</a>", 0, "<a b=\"1&#10;\">\r\n   <c/>"},
+        {{L"xml", L"format", L"-", L"-"}, text + "</b>", 1, "<standard input>:1:21: mismatched tag\n"},
+        {{L"xml", L"get", L"-", L"x", L"b"}, text + "</a>", 1, "vek: <standard input>: no element \"x\"\n"},
+        {{L"data", L"dump", L"-"}, std::string("\1\0\0\0\0\0\0\0\1\0\0\0\1", 13), 0, "bool      = true\n"},
+        {{L"data", L"dump", L"-"}, std::string("\1\0\0\0\0\0\0\0\1\0\0\0", 12), 1, "entry 1, at byte 12, ends early\n"},
+        {{L"data", L"unpack", L"-", L"-"}, std::string(4, '\0'), 0, "<TypedData"},
+    };
+    MakeFolder();
+    for (auto const & [arguments, input, code, said] : rows)
+    {
+        Outcome const outcome = Vek(arguments, input);
+        EXPECT_EQ(outcome.code, code) << outcome.err;
+        EXPECT_THAT(code ? outcome.err : outcome.out, HasSubstr(said));
+        EXPECT_EQ(code ? outcome.out : outcome.err, "");
+    }
+}
+
 TEST(VekXml, HelpAndVersion)
 {
     std::tuple<std::vector<std::wstring>, char const *> const rows[] = {
