@@ -181,7 +181,7 @@ public:
     bool ReadBuffer(wchar_t const * name, unsigned char * destination, int size) const;
 
 private:
-    bool ReadEntries(vek::TypedDataSource & source, int & entry);
+    bool ReadEntries(vek::TypedDataSource & source);
     bool ReadEntry(vek::TypedDataSource & source);
     CVekTypedDataEntry * NewEntry(vek::TypedDataSource & source, int nameLength);
     CVekTypedDataEntry const * FindTyped(wchar_t const * name, VEK_DATATYPE type) const;

@@ -393,8 +393,6 @@ private:
     template <class Char>
     bool ScanText(Char const * format, va_list arguments);
     bool CheckOpen() const;
-    bool Fail(VEK_IO_OPERATION operation, bool askSystem);
-    bool Move(long long offset, int origin);
 
     struct _iobuf * m_file = nullptr;
     unsigned int m_flags = 0; // those of Open in the low byte, the last failure above

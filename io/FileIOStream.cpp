@@ -75,6 +75,32 @@ Result Clip(long long position, Result limit)
     return position > static_cast<long long>(limit) ? limit : static_cast<Result>(position);
 }
 
+VekFileError ErrorOf(unsigned int flags)
+{
+    VekFileError error;
+    error.operation = static_cast<VEK_IO_OPERATION>(flags >> OPERATION_SHIFT & OPERATION_MASK);
+    error.systemCode = flags >> CODE_SHIFT;
+    return error;
+}
+
+// Keeps a failure beside the flags; always false.
+bool Fail(unsigned int & flags, VEK_IO_OPERATION operation, bool askSystem)
+{
+    unsigned long const code = askSystem ? _doserrno : 0;
+    // Flush meets again what a write has met: the system told the write alone.
+    if (code == 0 && ErrorOf(flags).operation == operation && operation == VEK_IO_OPERATION_WRITE)
+        return false;
+    flags = (flags & FLAGS_MASK) | static_cast<unsigned int>(operation) << OPERATION_SHIFT |
+            static_cast<unsigned int>(code) << CODE_SHIFT;
+    return false;
+}
+
+bool Move(FILE * file, unsigned int & flags, long long offset, int origin)
+{
+    _doserrno = 0;
+    return (file && MoveOrStay(file, offset, origin)) || Fail(flags, VEK_IO_OPERATION_MOVE, file != nullptr);
+}
+
 } // namespace
 
 CVekFileIOStream::CVekFileIOStream()
@@ -94,12 +120,12 @@ bool CVekFileIOStream::Open(wchar_t const * name, unsigned int flags, unsigned i
     if (!name)
     {
         VekLogOutput(0, L"CVekFileIOStream::Open --> Filename is NULL");
-        return Fail(VEK_IO_OPERATION_OPEN, false);
+        return Fail(m_flags, VEK_IO_OPERATION_OPEN, false);
     }
     if (!*name)
     {
         VekLogOutput(0, L"CVekFileIOStream::Open --> Filename has no character");
-        return Fail(VEK_IO_OPERATION_OPEN, false);
+        return Fail(m_flags, VEK_IO_OPERATION_OPEN, false);
     }
     m_flags = flags & FLAGS_MASK;
     OpenMode const mode(flags);
@@ -111,7 +137,7 @@ bool CVekFileIOStream::Open(wchar_t const * name, unsigned int flags, unsigned i
         m_file = VekFileOpenW(name, mode.text);
     if (!m_file)
     {
-        Fail(VEK_IO_OPERATION_OPEN, true);
+        Fail(m_flags, VEK_IO_OPERATION_OPEN, true);
         VekLogOutput(0, L"CVekFileIOStream::Open --> Failed to open file");
         return false;
     }
@@ -131,32 +157,12 @@ void CVekFileIOStream::Close()
 bool CVekFileIOStream::Flush()
 {
     bool const isOpen = m_file && IsWritable();
-    return (isOpen && fflush(m_file) == 0 && !ferror(m_file)) || Fail(VEK_IO_OPERATION_WRITE, isOpen);
-}
-
-bool CVekFileIOStream::Fail(VEK_IO_OPERATION operation, bool askSystem)
-{
-    unsigned long const code = askSystem ? _doserrno : 0;
-    // Flush meets again what a write has met: the system told the write alone.
-    if (code == 0 && GetError().operation == operation && operation == VEK_IO_OPERATION_WRITE)
-        return false;
-    m_flags = (m_flags & FLAGS_MASK) | static_cast<unsigned int>(operation) << OPERATION_SHIFT |
-              static_cast<unsigned int>(code) << CODE_SHIFT;
-    return false;
+    return (isOpen && fflush(m_file) == 0 && !ferror(m_file)) || Fail(m_flags, VEK_IO_OPERATION_WRITE, isOpen);
 }
 
 VekFileError CVekFileIOStream::GetError() const
 {
-    VekFileError error;
-    error.operation = static_cast<VEK_IO_OPERATION>(m_flags >> OPERATION_SHIFT & OPERATION_MASK);
-    error.systemCode = m_flags >> CODE_SHIFT;
-    return error;
-}
-
-bool CVekFileIOStream::Move(long long offset, int origin)
-{
-    _doserrno = 0;
-    return (m_file && MoveOrStay(m_file, offset, origin)) || Fail(VEK_IO_OPERATION_MOVE, m_file != nullptr);
+    return ErrorOf(m_flags);
 }
 
 bool CVekFileIOStream::CheckOpen() const
@@ -180,12 +186,12 @@ int CVekFileIOStream::GetPosition() const
 bool CVekFileIOStream::SetPosition(int position, bool fromEnd)
 {
     long long const offset = position;
-    return Move(fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
+    return Move(m_file, m_flags, fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
 }
 
 bool CVekFileIOStream::MovePosition(int offset)
 {
-    return Move(offset, SEEK_CUR);
+    return Move(m_file, m_flags, offset, SEEK_CUR);
 }
 
 bool CVekFileIOStream::IsAtEnd() const
@@ -204,15 +210,15 @@ bool CVekFileIOStream::IsAtEnd() const
 bool CVekFileIOStream::Read(void * data, unsigned int count, bool advance)
 {
     if (!CheckOpen())
-        return Fail(VEK_IO_OPERATION_READ, false);
+        return Fail(m_flags, VEK_IO_OPERATION_READ, false);
     if (count == 0)
         return true;
     if (!data || !IsReadable())
-        return Fail(VEK_IO_OPERATION_READ, false);
+        return Fail(m_flags, VEK_IO_OPERATION_READ, false);
     long long const before = advance ? 0 : _ftelli64(m_file);
     bool const whole = fread(data, 1, count, m_file) == count;
     if (!whole)
-        Fail(VEK_IO_OPERATION_READ, ferror(m_file) != 0);
+        Fail(m_flags, VEK_IO_OPERATION_READ, ferror(m_file) != 0);
     if (!advance)
         _fseeki64(m_file, before, SEEK_SET);
     return whole;
@@ -223,16 +229,16 @@ bool CVekFileIOStream::Write(void const * data, unsigned int count, bool advance
     if (!m_file)
     {
         VekLogOutput(0, L"CVekFileIOStream::Write --> File is not opened");
-        return Fail(VEK_IO_OPERATION_WRITE, false);
+        return Fail(m_flags, VEK_IO_OPERATION_WRITE, false);
     }
     if (count == 0)
         return true;
     if (!data || !IsWritable())
-        return Fail(VEK_IO_OPERATION_WRITE, false);
+        return Fail(m_flags, VEK_IO_OPERATION_WRITE, false);
     long long const before = advance ? 0 : _ftelli64(m_file);
     bool const whole = fwrite(data, 1, count, m_file) == count;
     if (!whole)
-        Fail(VEK_IO_OPERATION_WRITE, true);
+        Fail(m_flags, VEK_IO_OPERATION_WRITE, true);
     if (!advance)
         _fseeki64(m_file, before, SEEK_SET);
     return whole;
@@ -261,7 +267,7 @@ bool CVekFileIOStream::Take(void * value, size_t size, bool advance)
         return false;
     size_t const count = fread(value, 1, size, m_file);
     if (count != size)
-        Fail(VEK_IO_OPERATION_READ, ferror(m_file) != 0);
+        Fail(m_flags, VEK_IO_OPERATION_READ, ferror(m_file) != 0);
     if (!advance && count != 0)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
     return count == size;
@@ -273,7 +279,7 @@ void CVekFileIOStream::Give(void const * value, size_t size, bool advance)
         return;
     size_t const count = fwrite(value, 1, size, m_file);
     if (count != size)
-        Fail(VEK_IO_OPERATION_WRITE, true);
+        Fail(m_flags, VEK_IO_OPERATION_WRITE, true);
     if (!advance)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
 }

@@ -68,7 +68,8 @@ bool CVekTypedDataReader::Read(IVekIOStream * stream, VekDataError & error)
         return false;
     {
         vek::TypedDataSource source(*stream);
-        bool const isRead = ReadEntries(source, error.entry);
+        bool const isRead = ReadEntries(source);
+        error.entry = source.GetEntry();
         VEK_DATA_ERROR const fault = source.GetFault();
         error.code = isRead ? VEK_DATA_ERROR_NONE : fault ? fault : VEK_DATA_ERROR_MEMORY;
     }
@@ -79,7 +80,7 @@ bool CVekTypedDataReader::Read(IVekIOStream * stream, VekDataError & error)
     return error.code == VEK_DATA_ERROR_NONE;
 }
 
-bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source, int & entry)
+bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source)
 {
     constexpr size_t SMALLEST_ENTRY = 8;
     constexpr int UNPROVEN = 4096; // entries of a stream that can't tell whether it holds them
@@ -96,8 +97,9 @@ bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source, int & entry
     int const room = source.KnowsSize() || count < UNPROVEN ? count : UNPROVEN;
     if (!m_entries.Reserve(m_entries.GetCount() + room))
         return false;
-    for (entry = 0; entry < count; ++entry)
+    for (int i = 0; i < count; ++i)
     {
+        source.BeginEntry(i);
         if (!ReadEntry(source))
             return false;
     }

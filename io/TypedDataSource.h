@@ -70,6 +70,9 @@ public:
         m_fault = fault;
         return false;
     }
+    /// The index of the entry that is read; -1 before the first.
+    void BeginEntry(int index) noexcept { m_entry = index; }
+    int GetEntry() const noexcept { return m_entry; }
     VEK_DATA_ERROR GetFault() const noexcept { return m_fault; }
 
 private:
@@ -116,6 +119,7 @@ private:
 
     IVekIOStream & m_stream;
     Kind m_kind = Kind::OfKnownSize;
+    int m_entry = -1;
     VEK_DATA_ERROR m_fault = VEK_DATA_ERROR_NONE;
     bool m_reversed;
     unsigned char const * m_begin = nullptr; // where the stream stands in memory
