@@ -16,8 +16,9 @@ constexpr char const * ABOUT_LANGUAGES =
     R"help(A list has the line and the column (from 1), the kind and the text of each token. The file is UTF-8, or UTF-16 with a
 byte order mark.
 
-Languages are c (files .c .h .cpp ...), glsl (.glsl .vert .frag ...) and obj (.obj .mtl); without --lang the file's name decides, and
-c is taken for any other. A language of your own is an XML file like this, its lists separated by blanks:
+Languages are c (files .c .h .cpp ...), glsl (.glsl .vert .frag ...) and obj (.obj .mtl); without --lang the file's
+name decides, and c is taken for any other. A language of your own is an XML file like this, its lists separated by
+blanks:
 
   <language name="basic" files="bas" escape="\">
      <keywords kind="keyword" case="FALSE" text="if then else"/>
@@ -27,9 +28,9 @@ c is taken for any other. A language of your own is an XML file like this, its l
   </language>
 
 Numbers may have exponents, suffixes and the prefixes 0x and 0b. Minus signs are operators if the language has any that
-begin so; signed="TRUE" leaves them to the numbers behind them all the same, and quote="'" opens texts as a double quote
-does. "kind" is what the list calls such keywords, case="FALSE" finds them in any case, a comment without "end" reaches to the
-end of its line, and "escape" is the character that takes its meaning from a quote in a string.)help";
+begin so; signed="TRUE" leaves them to the numbers behind them all the same, and quote="'" opens texts as a
+double quote does. "kind" is what the list calls such keywords, case="FALSE" finds them in any case, a comment without
+"end" reaches to the end of its line, and "escape" is the character that takes its meaning from a quote in a string.)help";
 
 void Add(Command & program)
 {
