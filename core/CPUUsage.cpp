@@ -1,5 +1,7 @@
 #include "VekCore.h"
 
+#include "base/LiveObjects.h"
+
 #include <windows.h>
 
 namespace
@@ -12,9 +14,15 @@ unsigned long long TimeOf(FILETIME const & time)
 
 } // namespace
 
-CVekCPUUsage::CVekCPUUsage() = default;
+CVekCPUUsage::CVekCPUUsage()
+{
+    vek::CountBirth(vek::LiveClass::CPUUsage);
+}
 
-CVekCPUUsage::~CVekCPUUsage() = default;
+CVekCPUUsage::~CVekCPUUsage()
+{
+    vek::CountEnd(vek::LiveClass::CPUUsage);
+}
 
 void CVekCPUUsage::Update(double now)
 {

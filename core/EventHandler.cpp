@@ -1,5 +1,7 @@
 #include "VekLib.h"
 
+#include "base/LiveObjects.h"
+
 #include <guiddef.h>
 
 #include <string.h>
@@ -16,11 +18,15 @@ CVekEventData::~CVekEventData() = default;
 
 CVekEventHandler::CVekEventHandler() : m_container(nullptr)
 {
+    vek::CountBirth(vek::LiveClass::EventHandler);
     static_assert(sizeof m_event == sizeof(GUID) && alignof(GUID) <= 4);
     memcpy(m_event, &NOT_SUBSCRIBED, sizeof m_event);
 }
 
-CVekEventHandler::~CVekEventHandler() = default;
+CVekEventHandler::~CVekEventHandler()
+{
+    vek::CountEnd(vek::LiveClass::EventHandler);
+}
 
 GUID const & CVekEventHandler::GetEvent() const
 {

@@ -1,6 +1,7 @@
 #include "VekCore.h"
 #include "VekRef.h"
 
+#include "base/LiveObjects.h"
 #include "core/ProcessState.h"
 
 namespace
@@ -15,10 +16,14 @@ public:
 
 } // namespace
 
-CVekEventHandlerContainer::CVekEventHandlerContainer() = default;
+CVekEventHandlerContainer::CVekEventHandlerContainer()
+{
+    vek::CountBirth(vek::LiveClass::EventHandlerContainer);
+}
 
 CVekEventHandlerContainer::~CVekEventHandlerContainer()
 {
+    vek::CountEnd(vek::LiveClass::EventHandlerContainer);
     EventLock const lock;
     RemoveEach();
     m_handlers.Free();

@@ -1,5 +1,6 @@
 #include "core/Kernel.h"
 
+#include "base/LiveObjects.h"
 #include "core/EventMap.h"
 #include "core/LogDispatch.h"
 #include "core/ProcessState.h"
@@ -38,6 +39,7 @@ struct CVekKernel::CatcherWalk
 {
     vek::PointerList<IVekCatchLogOutput>::Node const * next;
     CatcherWalk * outer;
+    VEK_LOG_CATEGORY category;
 };
 
 CVekKernel::CVekKernel() = default;
@@ -112,11 +114,13 @@ bool CVekKernel::InitXMLManager()
 
 void CVekKernel::LogBanner()
 {
-    VekLogOutput(0, L"\n\nVekLib Initialized\n");
+    VekLogOutputAs(VEK_LOG_BANNER, 0, L"\n\nVekLib Initialized\n");
     // Kept: the counter's frequency under the name of a processor clock.
-    VekLogOutput(0, L"   --> CPU speed                   %.4g Mhz", GetCPUSpeed());
-    VekLogOutput(0, L"   --> Total memory in system      %d MB", LowMegabytes(GetTotalPhysicalMemory()));
-    VekLogOutput(0, L"   --> Currently available memory  %d MB\n\n", LowMegabytes(GetAvailablePhysicalMemory()));
+    VekLogOutputAs(VEK_LOG_BANNER, 0, L"   --> CPU speed                   %.4g Mhz", GetCPUSpeed());
+    VekLogOutputAs(VEK_LOG_BANNER, 0, L"   --> Total memory in system      %d MB",
+                   LowMegabytes(GetTotalPhysicalMemory()));
+    VekLogOutputAs(VEK_LOG_BANNER, 0, L"   --> Currently available memory  %d MB\n\n",
+                   LowMegabytes(GetAvailablePhysicalMemory()));
 }
 
 void CVekKernel::Deinit()
@@ -125,9 +129,22 @@ void CVekKernel::Deinit()
         return;
     m_xmlManager.Reset(nullptr);
     ReleaseEventMap();
+    LogLiveObjects();
     ReleaseCatchers();
     CoUninitialize();
-    VekLogOutput(0, L"\n\nVekLib Uninitialized\n");
+    VekLogOutputAs(VEK_LOG_BANNER, 0, L"\n\nVekLib Uninitialized\n");
+}
+
+void CVekKernel::LogLiveObjects()
+{
+    if (!vek::g_countsObjects.load(std::memory_order_relaxed))
+        return;
+    for (unsigned int i = 0; i < static_cast<unsigned int>(vek::LiveClass::COUNT); ++i)
+    {
+        auto const which = static_cast<vek::LiveClass>(i);
+        if (int const count = vek::CountLive(which); count > 0)
+            VekLogOutputAs(VEK_LOG_NOTE, 0, L"CVekKernel::Deinit --> Still alive: %d of %s", count, vek::NameOf(which));
+    }
 }
 
 void CVekKernel::ReleaseCatchers()
@@ -141,10 +158,10 @@ void CVekKernel::ReleaseCatchers()
         m_catchers.TakeFirst()->Release();
 }
 
-void CVekKernel::DispatchLogOutput(int level, wchar_t const * text)
+void CVekKernel::DispatchLogOutput(VEK_LOG_CATEGORY category, int level, wchar_t const * text)
 {
     CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
-    CatcherWalk walk{m_catchers.First(), m_catcherWalks};
+    CatcherWalk walk{m_catchers.First(), m_catcherWalks, category};
     m_catcherWalks = &walk;
     while (walk.next)
     {
@@ -153,6 +170,13 @@ void CVekKernel::DispatchLogOutput(int level, wchar_t const * text)
         catcher->OnLogOutput(level, text);
     }
     m_catcherWalks = walk.outer;
+}
+
+VEK_LOG_CATEGORY CVekKernel::GetLogCategory() const
+{
+    // Only the thread that is inside a walk gets in here while there is one.
+    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    return m_catcherWalks ? m_catcherWalks->category : VEK_LOG_NONE;
 }
 
 void CVekKernel::RemoveEntries(IVekCatchLogOutput const * catcher)
@@ -231,9 +255,14 @@ IVekXMLManager * CVekKernel::GetXMLManager()
     return m_xmlManager.Get();
 }
 
-void vek::DispatchToCatchers(int level, wchar_t const * text)
+void vek::DispatchToCatchers(VEK_LOG_CATEGORY category, int level, wchar_t const * text)
 {
-    CVekKernel::Get().DispatchLogOutput(level, text);
+    CVekKernel::Get().DispatchLogOutput(category, level, text);
+}
+
+VEK_LOG_CATEGORY VekGetLogCategory()
+{
+    return CVekKernel::Get().GetLogCategory();
 }
 
 bool VekLibInit()

@@ -31,7 +31,9 @@ public:
     bool Init();
     void Deinit();
     /// Calls every catcher, under the catcher lock.
-    void DispatchLogOutput(int level, wchar_t const * text);
+    void DispatchLogOutput(VEK_LOG_CATEGORY category, int level, wchar_t const * text);
+    /// The category of the message that the calling thread hands to catchers.
+    VEK_LOG_CATEGORY GetLogCategory() const;
 
     unsigned int Release() override;
     IVekThread * CreateThread(wchar_t const * name, IVekThread::TickCallback * callback, bool createFlag,
@@ -74,6 +76,7 @@ private:
     bool InitEventMap();
     bool InitXMLManager();
     void LogBanner();
+    static void LogLiveObjects();
     void ReleaseCatchers();
     /// Takes every entry of the catcher out, from under the walks that are under way too.
     void RemoveEntries(IVekCatchLogOutput const * catcher);

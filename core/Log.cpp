@@ -33,20 +33,39 @@ void FormatLine(wchar_t (&buffer)[BUFFER_SIZE], wchar_t const * format, va_list 
     buffer[end + 1] = L'\0';
 }
 
+bool IsShown(int level)
+{
+    return vek::g_debugOutputLevel.load(std::memory_order_relaxed) >= level;
+}
+
+void Send(VEK_LOG_CATEGORY category, int level, wchar_t const * format, va_list arguments)
+{
+    wchar_t text[BUFFER_SIZE];
+    FormatLine(text, format, arguments);
+    OutputDebugStringW(text);
+    vek::DispatchToCatchers(category, level, text);
+}
+
 } // namespace
 
 void VekLogOutput(int level, wchar_t const * format, ...)
 {
-    if (vek::g_debugOutputLevel.load(std::memory_order_relaxed) < level)
+    if (!IsShown(level))
         return;
-    wchar_t text[BUFFER_SIZE];
     va_list arguments;
     va_start(arguments, format);
-    FormatLine(text, format, arguments);
+    Send(VEK_LOG_FAILURE, level, format, arguments);
     va_end(arguments);
+}
 
-    OutputDebugStringW(text);
-    vek::DispatchToCatchers(level, text);
+void VekLogOutputAs(VEK_LOG_CATEGORY category, int level, wchar_t const * format, ...)
+{
+    if (!IsShown(level))
+        return;
+    va_list arguments;
+    va_start(arguments, format);
+    Send(category, level, format, arguments);
+    va_end(arguments);
 }
 
 void VekWindowsError()

@@ -1,6 +1,8 @@
 #include "VekCore.h"
+
 #include "VekRef.h"
 #include "VekText.h"
+#include "base/LiveObjects.h"
 
 #include <new>
 
@@ -26,11 +28,13 @@ struct CVekProgressController::Task
 CVekProgressController::CVekProgressController()
     : m_callback(nullptr), m_completed(false), m_cancelled(false), m_finishedShare(0.0), m_param(0), m_lostTasks(0)
 {
+    vek::CountBirth(vek::LiveClass::ProgressController);
     m_tasks.SetGrowthStep(CVekPointerArrayBase::GROW_DOUBLING);
 }
 
 CVekProgressController::~CVekProgressController()
 {
+    vek::CountEnd(vek::LiveClass::ProgressController);
     while (m_tasks.GetCount() > 0)
         RemoveTask(m_tasks.GetCount() - 1);
     m_tasks.Free();

@@ -1,15 +1,21 @@
 #include "VekCore.h"
 
+#include "base/LiveObjects.h"
+
 #include <stdlib.h>
 #include <time.h>
 
 CVekRandomizer::CVekRandomizer()
 {
+    vek::CountBirth(vek::LiveClass::Randomizer);
     // Kept: every new randomizer seeds the runtime's one sequence again.
     srand(static_cast<unsigned int>(_time64(nullptr)));
 }
 
-CVekRandomizer::~CVekRandomizer() = default;
+CVekRandomizer::~CVekRandomizer()
+{
+    vek::CountEnd(vek::LiveClass::Randomizer);
+}
 
 float CVekRandomizer::GetRandomValue(float low, float high)
 {

@@ -1,10 +1,18 @@
 #include "VekLib.h"
 
+#include "base/LiveObjects.h"
+
 #include <windows.h>
 
-CVekTimer::CVekTimer() = default;
+CVekTimer::CVekTimer()
+{
+    vek::CountBirth(vek::LiveClass::Timer);
+}
 
-CVekTimer::~CVekTimer() = default;
+CVekTimer::~CVekTimer()
+{
+    vek::CountEnd(vek::LiveClass::Timer);
+}
 
 bool CVekTimer::Start()
 {

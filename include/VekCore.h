@@ -179,18 +179,35 @@ class IVekCatchLogOutput : public IVekObject
 {
 public:
     /// Called for each message that passes the debug output level, one at a time in the whole process. The text ends in
-    /// a newline and is valid only during the call. It must not add or remove catchers. The kernel takes no further
-    /// reference for the call. An exception that leaves it ends the process.
+    /// a newline and is valid only during the call. It must not add or remove catchers. VekGetLogCategory tells a
+    /// failure from a banner or a note. The kernel takes no further reference for the call. An exception that leaves it
+    /// ends the process.
     virtual void OnLogOutput(int level, wchar_t const * text) = 0;
 
 protected:
     ~IVekCatchLogOutput() = default;
 };
 
+/// What a message tells of.
+enum VEK_LOG_CATEGORY : unsigned int
+{
+    VEK_LOG_NONE = 0,    ///< No catcher is being called.
+    VEK_LOG_FAILURE = 1, ///< Something was refused or went wrong: all that VekLogOutput sends.
+    VEK_LOG_NOTE = 2,    ///< Worth knowing, nothing failed.
+    VEK_LOG_BANNER = 3   ///< The lines with which the library starts and ends.
+};
+
 /// Formats a message (wide printf rules: "%s" is wide text), appends a newline and sends it to the debugger and to
 /// every registered catcher, in the order of registration. Messages above the debug output level cost nothing. A text
 /// longer than 4,094 characters is cut there.
 VEK_API void VekLogOutput(int level, wchar_t const * format, ...);
+
+/// As VekLogOutput, under another category than VEK_LOG_FAILURE.
+VEK_API void VekLogOutputAs(VEK_LOG_CATEGORY category, int level, wchar_t const * format, ...);
+
+/// For catchers: the category of the message that OnLogOutput has been called with. VEK_LOG_NONE outside of such a
+/// call, or on another thread than the one that logs.
+VEK_API VEK_LOG_CATEGORY VekGetLogCategory();
 
 /// Sends the system's text for the calling thread's last error to the debugger; nothing when there is no text.
 VEK_API void VekWindowsError();
@@ -323,6 +340,15 @@ private:
     T * m_tail = nullptr;
     unsigned int m_count = 0;
 };
+
+// --- lost references -------------------------------------------------------------------------------------------------
+
+/// Counts the library's objects by class from now on, or no more, so that the last VekLibDeinit can list those that are
+/// still alive: a note for each class that has any, while the catchers are still there. Call it before anything else;
+/// objects that were made earlier make the numbers wrong when they end. The environment variable VEKLIB_LEAKS=1 does
+/// the same for a program that doesn't. The parts of an object are not listed, but for elements; a derived class counts
+/// as the library's that it is derived from.
+VEK_API void VekReportLiveObjects(bool on);
 
 // --- tracked memory --------------------------------------------------------------------------------------------------
 

@@ -99,6 +99,26 @@ private:
     CVekPointerArray<CVekTypedDataEntry> m_entries;
 };
 
+/// Why typed data could not be read.
+enum VEK_DATA_ERROR : unsigned int
+{
+    VEK_DATA_ERROR_NONE = 0,
+    VEK_DATA_ERROR_NO_STREAM = 1, ///< The stream is null.
+    VEK_DATA_ERROR_ENDS_EARLY = 2,
+    VEK_DATA_ERROR_LENGTH = 3, ///< A count or length that is negative, or more than the stream still holds.
+    VEK_DATA_ERROR_MEMORY = 4
+};
+
+/// What CVekTypedDataReader::Read tells.
+struct VekDataError
+{
+    VEK_DATA_ERROR code = VEK_DATA_ERROR_NONE;
+    /// The entry that could not be read, from 0 and among those of this call; -1 for their number.
+    int entry = -1;
+    /// The stream's position behind what could be read.
+    unsigned int offset = 0;
+};
+
 /// Loads what a CVekTypedDataWriter wrote and finds the values by name, without regard to the case of ASCII letters;
 /// the first entry of a name wins. Looking entries up is safe from several threads at once, as long as none of them
 /// calls Read or Clear.
@@ -118,6 +138,8 @@ public:
     /// whose size is 0 or 0xFFFFFFFF counts as one of unknown size: all is read with the block read, which tells the
     /// end.
     bool Read(IVekIOStream * stream);
+    /// The same, and tells what was wrong.
+    bool Read(IVekIOStream * stream, VekDataError & error);
     /// Deletes the entries.
     void Clear();
 

@@ -337,6 +337,25 @@ private:
     VEK_BYTEORDER m_streamByteOrder = VEK_BYTEORDER_BIG;
 };
 
+/// What a file stream was doing when it failed.
+enum VEK_IO_OPERATION : unsigned int
+{
+    VEK_IO_OPERATION_NONE = 0, ///< Nothing has failed since the last Open.
+    VEK_IO_OPERATION_OPEN = 1,
+    VEK_IO_OPERATION_READ = 2,
+    VEK_IO_OPERATION_WRITE = 3, ///< Flush too: it is then that most writes reach the system.
+    VEK_IO_OPERATION_MOVE = 4
+};
+
+/// What CVekFileIOStream::GetError tells.
+struct VekFileError
+{
+    VEK_IO_OPERATION operation = VEK_IO_OPERATION_NONE;
+    /// The system's number, as GetLastError gives it; 0 when the system had nothing against it: the file's end, a place
+    /// before its start, a stream that is not open, or not for that.
+    unsigned int systemCode = 0;
+};
+
 /// A stream over a file that is opened for reading or for writing, not both.
 class VEK_API CVekFileIOStream final : public CVekTypedIOStream<CVekFileIOStream, IVekFileIOStream>
 {
@@ -367,6 +386,9 @@ public:
     /// Hands what is still buffered to the system; false when anything written since Open was lost, or nothing is open.
     /// Close can't tell, so that a writer who must know asks here first.
     bool Flush();
+    /// The last failure since the last Open, that Open included; operations that succeed don't take it away. The
+    /// formatted operations are not told of, their writes by Flush.
+    VekFileError GetError() const;
 
 private:
     friend class CVekTypedIOStream<CVekFileIOStream, IVekFileIOStream>;
@@ -382,7 +404,7 @@ private:
     bool CheckOpen() const;
 
     struct _iobuf * m_file = nullptr;
-    unsigned int m_flags = 0;
+    unsigned int m_flags = 0; // those of Open in the low byte, the last failure above
     VEK_BYTEORDER m_systemByteOrder = VEK_BYTEORDER_BIG;
     VEK_BYTEORDER m_streamByteOrder = VEK_BYTEORDER_BIG;
     CVekString<wchar_t> m_path;

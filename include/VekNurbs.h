@@ -6,6 +6,31 @@
 #include "VekExport.h"
 #include "VekMath.h"
 
+/// Which rule of CVekNurbsCurve::Create its input breaks.
+enum VEK_NURBS_ERROR : unsigned int
+{
+    VEK_NURBS_ERROR_NONE = 0,
+    VEK_NURBS_ERROR_DEGREE = 1,         ///< Not 1 to MAX_DEGREE.
+    VEK_NURBS_ERROR_NO_POINTS = 2,      ///< Null.
+    VEK_NURBS_ERROR_POINT_COUNT = 3,    ///< Not degree + 1 to MAX_POINTS.
+    VEK_NURBS_ERROR_NO_KNOTS = 4,       ///< Null, but not 0 of them.
+    VEK_NURBS_ERROR_KNOT_COUNT = 5,     ///< Not points + degree + 1.
+    VEK_NURBS_ERROR_WEIGHT = 6,         ///< Not a positive normal number.
+    VEK_NURBS_ERROR_POINT = 7,          ///< Not finite, or not when multiplied by its weight.
+    VEK_NURBS_ERROR_KNOT = 8,           ///< Not finite, or too large.
+    VEK_NURBS_ERROR_KNOT_ORDER = 9,     ///< Less than the one before.
+    VEK_NURBS_ERROR_KNOT_REPEATED = 10, ///< Occurs too often.
+    VEK_NURBS_ERROR_DOMAIN = 11         ///< knot[degree] is knot[number of control points].
+};
+
+/// What CVekNurbsCurve::Check tells.
+struct VekNurbsError
+{
+    VEK_NURBS_ERROR code = VEK_NURBS_ERROR_NONE;
+    /// The first point, weight or knot that breaks the rule, where one does.
+    unsigned int index = 0;
+};
+
 /// A NURBS curve in space, a value: copies own their data. It is made of control points with positive weights and of
 /// knots that don't decrease, as many as control points + degree + 1. The domain, over which its parameter runs, is
 /// knot[degree] to knot[number of control points]; a knot within it occurs at most degree times, so that the curve has
@@ -57,6 +82,10 @@ public:
     /// times.
     VEK_API bool Create(unsigned int degree, CVekVector3D<T> const * points, T const * weights, unsigned int pointCount,
                         T const * knots = nullptr, unsigned int knotCount = 0) noexcept;
+    /// What Create would refuse of these arguments; nothing is made and no message sent.
+    VEK_API static VekNurbsError Check(unsigned int degree, CVekVector3D<T> const * points, T const * weights,
+                                       unsigned int pointCount, T const * knots = nullptr,
+                                       unsigned int knotCount = 0) noexcept;
     /// Makes a straight line from the parameter 0 to 1.
     VEK_API bool CreateLine(CVekVector3D<T> const & from, CVekVector3D<T> const & to) noexcept;
     /// Makes the Bezier curve of 2 to 33 points, from 0 to 1. The weights may be null.

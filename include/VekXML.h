@@ -534,6 +534,41 @@ struct VEK_XML_POSITION
     unsigned int column;
 };
 
+/// What was wrong with a document, or why it could not be read.
+enum VEK_XML_ERROR : unsigned int
+{
+    VEK_XML_ERROR_NONE = 0,
+    VEK_XML_ERROR_NOT_STARTED = 1,       ///< No parse yet, or no memory to begin one.
+    VEK_XML_ERROR_NO_DOCUMENT = 2,       ///< The document is null, or its root of a foreign implementation.
+    VEK_XML_ERROR_FILE = 3,              ///< The file can't be opened or read; systemCode tells why.
+    VEK_XML_ERROR_TOO_LONG = 4,          ///< 2 GB or more, or a null text.
+    VEK_XML_ERROR_MEMORY = 5,            ///< Memory is exhausted.
+    VEK_XML_ERROR_EMPTY = 6,             ///< The text ends before its first element begins.
+    VEK_XML_ERROR_ENDS_EARLY = 7,        ///< The text ends before its outermost element does.
+    VEK_XML_ERROR_SYNTAX = 8,            ///< Not well-formed, in another way than those that follow.
+    VEK_XML_ERROR_TOKEN = 9,             ///< Characters that have no place where they stand.
+    VEK_XML_ERROR_TAG_MISMATCH = 10,     ///< An end tag that is not that of the open element.
+    VEK_XML_ERROR_ATTRIBUTE_TWICE = 11,  ///< An element with two attributes of one name.
+    VEK_XML_ERROR_BEHIND_ROOT = 12,      ///< Something behind the outermost element.
+    VEK_XML_ERROR_UNKNOWN_ENTITY = 13,   ///< A reference to an entity that is not declared.
+    VEK_XML_ERROR_ENTITY = 14,           ///< An entity that may not be used so: recursive, external, binary.
+    VEK_XML_ERROR_CHARACTER_NUMBER = 15, ///< A reference to a character that XML has no place for.
+    VEK_XML_ERROR_ENCODING = 16,         ///< An encoding that is not known, or not the one that is declared.
+    VEK_XML_ERROR_LIMIT = 17             ///< Entities that expand beyond all measure.
+};
+
+/// What CVekXMLParser::GetError tells.
+struct VekXMLError
+{
+    VEK_XML_ERROR code = VEK_XML_ERROR_NONE;
+    unsigned int line = 0;       ///< From 1; 0 when there is no place to name, as when a file can't be opened.
+    unsigned int column = 0;     ///< In characters, from 1.
+    unsigned int offset = 0;     ///< In bytes, from 0.
+    unsigned int systemCode = 0; ///< What GetLastError gives for it, where a file failed and the system told; else 0.
+    bool isIncomplete = false;   ///< The text is good as far as it goes, but ends early. The parse gave true.
+    wchar_t const * text = L"";  ///< In words, such as "mismatched tag". It stays the library's, for good.
+};
+
 /// The library's XML parser. IVekXMLManager::CreateXMLParser makes one; a host that wants the operations beyond the
 /// interface makes its own.
 class VEK_API CVekXMLParser : public CVekRefCounted<IVekXMLParser>
@@ -550,6 +585,9 @@ public:
     /// True when the last parse succeeded and met the end of the outermost element: false tells of a file without any
     /// element, of one that ends early, and of a failure.
     bool IsComplete() const;
+    /// Why IsComplete is false, and where: the code is VEK_XML_ERROR_NONE exactly when it is true. The place is that
+    /// of the fault, or where a text that ends early has its last whole part behind it.
+    VekXMLError GetError() const;
 
     /// From the next parse on keeps what the model has no place for, as children whose names begin with "#": their
     /// characters are their CDATA section. Attributes whose names differ only in case are all kept, and a newline in a

@@ -1,16 +1,24 @@
 #include "VekIO.h"
 
 #include "base/QuietRuntime.h"
+#include "base/LiveObjects.h"
 #include "io/ScanText.h"
 
 #include <limits.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 namespace
 {
 
 constexpr size_t FILE_BUFFER_SIZE = 65536;
+
+// Where the last failure stands beside the flags of Open, of which there are five bits.
+constexpr unsigned int FLAGS_MASK = 0xFF;
+constexpr int OPERATION_SHIFT = 8;
+constexpr unsigned int OPERATION_MASK = 0xFF;
+constexpr int CODE_SHIFT = 16;
 
 // The mode text of the flags; the opening routine refuses what is no mode.
 struct OpenMode
@@ -70,12 +78,42 @@ Result Clip(long long position, Result limit)
     return position > static_cast<long long>(limit) ? limit : static_cast<Result>(position);
 }
 
+VekFileError ErrorOf(unsigned int flags)
+{
+    VekFileError error;
+    error.operation = static_cast<VEK_IO_OPERATION>(flags >> OPERATION_SHIFT & OPERATION_MASK);
+    error.systemCode = flags >> CODE_SHIFT;
+    return error;
+}
+
+// Keeps a failure beside the flags; always false.
+bool Fail(unsigned int & flags, VEK_IO_OPERATION operation, bool askSystem)
+{
+    unsigned long const code = askSystem ? _doserrno : 0;
+    // Flush meets again what a write has met: the system told the write alone.
+    if (code == 0 && ErrorOf(flags).operation == operation && operation == VEK_IO_OPERATION_WRITE)
+        return false;
+    flags = (flags & FLAGS_MASK) | static_cast<unsigned int>(operation) << OPERATION_SHIFT |
+            static_cast<unsigned int>(code) << CODE_SHIFT;
+    return false;
+}
+
+bool Move(FILE * file, unsigned int & flags, long long offset, int origin)
+{
+    _doserrno = 0;
+    return (file && MoveOrStay(file, offset, origin)) || Fail(flags, VEK_IO_OPERATION_MOVE, file != nullptr);
+}
+
 } // namespace
 
-CVekFileIOStream::CVekFileIOStream() = default;
+CVekFileIOStream::CVekFileIOStream()
+{
+    vek::CountBirth(vek::LiveClass::FileIOStream);
+}
 
 CVekFileIOStream::~CVekFileIOStream()
 {
+    vek::CountEnd(vek::LiveClass::FileIOStream);
     Close();
 }
 
@@ -85,22 +123,24 @@ bool CVekFileIOStream::Open(wchar_t const * name, unsigned int flags, unsigned i
     if (!name)
     {
         VekLogOutput(0, L"CVekFileIOStream::Open --> Filename is NULL");
-        return false;
+        return Fail(m_flags, VEK_IO_OPERATION_OPEN, false);
     }
     if (!*name)
     {
         VekLogOutput(0, L"CVekFileIOStream::Open --> Filename has no character");
-        return false;
+        return Fail(m_flags, VEK_IO_OPERATION_OPEN, false);
     }
-    m_flags = flags;
+    m_flags = flags & FLAGS_MASK;
     OpenMode const mode(flags);
     wchar_t nothing[1];
+    _doserrno = 0;
     CVekString<wchar_t> path(name);
     CVekString<wchar_t> fileName(VekGetFileNameFromPathW(name, nothing, 0));
     if (!path.IsEmpty())
         m_file = VekFileOpenW(name, mode.text);
     if (!m_file)
     {
+        Fail(m_flags, VEK_IO_OPERATION_OPEN, true);
         VekLogOutput(0, L"CVekFileIOStream::Open --> Failed to open file");
         return false;
     }
@@ -119,7 +159,13 @@ void CVekFileIOStream::Close()
 
 bool CVekFileIOStream::Flush()
 {
-    return m_file && IsWritable() && fflush(m_file) == 0 && !ferror(m_file);
+    bool const isOpen = m_file && IsWritable();
+    return (isOpen && fflush(m_file) == 0 && !ferror(m_file)) || Fail(m_flags, VEK_IO_OPERATION_WRITE, isOpen);
+}
+
+VekFileError CVekFileIOStream::GetError() const
+{
+    return ErrorOf(m_flags);
 }
 
 bool CVekFileIOStream::CheckOpen() const
@@ -143,12 +189,12 @@ int CVekFileIOStream::GetPosition() const
 bool CVekFileIOStream::SetPosition(int position, bool fromEnd)
 {
     long long const offset = position;
-    return m_file && MoveOrStay(m_file, fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
+    return Move(m_file, m_flags, fromEnd ? -offset : offset, fromEnd ? SEEK_END : SEEK_SET);
 }
 
 bool CVekFileIOStream::MovePosition(int offset)
 {
-    return m_file && MoveOrStay(m_file, offset, SEEK_CUR);
+    return Move(m_file, m_flags, offset, SEEK_CUR);
 }
 
 bool CVekFileIOStream::IsAtEnd() const
@@ -167,13 +213,15 @@ bool CVekFileIOStream::IsAtEnd() const
 bool CVekFileIOStream::Read(void * data, unsigned int count, bool advance)
 {
     if (!CheckOpen())
-        return false;
+        return Fail(m_flags, VEK_IO_OPERATION_READ, false);
     if (count == 0)
         return true;
     if (!data || !IsReadable())
-        return false;
+        return Fail(m_flags, VEK_IO_OPERATION_READ, false);
     long long const before = advance ? 0 : _ftelli64(m_file);
     bool const whole = fread(data, 1, count, m_file) == count;
+    if (!whole)
+        Fail(m_flags, VEK_IO_OPERATION_READ, ferror(m_file) != 0);
     if (!advance)
         _fseeki64(m_file, before, SEEK_SET);
     return whole;
@@ -184,14 +232,16 @@ bool CVekFileIOStream::Write(void const * data, unsigned int count, bool advance
     if (!m_file)
     {
         VekLogOutput(0, L"CVekFileIOStream::Write --> File is not opened");
-        return false;
+        return Fail(m_flags, VEK_IO_OPERATION_WRITE, false);
     }
     if (count == 0)
         return true;
     if (!data || !IsWritable())
-        return false;
+        return Fail(m_flags, VEK_IO_OPERATION_WRITE, false);
     long long const before = advance ? 0 : _ftelli64(m_file);
     bool const whole = fwrite(data, 1, count, m_file) == count;
+    if (!whole)
+        Fail(m_flags, VEK_IO_OPERATION_WRITE, true);
     if (!advance)
         _fseeki64(m_file, before, SEEK_SET);
     return whole;
@@ -219,6 +269,8 @@ bool CVekFileIOStream::Take(void * value, size_t size, bool advance)
     if (!m_file || !IsReadable())
         return false;
     size_t const count = fread(value, 1, size, m_file);
+    if (count != size)
+        Fail(m_flags, VEK_IO_OPERATION_READ, ferror(m_file) != 0);
     if (!advance && count != 0)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
     return count == size;
@@ -229,6 +281,8 @@ void CVekFileIOStream::Give(void const * value, size_t size, bool advance)
     if (!m_file || !IsWritable())
         return;
     size_t const count = fwrite(value, 1, size, m_file);
+    if (count != size)
+        Fail(m_flags, VEK_IO_OPERATION_WRITE, true);
     if (!advance)
         _fseeki64(m_file, -static_cast<long long>(count), SEEK_CUR);
 }

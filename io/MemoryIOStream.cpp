@@ -1,6 +1,7 @@
 #include "VekIO.h"
 
 #include "base/Buffer.h"
+#include "base/LiveObjects.h"
 #include "io/ScanText.h"
 #include "text/Scan.h"
 
@@ -8,10 +9,14 @@
 #include <stdlib.h>
 #include <string.h>
 
-CVekMemoryIOStream::CVekMemoryIOStream() = default;
+CVekMemoryIOStream::CVekMemoryIOStream()
+{
+    vek::CountBirth(vek::LiveClass::MemoryIOStream);
+}
 
 CVekMemoryIOStream::~CVekMemoryIOStream()
 {
+    vek::CountEnd(vek::LiveClass::MemoryIOStream);
     free(m_block);
 }
 

@@ -1,5 +1,7 @@
 #include "VekPackets.h"
+
 #include "VekRef.h"
+#include "base/LiveObjects.h"
 
 namespace
 {
@@ -33,12 +35,16 @@ int FindCleared(Children const & children, int index)
 
 } // namespace
 
-CVekResourceFilePacket::CVekResourceFilePacket(IVekResourceFileManager * manager) : m_manager(manager) {}
+CVekResourceFilePacket::CVekResourceFilePacket(IVekResourceFileManager * manager) : m_manager(manager)
+{
+    vek::CountBirth(vek::LiveClass::ResourceFilePacket);
+}
 
 // Kept: the count is copied, and the children get no reference; hosts that copy packets set that right themselves.
 CVekResourceFilePacket::CVekResourceFilePacket(CVekResourceFilePacket const & other)
     : CVekRefCounted<IVekObject>(other), m_parent(other.m_parent), m_manager(other.m_manager)
 {
+    vek::CountBirth(vek::LiveClass::ResourceFilePacket);
     CopyPointers(other.m_children, m_children);
 }
 
@@ -55,6 +61,7 @@ CVekResourceFilePacket & CVekResourceFilePacket::operator=(CVekResourceFilePacke
 // Kept: the children are not released; the packets of hosts do that in their own way.
 CVekResourceFilePacket::~CVekResourceFilePacket()
 {
+    vek::CountEnd(vek::LiveClass::ResourceFilePacket);
     m_children.Free();
 }
 

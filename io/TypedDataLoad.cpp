@@ -39,8 +39,10 @@ bool Load(Held<CVekString<T>>, TypedDataSource & source, VEK_VARIANT & value) no
     Buffer<T> longText;
     T const * text = shortText;
     int length = 0;
-    if (!source.Get(length) || length < 0)
+    if (!source.Get(length))
         return false;
+    if (length < 0)
+        return source.Fail(VEK_DATA_ERROR_LENGTH);
     if (length > SHORT_LENGTH)
     {
         if (!LoadUnits(source, length, longText))
@@ -97,14 +99,18 @@ bool LoadPieces(TypedDataSource & source, int size, VEK_VARIANT & value) noexcep
 bool Load(Held<HeldBytes>, TypedDataSource & source, VEK_VARIANT & value) noexcept
 {
     int size = 0;
-    if (!source.Get(size) || size < 0)
+    if (!source.Get(size))
         return false;
+    if (size < 0)
+        return source.Fail(VEK_DATA_ERROR_LENGTH);
     if (size == 0)
         return true;
     if (!source.KnowsSize())
         return LoadPieces(source, size, value);
     auto const count = static_cast<size_t>(size);
-    auto * const bytes = source.Holds(count, 1) ? static_cast<unsigned char *>(malloc(count)) : nullptr;
+    if (!source.Holds(count, 1))
+        return source.Fail(VEK_DATA_ERROR_LENGTH);
+    auto * const bytes = static_cast<unsigned char *>(malloc(count));
     if (!bytes)
         return false;
     if (source.GetBlock(bytes, count))

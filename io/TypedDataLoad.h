@@ -19,7 +19,7 @@ bool LoadUnits(TypedDataSource & source, int count, Buffer<T> & units) noexcept
 {
     constexpr size_t UNPROVEN = 16 * 1024; // values of a stream that can't tell whether it holds them
     if (count < 0 || !source.Holds(static_cast<size_t>(count), sizeof(T)))
-        return false;
+        return source.Fail(VEK_DATA_ERROR_LENGTH);
     auto left = static_cast<size_t>(count);
     if (source.KnowsSize() && !units.Reserve(left + 1))
         return false;

@@ -56,10 +56,28 @@ void CVekTypedDataReader::Clear()
 
 bool CVekTypedDataReader::Read(IVekIOStream * stream)
 {
+    VekDataError error;
+    return Read(stream, error);
+}
+
+bool CVekTypedDataReader::Read(IVekIOStream * stream, VekDataError & error)
+{
+    error = VekDataError();
+    error.code = VEK_DATA_ERROR_NO_STREAM;
     if (!stream)
         return false;
-    vek::TypedDataSource source(*stream);
-    return ReadEntries(source);
+    {
+        vek::TypedDataSource source(*stream);
+        bool const isRead = ReadEntries(source);
+        error.entry = source.GetEntry();
+        VEK_DATA_ERROR const fault = source.GetFault();
+        error.code = isRead ? VEK_DATA_ERROR_NONE : fault ? fault : VEK_DATA_ERROR_MEMORY;
+    }
+    if (error.code == VEK_DATA_ERROR_NONE)
+        error.entry = -1;
+    else
+        error.offset = static_cast<unsigned int>(stream->GetPosition());
+    return error.code == VEK_DATA_ERROR_NONE;
 }
 
 bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source)
@@ -72,13 +90,16 @@ bool CVekTypedDataReader::ReadEntries(vek::TypedDataSource & source)
     // Kept: a negative number of entries is as good as none.
     if (count < 1)
         return true;
-    if (!source.Holds(static_cast<size_t>(count), SMALLEST_ENTRY) || count > INT_MAX - m_entries.GetCount())
+    if (!source.Holds(static_cast<size_t>(count), SMALLEST_ENTRY))
+        return source.Fail(VEK_DATA_ERROR_LENGTH);
+    if (count > INT_MAX - m_entries.GetCount())
         return false;
     int const room = source.KnowsSize() || count < UNPROVEN ? count : UNPROVEN;
     if (!m_entries.Reserve(m_entries.GetCount() + room))
         return false;
     for (int i = 0; i < count; ++i)
     {
+        source.BeginEntry(i);
         if (!ReadEntry(source))
             return false;
     }
@@ -111,6 +132,8 @@ CVekTypedDataEntry * CVekTypedDataReader::NewEntry(vek::TypedDataSource & source
     wchar_t shortName[SHORT_LENGTH + 1];
     vek::Buffer<wchar_t> longName;
     wchar_t const * name = shortName;
+    if (nameLength < 0)
+        source.Fail(VEK_DATA_ERROR_LENGTH);
     if (nameLength < 0)
         return nullptr;
     if (nameLength > SHORT_LENGTH)

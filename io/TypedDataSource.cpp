@@ -84,7 +84,7 @@ bool TypedDataSource::GetBlock(unsigned char * bytes, size_t count) noexcept
     // A stream may keep its last byte for single values, as the library's memory streams do.
     size_t const inOneBlock = m_kind == Kind::InFile ? count : count - 1;
     if (inOneBlock != 0 && !m_stream.Read(bytes, static_cast<unsigned int>(inOneBlock), true))
-        return false;
+        return EndsEarly();
     m_beyond -= inOneBlock;
     return inOneBlock == count || Get(bytes[inOneBlock]);
 }

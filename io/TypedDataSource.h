@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VekData.h"
 #include "VekIO.h"
 
 #include "base/Buffer.h"
@@ -53,7 +54,7 @@ public:
             return true;
         }
         if (inOneCopy && m_kind == Kind::OfUnknownSize)
-            return m_stream.Read(values, static_cast<unsigned int>(count * sizeof(T)), true);
+            return m_stream.Read(values, static_cast<unsigned int>(count * sizeof(T)), true) || EndsEarly();
         for (size_t i = 0; i < count; ++i)
         {
             if (!Get(values[i]))
@@ -62,6 +63,17 @@ public:
         return true;
     }
     bool GetBlock(unsigned char * bytes, size_t count) noexcept;
+
+    /// Keeps what is wrong with the stream; always false.
+    bool Fail(VEK_DATA_ERROR fault) noexcept
+    {
+        m_fault = fault;
+        return false;
+    }
+    /// The index of the entry that is read; -1 before the first.
+    void BeginEntry(int index) noexcept { m_entry = index; }
+    int GetEntry() const noexcept { return m_entry; }
+    VEK_DATA_ERROR GetFault() const noexcept { return m_fault; }
 
 private:
     enum class Kind
@@ -72,6 +84,7 @@ private:
         OfUnknownSize
     };
 
+    bool EndsEarly() noexcept { return Fail(VEK_DATA_ERROR_ENDS_EARLY); }
     void Measure() noexcept;
     bool Fill(size_t count) noexcept;
     template <class T>
@@ -82,12 +95,12 @@ private:
             // Only a block's result tells that the end is reached.
             BitsOf<T> bits;
             if (!m_stream.Read(&bits, sizeof bits, true))
-                return false;
+                return EndsEarly();
             value = FromBits<T>(bits, m_reversed);
             return true;
         }
         if (m_kind != Kind::OfKnownSize || !Holds(1, sizeof(T)))
-            return false;
+            return EndsEarly();
         Read(value);
         m_beyond -= sizeof(T);
         return true;
@@ -106,6 +119,8 @@ private:
 
     IVekIOStream & m_stream;
     Kind m_kind = Kind::OfKnownSize;
+    int m_entry = -1;
+    VEK_DATA_ERROR m_fault = VEK_DATA_ERROR_NONE;
     bool m_reversed;
     unsigned char const * m_begin = nullptr; // where the stream stands in memory
     unsigned char const * m_at = nullptr;

@@ -1,16 +1,21 @@
 #include "VekLexer.h"
 #include "VekRef.h"
 
+#include "base/LiveObjects.h"
 #include "lexer/LexerRun.h"
 #include "lexer/LexerTables.h"
 #include "text/Scan.h"
 
 #include <new>
 
-CVekLexer::CVekLexer() : m_callback(nullptr), m_tables(nullptr) {}
+CVekLexer::CVekLexer() : m_callback(nullptr), m_tables(nullptr)
+{
+    vek::CountBirth(vek::LiveClass::Lexer);
+}
 
 CVekLexer::~CVekLexer()
 {
+    vek::CountEnd(vek::LiveClass::Lexer);
     RemoveAll();
     if (m_callback)
         m_callback->Release();

@@ -4,6 +4,7 @@
 #include "VekIO.h"
 
 #include "base/Buffer.h"
+#include "base/LiveObjects.h"
 #include "lexer/StreamText.h"
 #include "lexer/TokenizerCallback.h"
 #include "text/Scan.h"
@@ -13,10 +14,14 @@
 
 #include <new>
 
-CVekTokenizer::CVekTokenizer() : m_tokens(nullptr), m_filter(TOKEN_ALL), m_selected(nullptr), m_numSelected(0) {}
+CVekTokenizer::CVekTokenizer() : m_tokens(nullptr), m_filter(TOKEN_ALL), m_selected(nullptr), m_numSelected(0)
+{
+    vek::CountBirth(vek::LiveClass::Tokenizer);
+}
 
 CVekTokenizer::~CVekTokenizer()
 {
+    vek::CountEnd(vek::LiveClass::Tokenizer);
     RemoveAll();
 }
 

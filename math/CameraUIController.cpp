@@ -1,5 +1,7 @@
 #include "math/CameraView.h"
 
+#include "base/LiveObjects.h"
+
 #include <cmath>
 
 namespace
@@ -88,9 +90,15 @@ bool Pan(vek::CameraView const & view, VEK_CAMERASTATE & state)
 
 } // namespace
 
-CVekCameraUIController::CVekCameraUIController() = default;
+CVekCameraUIController::CVekCameraUIController()
+{
+    vek::CountBirth(vek::LiveClass::CameraUIController);
+}
 
-CVekCameraUIController::~CVekCameraUIController() = default;
+CVekCameraUIController::~CVekCameraUIController()
+{
+    vek::CountEnd(vek::LiveClass::CameraUIController);
+}
 
 bool CVekCameraUIController::Manipulate(int mode, VEK_CAMERASTATE * state)
 {

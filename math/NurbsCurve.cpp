@@ -42,76 +42,96 @@ CVekVector4D<T> Weighted(CVekVector3D<T> const & point, T weight)
     return CVekVector4D<T>(point.x * weight, point.y * weight, point.z * weight, weight);
 }
 
-bool CheckCounts(unsigned int degree, void const * points, unsigned int pointCount, void const * knots,
-                 unsigned int knotCount)
+VEK_NURBS_ERROR CheckCounts(unsigned int degree, void const * points, unsigned int pointCount, void const * knots,
+                            unsigned int knotCount)
 {
-    constexpr unsigned int MAX_DEGREE = CVekNurbsCurve<float>::MAX_DEGREE;
-    constexpr unsigned int MAX_POINTS = CVekNurbsCurve<float>::MAX_POINTS;
-    if (degree < 1 || degree > MAX_DEGREE)
-        VekLogOutput(0, L"CVekNurbsCurve::Create --> Degree %u is not 1 to %u", degree, MAX_DEGREE);
-    else if (!points)
-        VekLogOutput(0, L"CVekNurbsCurve::Create --> Control points are NULL");
-    else if (pointCount <= degree || pointCount > MAX_POINTS)
-        VekLogOutput(0, L"CVekNurbsCurve::Create --> Number of control points %u is not %u to %u", pointCount,
-                     degree + 1, MAX_POINTS);
-    else if (!knots && knotCount)
-        VekLogOutput(0, L"CVekNurbsCurve::Create --> Knots are NULL");
-    else if (knots && knotCount != pointCount + degree + 1)
-        VekLogOutput(0, L"CVekNurbsCurve::Create --> Number of knots %u is not %u", knotCount, pointCount + degree + 1);
-    else
-        return true;
-    return false;
+    if (degree < 1 || degree > CVekNurbsCurve<float>::MAX_DEGREE)
+        return VEK_NURBS_ERROR_DEGREE;
+    if (!points)
+        return VEK_NURBS_ERROR_NO_POINTS;
+    if (pointCount <= degree || pointCount > CVekNurbsCurve<float>::MAX_POINTS)
+        return VEK_NURBS_ERROR_POINT_COUNT;
+    if (!knots)
+        return knotCount ? VEK_NURBS_ERROR_NO_KNOTS : VEK_NURBS_ERROR_NONE;
+    return knotCount != pointCount + degree + 1 ? VEK_NURBS_ERROR_KNOT_COUNT : VEK_NURBS_ERROR_NONE;
 }
 
 template <class T>
-bool CheckPoints(CVekVector3D<T> const * points, T const * weights, unsigned int count)
+VekNurbsError CheckPoints(CVekVector3D<T> const * points, T const * weights, unsigned int count)
 {
     for (unsigned int i = 0; i < count; ++i)
     {
         T const weight = weights ? weights[i] : T(1);
         if (!IsWeight(weight))
-        {
-            VekLogOutput(0, L"CVekNurbsCurve::Create --> Weight %u is not a positive normal number", i);
-            return false;
-        }
+            return {VEK_NURBS_ERROR_WEIGHT, i};
         if (!IsFinite(CVekVector4D<T>(points[i], weight)) || !IsFinite(Weighted(points[i], weight)))
-        {
-            VekLogOutput(0, L"CVekNurbsCurve::Create --> Control point %u is not finite", i);
-            return false;
-        }
+            return {VEK_NURBS_ERROR_POINT, i};
     }
-    return true;
+    return {};
+}
+
+/// How often a knot may occur.
+template <class T>
+unsigned int MostTimes(T const * knots, unsigned int index, unsigned int degree, unsigned int pointCount)
+{
+    bool const isAtEnd = knots[index] == knots[0] || knots[index] == knots[pointCount + degree];
+    return isAtEnd ? degree + 1 : degree;
 }
 
 template <class T>
-bool CheckKnots(T const * knots, unsigned int degree, unsigned int pointCount)
+VekNurbsError CheckKnots(T const * knots, unsigned int degree, unsigned int pointCount)
 {
-    unsigned int const last = pointCount + degree;
     unsigned int times = 0;
-    for (unsigned int i = 0; i <= last; ++i)
+    for (unsigned int i = 0; i <= pointCount + degree; ++i)
     {
         if (!(knots[i] >= -LARGEST_KNOT<T> && knots[i] <= LARGEST_KNOT<T>))
-        {
-            VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u is not finite or too large", i);
-            return false;
-        }
+            return {VEK_NURBS_ERROR_KNOT, i};
         if (i > 0 && knots[i] < knots[i - 1])
-        {
-            VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u is less than the one before", i);
-            return false;
-        }
+            return {VEK_NURBS_ERROR_KNOT_ORDER, i};
         times = i > 0 && knots[i] == knots[i - 1] ? times + 1 : 1;
-        unsigned int const most = knots[i] == knots[0] || knots[i] == knots[last] ? degree + 1 : degree;
-        if (times > most)
-        {
-            VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u occurs more than %u times", i, most);
-            return false;
-        }
+        if (times > MostTimes(knots, i, degree, pointCount))
+            return {VEK_NURBS_ERROR_KNOT_REPEATED, i};
     }
-    if (knots[degree] < knots[pointCount])
-        return true;
-    VekLogOutput(0, L"CVekNurbsCurve::Create --> The domain is empty");
-    return false;
+    return {knots[degree] < knots[pointCount] ? VEK_NURBS_ERROR_NONE : VEK_NURBS_ERROR_DOMAIN, 0};
+}
+
+template <class T>
+void LogError(VekNurbsError const & error, unsigned int degree, unsigned int pointCount, T const * knots,
+              unsigned int knotCount)
+{
+    constexpr unsigned int MAX_DEGREE = CVekNurbsCurve<T>::MAX_DEGREE;
+    constexpr unsigned int MAX_POINTS = CVekNurbsCurve<T>::MAX_POINTS;
+    unsigned int const i = error.index;
+    switch (error.code)
+    {
+    case VEK_NURBS_ERROR_NONE:
+        break;
+    case VEK_NURBS_ERROR_DEGREE:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Degree %u is not 1 to %u", degree, MAX_DEGREE);
+    case VEK_NURBS_ERROR_NO_POINTS:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Control points are NULL");
+    case VEK_NURBS_ERROR_POINT_COUNT:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Number of control points %u is not %u to %u", pointCount,
+                            degree + 1, MAX_POINTS);
+    case VEK_NURBS_ERROR_NO_KNOTS:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Knots are NULL");
+    case VEK_NURBS_ERROR_KNOT_COUNT:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Number of knots %u is not %u", knotCount,
+                            pointCount + degree + 1);
+    case VEK_NURBS_ERROR_WEIGHT:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Weight %u is not a positive normal number", i);
+    case VEK_NURBS_ERROR_POINT:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Control point %u is not finite", i);
+    case VEK_NURBS_ERROR_KNOT:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u is not finite or too large", i);
+    case VEK_NURBS_ERROR_KNOT_ORDER:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u is less than the one before", i);
+    case VEK_NURBS_ERROR_KNOT_REPEATED:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> Knot %u occurs more than %u times", i,
+                            MostTimes(knots, i, degree, pointCount));
+    case VEK_NURBS_ERROR_DOMAIN:
+        return VekLogOutput(0, L"CVekNurbsCurve::Create --> The domain is empty");
+    }
 }
 
 template <class T>
@@ -185,12 +205,25 @@ bool CVekNurbsCurve<T>::Allocate(unsigned int degree, unsigned int pointCount) n
 }
 
 template <class T>
+VekNurbsError CVekNurbsCurve<T>::Check(unsigned int degree, CVekVector3D<T> const * points, T const * weights,
+                                       unsigned int pointCount, T const * knots, unsigned int knotCount) noexcept
+{
+    VekNurbsError error{CheckCounts(degree, points, pointCount, knots, knotCount), 0};
+    if (error.code == VEK_NURBS_ERROR_NONE)
+        error = CheckPoints(points, weights, pointCount);
+    if (error.code == VEK_NURBS_ERROR_NONE && knots)
+        error = CheckKnots(knots, degree, pointCount);
+    return error;
+}
+
+template <class T>
 bool CVekNurbsCurve<T>::Create(unsigned int degree, CVekVector3D<T> const * points, T const * weights,
                                unsigned int pointCount, T const * knots, unsigned int knotCount) noexcept
 {
     CVekNurbsCurve created;
-    if (!CheckCounts(degree, points, pointCount, knots, knotCount) || !CheckPoints(points, weights, pointCount) ||
-        (knots && !CheckKnots(knots, degree, pointCount)) || !created.Allocate(degree, pointCount))
+    VekNurbsError const error = Check(degree, points, weights, pointCount, knots, knotCount);
+    LogError(error, degree, pointCount, knots, knotCount);
+    if (error.code != VEK_NURBS_ERROR_NONE || !created.Allocate(degree, pointCount))
         return false;
     for (unsigned int i = 0; i < pointCount; ++i)
         created.m_points[i] = Weighted(points[i], weights ? weights[i] : T(1));

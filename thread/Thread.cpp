@@ -2,19 +2,27 @@
 
 #include "VekLib.h"
 
+#include "base/LiveObjects.h"
 #include "thread/MemberFunctor.h"
 
 #include <new>
+
+CVekThread::CVekThread()
+{
+    vek::CountBirth(vek::LiveClass::Thread);
+}
 
 CVekThread::CVekThread(wchar_t const * name, TickCallback * callback, bool createFlag, unsigned int tickInterval,
                        unsigned int maxTickCount)
     : m_worker(CVekRef<vek::Worker>::Adopt(new (std::nothrow)
                                                vek::Worker(name, callback, createFlag, tickInterval, maxTickCount)))
 {
+    vek::CountBirth(vek::LiveClass::Thread);
 }
 
 CVekThread::~CVekThread()
 {
+    vek::CountEnd(vek::LiveClass::Thread);
     if (m_worker)
         m_worker->Leave();
 }

@@ -10,7 +10,7 @@ class CVekThread final : public CVekRefCounted<IVekThread>
 {
 public:
     /// A thread without its shared part, of no use but to tell its class by.
-    CVekThread() = default;
+    CVekThread();
     CVekThread(wchar_t const * name, TickCallback * callback, bool createFlag, unsigned int tickInterval,
                unsigned int maxTickCount);
     CVekThread(CVekThread const &) = delete;

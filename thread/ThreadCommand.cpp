@@ -1,8 +1,16 @@
 #include "VekThread.h"
 
-CVekThreadCommand::CVekThreadCommand(bool autoDelete) : m_autoDelete(autoDelete), m_endSignal(nullptr) {}
+#include "base/LiveObjects.h"
 
-CVekThreadCommand::~CVekThreadCommand() = default;
+CVekThreadCommand::CVekThreadCommand(bool autoDelete) : m_autoDelete(autoDelete), m_endSignal(nullptr)
+{
+    vek::CountBirth(vek::LiveClass::ThreadCommand);
+}
+
+CVekThreadCommand::~CVekThreadCommand()
+{
+    vek::CountEnd(vek::LiveClass::ThreadCommand);
+}
 
 void CVekThreadCommand::Launch()
 {

@@ -1,6 +1,7 @@
 #include "xml/XMLDocument.h"
 
 #include "base/Buffer.h"
+#include "base/LiveObjects.h"
 #include "xml/XMLElementSupport.h"
 
 #include <wchar.h>
@@ -27,10 +28,14 @@ wchar_t const * NextComponent(wchar_t *& rest)
 
 } // namespace
 
-CVekXMLDocument::CVekXMLDocument() : m_encoding(ENCODING) {}
+CVekXMLDocument::CVekXMLDocument() : m_encoding(ENCODING)
+{
+    vek::CountBirth(vek::LiveClass::XMLDocument);
+}
 
 CVekXMLDocument::~CVekXMLDocument()
 {
+    vek::CountEnd(vek::LiveClass::XMLDocument);
     if (m_root)
         m_root->Release();
     delete m_kept;

@@ -1,5 +1,6 @@
 #include "VekXML.h"
 
+#include "base/LiveObjects.h"
 #include "base/Pool.h"
 #include "text/Names.h"
 #include "text/StringAccess.h"
@@ -58,14 +59,21 @@ struct CVekXMLElement::ChildNames
     }
 };
 
-CVekXMLElement::CVekXMLElement() : m_isKnownByAddress(vek::HostElements::Enter(*this)) {}
+CVekXMLElement::CVekXMLElement() : m_isKnownByAddress(vek::HostElements::Enter(*this))
+{
+    vek::CountBirth(vek::LiveClass::XMLElement);
+}
 
 CVekXMLElement::CVekXMLElement(wchar_t const * name, int nameLength)
     : m_name(name, nameLength), m_isKnownByAddress(vek::HostElements::Enter(*this))
 {
+    vek::CountBirth(vek::LiveClass::XMLElement);
 }
 
-CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(std::move(name)) {}
+CVekXMLElement::CVekXMLElement(CVekString<wchar_t> && name) : m_name(std::move(name))
+{
+    vek::CountBirth(vek::LiveClass::XMLElement);
+}
 
 // Null when memory is exhausted.
 CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
@@ -125,6 +133,7 @@ CVekXMLElement & CVekXMLElement::operator=(CVekXMLElement const & other)
 
 CVekXMLElement::~CVekXMLElement()
 {
+    vek::CountEnd(vek::LiveClass::XMLElement);
     RemoveSection();
     if (m_isKnownByAddress)
     {

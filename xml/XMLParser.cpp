@@ -2,6 +2,8 @@
 #include "VekLib.h"
 #include "VekRef.h"
 
+#include "base/AsOwn.h"
+#include "base/LiveObjects.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLManager.h"
 #include "xml/XMLParserState.h"
@@ -28,30 +30,38 @@ struct FileBytes
     int size = 0;
 };
 
-bool ReadFile(wchar_t const * path, FileBytes & bytes)
+/// The system's number for what failed, from a stream of the library.
+unsigned int SystemCode(IVekFileIOStream & stream)
+{
+    CVekFileIOStream const * const own = vek::AsOwn<CVekFileIOStream>(stream);
+    return own ? own->GetError().systemCode : 0;
+}
+
+bool ReadFile(wchar_t const * path, FileBytes & bytes, CVekXMLParser::State & state)
 {
     auto const stream = CVekRef<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
     if (!stream)
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to create file io stream");
-        return false;
+        return state.Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
     }
     if (!stream->Open(path, OPEN_MODE, 0))
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to open file %s", path ? path : L"");
-        return false;
+        return state.Fail(VEK_XML_ERROR_FILE, L"the file can't be opened", SystemCode(*stream));
     }
     unsigned int const size = stream->GetSize();
     bytes.data = size < INT_MAX ? static_cast<char *>(malloc(size + size_t{1})) : nullptr;
     if (!bytes.data)
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to allocate buffer");
-        return false;
+        return size < INT_MAX ? state.Fail(VEK_XML_ERROR_MEMORY, L"out of memory")
+                              : state.Fail(VEK_XML_ERROR_TOO_LONG, L"has 2 GB or more");
     }
     if (size > 0 && !stream->Read(bytes.data, size, true))
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to read file %s", path);
-        return false;
+        return state.Fail(VEK_XML_ERROR_FILE, L"the file can't be read", SystemCode(*stream));
     }
     bytes.data[size] = 0;
     bytes.size = static_cast<int>(size);
@@ -98,16 +108,30 @@ bool EnsureRootElement(IVekXMLDocument * document)
 
 } // namespace
 
-CVekXMLParser::CVekXMLParser() : m_state(nullptr) {}
+CVekXMLParser::CVekXMLParser() : m_state(nullptr)
+{
+    vek::CountBirth(vek::LiveClass::XMLParser);
+}
 
 CVekXMLParser::~CVekXMLParser()
 {
+    vek::CountEnd(vek::LiveClass::XMLParser);
     delete m_state;
 }
 
 bool CVekXMLParser::IsComplete() const
 {
     return m_state && m_state->complete;
+}
+
+VekXMLError CVekXMLParser::GetError() const
+{
+    if (m_state)
+        return m_state->error;
+    VekXMLError error;
+    error.code = VEK_XML_ERROR_NOT_STARTED;
+    error.text = L"nothing was parsed";
+    return error;
 }
 
 // Null when memory is exhausted.
@@ -171,7 +195,7 @@ bool CVekXMLParser::ParseXMLFile(wchar_t const * path, IVekXMLDocument * documen
                          [path](State & state)
                          {
                              FileBytes bytes;
-                             return ReadFile(path, bytes) && state.ParseBytes(bytes.data, bytes.size);
+                             return ReadFile(path, bytes, state) && state.ParseBytes(bytes.data, bytes.size);
                          });
 }
 
@@ -184,7 +208,7 @@ bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXM
                              {
                                  VekLogOutput(0, bytes ? L"CVekXMLParser::ParseXMLMemory --> Text is too long"
                                                        : L"CVekXMLParser::ParseXMLMemory --> Text is NULL");
-                                 return false;
+                                 return state.Fail(VEK_XML_ERROR_TOO_LONG, bytes ? L"has 2 GB or more" : L"no text");
                              }
                              return state.ParseBytes(bytes, static_cast<int>(size));
                          });
@@ -193,40 +217,40 @@ bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXM
 template <class Source>
 bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
 {
-    if (m_state)
-        m_state->Forget();
-    if (!document)
-    {
-        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Document is NULL");
-        return false;
-    }
-    // A fresh state for each document.
+    // A fresh state for each document, with what was asked for.
     State * const fresh = new (std::nothrow) State(m_state ? m_state->options : Options());
     if (fresh)
     {
         delete m_state;
         m_state = fresh;
     }
+    else if (m_state)
+        m_state->Forget();
+    if (!document)
+    {
+        VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Document is NULL");
+        return m_state && m_state->Fail(VEK_XML_ERROR_NO_DOCUMENT, L"no document");
+    }
     if (!fresh || (fresh->options.Any() && !fresh->InstallExtras()))
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Error creating XML Parser");
-        return false;
+        return m_state && m_state->Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
     }
     ParseScope const scope(*m_state, document);
     if (!m_state->expat)
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Error creating XML Parser");
-        return false;
+        return m_state->Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
     }
     if (!EnsureRootElement(document))
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed to create root Element for document");
-        return false;
+        return m_state->Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
     }
     if (!m_state->PushRoot(vek::ToLibraryElement(document->GetRootElement())))
     {
         VekLogOutput(0, L"CVekXMLParser::ParseXMLFile --> Failed to push Element");
-        return false;
+        return m_state->Fail(VEK_XML_ERROR_NO_DOCUMENT, L"the document's root element can't be read into");
     }
     if (!source(*m_state))
     {

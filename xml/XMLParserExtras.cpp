@@ -148,7 +148,11 @@ bool CVekXMLParser::State::EndDocument()
 {
     // With nothing more to come, what is cut behind the outermost element shows.
     if (complete && options.keep != VEK_XML_KEEP_NOTHING)
+    {
         complete = XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR;
+        if (!complete)
+            Fail(VEK_XML_ERROR_ENDS_EARLY, L"ends within what follows its outermost element");
+    }
     if ((!IsInside() || Flush()) && (!Keeps(VEK_XML_KEEP_PROLOG) || StoreProlog()))
         return true;
     VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep the prolog");
@@ -160,7 +164,8 @@ bool CVekXMLParser::State::StoreProlog()
     auto * const own = vek::AsOwn<CVekXMLDocument>(*document);
     vek::XMLKept * const kept = own ? own->MakeKept() : nullptr;
     if (!kept)
-        return false;
+        return own ? Fail(VEK_XML_ERROR_MEMORY, L"out of memory")
+                   : Fail(VEK_XML_ERROR_NO_DOCUMENT, L"the document's class can't hold a prolog");
     vek::XMLSource const & source = extras->source;
     int const begin = extras->rootBegin >= 0 ? extras->rootBegin : source.Size();
     int const end = extras->rootEnd >= 0 ? extras->rootEnd : source.Size();
@@ -208,7 +213,7 @@ bool CVekXMLParser::State::AreValuesWhole()
             continue;
         VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
                      static_cast<wchar_t const *>(CVekString<wchar_t>(name, nameLength)));
-        return false;
+        return Fail(VEK_XML_ERROR_UNKNOWN_ENTITY, L"a value refers to an entity that is not read");
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include "xml/XMLParserState.h"
 
 #include "xml/XMLElementSupport.h"
+#include "xml/XMLErrorCode.h"
 #include "xml/XMLManager.h"
 
 #include <limits.h>
@@ -138,6 +139,7 @@ CVekXMLParser::State::~State()
 void CVekXMLParser::State::Forget()
 {
     complete = false;
+    error = {};
     delete extras;
     extras = nullptr;
 }
@@ -147,16 +149,53 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
     inCDATA = false;
     if (extras)
         extras->source.Begin(bytes, size);
+    auto const * const text = static_cast<unsigned char const *>(bytes);
+    bool const hasMark = size > 1 && ((text[0] == 0xEF && text[1] == 0xBB) || text[0] >= 0xFE);
     // Kept: the piece is not marked as the last, so that a file that merely ends early is read without an error. Hosts
     // read files that are still being written.
     if (XML_Parse(expat, static_cast<char const *>(bytes), size, XML_FALSE) != XML_STATUS_ERROR)
-        return !extras || EndDocument();
+    {
+        if (extras && !EndDocument())
+            return Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
+        if (!complete)
+        {
+            error.isIncomplete = true;
+            Fail(firstElement ? VEK_XML_ERROR_EMPTY : VEK_XML_ERROR_ENDS_EARLY,
+                 firstElement ? L"no element found" : L"ends before its outermost element is closed");
+            KeepPlace(hasMark);
+        }
+        return true;
+    }
     XML_Error const code = XML_GetErrorCode(expat);
     VekLogOutput(0, L"CVekXMLParser::Parse --> Parse error occured");
     VekLogOutput(0, L"   Error code %d %s\n", static_cast<int>(code), XML_ErrorString(code));
     VekLogOutput(0, L"      at line %d, col %d\n", static_cast<int>(XML_GetCurrentLineNumber(expat)),
                  static_cast<int>(XML_GetCurrentColumnNumber(expat)));
+    Fail(vek::ToErrorCode(code), code == XML_ERROR_ABORTED ? L"out of memory" : XML_ErrorString(code));
+    KeepPlace(hasMark);
     return false;
+}
+
+bool CVekXMLParser::State::Fail(VEK_XML_ERROR code, wchar_t const * text, unsigned int systemCode)
+{
+    if (error.code == VEK_XML_ERROR_NONE)
+    {
+        error.code = code;
+        error.text = text;
+        error.systemCode = systemCode;
+    }
+    return false;
+}
+
+void CVekXMLParser::State::KeepPlace(bool hasMark)
+{
+    XML_Index const offset = XML_GetCurrentByteIndex(expat);
+    error.line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
+    // The tokenizer takes a byte order mark for the first column.
+    error.column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
+    if (!hasMark || error.line != 1 || error.column == 0)
+        ++error.column;
+    error.offset = offset < 0 ? 0 : static_cast<unsigned int>(offset);
 }
 
 bool CVekXMLParser::State::PushRoot(CVekXMLElement * element)

@@ -65,6 +65,8 @@ struct CVekXMLParser::State
     bool PushRoot(CVekXMLElement * element);
     bool PushElement(CVekXMLElement * element);
     void LeaveElements();
+    /// Keeps the error, unless one is kept already; always false.
+    bool Fail(VEK_XML_ERROR code, wchar_t const * text, unsigned int systemCode = 0);
     /// Ends the parse at the next chance, as an error: something could not be stored.
     void Abort();
 
@@ -97,8 +99,10 @@ struct CVekXMLParser::State
     vek::Buffer<CVekXMLElement *> stack; // no references; the top is the last
     bool firstElement = false;
     bool complete = false;
+    VekXMLError error;
 
 private:
+    void KeepPlace(bool hasMark);
     CVekXMLElement * BeginElement(wchar_t const * name);
     bool AddChild(CVekXMLElement * element);
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);

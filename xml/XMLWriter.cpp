@@ -4,6 +4,7 @@
 
 #include "base/AsOwn.h"
 #include "base/Buffer.h"
+#include "base/LiveObjects.h"
 #include "xml/XMLDTDWriter.h"
 #include "xml/XMLOutput.h"
 #include "xml/XMLWholeWriter.h"
@@ -197,9 +198,15 @@ void PlainWriter::EndElement(IVekXMLElement const * element, size_t level)
 
 } // namespace
 
-CVekXMLWriter::CVekXMLWriter() : m_encodingName(L"UTF-8") {}
+CVekXMLWriter::CVekXMLWriter() : m_encodingName(L"UTF-8")
+{
+    vek::CountBirth(vek::LiveClass::XMLWriter);
+}
 
-CVekXMLWriter::~CVekXMLWriter() = default;
+CVekXMLWriter::~CVekXMLWriter()
+{
+    vek::CountEnd(vek::LiveClass::XMLWriter);
+}
 
 void CVekXMLWriter::SetIndentation(int spaces)
 {

@@ -52,6 +52,9 @@ public:
     template <class Number>
     Command & AddOption(char const * names, char const * value, Number & number, std::type_identity_t<Number> least,
                         std::type_identity_t<Number> most, char const * description);
+    /// An option that may be given several times, a value each.
+    Command & AddOptions(char const * names, char const * value, std::vector<std::wstring> & texts,
+                         char const * description);
     Command & AddFlag(char const * names, bool & flag, char const * description);
 
     /// What the help says behind the options.

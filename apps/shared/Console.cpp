@@ -1,12 +1,15 @@
 #include "Console.h"
 
 #include "CommandLine.h"
+#include "FileErrors.h"
 #include "Platform.h"
 #include "Utf8.h"
 
 #include <algorithm>
 #include <cstdarg>
 #include <cwchar>
+#include <utility>
+#include <vector>
 
 namespace tool
 {
@@ -44,7 +47,7 @@ void AppendEscape(std::wstring & text, wchar_t unit)
     }
 }
 
-bool WriteBytes(HANDLE handle, std::string_view bytes)
+bool SendBytes(HANDLE handle, std::string_view bytes)
 {
     while (!bytes.empty())
     {
@@ -118,7 +121,25 @@ void Console::Send(std::wstring_view text)
     // A process without this stream is one whose user doesn't want to see it.
     if (text.empty() || m_lost || m_handle == nullptr || m_handle == INVALID_HANDLE_VALUE)
         return;
-    m_lost = m_console ? !WriteToConsole(m_handle, text) : !WriteBytes(m_handle, ToUtf8(text));
+    if (m_console ? !WriteToConsole(m_handle, text) : !SendBytes(m_handle, ToUtf8(text)))
+        Lose();
+}
+
+void Console::WriteBytes(std::string_view bytes)
+{
+    if (m_console)
+        return Write(FromUtf8(bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0)));
+    Flush();
+    if (!m_lost && m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE && !SendBytes(m_handle, bytes))
+        Lose();
+}
+
+void Console::Lose()
+{
+    DWORD const code = GetLastError();
+    m_lost = true;
+    if (code != ERROR_BROKEN_PIPE && code != ERROR_NO_DATA)
+        m_whyLost = ErrorText(code);
 }
 
 std::wstring Printable(std::wstring_view text, std::size_t limit)
@@ -143,15 +164,54 @@ std::wstring Printable(std::wstring_view text, std::size_t limit)
     return result;
 }
 
+namespace
+{
+
+std::vector<std::pair<std::wstring, std::wstring>> & ShownNames()
+{
+    static std::vector<std::pair<std::wstring, std::wstring>> names;
+    return names;
+}
+
+} // namespace
+
+void ShowAs(std::wstring const & path, std::wstring const & name)
+{
+    ShownNames().emplace_back(path, name);
+}
+
+std::wstring ShownName(std::wstring_view path)
+{
+    for (auto const & [known, name] : ShownNames())
+    {
+        if (known == path)
+            return name;
+    }
+    return Printable(path);
+}
+
+std::wstring FaultLine(std::wstring_view path, unsigned int line, unsigned int column, std::wstring_view message)
+{
+    std::wstring const place = line ? Format(L":%u:%u", line, column) : std::wstring();
+    return (ShownName(path) + place + L": ").append(message);
+}
+
+int FailAt(std::wstring_view path, unsigned int line, unsigned int column, std::wstring_view message)
+{
+    std::wstring const prefix = line ? std::wstring() : PROGRAM_NAME + std::wstring(L": ");
+    Console::Err().Write(prefix + FaultLine(path, line, column, message) + L"\n");
+    return EXIT_FAILED;
+}
+
 int Fail(std::wstring_view subject, std::wstring_view message)
 {
-    Console::Err().Write(PROGRAM_NAME + (L": " + Printable(subject) + L": ").append(message).append(L"\n"));
+    Console::Err().Write(PROGRAM_NAME + (L": " + ShownName(subject) + L": ").append(message).append(L"\n"));
     return EXIT_FAILED;
 }
 
 void Note(std::wstring_view subject, std::wstring_view message)
 {
-    Console::Err().Write(PROGRAM_NAME + (L": " + Printable(subject) + L": note: ").append(message).append(L"\n"));
+    Console::Err().Write(PROGRAM_NAME + (L": " + ShownName(subject) + L": note: ").append(message).append(L"\n"));
 }
 
 std::wstring Format(wchar_t const * format, ...)

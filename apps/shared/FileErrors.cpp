@@ -8,7 +8,11 @@ namespace tool
 
 std::wstring LastErrorText()
 {
-    DWORD const code = GetLastError();
+    return ErrorText(GetLastError());
+}
+
+std::wstring ErrorText(unsigned long code)
+{
     wchar_t text[256];
     DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, text,
                                   256, nullptr);

@@ -5,6 +5,9 @@
 namespace tool
 {
 
+/// What the system says of one of its errors, such as "access is denied".
+std::wstring ErrorText(unsigned long code);
+
 /// What the system says of the calling thread's last error, such as "access is denied".
 std::wstring LastErrorText();
 

@@ -11,25 +11,18 @@ namespace tool
 namespace
 {
 
-enum class Reading
-{
-    Done,
-    Failed,
-    Incomplete
-};
-
 CVekRef<IVekXMLDocument> CreateDocument()
 {
     return CVekRef<IVekXMLDocument>(getVekLibKernel()->GetXMLManager()->CreateXMLDocument());
 }
 
-Reading Read(std::wstring const & path, IVekXMLDocument & document)
+/// What the interface's parser doesn't tell: a file that ends early is a good one to it.
+VekXMLError Read(std::wstring const & path, IVekXMLDocument * document)
 {
-    // The interface's parser takes a file that ends early for a good one; the class can tell.
     CVekXMLParser parser;
-    if (!parser.ParseXMLFile(path.c_str(), &document))
-        return Reading::Failed;
-    return parser.IsComplete() ? Reading::Done : Reading::Incomplete;
+    if (document)
+        parser.ParseXMLFile(path.c_str(), document);
+    return parser.GetError();
 }
 
 } // namespace
@@ -37,11 +30,11 @@ Reading Read(std::wstring const & path, IVekXMLDocument & document)
 CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path)
 {
     CVekRef<IVekXMLDocument> document = CreateDocument();
-    Reading const reading = document ? Read(path, *document) : Reading::Failed;
-    if (reading == Reading::Done)
+    VekXMLError const error = Read(path, document.Get());
+    if (error.code == VEK_XML_ERROR_NONE)
         return document;
-    Fail(path,
-         reading == Reading::Incomplete ? WhyIncomplete(*document) : WhyUnreadable(path, L"can't be read as XML"));
+    FailAt(path, error.line, error.column,
+           error.code == VEK_XML_ERROR_FILE ? WhyUnreadable(path, Describe(error).c_str()) : Describe(error));
     return nullptr;
 }
 
@@ -49,15 +42,25 @@ CVekRef<IVekXMLDocument> TryLoadXml(std::wstring const & path)
 {
     CVekSetDebugOutputLevel const silence(-1);
     CVekRef<IVekXMLDocument> document = CreateDocument();
-    if (document && Read(path, *document) != Reading::Done)
+    if (Read(path, document.Get()).code != VEK_XML_ERROR_NONE)
         document.Reset();
     return document;
 }
 
-wchar_t const * WhyIncomplete(IVekXMLDocument const & document)
+std::wstring Describe(VekXMLError const & error)
 {
-    return document.GetRootElement()->GetName().IsEmpty() ? L"contains no element"
-                                                          : L"ends before its outermost element is closed";
+    switch (error.code)
+    {
+    case VEK_XML_ERROR_NOT_STARTED:
+    case VEK_XML_ERROR_MEMORY:
+        return L"is too large for memory";
+    case VEK_XML_ERROR_FILE:
+        return error.systemCode ? L"can't be read: " + ErrorText(error.systemCode) : L"can't be read";
+    case VEK_XML_ERROR_EMPTY:
+        return L"contains no element";
+    default:
+        return Printable(error.text);
+    }
 }
 
 } // namespace tool

@@ -4,6 +4,8 @@
 #include "FileErrors.h"
 #include "Platform.h"
 
+#include <string_view>
+
 namespace tool
 {
 
@@ -28,6 +30,13 @@ bool NewFile::Place()
 
 bool IsWritable(std::wstring const & path)
 {
+    wchar_t full[MAX_PATH];
+    DWORD const length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
+    if (length > 0 && length < MAX_PATH && std::wstring_view(full).starts_with(L"\\\\.\\"))
+    {
+        Fail(path, L"is a device, not a file");
+        return false;
+    }
     DWORD const attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return true;

@@ -42,11 +42,10 @@ std::wstring Quoted(std::wstring const & argument)
     return text.append(backslashes, L'\\') + L"\"";
 }
 
-HANDLE Inheritable(std::wstring const & path)
+HANDLE Inheritable(std::wstring const & path, DWORD access, DWORD disposition)
 {
     SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, TRUE};
-    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes, CREATE_ALWAYS, 0,
-                       nullptr);
+    return CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &attributes, disposition, 0, nullptr);
 }
 
 int WaitFor(PROCESS_INFORMATION const & process)
@@ -70,7 +69,7 @@ std::wstring WorkFolder()
 
 } // namespace
 
-Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const & arguments)
+Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const & arguments, std::string const & input)
 {
     std::wstring const path = OwnFolder() + program;
     std::wstring line = Quoted(path);
@@ -81,8 +80,11 @@ Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const 
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = Inheritable(outPath);
-    startup.hStdError = Inheritable(errPath);
+    std::wstring const inPath = TestFolder() + L"\\stdin.txt";
+    StoreBytes(inPath, input);
+    startup.hStdInput = Inheritable(inPath, GENERIC_READ, OPEN_EXISTING);
+    startup.hStdOutput = Inheritable(outPath, GENERIC_WRITE, CREATE_ALWAYS);
+    startup.hStdError = Inheritable(errPath, GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
     Outcome outcome;
     bool started = false;
@@ -94,6 +96,7 @@ Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const 
                                  WorkFolder().c_str(), &startup, &process) != 0;
     }
     DWORD const error = GetLastError();
+    CloseHandle(startup.hStdInput);
     CloseHandle(startup.hStdOutput);
     CloseHandle(startup.hStdError);
     if (started)
@@ -103,9 +106,9 @@ Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const 
     return outcome;
 }
 
-Outcome Vek(std::vector<std::wstring> const & arguments)
+Outcome Vek(std::vector<std::wstring> const & arguments, std::string const & input)
 {
-    return RunBeside(L"vek.exe", arguments);
+    return RunBeside(L"vek.exe", arguments, input);
 }
 
 std::wstring MakeFolder()

@@ -15,10 +15,11 @@ struct Outcome
 };
 
 /// Runs a program that stands beside the test program.
-Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const & arguments);
+Outcome RunBeside(std::wstring const & program, std::vector<std::wstring> const & arguments,
+                  std::string const & input = {});
 
 /// Runs vek.exe.
-Outcome Vek(std::vector<std::wstring> const & arguments);
+Outcome Vek(std::vector<std::wstring> const & arguments, std::string const & input = {});
 
 /// Empties the folder in which programs are run, for a test's files; ends in a backslash.
 std::wstring MakeFolder();

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 using testing::HasSubstr;
 using testing::Not;
 
@@ -35,6 +37,43 @@ TEST(VekLex, ListsCountsAndColoursTokens)
     EXPECT_THAT(shader.out, HasSubstr("type        sampler2D\n"));
     EXPECT_THAT(shader.out, HasSubstr("builtin     smoothstep\n"));
     EXPECT_THAT(shader.out, Not(HasSubstr("invalid")));
+}
+
+TEST(VekLex, TakesWhatTheLexerDoesNotKnow)
+{
+    std::tuple<wchar_t const *, char const *, char const *> const rows[] = {
+        // the kind's first letter and the text of each token, and the value of a whole number
+        {L"c", "a-b - -1", "ia o- ib o- o- n1"},
+        {L"c", "p->q-- -=x", "ip o-> iq o-- o-= ix"},
+        {L"c", "3.0f 1e-5 .5E+3 2.L 0x1.8p3", "f3.0f f1e-5 f.5E+3 f2.L f0x1.8p3"},
+        {L"c", "0xFFul 0b101 1'000 010 18446744073709551615u",
+         "n0xFFul=255 n0b101=5 n1'000=1000 n010=8 "
+         "n18446744073709551615u=18446744073709551615"},
+        {L"c", "x2e5 3.0q 0x", "ix2e5 e3.0q f3.0 e0x n0"},
+        {L"c", "\"a\\\"b-1\" '\"' '\\'' '-'", "s\"a\\\"b-1\" s'\"' s'\\'' s'-'"},
+        {L"c", "// don't - 0x\n/*\" 1e*/ -7", "o- n7"},
+        {L"c", "\xEE\x80\x80", "-\xEE\x80\x80"},
+        {L"obj", "v -1.9e-05 1 -.5\nf -1//-2 3/-4", "gv f-1.9e-05 n1 f-.5 gf n-1 o// n-2 n3 o/ n-4"},
+        {L"obj", "g a-1 wheel-left # 1e", "gg ia o- n1 iwheel o- ileft"},
+    };
+    for (auto const & [language, text, tokens] : rows)
+    {
+        Outcome const outcome = Vek({L"lex", L"-", L"--lang", language}, text);
+        std::string found;
+        std::istringstream lines(outcome.out);
+        for (std::string line; std::getline(lines, line);)
+        {
+            std::string const kind = line.substr(10, 3), rest = line.substr(22);
+            std::size_t const value = rest.find(" = "), message = rest.find(" (");
+            found += (found.empty() ? "" : " ") +
+                     std::string(1, kind == "int"   ? 'n'
+                                    : kind == "inv" ? '-'
+                                                    : kind[0]) +
+                     rest.substr(0, std::min(value, message)) +
+                     (value == std::string::npos ? "" : "=" + rest.substr(value + 3));
+        }
+        EXPECT_EQ(found, tokens) << text;
+    }
 }
 
 TEST(VekLex, ReadsLanguages)

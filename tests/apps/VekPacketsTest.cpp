@@ -117,7 +117,7 @@ TEST_F(VekPackets, BadFilesAndUsage)
         {{L"extract", m_file}, 2, "--output is required"},
         {{L"pack", m_folder + L"none", m_file}, 1, "can't be read: "},
         {{L"pack", m_folder, m_folder + L"none\\a"}, 1, "can't be written"},
-        {{}, 2, "subcommand"},
+        {{}, 2, "wants a command: list, extract, pack"},
     };
     for (auto const & [arguments, code, message] : rows)
     {

@@ -104,6 +104,28 @@ TEST(VekXml, SetStoresValuesThatComeBack)
     EXPECT_THAT(Facts(file), HasSubstr("attributes        35\n"));
 }
 
+TEST(VekXml, LineBreaksStayForEveryReader)
+{
+    std::tuple<char const *, std::string, char const *> const rows[] = {
+        // the file, its attributes as written, then as read
+        {"<a d=\"M0 0&#10;L9&#x0009;9&#xA;\"/>", "d=\"M0 0&#10;L9&#9;9&#10;\"", "M0 0\nL9\t9\n\n"},
+        {"<a d='&lt;EOL>&#60;EOL&gt;'/>", "d=\"&lt;EOL&gt;&lt;EOL&gt;\"", "\n\n\n"},
+        {"<a d='&#13;&lt;EOL&#62;&#10;&amp;#10;'/>", "d=\"&#13;&lt;EOL&gt;&#10;&amp;#10;\"", "\r\n\n&#10;\n"},
+        {"<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a d CDATA '&#10;'>]><a/>", "d=\"&#10;\"", "\n\n"},
+    };
+    std::wstring const folder = MakeFolder();
+    std::wstring const file = folder + L"a.svg";
+    for (auto const & [text, written, value] : rows)
+    {
+        SCOPED_TRACE(text);
+        StoreBytes(file, text);
+        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"e", L"'1'\n<2>\n&#10;"}).code, 0);
+        EXPECT_EQ(Vek({L"xml", L"format", file, file}).err, "");
+        EXPECT_THAT(FileBytes(file), HasSubstr("<a " + written + " e=\"&apos;1&apos;&#10;&lt;2&gt;&#10;&amp;#10;\""));
+        EXPECT_EQ(Get(file, L"/", L"d"), value);
+    }
+}
+
 TEST(VekXml, SetAddsElementsOnlyWhenAsked)
 {
     std::wstring const folder = MakeFolder();
@@ -177,6 +199,31 @@ TEST(VekXml, NotesTellWhatWasLost)
         EXPECT_EQ(Vek({L"xml", L"format", file, file, L"--drop-text"}).code, 0);
     }
     EXPECT_EQ(CountFiles(folder), 2) << "something was left beside the files";
+}
+
+TEST(VekXml, DashStandsForStandardInputAndOutput)
+{
+    std::string const text = "<a b='1&#10;'><c/>";
+    std::tuple<std::vector<std::wstring>, std::string, int, char const *> const rows[] = {
+        {{L"xml", L"get", L"-", L"/", L"b"}, text + "</a>", 0, "1\n\n"},
+        {{L"xml", L"tree", L"-"}, text + "</a>", 0, "a b=\"1&lt;EOL&gt;\"\n  c\n"},
+        {{L"xml", L"info", L"-"}, text + "</a>", 0, "<standard input>\n  root element      a\n"},
+        {{L"xml", L"set", L"-", L"c", L"d", L"2"}, text + "</a>", 0, "\r\n   <c d=\"2\"/>\r\n</a>\r\n"},
+        {{L"xml", L"format", L"-", L"-"}, text + "</a>", 0, "<a b=\"1&#10;\">\r\n   <c/>"},
+        {{L"xml", L"format", L"-", L"-"}, text + "</b>", 1, "<standard input>:1:21: mismatched tag\n"},
+        {{L"xml", L"get", L"-", L"x", L"b"}, text + "</a>", 1, "vek: <standard input>: no element \"x\"\n"},
+        {{L"data", L"dump", L"-"}, std::string("\1\0\0\0\0\0\0\0\1\0\0\0\1", 13), 0, "bool      = true\n"},
+        {{L"data", L"dump", L"-"}, std::string("\1\0\0\0\0\0\0\0\1\0\0\0", 12), 1, "entry 1, at byte 12, ends early\n"},
+        {{L"data", L"unpack", L"-", L"-"}, std::string(4, '\0'), 0, "<TypedData"},
+    };
+    MakeFolder();
+    for (auto const & [arguments, input, code, said] : rows)
+    {
+        Outcome const outcome = Vek(arguments, input);
+        EXPECT_EQ(outcome.code, code) << outcome.err;
+        EXPECT_THAT(code ? outcome.err : outcome.out, HasSubstr(said));
+        EXPECT_EQ(code ? outcome.out : outcome.err, "");
+    }
 }
 
 TEST(VekXml, HelpAndVersion)

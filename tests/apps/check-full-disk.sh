@@ -21,7 +21,7 @@ for kilobytes in 1 64 200 $last; do
     (
         trap '' XFSZ
         ulimit -f $kilobytes
-        "$run" "$vek" xml format "$data" target.xml
+        "$run" "$vek" --verbose xml format "$data" target.xml
     ) > messages 2>&1
     code=$?
     [ $code = 1 ] || fail "$kilobytes KB: exit code $code instead of 1"
@@ -34,4 +34,5 @@ done
 "$run" "$vek" xml tree "$data" > /dev/full 2> messages
 code=$?
 [ $code = 1 ] || fail "output to a full disk: exit code $code instead of 1"
+grep -q "can.t write the output: " messages || fail "output to a full disk: no message"
 exit $status

@@ -35,6 +35,15 @@ VekTest::WarmUp const g_childWork(
         if (!GetEnvironmentVariableW(CHILD, nullptr, 0))
             return;
         VekLibInit();
+        if (GetEnvironmentVariableW(L"VEKLIB_LEAKS", nullptr, 0))
+        {
+            auto * const catcher = new Talkative;
+            int const before = catcher->messages;
+            getVekLibKernel()->AddCatchLogOutput(catcher);
+            getVekLibKernel()->CreateTimer();
+            VekLibDeinit();
+            std::exit(catcher->messages - before);
+        }
         getVekLibKernel()->AddCatchLogOutput(new Talkative);
         getVekLibKernel()->CreateFileIOStream();
         VekLogOutput(0, L"leaving");
@@ -67,4 +76,7 @@ TEST(EntryPoints, WorkBeforeMainAndAProcessMayExitWithoutDeinit)
 {
     EXPECT_EQ(g_talkative.messages, 1);
     EXPECT_EQ(StatusOfChild(), 7u);
+    SetEnvironmentVariableW(L"VEKLIB_LEAKS", L"1");
+    EXPECT_EQ(StatusOfChild(), 1u) << "a timer was lost";
+    SetEnvironmentVariableW(L"VEKLIB_LEAKS", nullptr);
 }

@@ -84,6 +84,78 @@ TEST(Log, ShowsMessagesUpToTheLevel)
     EXPECT_EQ(getVekLibKernel()->GetDebugOutputLevel(), 0);
 }
 
+TEST(Log, CatchersTellFailuresFromBannersAndNotes)
+{
+    // Writes down the category of each message; at its first one it logs a note itself.
+    struct Sorter final : CVekRefCounted<IVekCatchLogOutput>
+    {
+        unsigned int Release() override { return --m_common.refCount; }
+        void OnLogOutput(int, wchar_t const *) override
+        {
+            seen += "-FNB"[VekGetLogCategory()];
+            if (seen.size() == 1)
+                VekLogOutputAs(VEK_LOG_NOTE, 0, L"%d", 1);
+            seen += "-FNB"[VekGetLogCategory()];
+        }
+        std::string seen;
+    } sorter;
+    IVekKernel & kernel = *getVekLibKernel();
+    kernel.AddCatchLogOutput(&sorter);
+    VekLogOutput(0, L"x");
+    EXPECT_EQ(std::exchange(sorter.seen, "x"), "FNNF");
+    ASSERT_TRUE(VekLibInit());
+    VekLogOutputAs(VEK_LOG_NOTE, 1, L"not shown");
+    EXPECT_EQ(sorter.seen, "xBBBBBBBB");
+    EXPECT_EQ(VekGetLogCategory(), VEK_LOG_NONE);
+    VekLibDeinit();
+}
+
+TEST(Log, TheLastDeinitListsLiveObjectsWhenAsked)
+{
+    using Make = IVekObject * (*)(IVekKernel &);
+    std::pair<wchar_t const *, Make> const rows[] = {
+        {L"CPUUsage", [](IVekKernel & k) -> IVekObject * { return k.CreateCPUUsage(); }},
+        {L"CameraUIController", [](IVekKernel & k) -> IVekObject * { return k.CreateCameraUIController(); }},
+        {L"FileIOStream", [](IVekKernel & k) -> IVekObject * { return k.CreateFileIOStream(); }},
+        {L"Lexer", [](IVekKernel & k) -> IVekObject * { return k.CreateLexer(); }},
+        {L"MemoryIOStream", [](IVekKernel & k) -> IVekObject * { return k.CreateMemoryIOStream(); }},
+        {L"ProgressController", [](IVekKernel & k) -> IVekObject * { return k.CreateProgressController(); }},
+        {L"Randomizer", [](IVekKernel & k) -> IVekObject * { return k.CreateRandomizer(); }},
+        {L"Thread", [](IVekKernel & k) -> IVekObject * { return k.CreateThread(L"t", nullptr, false, 0, 0); }},
+        {L"Timer", [](IVekKernel & k) -> IVekObject * { return k.CreateTimer(); }},
+        {L"Tokenizer", [](IVekKernel & k) -> IVekObject * { return k.CreateTokenizer(); }},
+        {L"XMLDocument", [](IVekKernel & k) -> IVekObject * { return k.GetXMLManager()->CreateXMLDocument(); }},
+        {L"XMLElement", [](IVekKernel & k) -> IVekObject * { return k.GetXMLManager()->CreateXMLElement(); }},
+        {L"XMLParser", [](IVekKernel & k) -> IVekObject * { return k.GetXMLManager()->CreateXMLParser(); }},
+        {L"XMLWriter", [](IVekKernel & k) -> IVekObject * { return k.GetXMLManager()->CreateXMLWriter(); }},
+    };
+    IVekKernel & kernel = *getVekLibKernel();
+    for (bool const counts : {true, false})
+    {
+        VekReportLiveObjects(counts);
+        std::wstring expected;
+        std::vector<IVekObject *> lost;
+        ASSERT_TRUE(VekLibInit());
+        for (auto const & [name, make] : rows)
+        {
+            lost.insert(lost.end(), {make(kernel), make(kernel)});
+            make(kernel)->Release();
+            expected += L"\nCVekKernel::Deinit --> Still alive: 2 of CVek" + std::wstring(name);
+        }
+        LogCapture log;
+        VekLibDeinit();
+        EXPECT_EQ(log.Text(), counts ? expected.substr(1) : L"");
+        for (IVekObject * const object : lost)
+            object->Release();
+    }
+    VekReportLiveObjects(true);
+    ASSERT_TRUE(VekLibInit());
+    LogCapture log;
+    VekLibDeinit();
+    VekReportLiveObjects(false);
+    EXPECT_EQ(log.Text(), L"");
+}
+
 TEST(Log, LevelGuardsNest)
 {
     IVekKernel & kernel = *getVekLibKernel();

@@ -89,22 +89,26 @@ TEST_F(FileIOStream, OpenReportsWhatIsWrong)
     wchar_t const * const failed = L"Failed to open file";
     std::wstring const missing = m_folder + L"/no such folder/file";
     std::wstring const tooLong = m_folder + L"/" + std::wstring(40000, L'x');
-    std::tuple<char const *, wchar_t const *, unsigned int, wchar_t const *> const rows[] = {
-        {"no name", nullptr, READ_BINARY, L"Filename is NULL"},
-        {"an empty name", L"", READ_BINARY, L"Filename has no character"},
-        {"a file that is not there", m_path.c_str(), READ_BINARY, failed},
-        {"a folder that is not there", missing.c_str(), WRITE_BINARY, failed},
-        {"a folder, reading", m_folder.c_str(), READ_BINARY, failed},
-        {"a folder, writing", m_folder.c_str(), WRITE_BINARY, failed},
-        {"a name without end", tooLong.c_str(), READ_BINARY, failed},
-        {"characters that no name has", L"a?b*c|d", WRITE_BINARY, failed},
+    std::tuple<char const *, wchar_t const *, unsigned int, wchar_t const *, unsigned int> const rows[] = {
+        {"no name", nullptr, READ_BINARY, L"Filename is NULL", 0},
+        {"an empty name", L"", READ_BINARY, L"Filename has no character", 0},
+        {"a file that is not there", m_path.c_str(), READ_BINARY, failed, ERROR_FILE_NOT_FOUND},
+        {"a folder that is not there", missing.c_str(), WRITE_BINARY, failed, ERROR_PATH_NOT_FOUND},
+        {"a folder, reading", m_folder.c_str(), READ_BINARY, failed, ERROR_ACCESS_DENIED},
+        {"a folder, writing", m_folder.c_str(), WRITE_BINARY, failed, ERROR_ACCESS_DENIED},
+        {"a name without end", tooLong.c_str(), READ_BINARY, failed, ERROR_PATH_NOT_FOUND},
+        {"characters that no name has", L"a?b*c|d", WRITE_BINARY, failed, ERROR_INVALID_NAME},
+        {"no mode", m_path.c_str(), 0, failed, 0},
     };
     std::wstring const other = m_path + L".open";
-    for (auto const & [name, path, flags, message] : rows)
+    for (auto const & [name, path, flags, message, systemCode] : rows)
     {
         SCOPED_TRACE(name);
         ASSERT_TRUE(m_stream.Open(other.c_str(), WRITE_BINARY, 0));
+        EXPECT_EQ(m_stream.GetError().operation, VEK_IO_OPERATION_NONE);
         EXPECT_FALSE(m_stream.Open(path, flags, 0));
+        EXPECT_EQ(m_stream.GetError().operation, VEK_IO_OPERATION_OPEN);
+        EXPECT_EQ(m_stream.GetError().systemCode, systemCode);
         EXPECT_EQ(m_log.Take(), std::wstring(L"CVekFileIOStream::Open --> ") + message);
         EXPECT_EQ(m_stream.GetFileHandle(), nullptr) << "closed first";
         EXPECT_EQ(std::wstring(m_stream.GetFilePath()), other);
@@ -269,6 +273,15 @@ TEST_F(FileIOStream, FlushTellsOfLostBytes)
     EXPECT_TRUE(m_stream.WriteByte('y', true)) << "true always";
     EXPECT_FALSE(m_stream.Flush());
     EXPECT_FALSE(m_stream.Flush()) << "what is lost stays lost";
+    EXPECT_EQ(m_stream.GetError().operation, VEK_IO_OPERATION_WRITE);
+    EXPECT_TRUE(m_stream.GetError().systemCode == ERROR_BROKEN_PIPE || m_stream.GetError().systemCode == ERROR_NO_DATA);
+    Fill("ab");
+    char bytes[4];
+    ASSERT_TRUE(Open(READ_BINARY) && m_stream.GetError().operation == VEK_IO_OPERATION_NONE);
+    EXPECT_TRUE(!m_stream.Read(bytes, 4, true) && m_stream.GetError().operation == VEK_IO_OPERATION_READ);
+    EXPECT_TRUE(!m_stream.SetPosition(-1, false) && m_stream.GetError().operation == VEK_IO_OPERATION_MOVE);
+    EXPECT_TRUE(!m_stream.Write(bytes, 1, true) && m_stream.GetError().operation == VEK_IO_OPERATION_WRITE);
+    EXPECT_EQ(m_stream.GetError().systemCode, 0u) << "the system has nothing against it";
 }
 
 TEST_F(FileIOStream, PositionsAbove2GB)

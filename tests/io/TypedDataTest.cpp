@@ -209,7 +209,11 @@ TEST(TypedData, EveryTruncationIsToldAndLeavesTheEntriesBeforeIt)
                       [&](IVekIOStream & stream)
                       {
                           CVekTypedDataReader reader;
-                          EXPECT_EQ(reader.Read(&stream), size == whole.size());
+                          VekDataError error;
+                          EXPECT_EQ(reader.Read(&stream, error), size == whole.size());
+                          EXPECT_EQ(error.code == VEK_DATA_ERROR_NONE, size == whole.size());
+                          EXPECT_TRUE(error.entry == -1 || error.entry == reader.GetNumEntries());
+                          EXPECT_TRUE(kind != MEMORY || error.offset <= size);
                           std::string const got = Again(reader);
                           EXPECT_EQ(whole.compare(4, got.size() - 4, got, 4), 0);
                       });
@@ -243,8 +247,14 @@ TEST(TypedData, LyingStreams)
             auto const check = [&, isRead = isRead, entries = entries](IVekIOStream & stream)
             {
                 CVekTypedDataReader reader;
-                EXPECT_EQ(reader.Read(&stream), isRead);
+                VekDataError error;
+                EXPECT_EQ(reader.Read(&stream, error), isRead);
                 bool const knowsSize = kind == HOST || kind == MEMORY || kind == BINARY_FILE;
+                // All that is wrong here is a number, but a stream that can't tell its size just ends.
+                EXPECT_EQ(error.code, isRead      ? VEK_DATA_ERROR_NONE
+                                      : knowsSize ? VEK_DATA_ERROR_LENGTH
+                                                  : std::max(error.code, VEK_DATA_ERROR_ENDS_EARLY));
+                EXPECT_TRUE(!knowsSize || error.entry == (isRead || entries == 0 ? -1 : entries));
                 EXPECT_TRUE(!knowsSize || reader.GetNumEntries() == entries);
                 CVekString<char> text;
                 EXPECT_TRUE(!reader.ReadString(L"A", text, "") || text.Compare("x") == 0);
@@ -252,7 +262,8 @@ TEST(TypedData, LyingStreams)
             WithBytes(kind, bytes, check);
         }
     CVekTypedDataReader reader;
-    EXPECT_FALSE(reader.Read(nullptr));
+    VekDataError error;
+    EXPECT_TRUE(!reader.Read(nullptr, error) && error.code == VEK_DATA_ERROR_NO_STREAM);
     CVekFileIOStream closed;
     EXPECT_FALSE(reader.Read(&closed));
 }

@@ -100,34 +100,41 @@ TYPED_TEST(NurbsCurve, CreateChecks)
     CVekVector3D<T> const bad[4] = {{0, 0, 0}, {1, 0, 0}, {1, nan, 0}, {2, 1, 0}};
     struct Row
     {
-        unsigned int degree, count;
+        VEK_NURBS_ERROR code;
+        unsigned int index, degree, count;
         std::vector<T> weights, knots;
         wchar_t const * message; // null: it is created
         bool badPoint = false;
     };
     Row const rows[] = {
-        {3, 4, {}, {}, nullptr},
-        {2, 4, {1, 2, 3, 4}, {0, 0, 0, T(0.5), 1, 1, 1}, nullptr},
-        {2, 4, {}, {-1, 0, 1, 2, 3, 4, 5}, nullptr},
-        {2, 4, {}, {0, 0, 0, 1, 1, 2, 3}, nullptr},
-        {0, 4, {}, {}, L"Degree 0 is not 1 to 32"},
-        {33, 34, {}, {}, L"Degree 33 is not 1 to 32"},
-        {3, 3, {}, {}, L"Number of control points 3 is not 4 to 1048576"},
-        {3, 0xFFFFFFFF, {}, {}, L"Number of control points 4294967295 is not 4 to 1048576"},
-        {2, 4, {}, {0, 0, 0, 1, 1, 1}, L"Number of knots 6 is not 7"},
-        {3, 4, {}, {}, L"Control point 2 is not finite", true},
-        {3, 4, {1, 1, 1, max}, {}, L"Control point 3 is not finite"},
-        {3, 4, {1, 0, 1, 1}, {}, L"Weight 1 is not a positive normal number"},
-        {3, 4, {1, -1, 1, 1}, {}, L"Weight 1 is not a positive normal number"},
-        {3, 4, {1, 1, nan, 1}, {}, L"Weight 2 is not a positive normal number"},
-        {3, 4, {1, 1, 1, min}, {}, nullptr},
-        {3, 4, {1, 1, 1, min / 2}, {}, L"Weight 3 is not a positive normal number"},
-        {2, 4, {}, {0, 0, 0, nan, 1, 1, 1}, L"Knot 3 is not finite or too large"},
-        {2, 4, {}, {0, 0, 0, 1, 2, 2, max}, L"Knot 6 is not finite or too large"},
-        {2, 4, {}, {0, 0, 0, 2, 1, 3, 3}, L"Knot 4 is less than the one before"},
-        {2, 4, {}, {0, 0, 0, 0, 1, 1, 1}, L"Knot 3 occurs more than 3 times"},
-        {2, 4, {}, {0, 0, 1, 1, 1, 2, 2}, L"Knot 4 occurs more than 2 times"},
-        {2, 3, {}, {0, 1, 2, 2, 3, 4}, L"The domain is empty"},
+        {VEK_NURBS_ERROR_NONE, 0, 3, 4, {}, {}, nullptr},
+        {VEK_NURBS_ERROR_NONE, 0, 2, 4, {1, 2, 3, 4}, {0, 0, 0, T(0.5), 1, 1, 1}, nullptr},
+        {VEK_NURBS_ERROR_NONE, 0, 2, 4, {}, {-1, 0, 1, 2, 3, 4, 5}, nullptr},
+        {VEK_NURBS_ERROR_NONE, 0, 2, 4, {}, {0, 0, 0, 1, 1, 2, 3}, nullptr},
+        {VEK_NURBS_ERROR_DEGREE, 0, 0, 4, {}, {}, L"Degree 0 is not 1 to 32"},
+        {VEK_NURBS_ERROR_DEGREE, 0, 33, 34, {}, {}, L"Degree 33 is not 1 to 32"},
+        {VEK_NURBS_ERROR_POINT_COUNT, 0, 3, 3, {}, {}, L"Number of control points 3 is not 4 to 1048576"},
+        {VEK_NURBS_ERROR_POINT_COUNT,
+         0,
+         3,
+         0xFFFFFFFF,
+         {},
+         {},
+         L"Number of control points 4294967295 is not 4 to 1048576"},
+        {VEK_NURBS_ERROR_KNOT_COUNT, 0, 2, 4, {}, {0, 0, 0, 1, 1, 1}, L"Number of knots 6 is not 7"},
+        {VEK_NURBS_ERROR_POINT, 2, 3, 4, {}, {}, L"Control point 2 is not finite", true},
+        {VEK_NURBS_ERROR_POINT, 3, 3, 4, {1, 1, 1, max}, {}, L"Control point 3 is not finite"},
+        {VEK_NURBS_ERROR_WEIGHT, 1, 3, 4, {1, 0, 1, 1}, {}, L"Weight 1 is not a positive normal number"},
+        {VEK_NURBS_ERROR_WEIGHT, 1, 3, 4, {1, -1, 1, 1}, {}, L"Weight 1 is not a positive normal number"},
+        {VEK_NURBS_ERROR_WEIGHT, 2, 3, 4, {1, 1, nan, 1}, {}, L"Weight 2 is not a positive normal number"},
+        {VEK_NURBS_ERROR_NONE, 0, 3, 4, {1, 1, 1, min}, {}, nullptr},
+        {VEK_NURBS_ERROR_WEIGHT, 3, 3, 4, {1, 1, 1, min / 2}, {}, L"Weight 3 is not a positive normal number"},
+        {VEK_NURBS_ERROR_KNOT, 3, 2, 4, {}, {0, 0, 0, nan, 1, 1, 1}, L"Knot 3 is not finite or too large"},
+        {VEK_NURBS_ERROR_KNOT, 6, 2, 4, {}, {0, 0, 0, 1, 2, 2, max}, L"Knot 6 is not finite or too large"},
+        {VEK_NURBS_ERROR_KNOT_ORDER, 4, 2, 4, {}, {0, 0, 0, 2, 1, 3, 3}, L"Knot 4 is less than the one before"},
+        {VEK_NURBS_ERROR_KNOT_REPEATED, 3, 2, 4, {}, {0, 0, 0, 0, 1, 1, 1}, L"Knot 3 occurs more than 3 times"},
+        {VEK_NURBS_ERROR_KNOT_REPEATED, 4, 2, 4, {}, {0, 0, 1, 1, 1, 2, 2}, L"Knot 4 occurs more than 2 times"},
+        {VEK_NURBS_ERROR_DOMAIN, 0, 2, 3, {}, {0, 1, 2, 2, 3, 4}, L"The domain is empty"},
     };
     CVekNurbsCurve<T> curve;
     EXPECT_TRUE(curve.CreateLine(good[0], good[1]));
@@ -135,9 +142,14 @@ TYPED_TEST(NurbsCurve, CreateChecks)
     for (Row const & row : rows)
     {
         CVekNurbsCurve<T> created(curve);
-        bool const made = created.Create(
-            row.degree, row.badPoint ? bad : good, row.weights.empty() ? nullptr : row.weights.data(), row.count,
-            row.knots.empty() ? nullptr : row.knots.data(), static_cast<unsigned int>(row.knots.size()));
+        auto const * const points = row.badPoint ? bad : good;
+        T const * const weights = row.weights.empty() ? nullptr : row.weights.data();
+        T const * const knots = row.knots.empty() ? nullptr : row.knots.data();
+        auto const knotCount = static_cast<unsigned int>(row.knots.size());
+        VekNurbsError const error = curve.Check(row.degree, points, weights, row.count, knots, knotCount);
+        EXPECT_EQ(std::pair(error.code, error.index), std::pair(row.code, row.index));
+        EXPECT_EQ(log.Take(), L"");
+        bool const made = created.Create(row.degree, points, weights, row.count, knots, knotCount);
         EXPECT_EQ(made, row.message == nullptr);
         std::wstring const expected = row.message ? std::wstring(L"CVekNurbsCurve::Create --> ") + row.message : L"";
         EXPECT_EQ(log.Take(), expected);

@@ -27,7 +27,7 @@ TEST_F(ParserTest, BuildsTheTree)
         {"ISO-8859-1", "<?xml version='1.0' encoding='ISO-8859-1'?><a v='\xE9'/>", L"a[v=\u00E9]", true},
         {"UTF-16 little-endian", "\xFF\xFE<\0a\0 \0v\0=\0'\0\xAC\x20'\0/\0>\0"s, L"a[v=\u20AC]", true},
         {"UTF-16 big-endian", "\xFE\xFF\0<\0a\0 \0v\0=\0'\x20\xAC\0'\0/\0>"s, L"a[v=\u20AC]", true},
-        {"kept: an unclosed element is no error", "<a><b>", L"a{b}", false},
+        {"kept: an unclosed element is no error", "<a>\n <b>\n\n", L"a{b}", false},
         {"kept: a cut tag is no error", "<a><b/><c at", L"a{b}", false},
         {"kept: no element at all is no error", "<!-- nothing -->", L"", false},
         {"kept: an empty text is no error", "", L"", false},
@@ -36,6 +36,7 @@ TEST_F(ParserTest, BuildsTheTree)
     };
     CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
     EXPECT_FALSE(parser->IsComplete());
+    EXPECT_EQ(parser->GetError().code, VEK_XML_ERROR_NOT_STARTED);
     for (auto const & [name, bytes, tree, complete] : rows)
     {
         SCOPED_TRACE(name);
@@ -43,41 +44,58 @@ TEST_F(ParserTest, BuildsTheTree)
         EXPECT_TRUE(parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), document.Get()));
         EXPECT_EQ(TreeText(*document), tree);
         EXPECT_EQ(parser->IsComplete(), complete);
+        VekXMLError const error = parser->GetError();
+        EXPECT_EQ(error.isIncomplete, !complete);
+        EXPECT_EQ(error.code, complete ? VEK_XML_ERROR_NONE : *tree ? VEK_XML_ERROR_ENDS_EARLY : VEK_XML_ERROR_EMPTY);
+        EXPECT_EQ(error.line, complete ? 0u : 1u + static_cast<unsigned>(std::count(bytes.begin(), bytes.end(), '\n')));
         EXPECT_EQ(m_log.Take(), L"");
     }
 }
 
 TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
 {
-    std::tuple<char const *, std::string, int, wchar_t const *, int, int> const rows[] = {
-        {"mismatched tag", "<a>\n <b></a>", 7, L"mismatched tag", 2, 6},
-        {"not XML", "hello <a/>", 2, L"syntax error", 1, 0},
-        {"two roots", "<a/><b/>", 9, L"junk after document element", 1, 4},
-        {"same attribute twice", "<a>\n<b x='1' x='2'/></a>", 8, L"duplicate attribute", 2, 9},
-        {"zero byte", std::string("<a>\0</a>", 8), 4, L"not well-formed (invalid token)", 1, 3},
-        {"only zero bytes", std::string(64, '\0'), 4, L"not well-formed (invalid token)", 1, 0},
-        {"undefined entity", "<a>&nothing;</a>", 11, L"undefined entity", 1, 3},
-        {"lone surrogate in UTF-8", "<a v='\xED\xA0\x80'/>", 4, L"not well-formed (invalid token)", 1, 6},
-        {"lone surrogate in UTF-16", "\xFF\xFE<\0a\0 \0v\0=\0'\0\0\xDCx\0'\0/\0>\0"s, 4,
+    std::tuple<char const *, VEK_XML_ERROR, unsigned int, std::string, int, wchar_t const *, int, int> const rows[] = {
+        // its code and byte; what the message tells
+        {"mismatched tag", VEK_XML_ERROR_TAG_MISMATCH, 10, "<a>\n <b></a>", 7, L"mismatched tag", 2, 6},
+        {"not XML", VEK_XML_ERROR_SYNTAX, 0, "hello <a/>", 2, L"syntax error", 1, 0},
+        {"two roots", VEK_XML_ERROR_BEHIND_ROOT, 4, "<a/><b/>", 9, L"junk after document element", 1, 4},
+        {"same attribute twice", VEK_XML_ERROR_ATTRIBUTE_TWICE, 13, "<a>\n<b x='1' x='2'/></a>", 8,
+         L"duplicate attribute", 2, 9},
+        {"zero byte", VEK_XML_ERROR_TOKEN, 3, std::string("<a>\0</a>", 8), 4, L"not well-formed (invalid token)", 1, 3},
+        {"only zero bytes", VEK_XML_ERROR_TOKEN, 0, std::string(64, '\0'), 4, L"not well-formed (invalid token)", 1, 0},
+        {"undefined entity", VEK_XML_ERROR_UNKNOWN_ENTITY, 3, "<a>&nothing;</a>", 11, L"undefined entity", 1, 3},
+        {"lone surrogate in UTF-8", VEK_XML_ERROR_TOKEN, 6, "<a v='\xED\xA0\x80'/>", 4,
+         L"not well-formed (invalid token)", 1, 6},
+        {"lone surrogate in UTF-16", VEK_XML_ERROR_TOKEN, 14, "\xFF\xFE<\0a\0 \0v\0=\0'\0\0\xDCx\0'\0/\0>\0"s, 4,
          L"not well-formed (invalid token)", 1, 7},
-        {"reference to a surrogate", "<a v='&#xD800;'/>", 14, L"reference to invalid character number", 1, 6},
-        {"bytes that are not the default encoding", "<a v='\xE9'/>", 4, L"not well-formed (invalid token)", 1, 6},
-        {"lying declaration", "<?xml version='1.0' encoding='UTF-16'?><a/>", 19,
+        {"reference to a surrogate", VEK_XML_ERROR_CHARACTER_NUMBER, 6, "<a v='&#xD800;'/>", 14,
+         L"reference to invalid character number", 1, 6},
+        {"bytes that are not the default encoding", VEK_XML_ERROR_TOKEN, 6, "<a v='\xE9'/>", 4,
+         L"not well-formed (invalid token)", 1, 6},
+        {"lying declaration", VEK_XML_ERROR_ENCODING, 30, "<?xml version='1.0' encoding='UTF-16'?><a/>", 19,
          L"encoding specified in XML declaration is incorrect", 1, 30},
-        {"unknown encoding", "<?xml version='1.0' encoding='x-none'?><a/>", 18, L"unknown encoding", 1, 30},
-        {"recursive entity", "<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>", 12, L"recursive entity reference", 1, 35},
+        {"unknown encoding", VEK_XML_ERROR_ENCODING, 30, "<?xml version='1.0' encoding='x-none'?><a/>", 18,
+         L"unknown encoding", 1, 30},
+        {"recursive entity", VEK_XML_ERROR_ENTITY, 35, "<!DOCTYPE a [<!ENTITY e '&e;'>]><a>&e;</a>", 12,
+         L"recursive entity reference", 1, 35},
     };
     CVekXMLParser parser;
-    for (auto const & [name, bytes, code, text, line, column] : rows)
+    for (auto const & [name, code, offset, bytes, number, text, line, column] : rows)
     {
         SCOPED_TRACE(name);
         EXPECT_TRUE(parser.ParseXMLMemory("<a/>", 4, NewDocument().Get()) && parser.IsComplete());
         EXPECT_FALSE(parser.ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), NewDocument().Get()));
         EXPECT_FALSE(parser.IsComplete());
         EXPECT_EQ(m_log.Take(), L"CVekXMLParser::Parse --> Parse error occured\n   Error code "s +
-                                    std::to_wstring(code) + L" " + text + L"\n\n      at line " +
+                                    std::to_wstring(number) + L" " + text + L"\n\n      at line " +
                                     std::to_wstring(line) + L", col " + std::to_wstring(column) +
                                     L"\n\nCVekXMLParser::ParseXMLFile --> Failed on parsing");
+        VekXMLError const error = parser.GetError();
+        EXPECT_EQ(error.code, code);
+        EXPECT_STREQ(error.text, text);
+        EXPECT_EQ(std::tuple(error.line, error.column, error.offset, error.systemCode, error.isIncomplete),
+                  std::tuple(unsigned(line), unsigned(column) + (bytes[0] != '\xFF'), offset, 0u, false))
+            << "the byte order mark is no column";
     }
 }
 
@@ -193,6 +211,8 @@ TEST_F(ParserTest, ReportsWhatCantBeRead)
                      path.substr(0, 4000)),
             0U);
         EXPECT_NE(log.find(L"\nCVekXMLParser::ParseXMLFile --> Failed on parsing"), std::wstring::npos);
+        EXPECT_EQ(parser->GetError().code, VEK_XML_ERROR_FILE);
+        EXPECT_NE(parser->GetError().systemCode, 0u);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "StandardFiles.h"
 #include "data/DataDump.h"
 #include "data/DataXml.h"
 
@@ -21,7 +22,7 @@ vec4d, mat4f, mat4d (numbers separated by commas), buffer (hexadecimal digits) a
 Numbers that are not finite are given by their bits, such as 0x7FC00000. In names and texts "\\" is a backslash, "\xE9"
 a byte and "\u20AC" a UTF-16 unit.
 
-The new file is written beside the old one and takes its place when it is whole.)";
+"-" stands for standard input and output. The new file is written beside the old one and takes its place when it is whole.)";
 
 /// The arguments of one command, as the parser stores them.
 struct Arguments
@@ -42,17 +43,33 @@ void Add(Command & program)
     Command data = program.AddCommand("data", "Show typed data files, and turn them into XML and back");
     AddCommand(data, "dump", "Show a file's entries, a line each", *given)
         .AddText("FILE", given->from, "The typed data file")
-        .SetWork([given] { return RunDataDump(given->from, given->options); });
+        .SetWork(
+            [given] {
+                return WithInput(given->from,
+                                 [&given](std::wstring const & path) { return RunDataDump(path, given->options); });
+            });
     AddCommand(data, "pack", "Make a typed data file of an XML file", *given)
         .AddText("XML", given->from, "The XML file to read")
         .AddText("OUT", given->to, "The typed data file to write")
         .SetFooter(ABOUT_XML)
-        .SetWork([given] { return RunDataPack(given->from, given->to, given->options); });
+        .SetWork(
+            [given]
+            {
+                return WithFiles(given->from, given->to,
+                                 [&given](std::wstring const & from, std::wstring const & to)
+                                 { return RunDataPack(from, to, given->options); });
+            });
     AddCommand(data, "unpack", "Make an XML file of a typed data file", *given)
         .AddText("FILE", given->from, "The typed data file to read")
         .AddText("XML", given->to, "The XML file to write")
         .SetFooter(ABOUT_XML)
-        .SetWork([given] { return RunDataUnpack(given->from, given->to, given->options); });
+        .SetWork(
+            [given]
+            {
+                return WithFiles(given->from, given->to,
+                                 [&given](std::wstring const & from, std::wstring const & to)
+                                 { return RunDataUnpack(from, to, given->options); });
+            });
 }
 
 } // namespace

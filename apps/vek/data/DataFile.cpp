@@ -20,6 +20,15 @@ void SetOrder(IVekIOStream & stream, DataOptions const & options)
     stream.SetStreamByteOrder(options.bigEndian ? VEK_BYTEORDER_BIG : VEK_BYTEORDER_LITTLE);
 }
 
+std::wstring WhyDamaged(VekDataError const & error)
+{
+    wchar_t const * const why = error.code == VEK_DATA_ERROR_ENDS_EARLY ? L"ends early"
+                                : error.code == VEK_DATA_ERROR_LENGTH   ? L"has a length that can't be"
+                                                                        : L"is too large for memory";
+    std::wstring const entry = error.entry < 0 ? L"the number of entries" : Format(L"entry %d", error.entry + 1);
+    return L"is no typed data of this byte order, or damaged: " + entry + Format(L", at byte %u, ", error.offset) + why;
+}
+
 } // namespace
 
 bool LoadData(std::wstring const & path, DataOptions const & options, CVekTypedDataReader & reader,
@@ -29,15 +38,16 @@ bool LoadData(std::wstring const & path, DataOptions const & options, CVekTypedD
     SetOrder(stream, options);
     if (!stream.Open(path.c_str(), VEK_IO_READ | VEK_IO_BINARY, 0))
     {
-        Fail(path, WhyUnreadable(path, L"can't be read"));
+        unsigned int const code = stream.GetError().systemCode;
+        Fail(path, WhyUnreadable(path, code ? (L"can't be read: " + ErrorText(code)).c_str() : L"can't be read"));
         return false;
     }
-    bool const read = reader.Read(&stream);
+    VekDataError error;
+    bool const read = reader.Read(&stream, error);
     auto const position = static_cast<unsigned int>(stream.GetPosition());
     bytesBehind = stream.GetSize() - position;
     if (!read)
-        Fail(path, Format(L"is no typed data of this byte order, or damaged: entry %d, around byte %u, can't be read",
-                          reader.GetNumEntries() + 1, position));
+        Fail(path, WhyDamaged(error));
     return read;
 }
 

@@ -16,7 +16,7 @@ namespace tool
 namespace
 {
 
-constexpr std::array<wchar_t const *, 2> KNOWN = {L"C", L"GLSL"}; // resources of the program
+constexpr std::array<wchar_t const *, 3> KNOWN = {L"C", L"GLSL", L"OBJ"}; // resources of the program
 constexpr std::size_t LONGEST_DELIMITER = 16;
 
 std::vector<std::wstring> Split(std::wstring_view text)
@@ -91,6 +91,9 @@ std::unique_ptr<Language> ReadLanguage(IVekXMLDocument & document, std::wstring 
     language->name = name.empty() ? subject : name;
     language->files = Split(Value(root, L"files"));
     language->escape = escape.empty() ? L'\0' : escape[0];
+    std::wstring const quote = Value(root, L"quote");
+    language->quote = quote.empty() ? L'\0' : quote[0];
+    root.GetAttributeValue(L"signed", language->isSigned, false);
     for (int i = 0; i < root.GetNumChildren(); ++i)
         if (std::wstring const fault = ReadElement(*root.GetChild(i), *language); !fault.empty())
         {
@@ -126,7 +129,7 @@ std::unique_ptr<Language> FindLanguage(std::wstring const & name)
             return ReadKnown(known);
     if (name.find_first_of(L"./\\") == std::wstring::npos)
     {
-        Fail(name, L"is neither a language (c, glsl) nor a language's file");
+        Fail(name, L"is neither a language (c, glsl, obj) nor a language's file");
         return nullptr;
     }
     CVekRef<IVekXMLDocument> const document = LoadXml(name);

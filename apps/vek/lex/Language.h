@@ -30,7 +30,9 @@ struct Language
     std::vector<Words> keywords;
     std::vector<std::wstring> operators; // the shorter ones first, as a lexer wants them
     std::vector<Comment> comments;
-    wchar_t escape = 0; // what takes the meaning of a quote behind it; 0 for none
+    wchar_t escape = 0;    // what takes the meaning of a quote behind it; 0 for none
+    wchar_t quote = 0;     // what else opens and closes a text; 0 for nothing
+    bool isSigned = false; // a minus sign in front of a number belongs to it, unless a value stands before
 };
 
 /// The language of that name, or the one in the XML file of that name. Null after telling the user why not.

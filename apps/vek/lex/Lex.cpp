@@ -4,6 +4,7 @@
 
 #include "Console.h"
 #include "lex/Language.h"
+#include "lex/Prepare.h"
 #include "lex/TextFile.h"
 #include "lex/TokenHtml.h"
 
@@ -30,26 +31,12 @@ CVekRef<IVekLexer> MakeLexer(Language const & language)
         ++kind;
     }
     for (std::wstring const & text : language.operators)
-        done = done && lexer->AddOperator(text.c_str(), 0);
+        done = done && lexer->AddOperator(PrepareOperator(text).c_str(), 0);
     for (Language::Comment const & comment : language.comments)
         done = done && lexer->AddComment(comment.start.c_str(), comment.end.c_str()) != 0;
     if (!done)
         throw std::bad_alloc();
     return lexer;
-}
-
-/// The text as the lexer is to see it, each character at its place: carriage returns are blanks, and an escaped quote
-/// ends no string.
-std::wstring Prepare(std::wstring text, wchar_t escape)
-{
-    std::replace(text.begin(), text.end(), L'\r', L' ');
-    for (std::size_t i = 0; escape && i + 1 < text.size(); ++i)
-        if (text[i] == escape)
-        {
-            wchar_t & next = text[++i];
-            next = next == L'"' ? L'\'' : next;
-        }
-    return text;
 }
 
 std::wstring KindOf(IVekTokenizer::IToken const & token, Language const & language)
@@ -75,6 +62,17 @@ std::wstring KindOf(IVekTokenizer::IToken const & token, Language const & langua
     }
 }
 
+/// The value of a whole number whose text doesn't show it.
+std::wstring ValueText(std::wstring_view piece, IVekTokenizer::IToken const & token)
+{
+    std::optional<unsigned long long> const value = IntegerValue(piece);
+    bool const isNegative = piece.starts_with(L'-');
+    std::wstring const text = !value       ? std::to_wstring(token.GetInteger())
+                              : isNegative ? std::to_wstring(static_cast<long long>(*value))
+                                           : std::to_wstring(*value);
+    return piece == text ? std::wstring() : L" = " + text;
+}
+
 void PrintToken(IVekTokenizer::IToken const & token, std::wstring const & text, Language const & language)
 {
     std::wstring_view const piece = std::wstring_view(text).substr(static_cast<std::size_t>(token.GetPosition()),
@@ -86,8 +84,8 @@ void PrintToken(IVekTokenizer::IToken const & token, std::wstring const & text, 
     line += Printable(piece, SHOWN_TEXT);
     if (token.GetKind() == IVekTokenizer::TOKEN_ERROR)
         line += L" (" + std::wstring(token.GetText()) + L")";
-    else if (token.GetKind() == IVekTokenizer::TOKEN_INTEGER && piece != std::to_wstring(token.GetInteger()))
-        line += L" = " + std::to_wstring(token.GetInteger());
+    else if (token.GetKind() == IVekTokenizer::TOKEN_INTEGER)
+        line += ValueText(piece, token);
     Console::Out().Write(line + L"\n");
 }
 
@@ -124,7 +122,7 @@ int RunLex(LexRequest const & request)
         return EXIT_FAILED;
     if (!request.html.empty() && VekIsSamePathW(request.file.c_str(), request.html.c_str()))
         return Fail(request.html, L"the page would replace the text itself");
-    std::wstring const prepared = Prepare(text, language->escape);
+    std::wstring const prepared = Prepare(text, *language);
     CVekRef<IVekLexer> const lexer = MakeLexer(*language);
     CVekRef<IVekTokenizer> const tokens(getVekLibKernel()->CreateTokenizer());
     if (!tokens || !tokens->Tokenize(lexer.Get(), prepared.data(), static_cast<int>(prepared.size())))
@@ -132,7 +130,8 @@ int RunLex(LexRequest const & request)
     if (request.count)
         PrintCounts(*tokens, *language);
     if (!request.html.empty())
-        return WriteWholeFile(request.html, MakeHtml(request.file, text, *language, *tokens)) ? EXIT_DONE : EXIT_FAILED;
+        return WriteWholeFile(request.html, MakeHtml(ShownName(request.file), text, *language, *tokens)) ? EXIT_DONE
+                                                                                                         : EXIT_FAILED;
     for (int i = 0; i < tokens->GetNumTokens() && !request.count; ++i)
         PrintToken(*tokens->GetToken(i), text, *language);
     return EXIT_DONE;

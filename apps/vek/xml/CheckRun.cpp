@@ -4,7 +4,6 @@
 
 #include "Console.h"
 #include "FileErrors.h"
-#include "LogToStderr.h"
 #include "Platform.h"
 #include "XmlFile.h"
 
@@ -12,30 +11,6 @@
 
 namespace tool
 {
-
-namespace
-{
-
-/// The part of a text behind a mark, up to the end of its line; empty without the mark.
-std::wstring Behind(std::wstring const & text, std::wstring_view mark)
-{
-    std::size_t const at = text.find(mark);
-    if (at == std::wstring::npos)
-        return {};
-    std::size_t const begin = at + mark.size();
-    return text.substr(begin, text.find(L'\n', begin) - begin);
-}
-
-/// What the parser's messages say of a malformed file: "line 3, col 2: mismatched tag".
-std::wstring ParseFailure(std::wstring const & messages)
-{
-    std::wstring const code = Behind(messages, L"Error code ");
-    std::wstring const place = Behind(messages, L"at ");
-    std::size_t const blank = code.find(L' ');
-    return place + L": " + (blank == std::wstring::npos ? code : code.substr(blank + 1));
-}
-
-} // namespace
 
 /// Reads one file on a worker. It is released once it has run.
 class CheckRun::FileCommand final : public CVekThreadCommand
@@ -133,35 +108,35 @@ void CheckRun::CheckFile(std::size_t index)
 CheckResult CheckRun::Read(std::wstring const & path)
 {
     CheckResult result;
-    std::wstring messages;
-    LogToStderr::Diversion const diversion(messages);
-    CVekRef<IVekFileIOStream> const stream(getVekLibKernel()->CreateFileIOStream());
+    CVekFileIOStream stream;
     CVekRef<IVekXMLDocument> const document(getVekLibKernel()->GetXMLManager()->CreateXMLDocument());
-    if (!stream || !document || !stream->Open(path.c_str(), VEK_IO_READ | VEK_IO_BINARY, 0))
+    if (!document || !stream.Open(path.c_str(), VEK_IO_READ | VEK_IO_BINARY, 0))
     {
-        result.message = L"can't be read: " + LastErrorText();
+        result.message = FaultLine(path, 0, 0, L"can't be read: " + ErrorText(stream.GetError().systemCode));
         return result;
     }
-    unsigned int const size = stream->GetSize();
+    unsigned int const size = stream.GetSize();
     unsigned char * const bytes = size < static_cast<unsigned int>(std::numeric_limits<int>::max())
                                       ? VekAllocMemory(size, __FILE__, __LINE__)
                                       : nullptr;
     if (!bytes)
     {
-        result.message = L"is too large for memory";
+        result.message = FaultLine(path, 0, 0, L"is too large for memory");
         return result;
     }
     CountTracked(size);
     CVekXMLParser parser;
     result.bytes = size;
-    if (size > 0 && !stream->Read(bytes, size, true))
-        result.message = L"can't be read whole";
-    else if (!parser.ParseXMLMemory(bytes, size, document.Get()))
-        result.message = Printable(ParseFailure(messages));
-    else if (!parser.IsComplete())
-        result.message = WhyIncomplete(*document);
+    if (size > 0 && !stream.Read(bytes, size, true))
+        result.message = FaultLine(path, 0, 0, L"can't be read whole");
     else
-        result.isGood = true;
+    {
+        parser.ParseXMLMemory(bytes, size, document.Get());
+        VekXMLError const error = parser.GetError();
+        result.isGood = error.code == VEK_XML_ERROR_NONE;
+        if (!result.isGood)
+            result.message = FaultLine(path, error.line, error.column, Describe(error));
+    }
     VekDeallocMemory(bytes, __FILE__, __LINE__);
     CountTracked(-static_cast<std::int64_t>(size));
     return result;

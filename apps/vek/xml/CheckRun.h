@@ -14,7 +14,7 @@ struct CheckResult
 {
     bool isGood = false;
     std::uint64_t bytes = 0;
-    std::wstring message; // of a bad file
+    std::wstring message; // of a bad file, with its name and place
 };
 
 /// Reads files with worker threads of the library. Each file is a thread command, which queues the next one on its

@@ -34,17 +34,23 @@ public:
             if (result.isGood && m_onlyBad)
                 continue;
             bar.Hide();
-            Console::Out().Write((result.isGood ? L"good  " : L"bad   ") + Printable(m_files[m_next]) +
-                                 (result.isGood ? L"" : L": " + result.message) + L"\n");
+            Console::Out().Write((result.isGood ? L"good  " + Printable(m_files[m_next]) : result.message) + L"\n");
         }
     }
     bool IsComplete() const { return m_next == m_files.size(); }
     bool HasBad() const { return m_bad > 0; }
 
-    void PrintSummary(CheckRun const & run, double seconds, double cpuUsage) const
+    void PrintSummary(std::uint64_t skipped) const
     {
         Console & out = Console::Out();
         out.Write(L"files     " + std::to_wstring(m_good) + L" good, " + std::to_wstring(m_bad) + L" bad\n");
+        if (skipped > 0)
+            out.Write(L"skipped   " + std::to_wstring(skipped) +
+                      (skipped == 1 ? L" file of another name\n" : L" files of other names\n"));
+    }
+    void PrintStats(CheckRun const & run, double seconds, double cpuUsage) const
+    {
+        Console & out = Console::Out();
         out.Write(L"bytes     " + Format(L"%.3f MB\n", static_cast<double>(m_bytes) / 1e6));
         out.Write(L"elapsed   " + Format(L"%.2f s\n", seconds));
         out.Write(L"CPU usage " + Format(L"%.0f %%\n", cpuUsage));
@@ -106,12 +112,13 @@ void Watch(CheckRun & run, Report & report, IVekProgressController & progress, P
 
 } // namespace
 
-int RunXmlCheck(std::vector<std::wstring> const & folders, int jobs, bool onlyBad)
+int RunXmlCheck(CheckRequest const & request)
 {
     std::vector<std::wstring> files;
+    std::uint64_t skipped = 0;
     bool isComplete = true;
-    for (std::wstring const & folder : folders)
-        isComplete = CollectXmlFiles(folder, files) && isComplete;
+    for (std::wstring const & folder : request.folders)
+        isComplete = CollectXmlFiles(folder, request.names, files, skipped) && isComplete;
 
     Interrupt const interrupt;
     CVekRef<IVekProgressController> const progress(getVekLibKernel()->CreateProgressController());
@@ -122,8 +129,8 @@ int RunXmlCheck(std::vector<std::wstring> const & folders, int jobs, bool onlyBa
     progress->SetCallback(bar.Get());
     timer->Start();
     CpuMeter cpu;
-    CheckRun run(files, std::min(jobs, static_cast<int>(std::max<std::size_t>(files.size(), 1))));
-    Report report(files, onlyBad);
+    CheckRun run(files, std::min(request.jobs, static_cast<int>(std::max<std::size_t>(files.size(), 1))));
+    Report report(files, request.onlyBad);
     if (!run.Start())
         return Fail(L"check", L"can't start worker threads");
     {
@@ -134,7 +141,9 @@ int RunXmlCheck(std::vector<std::wstring> const & folders, int jobs, bool onlyBa
     run.Stop();
     bool const isCancelled = progress->IsCancelled();
     report.PrintReady(run, *bar);
-    report.PrintSummary(run, timer->GetElapsedSeconds(), cpu.Usage());
+    report.PrintSummary(skipped);
+    if (request.stats)
+        report.PrintStats(run, timer->GetElapsedSeconds(), cpu.Usage());
     if (isCancelled)
         return Fail(L"check", L"stopped by Ctrl-C");
     return isComplete && !report.HasBad() ? EXIT_DONE : EXIT_FAILED;

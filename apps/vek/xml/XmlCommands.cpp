@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "StandardFiles.h"
 #include "xml/XmlCheck.h"
 #include "xml/XmlEdit.h"
 #include "xml/XmlShow.h"
@@ -44,8 +45,7 @@ struct Arguments
     std::vector<std::wstring> files;
     std::wstring file, target, path, attribute, value;
     bool create = false;
-    bool onlyBad = false;
-    int jobs = 0;
+    CheckRequest check{{}, {}, 0, false, false};
     std::size_t depth = std::numeric_limits<std::size_t>::max();
     EditOptions edit;
 };
@@ -62,60 +62,86 @@ Command & AddEditing(Command & command, EditOptions & edit)
 void AddReading(Command & xml, GivenArguments const & given)
 {
     xml.AddCommand("info", "Show what files hold and how fast they are read")
-        .AddTexts("FILE", given->files, "The files")
+        .AddTexts("FILE", given->files, "The files, \"-\" for standard input")
         .SetWork([given] { return RunXmlInfo(given->files); });
     xml.AddCommand("tree", "Show a file's elements, a line each, values as they are stored")
-        .AddText("FILE", given->file, "The file")
+        .AddText("FILE", given->file, "The file, \"-\" for standard input")
         .AddOption("--depth", "N", given->depth, 1, 0x7FFFFFFF, "Levels to show")
-        .SetWork([given] { return RunXmlTree(given->file, given->depth); });
+        .SetWork(
+            [given] {
+                return WithInput(given->file,
+                                 [&given](std::wstring const & path) { return RunXmlTree(path, given->depth); });
+            });
     xml.AddCommand("get", "Print an attribute's value")
-        .AddText("FILE", given->file, "The file")
+        .AddText("FILE", given->file, "The file, \"-\" for standard input")
         .AddText("PATH", given->path, ABOUT_PATH)
         .AddText("ATTRIBUTE", given->attribute, "The attribute's name")
         .SetFooter(ABOUT_PATHS)
-        .SetWork([given] { return RunXmlGet(given->file, given->path, given->attribute); });
+        .SetWork(
+            [given]
+            {
+                return WithInput(given->file, [&given](std::wstring const & path)
+                                 { return RunXmlGet(path, given->path, given->attribute); });
+            });
 }
 
 void AddSet(Command & xml, GivenArguments const & given)
 {
     Command set = xml.AddCommand("set", "Change or add an attribute");
-    set.AddText("FILE", given->file, "The file, replaced unless there is -o")
+    set.AddText("FILE", given->file, "The file, replaced unless there is -o; \"-\" for standard input and output")
         .AddText("PATH", given->path, ABOUT_PATH)
         .AddText("ATTRIBUTE", given->attribute, "The attribute's name")
         .AddText("VALUE", given->value, "The new value; behind \"--\" if it begins with a minus sign")
-        .AddOption("-o,--output", "OUT", given->target, "Write here and leave FILE alone")
+        .AddOption("-o,--output", "OUT", given->target, "Write here (\"-\": to standard output) and leave FILE alone")
         .AddFlag("--create", given->create, "Add the elements of PATH that are missing");
     AddEditing(set, given->edit).SetFooter(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_EDITING);
     set.SetWork(
         [given]
         {
             Arguments const & a = *given;
-            return RunXmlSet({a.file, a.path, a.attribute, a.value, a.target, a.create}, a.edit);
+            return WithFiles(a.file, a.target.empty() ? a.file : a.target,
+                             [&a](std::wstring const & from, std::wstring const & to) {
+                                 return RunXmlSet({from, a.path, a.attribute, a.value, to, a.create}, a.edit);
+                             });
         });
 }
 
 void AddFormat(Command & xml, GivenArguments const & given)
 {
     Command format = xml.AddCommand("format", "Write a file anew, indented by depth");
-    format.AddText("IN", given->file, "The file to read")
-        .AddText("OUT", given->target, "The file to write; may be the same");
+    format.AddText("IN", given->file, "The file to read, \"-\" for standard input")
+        .AddText("OUT", given->target, "The file to write; may be the same; \"-\" for standard output");
     AddEditing(format, given->edit)
         .SetFooter(ABOUT_EDITING)
-        .SetWork([given] { return RunXmlFormat(given->file, given->target, given->edit); });
+        .SetWork(
+            [given]
+            {
+                return WithFiles(given->file, given->target,
+                                 [&given](std::wstring const & from, std::wstring const & to)
+                                 { return RunXmlFormat(from, to, given->edit); });
+            });
 }
 
 void AddCheck(Command & xml, GivenArguments const & given)
 {
     xml.AddCommand("check", "Read all XML files of folders and tell which are bad")
         .AddTexts("DIR", given->files, "The folders; a file stands for itself")
-        .AddOption("--jobs", "N", given->jobs, 1, 64, "Worker threads (as many as processors)")
-        .AddFlag("--bad", given->onlyBad, "Print bad files only")
-        .SetFooter("Files are known by their names: .xml, .xsd, .xsl, .xslt, .svg, .rng, .xhtml and .ui. Ctrl-C stops.")
+        .AddOption("--jobs", "N", given->check.jobs, 1, 64, "Worker threads (as many as processors)")
+        .AddFlag("--bad", given->check.onlyBad, "Print bad files only")
+        .AddOptions("--name", "PATTERN", given->check.names, "Read files of such names, as \"*.dae\"; may be repeated")
+        .AddFlag("--stats", given->check.stats, "Tell time, processor and memory, too")
+        .SetFooter(
+            "Without --name, files are known by the names that XML files of tools have, such as .xml, .svg, .dae, "
+            ".x3d,\n.xaml, .resx and .vcxproj; the others are counted. A bad file's line is FILE:LINE:COLUMN: and "
+            "what is\nwrong there. Ctrl-C stops.")
         .SetWork(
             [given]
             {
                 int const processors = std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 64);
-                return RunXmlCheck(given->files, given->jobs ? given->jobs : processors, given->onlyBad);
+                CheckRequest request = given->check;
+                request.folders = given->files;
+                request.jobs = request.jobs ? request.jobs : processors;
+                return RunXmlCheck(request);
             });
 }
 

@@ -2,6 +2,7 @@
 
 #include "LibraryText.h"
 #include "WalkTree.h"
+#include "xml/LineBreaks.h"
 
 namespace tool
 {
@@ -29,6 +30,15 @@ private:
     std::uint64_t m_state = 0x243F6A8885A308D3ULL;
 };
 
+/// A stored value as it is after the library has read it from a file.
+std::wstring AsRead(std::wstring_view value)
+{
+    std::wstring read(value);
+    for (std::size_t at = 0; (at = read.find(LINE_BREAK, at)) != std::wstring::npos;)
+        read.replace(at, LINE_BREAK.size(), LIBRARY_LINE_BREAK);
+    return read;
+}
+
 void AddElement(Fingerprint & print, IVekXMLElement * element, std::size_t level)
 {
     print.Add(level);
@@ -39,7 +49,7 @@ void AddElement(Fingerprint & print, IVekXMLElement * element, std::size_t level
     for (int i = 0; i < attributes; ++i)
     {
         print.Add(View(constant->GetAttributeName(i)));
-        print.Add(View(constant->GetAttributeValue(i)));
+        print.Add(AsRead(View(constant->GetAttributeValue(i))));
     }
     // An empty section is not written, so that it counts as none.
     std::size_t const size = static_cast<std::size_t>(element->GetCDATASectionSize());

@@ -6,6 +6,7 @@
 #include "Platform.h"
 #include "Utf8.h"
 #include "XmlFile.h"
+#include "xml/LineBreaks.h"
 #include "xml/XmlLoss.h"
 
 namespace tool
@@ -63,8 +64,8 @@ bool IsSameFile(std::wstring const & first, std::wstring const & second)
            a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow;
 }
 
-/// Describes what the new file will lack; false, after telling the user, when it would replace a file whose text is
-/// lost with it.
+/// Restores what the file still tells of its line breaks, and describes what the new file will lack; false, after
+/// telling the user, when it would replace a file whose text is lost with it.
 bool AcceptLoss(std::wstring const & path, std::wstring const & target, IVekXMLDocument & document, bool dropText,
                 std::wstring & lost)
 {
@@ -74,6 +75,7 @@ bool AcceptLoss(std::wstring const & path, std::wstring const & target, IVekXMLD
         Fail(path, L"can't be read again: " + LastErrorText());
         return false;
     }
+    RestoreLineBreaks(document.GetRootElement(), loss.lineBreaks);
     lost = loss.Describe();
     if (!loss.IsData() || dropText || !IsSameFile(path, target))
         return true;
@@ -127,6 +129,8 @@ int RunXmlSet(SetRequest const & request, EditOptions const & options)
         return EXIT_FAILED;
     if (!element->SetAttributeValue(request.attribute.c_str(), VEK_VARIANT(request.value.c_str()), true))
         return Fail(request.path, L"the attribute can't be set");
+    std::wstring const stored = EscapeValue(request.value);
+    element->SetAttributeValue(element->FindAttributeIndex(request.attribute.c_str()), VEK_VARIANT(stored.c_str()));
     return Save(std::move(document), target, options.save, lost);
 }
 

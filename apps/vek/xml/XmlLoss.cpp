@@ -52,7 +52,12 @@ public:
     }
 
     /// Everything of each kind that the file holds.
-    XmlLoss const & Held() const { return m_held; }
+    XmlLoss Held() const
+    {
+        XmlLoss held = m_held;
+        held.lineBreaks = m_lineBreaks.Found();
+        return held;
+    }
 
 private:
     enum class State
@@ -128,10 +133,18 @@ private:
 
     void TakeTag(unsigned int unit)
     {
+        bool const isValue = m_quote != 0;
         if (TakeQuoted(unit))
+        {
+            if (m_quote && isValue)
+                m_lineBreaks.Take(unit);
             return;
+        }
         if (unit == '=')
+        {
             ++m_held.attributes;
+            m_lineBreaks.BeginValue();
+        }
         else if (unit == '>')
             m_state = State::Text;
     }
@@ -179,6 +192,7 @@ private:
     }
 
     XmlLoss m_held;
+    LineBreakScanner m_lineBreaks;
     State m_state = State::Text;
     State m_outer = State::Text;
     std::string m_opening;

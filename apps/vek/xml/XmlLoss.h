@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xml/LineBreaks.h"
 #include "xml/XmlCount.h"
 
 #include <cstdint>
@@ -17,6 +18,7 @@ struct XmlLoss
     std::uint64_t attributes = 0;    // an element keeps the first of a name, whatever its case
     std::uint64_t comments = 0;
     std::uint64_t instructions = 0; // the XML declaration is none
+    LineBreaks lineBreaks;          // not lost, once they are restored
 
     /// Whether data is lost, not only remarks.
     bool IsData() const { return text || cdataSections || attributes; }

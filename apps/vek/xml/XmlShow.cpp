@@ -7,6 +7,7 @@
 #include "LibraryText.h"
 #include "Platform.h"
 #include "ProgressBar.h"
+#include "StandardFiles.h"
 #include "WalkTree.h"
 #include "XmlFile.h"
 #include "xml/XmlCount.h"
@@ -42,7 +43,7 @@ void PrintInfo(std::wstring const & path, IVekXMLDocument & document, double mil
     auto const line = [&out](wchar_t const * label, std::wstring const & value)
     { out.Write(Format(L"  %-18s", label) + value + L"\n"); };
 
-    out.Write(Printable(path) + L"\n");
+    out.Write(ShownName(path) + L"\n");
     line(L"root element", PrintableName(root->GetName()));
     line(L"document type",
          document.GetDocumentType().IsEmpty() ? L"(none)" : PrintableName(document.GetDocumentType()));
@@ -102,7 +103,7 @@ int RunXmlInfo(std::vector<std::wstring> const & paths)
         if (progress->IsCancelled())
             return Fail(L"info", L"stopped by Ctrl-C");
         bar->Hide();
-        if (!ShowInfo(path))
+        if (WithInput(path, [](std::wstring const & file) { return ShowInfo(file) ? EXIT_DONE : EXIT_FAILED; }))
             code = EXIT_FAILED;
         progress->Progress(-1.0);
     }

@@ -1,0 +1,140 @@
+#include "StandardFiles.h"
+
+#include "Console.h"
+#include "FileErrors.h"
+#include "Platform.h"
+
+#include <vector>
+
+namespace tool
+{
+
+namespace
+{
+
+constexpr wchar_t const * STANDARD = L"-";
+constexpr DWORD PIECE = 0x10000;
+
+/// A file that is gone at the end of its scope.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(wchar_t const * name)
+    {
+        wchar_t folder[MAX_PATH + 1], path[MAX_PATH];
+        if (GetTempPathW(MAX_PATH + 1, folder) == 0 || GetTempFileNameW(folder, L"vek", 0, path) == 0)
+        {
+            Fail(name, L"no temporary file can be made: " + LastErrorText());
+            return;
+        }
+        m_path = path;
+        ShowAs(m_path, name);
+    }
+    ~TemporaryFile()
+    {
+        if (!m_path.empty())
+            DeleteFileW(m_path.c_str());
+    }
+    TemporaryFile(TemporaryFile const &) = delete;
+    TemporaryFile & operator=(TemporaryFile const &) = delete;
+
+    /// Empty after a failure that the user was told of.
+    std::wstring const & Path() const { return m_path; }
+
+private:
+    std::wstring m_path;
+};
+
+/// A handle for a scope.
+class File
+{
+public:
+    File(std::wstring const & path, DWORD access, DWORD disposition)
+        : m_handle(CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition, 0, nullptr))
+    {
+    }
+    ~File()
+    {
+        if (m_handle != INVALID_HANDLE_VALUE)
+            CloseHandle(m_handle);
+    }
+    File(File const &) = delete;
+    File & operator=(File const &) = delete;
+
+    HANDLE Get() const { return m_handle; }
+
+private:
+    HANDLE m_handle;
+};
+
+/// Hands out all that can be read; false when reading or the use fails.
+template <class Use>
+bool ReadAll(HANDLE handle, Use use)
+{
+    std::vector<char> buffer(PIECE);
+    DWORD size = 0;
+    while (ReadFile(handle, buffer.data(), PIECE, &size, nullptr))
+    {
+        if (size == 0)
+            return true;
+        if (!use(buffer.data(), size))
+            return false;
+    }
+    return GetLastError() == ERROR_BROKEN_PIPE; // its writer has ended
+}
+
+bool TakeInput(std::wstring const & path)
+{
+    File const file(path, GENERIC_WRITE, CREATE_ALWAYS);
+    auto const store = [&file](char const * bytes, DWORD size)
+    {
+        DWORD written = 0;
+        return WriteFile(file.Get(), bytes, size, &written, nullptr) && written == size;
+    };
+    return file.Get() != INVALID_HANDLE_VALUE && ReadAll(GetStdHandle(STD_INPUT_HANDLE), store);
+}
+
+bool SendOutput(std::wstring const & path)
+{
+    File const file(path, GENERIC_READ, OPEN_EXISTING);
+    auto const send = [](char const * bytes, DWORD size)
+    {
+        Console::Out().WriteBytes(std::string_view(bytes, size));
+        return true;
+    };
+    return file.Get() != INVALID_HANDLE_VALUE && ReadAll(file.Get(), send);
+}
+
+} // namespace
+
+int WithInput(std::wstring const & given, std::function<int(std::wstring const & path)> const & work)
+{
+    if (given != STANDARD)
+        return work(given);
+    TemporaryFile const file(L"<standard input>");
+    if (file.Path().empty())
+        return EXIT_FAILED;
+    return TakeInput(file.Path()) ? work(file.Path()) : Fail(file.Path(), L"can't be read: " + LastErrorText());
+}
+
+int WithOutput(std::wstring const & given, std::function<int(std::wstring const & path)> const & work)
+{
+    if (given != STANDARD)
+        return work(given);
+    TemporaryFile const file(L"<standard output>");
+    if (file.Path().empty())
+        return EXIT_FAILED;
+    int const code = work(file.Path());
+    if (code == EXIT_DONE && !SendOutput(file.Path()))
+        return Fail(file.Path(), L"can't be written: " + LastErrorText());
+    return code;
+}
+
+int WithFiles(std::wstring const & from, std::wstring const & to,
+              std::function<int(std::wstring const & from, std::wstring const & to)> const & work)
+{
+    return WithInput(from, [&](std::wstring const & in)
+                     { return WithOutput(to, [&](std::wstring const & out) { return work(in, out); }); });
+}
+
+} // namespace tool
