@@ -70,7 +70,8 @@ protected:
 };
 
 /// Counts references for an interface: derive from CVekRefCounted<IVekSomething> and write only the interface's own
-/// operations. The virtual destructor follows the interface's operations in the vtable.
+/// operations. The virtual destructor follows the interface's operations in the vtable. With Microsoft's C++ ABI it is
+/// an import for those interfaces that a class of the library counts for in this way.
 template <class Interface>
 class CVekRefCounted : public Interface
 {
@@ -341,7 +342,7 @@ VEK_API bool VekDeallocMemory(void * pointer, char const * file, int line);
 
 class CVekEventHandlerContainer;
 
-/// The base of what hosts send with an event.
+/// The base of what hosts send with an event. The library must be of the host's own C++ ABI.
 class VEK_API CVekEventData
 {
 public:
@@ -354,6 +355,7 @@ public:
 /// Receives an event. Hosts derive from it, subscribe it with IVekKernel::AddEventHandler, and may group it with others
 /// in a container. It is meant for one event at a time, as often as it was added: a second event is delivered as well,
 /// but GetEvent tells the last one only, which is also the only one that leaving the container ends.
+/// The library must be of the host's own C++ ABI.
 class VEK_API CVekEventHandler : public CVekRefCounted<IVekObject>
 {
 public:

@@ -331,7 +331,8 @@ void Mix(Library const & library, Library const & other, std::wstring const & pa
     CHECK(Parsed(library, path + L".out")->GetRootElement()->GetNumChildren() == 2);
 
     auto const empty = Made(other.XML().CreateXMLDocument());
-    CHECK(!Made(library.XML().CreateXMLParser())->ParseXMLFile(path.c_str(), empty.Get()) || empty->GetRootElement());
+    CHECK(Made(library.XML().CreateXMLParser())->ParseXMLFile(path.c_str(), empty.Get()));
+    CHECK(empty->GetRootElement()->GetNumChildren() == 2 && WritesTo(other, empty.Get(), WRITTEN));
     auto const mine = Made(other.XML().CreateXMLElement());
     mine->SetName(L"mine");
     mine->FindChild(L"inner", true);
