@@ -277,7 +277,7 @@ constexpr Row ROWS[] = {
     {"pans of a camera", Pans, 10069636741701713241u},
 };
 
-TEST(Math, SameBitsInEveryBuild)
+TEST(PlainArithmetic, HasTheSameBitsInEveryBuild)
 {
     for (Row const & row : ROWS)
     {
