@@ -1,5 +1,6 @@
 #include "VekCore.h"
 
+#include "base/Compiler.h"
 #include "base/QuietRuntime.h"
 #include "core/LogDispatch.h"
 #include "core/ProcessState.h"
@@ -33,23 +34,28 @@ void FormatLine(wchar_t (&buffer)[BUFFER_SIZE], wchar_t const * format, va_list 
     buffer[end + 1] = L'\0';
 }
 
-} // namespace
-
-void VekLogOutput(int level, wchar_t const * format, ...)
+// Apart from the look at the level, which costs next to nothing without this frame.
+VEK_NEVER_INLINE void Show(int level, wchar_t const * format, va_list arguments)
 {
-    if (vek::g_debugOutputLevel.load(std::memory_order_relaxed) < level)
-        return;
     wchar_t text[BUFFER_SIZE];
-    va_list arguments;
-    va_start(arguments, format);
     FormatLine(text, format, arguments);
-    va_end(arguments);
-
     OutputDebugStringW(text);
     vek::DispatchToCatchers(level, text);
 }
 
-void VekWindowsError()
+} // namespace
+
+void VekLogOutput(int level, wchar_t const * format, ...) noexcept
+{
+    if (vek::g_debugOutputLevel.load(std::memory_order_relaxed) < level)
+        return;
+    va_list arguments;
+    va_start(arguments, format);
+    Show(level, format, arguments);
+    va_end(arguments);
+}
+
+void VekWindowsError() noexcept
 {
     wchar_t * text = nullptr;
     DWORD const length = FormatMessageW(

@@ -191,10 +191,10 @@ protected:
 /// Formats a message (wide printf rules: "%s" is wide text), appends a newline and sends it to the debugger and to
 /// every registered catcher, in the order of registration. Messages above the debug output level cost nothing. A text
 /// longer than 4,094 characters is cut there.
-VEK_API void VekLogOutput(int level, wchar_t const * format, ...);
+VEK_API void VekLogOutput(int level, wchar_t const * format, ...) noexcept;
 
 /// Sends the system's text for the calling thread's last error to the debugger; nothing when there is no text.
-VEK_API void VekWindowsError();
+VEK_API void VekWindowsError() noexcept;
 
 /// Sets the process-wide debug output level for a scope and puts the earlier one back at its end.
 class VEK_API CVekSetDebugOutputLevel
