@@ -35,7 +35,7 @@ void FormatLine(wchar_t (&buffer)[BUFFER_SIZE], wchar_t const * format, va_list 
 }
 
 // Apart from the look at the level, which costs next to nothing without this frame.
-VEK_NEVER_INLINE void Show(int level, wchar_t const * format, va_list arguments)
+VEK_NEVER_INLINE void Show(int level, wchar_t const * format, va_list arguments) noexcept
 {
     wchar_t text[BUFFER_SIZE];
     FormatLine(text, format, arguments);
