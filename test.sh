@@ -23,7 +23,10 @@ checks_end() {
 }
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(win32 win64 msvc32 msvc64 win32-guard)
+if [ ${#presets[@]} = 0 ]; then
+    presets=(win32 win64 msvc32 msvc64 win32-guard) # hosts of the third and fourth run with the DLLs of the first two
+    export VEK_TEST_ALL=1
+fi
 status=0
 for preset in "${presets[@]}"; do
     step "build $preset" "build-$preset" configure_and_build "$preset"

@@ -7,8 +7,15 @@
 
 /// In front of a function that is always made part of its callers.
 #define VEK_ALWAYS_INLINE __forceinline
+/// In front of a function that is never made part of its callers, so that they don't pay for its frame.
+#define VEK_NEVER_INLINE __declspec(noinline)
 /// In front of a loop: unrolls it this many times, where the compiler does not decide that itself.
+#if defined(__clang__)
+#define VEK_PRAGMA(text) _Pragma(#text)
+#define VEK_UNROLL(times) VEK_PRAGMA(clang loop unroll_count(times))
+#else
 #define VEK_UNROLL(times)
+#endif
 /// Tells the optimiser what is always true here.
 #define VEK_ASSUME(condition) __assume(condition)
 /// Silences a warning, by its name, up to the end of the file.
@@ -33,6 +40,7 @@ inline double WithoutSign(double value) noexcept
 
 #define VEK_PRAGMA(text) _Pragma(#text)
 #define VEK_ALWAYS_INLINE [[gnu::always_inline]] inline
+#define VEK_NEVER_INLINE [[gnu::noinline]]
 #define VEK_UNROLL(times) VEK_PRAGMA(GCC unroll times)
 #define VEK_ASSUME(condition) ((condition) ? static_cast<void>(0) : __builtin_unreachable())
 #define VEK_IGNORE_WARNING(name) VEK_PRAGMA(GCC diagnostic ignored name)

@@ -1,5 +1,6 @@
 #include "VekCore.h"
 
+#include "base/Compiler.h"
 #include "base/QuietRuntime.h"
 #include "core/LogDispatch.h"
 #include "core/ProcessState.h"
@@ -33,12 +34,13 @@ void FormatLine(wchar_t (&buffer)[BUFFER_SIZE], wchar_t const * format, va_list 
     buffer[end + 1] = L'\0';
 }
 
-bool IsShown(int level)
+bool IsShown(int level) noexcept
 {
     return vek::g_debugOutputLevel.load(std::memory_order_relaxed) >= level;
 }
 
-void Send(VEK_LOG_CATEGORY category, int level, wchar_t const * format, va_list arguments)
+// Apart from the look at the level, which costs next to nothing without this frame.
+VEK_NEVER_INLINE void Show(VEK_LOG_CATEGORY category, int level, wchar_t const * format, va_list arguments) noexcept
 {
     wchar_t text[BUFFER_SIZE];
     FormatLine(text, format, arguments);
@@ -48,27 +50,27 @@ void Send(VEK_LOG_CATEGORY category, int level, wchar_t const * format, va_list 
 
 } // namespace
 
-void VekLogOutput(int level, wchar_t const * format, ...)
+void VekLogOutput(int level, wchar_t const * format, ...) noexcept
 {
     if (!IsShown(level))
         return;
     va_list arguments;
     va_start(arguments, format);
-    Send(VEK_LOG_FAILURE, level, format, arguments);
+    Show(VEK_LOG_FAILURE, level, format, arguments);
     va_end(arguments);
 }
 
-void VekLogOutputAs(VEK_LOG_CATEGORY category, int level, wchar_t const * format, ...)
+void VekLogOutputAs(VEK_LOG_CATEGORY category, int level, wchar_t const * format, ...) noexcept
 {
     if (!IsShown(level))
         return;
     va_list arguments;
     va_start(arguments, format);
-    Send(category, level, format, arguments);
+    Show(category, level, format, arguments);
     va_end(arguments);
 }
 
-void VekWindowsError()
+void VekWindowsError() noexcept
 {
     wchar_t * text = nullptr;
     DWORD const length = FormatMessageW(

@@ -70,7 +70,8 @@ protected:
 };
 
 /// Counts references for an interface: derive from CVekRefCounted<IVekSomething> and write only the interface's own
-/// operations. The virtual destructor follows the interface's operations in the vtable.
+/// operations. The virtual destructor follows the interface's operations in the vtable. With Microsoft's C++ ABI it is
+/// an import for those interfaces that a class of the library counts for in this way.
 template <class Interface>
 class CVekRefCounted : public Interface
 {
@@ -200,17 +201,17 @@ enum VEK_LOG_CATEGORY : unsigned int
 /// Formats a message (wide printf rules: "%s" is wide text), appends a newline and sends it to the debugger and to
 /// every registered catcher, in the order of registration. Messages above the debug output level cost nothing. A text
 /// longer than 4,094 characters is cut there.
-VEK_API void VekLogOutput(int level, wchar_t const * format, ...);
+VEK_API void VekLogOutput(int level, wchar_t const * format, ...) noexcept;
 
 /// As VekLogOutput, under another category than VEK_LOG_FAILURE.
-VEK_API void VekLogOutputAs(VEK_LOG_CATEGORY category, int level, wchar_t const * format, ...);
+VEK_API void VekLogOutputAs(VEK_LOG_CATEGORY category, int level, wchar_t const * format, ...) noexcept;
 
 /// For catchers: the category of the message that OnLogOutput has been called with. VEK_LOG_NONE outside of such a
 /// call, or on another thread than the one that logs.
 VEK_API VEK_LOG_CATEGORY VekGetLogCategory();
 
 /// Sends the system's text for the calling thread's last error to the debugger; nothing when there is no text.
-VEK_API void VekWindowsError();
+VEK_API void VekWindowsError() noexcept;
 
 /// Sets the process-wide debug output level for a scope and puts the earlier one back at its end.
 class VEK_API CVekSetDebugOutputLevel
@@ -367,7 +368,7 @@ VEK_API bool VekDeallocMemory(void * pointer, char const * file, int line);
 
 class CVekEventHandlerContainer;
 
-/// The base of what hosts send with an event.
+/// The base of what hosts send with an event. The library must be of the host's own C++ ABI.
 class VEK_API CVekEventData
 {
 public:
@@ -380,6 +381,7 @@ public:
 /// Receives an event. Hosts derive from it, subscribe it with IVekKernel::AddEventHandler, and may group it with others
 /// in a container. It is meant for one event at a time, as often as it was added: a second event is delivered as well,
 /// but GetEvent tells the last one only, which is also the only one that leaving the container ends.
+/// The library must be of the host's own C++ ABI.
 class VEK_API CVekEventHandler : public CVekRefCounted<IVekObject>
 {
 public:

@@ -3,6 +3,8 @@
 #ifndef VEK_EXPORT_H
 #define VEK_EXPORT_H
 
+/// What a host imports. Names and layouts are those of one C++ ABI: objects of such classes, and of a host's classes
+/// that are derived from them, are only for a library of the host's own. Interfaces are for both.
 #if defined(VEKLIB_STATIC)
 #define VEK_API
 #elif defined(_WIN32)

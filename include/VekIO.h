@@ -129,7 +129,8 @@ protected:
 class IVekFileIOStream : public IVekIOStream
 {
 public:
-    /// The C runtime's file of the library's own runtime, owned by the stream; null when closed.
+    /// The C runtime's file of the library's own runtime, owned by the stream; null when closed. Only for functions of
+    /// that runtime: a host with another one must not use it.
     VEK_OVERLOADS2(virtual struct _iobuf * GetFileHandle() = 0, virtual struct _iobuf * GetFileHandle() const = 0)
     /// The name given to the last Open that succeeded, owned by the stream.
     virtual CVekString<wchar_t> const & GetFilePath() const = 0;

@@ -362,7 +362,8 @@ VEK_API bool VekGetRelativePathT(CVekString<wchar_t> & out, wchar_t const * from
 /// no memory for the result. A base whose copy there was no memory for is taken for an empty one.
 VEK_API bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base);
 
-/// Opens a file with a mode of fopen; null on failure. The caller closes it with VekFileClose.
+/// Opens a file with a mode of fopen; null on failure. The caller closes it with VekFileClose. It is a file of the
+/// library's own runtime, and only for functions of that.
 VEK_API _iobuf * VekFileOpenA(char const * name, char const * mode);
 VEK_API _iobuf * VekFileOpenW(wchar_t const * name, wchar_t const * mode);
 VEK_API void VekFileCloseA(_iobuf * file);

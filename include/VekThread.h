@@ -229,7 +229,7 @@ protected:
 };
 
 /// A piece of work for a worker thread. Hosts derive from it and write Execute. By default it is released once it has
-/// run.
+/// run. The library must be of the host's own C++ ABI.
 class VEK_API CVekThreadCommand : public CVekRefCounted<IVekObject>
 {
 public:

@@ -245,9 +245,10 @@ public:
     unsigned char const * GetBuffer() const;
     int GetBufferSize() const;
 
-    /// Releases the buffer and takes the given block of the global allocator (malloc or new) over; always true. Given
-    /// the variant's own buffer, only the size changes. The size is 0 without a block, and none is below 0. A variant
-    /// of the types 13 to 19 frees a block of a size below 1 at once, and keeps its own object when that is given.
+    /// Releases the buffer and takes the given block of the global allocator (malloc or new) over, which must be that
+    /// of the library's own runtime: CopyBuffer takes any block. Always true. Given the variant's own buffer, only the
+    /// size changes. The size is 0 without a block, and none is below 0. A variant of the types 13 to 19 frees a block
+    /// of a size below 1 at once, and keeps its own object when that is given.
     bool SetBuffer(unsigned char * buffer, int size);
     /// Releases the buffer and stores a copy of the bytes. False, without a buffer, for a size below 1, null or no
     /// memory.

@@ -3,6 +3,7 @@
 #include "VekCore.h"
 #include "VekGeometry.h"
 
+#include "base/Compiler.h"
 #include "math/LUDecomposition.h"
 #include "math/LUSubstitution.h"
 
@@ -17,7 +18,7 @@ public:
     explicit constexpr Geometry(wchar_t const * className) noexcept : m_className(className) {}
 
     template <class Element>
-    T LUDecompose(CVekMatrix<Element> & a, unsigned int * order) const noexcept
+    VEK_ALWAYS_INLINE T LUDecompose(CVekMatrix<Element> & a, unsigned int * order) const noexcept
     {
         if (a.GetRows() != a.GetColumns())
         {
@@ -36,8 +37,8 @@ public:
     }
 
     template <class Element>
-    void LUSubstitution(CVekMatrix<Element> const & a, unsigned int const * order, T const * src,
-                        T * result) const noexcept
+    VEK_ALWAYS_INLINE void LUSubstitution(CVekMatrix<Element> const & a, unsigned int const * order, T const * src,
+                                          T * result) const noexcept
     {
         if (a.GetRows() != a.GetColumns())
             VekLogOutput(0, L"%s::LUSubstitution --> matrix must be square ( eg, 3x3, 4x4 )", m_className);
@@ -97,10 +98,11 @@ public:
         return true;
     }
 
-    static bool RayTriangleIntersection(CVekVector3D<T> const & p0, CVekVector3D<T> const & p1,
-                                        CVekVector3D<T> const & a, CVekVector3D<T> const & b, CVekVector3D<T> const & c,
-                                        CVekVector3D<T> const & normal, unsigned int flags, T threshold, T & t,
-                                        CVekVector3D<T> & hit, CVekVector3D<T> * weights) noexcept
+    VEK_ALWAYS_INLINE static bool RayTriangleIntersection(CVekVector3D<T> const & p0, CVekVector3D<T> const & p1,
+                                                          CVekVector3D<T> const & a, CVekVector3D<T> const & b,
+                                                          CVekVector3D<T> const & c, CVekVector3D<T> const & normal,
+                                                          unsigned int flags, T threshold, T & t, CVekVector3D<T> & hit,
+                                                          CVekVector3D<T> * weights) noexcept
     {
         T const facing = normal.Dot(p1 - p0);
         if (((flags & VEK_RT_SKIP_BACK_FACES) && facing > T(0)) || ((flags & VEK_RT_SKIP_FRONT_FACES) && facing < T(0)))

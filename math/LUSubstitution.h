@@ -22,7 +22,7 @@ public:
     }
 
     /// result may be src. Nothing happens without memory or with an order table that names other rows.
-    void Run(V const * src, V * result) const noexcept
+    VEK_ALWAYS_INLINE void Run(V const * src, V * result) const noexcept
     {
         for (size_t i = 0; i < m_size; ++i)
             if (m_order[i] >= m_size)
@@ -32,11 +32,7 @@ public:
         if (m_size == 4)
             return SolveSmall<4>(src, result);
         if (m_size <= SMALL_SIZE)
-        {
-            V small[SMALL_SIZE];
-            Solve(src, small, result);
-            return;
-        }
+            return SolveOnStack(src, result);
         V * const y = m_size <= PTRDIFF_MAX / sizeof(V) ? new (std::nothrow) V[m_size] : nullptr;
         if (y)
             Solve(src, y, result);
@@ -47,6 +43,12 @@ private:
     static constexpr size_t SMALL_SIZE = 64, GROUP = 4;
 
     T const * Row(size_t i) const noexcept { return m_elements + static_cast<size_t>(m_order[i]) * m_size; }
+
+    VEK_NEVER_INLINE void SolveOnStack(V const * src, V * result) const noexcept
+    {
+        V small[SMALL_SIZE];
+        Solve(src, small, result);
+    }
 
     void Solve(V const * src, V * y, V * result) const noexcept
     {

@@ -3,11 +3,24 @@
 
 #include "VekXML.h"
 
-class ForeignElement : public CVekRefCounted<IVekXMLElement>
+class ForeignElement : public IVekXMLElement
 {
 public:
-    explicit ForeignElement(wchar_t const * name = L"") { m_inner->SetName(name); }
-    ~ForeignElement() override { m_inner->Release(); }
+    explicit ForeignElement(wchar_t const * name = L"") : ForeignElement(new CVekXMLElement, name) {}
+    // Keeps its children and its name in an element of its own, which it takes over.
+    ForeignElement(IVekXMLElement * inner, wchar_t const * name) : m_inner(inner) { m_inner->SetName(name); }
+    virtual ~ForeignElement() { m_inner->Release(); }
+
+    // By its own hand: CVekRefCounted<IVekXMLElement> may be an import.
+    unsigned int AddRef() override { return ++m_count; }
+    unsigned int Release() override
+    {
+        unsigned int const count = --m_count;
+        if (count == 0)
+            delete this;
+        return count;
+    }
+    unsigned int GetRefCount() const override { return m_count; }
 
     IVekXMLElement * GetParent() override { return nullptr; }
     IVekXMLElement const * GetParent() const override { return nullptr; }
@@ -58,5 +71,6 @@ public:
     // clang-format on
 
 private:
-    CVekXMLElement * m_inner = new CVekXMLElement;
+    unsigned int m_count = 1;
+    IVekXMLElement * m_inner;
 };
