@@ -134,11 +134,10 @@ public:
 
     /// Reads entries from the stream's position and adds them to those that are there. False when the stream ends
     /// early, a count or length is negative (the number of entries may be: it counts as 0) or more than the stream
-    /// still holds, or memory is exhausted; the entries before the fault stay. A stream of a host's own
-    /// whose size is 0 or 0xFFFFFFFF counts as one of unknown size: all is read with the block read, which tells the
-    /// end.
+    /// still holds, or memory is exhausted; the entries before the fault stay. A stream of a host's own whose size is 0
+    /// or 0xFFFFFFFF counts as one of unknown size: all is read with the block read, which tells the end.
     bool Read(IVekIOStream * stream);
-    /// The same, and tells what was wrong.
+    /// The same, and tells what was wrong; the code is VEK_DATA_ERROR_NONE after a success.
     bool Read(IVekIOStream * stream, VekDataError & error);
     /// Deletes the entries.
     void Clear();

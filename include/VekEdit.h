@@ -21,22 +21,23 @@ VEK_API IVekXMLElement * VekCloneXMLElement(IVekXMLElement const * element);
 VEK_API bool VekRemoveXMLAttribute(IVekXMLElement * element, wchar_t const * name);
 
 /// Gives an attribute another name and value, in its place; the value is escaped. False, with nothing changed, when
-/// there is no attribute of that name, another one has the new name, or the value has no text form.
+/// there is no attribute of that name, another one has the new name, or the value has no text form, for null and for an
+/// element of a foreign implementation, and, with a message, when memory is exhausted.
 VEK_API bool VekReplaceXMLAttribute(IVekXMLElement * element, wchar_t const * name, wchar_t const * newName,
                                     VEK_VARIANT const & value);
 
 // --- files ----------------------------------------------------------------------------------------------------------
 
 /// Whether two elements have the same names, attributes, CDATA sections and children, in the same order. Attribute
-/// values are compared as readers understand them: "&#10;", and the library's own "&lt;EOL&gt;", are a newline. False
-/// when memory is exhausted.
+/// values are compared as readers understand them: "&#10;", and the library's own "&lt;EOL&gt;", are a newline. Null is
+/// the same as null alone. False when memory is exhausted.
 VEK_API bool VekIsSameXML(IVekXMLElement const * first, IVekXMLElement const * second);
 
 /// Saves a document so that there is either the old file or the whole new one: writes a new file beside it, flushes
 /// it to the disk, reads it back, compares the elements with the document's (VekIsSameXML), and only then puts it in
 /// the old one's place, in one step. The writer and the parser may be the host's own, with other settings; null for the
-/// library's. False, with a message, the old file untouched and the new one removed, when any of that fails: so are
-/// values that the writer can't write such that they are read as the same, such as tabs.
+/// library's. False, with a message, the old file untouched and the new one removed, when any of that fails (values
+/// such as tabs may not be read as they were written), and for a document that is null or has no root.
 VEK_API bool VekSaveXMLDocument(wchar_t const * path, IVekXMLDocument * document, IVekXMLWriter * writer = nullptr,
                                 IVekXMLParser * parser = nullptr);
 

@@ -482,6 +482,7 @@ class CVekMatrix4x4 : public CVekMatrixMxN<T, 4, 4>
 public:
     /// All elements are 0.
     CVekMatrix4x4() noexcept = default;
+    /// The elements of a matrix of the other precision, rounded to this one's.
     template <class U>
     explicit CVekMatrix4x4(CVekMatrix4x4<U> const & other) noexcept
     {
@@ -489,6 +490,7 @@ public:
             this->m_elements[i] = static_cast<T>(other.GetElements()[i]);
     }
 
+    /// No transform at all; a translation by an offset; a scaling by a factor for each axis.
     VEK_API static CVekMatrix4x4 Identity() noexcept;
     VEK_API static CVekMatrix4x4 Translation(CVekVector3D<T> const & offset) noexcept;
     VEK_API static CVekMatrix4x4 Scaling(CVekVector3D<T> const & factors) noexcept;

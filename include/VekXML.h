@@ -522,7 +522,7 @@ constexpr VEK_XML_KEEP operator|(VEK_XML_KEEP left, VEK_XML_KEEP right) noexcept
 }
 
 /// Where an element stands in the bytes of its source, a byte order mark included.
-struct VEK_XML_POSITION
+struct VekXMLPosition
 {
     /// The first byte of the start tag, and the tag's length in bytes.
     unsigned int offset;
@@ -601,7 +601,7 @@ public:
     /// Where an element of the last parse stood. False when positions weren't kept, for an element that the parse did
     /// not make, and for one that came out of an entity's text. Elements are known by their address: ask before the
     /// tree is changed.
-    bool GetPosition(IVekXMLElement const * element, VEK_XML_POSITION & position) const;
+    bool GetPosition(IVekXMLElement const * element, VekXMLPosition & position) const;
     /// The bytes of an attribute's value in the source, without its quotes. False as above, and for a value that is a
     /// declared default.
     bool GetAttributePosition(IVekXMLElement const * element, int index, unsigned int & offset,
@@ -624,7 +624,7 @@ private:
 };
 
 /// What a writer that keeps all writes.
-enum VEK_XML_ENCODING
+enum VEK_XML_ENCODING : unsigned int
 {
     /// What the document was read from; UTF-8 for a new document, and when that was neither UTF-8 nor UTF-16.
     VEK_XML_ENCODING_AS_SOURCE = 0,

@@ -1,7 +1,7 @@
 #include "VekIO.h"
 
-#include "base/QuietRuntime.h"
 #include "base/LiveObjects.h"
+#include "base/QuietRuntime.h"
 #include "io/ScanText.h"
 
 #include <limits.h>

@@ -55,6 +55,8 @@ libc6-i386                  /lib/ld-linux.so.2
 wine64                      /usr/lib/wine/wine64
 xvfb                        Xvfb
 xdotool                     xdotool
+gdb-mingw-w64               i686-w64-mingw32-gdb
+gdb-mingw-w64-target        /usr/share/win32/gdbserver.exe
 '
 llvm=/usr/lib/llvm-19
 [ -z "$msvc" ] || packages+="

@@ -168,7 +168,7 @@ bool CVekXMLParser::SetPlatformEncodings(bool use)
     return options != nullptr;
 }
 
-bool CVekXMLParser::GetPosition(IVekXMLElement const * element, VEK_XML_POSITION & position) const
+bool CVekXMLParser::GetPosition(IVekXMLElement const * element, VekXMLPosition & position) const
 {
     return m_state && m_state->extras && m_state->extras->positions.Find(element, position);
 }

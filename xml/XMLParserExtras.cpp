@@ -239,9 +239,9 @@ bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int at
     auto const column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
     // The tokenizer counts a byte order mark as a column.
     unsigned int const mark = line == 1 && extras->source.MarkLength() > 0 ? 1 : 0;
-    VEK_XML_POSITION const position = {static_cast<unsigned int>(offset),
-                                       static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, line,
-                                       column + 1 - mark};
+    VekXMLPosition const position = {static_cast<unsigned int>(offset),
+                                     static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, line,
+                                     column + 1 - mark};
     if (!extras->source.IsTagAt(offset))
         return extras->positions.Begin(nullptr, position);
     return extras->positions.Begin(element, position) &&

@@ -18,7 +18,7 @@ size_t XMLPositions::Home(IVekXMLElement const * element) const noexcept
     return (address * 0x9E3779B1U >> 6) & (m_slots.Size() - 1);
 }
 
-bool XMLPositions::Begin(IVekXMLElement const * element, VEK_XML_POSITION const & position) noexcept
+bool XMLPositions::Begin(IVekXMLElement const * element, VekXMLPosition const & position) noexcept
 {
     if (!element)
         return m_open.Append(0);
@@ -81,7 +81,7 @@ XMLPositions::Record const * XMLPositions::RecordOf(IVekXMLElement const * eleme
     return nullptr;
 }
 
-bool XMLPositions::Find(IVekXMLElement const * element, VEK_XML_POSITION & position) const noexcept
+bool XMLPositions::Find(IVekXMLElement const * element, VekXMLPosition & position) const noexcept
 {
     Record const * const record = RecordOf(element);
     if (record)

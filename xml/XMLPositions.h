@@ -14,21 +14,21 @@ class XMLPositions
 {
 public:
     /// An element of the tree begins; null for one that has no place in the source. False when memory is exhausted.
-    bool Begin(IVekXMLElement const * element, VEK_XML_POSITION const & position) noexcept;
+    bool Begin(IVekXMLElement const * element, VekXMLPosition const & position) noexcept;
     /// The place of the next value of the element that began last; the first one is the attribute of that index. An
     /// empty offset stands for a value that is not in the source.
     bool AddValue(int firstIndex, XMLRange value) noexcept;
     /// The innermost element that has begun ends.
     void End(unsigned int end) noexcept;
 
-    bool Find(IVekXMLElement const * element, VEK_XML_POSITION & position) const noexcept;
+    bool Find(IVekXMLElement const * element, VekXMLPosition & position) const noexcept;
     bool FindValue(IVekXMLElement const * element, int index, XMLRange & value) const noexcept;
 
 private:
     struct Record
     {
         IVekXMLElement const * element;
-        VEK_XML_POSITION position;
+        VekXMLPosition position;
         uint32_t firstValue;
         uint32_t valueCount;
         int firstIndex;

@@ -2,9 +2,7 @@
 
 #include "Console.h"
 #include "LibraryText.h"
-#include "LogToStderr.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace tool
@@ -18,27 +16,6 @@ constexpr Color CURVE_COLOR(240, 170, 70, 255);
 // window. Its corners show close up.
 constexpr double FINENESS = 1.0 / 4000.0;
 constexpr unsigned int MOST_SEGMENTS = 1000000;
-
-/// The first line of the library's messages, without the operation's name.
-std::wstring Reason(std::wstring const & messages)
-{
-    std::size_t const arrow = messages.find(L"--> ");
-    std::size_t const begin = arrow == std::wstring::npos ? 0 : arrow + 4;
-    return messages.substr(begin, messages.find(L'\n', begin) - begin);
-}
-
-/// True for sorted knots of which one stands more often than degree times, at the ends of the list once more.
-bool IsOneTooOften(std::vector<double> const & knots, std::size_t degree)
-{
-    for (std::size_t i = 0; i + degree < knots.size(); ++i)
-    {
-        bool const isAtEnd = knots[i] == knots.front() || knots[i] == knots.back();
-        std::size_t const tooFar = i + degree + (isAtEnd ? 1 : 0);
-        if (tooFar < knots.size() && knots[tooFar] == knots[i])
-            return true;
-    }
-    return false;
-}
 
 } // namespace
 
@@ -56,22 +33,17 @@ void CurveReader::Read(IVekXMLElement & element, Scene & scene)
     if (!m_reader.Finish() || !readPoints)
         return;
 
-    std::wstring const why = WhyNoCurve(static_cast<std::size_t>(degree), knots);
-    if (!why.empty())
-    {
-        m_reader.Complain(why);
-        return;
-    }
-    std::wstring messages;
+    auto const order = static_cast<unsigned int>(degree);
+    auto const pointCount = static_cast<unsigned int>(m_points.size());
+    auto const knotCount = static_cast<unsigned int>(knots.size());
+    double const * const firstKnot = knots.empty() ? nullptr : knots.data();
+    VekNurbsError const error =
+        CVekNurbsCurve<double>::Check(order, m_points.data(), m_weights.data(), pointCount, firstKnot, knotCount);
     CVekNurbsCurve<double> curve;
-    {
-        LogToStderr::Diversion const diversion(messages);
-        curve.Create(static_cast<unsigned int>(degree), m_points.data(), m_weights.data(),
-                     static_cast<unsigned int>(m_points.size()), knots.empty() ? nullptr : knots.data(),
-                     static_cast<unsigned int>(knots.size()));
-    }
-    if (curve.IsEmpty())
-        m_reader.Complain(Reason(messages));
+    if (error.code != VEK_NURBS_ERROR_NONE)
+        m_reader.Complain(WhyNoCurve(error, order, knotCount));
+    else if (!curve.Create(order, m_points.data(), m_weights.data(), pointCount, firstKnot, knotCount))
+        m_reader.Complain(L"needs more memory than there is");
     else
         AddSegments(curve, color, scene);
 }
@@ -95,28 +67,36 @@ bool CurveReader::ReadPoints(IVekXMLElement & element)
     return good;
 }
 
-/// In the words of the file, not of the library; empty when it is one.
-std::wstring CurveReader::WhyNoCurve(std::size_t degree, std::vector<double> const & knots) const
+/// In the words of the file, not of the library.
+std::wstring CurveReader::WhyNoCurve(VekNurbsError const & error, unsigned int degree, unsigned int knotCount) const
 {
-    constexpr std::size_t MOST_POINTS = CVekNurbsCurve<double>::MAX_POINTS;
-    std::size_t const count = m_points.size();
-    if (count == 0)
+    constexpr unsigned int MOST_POINTS = CVekNurbsCurve<double>::MAX_POINTS;
+    auto const pointCount = static_cast<unsigned int>(m_points.size());
+    switch (error.code)
+    {
+    case VEK_NURBS_ERROR_NO_POINTS:
         return L"has no <point> inside";
-    if (count <= degree)
-        return Format(L"degree %u needs at least %u points inside", static_cast<unsigned int>(degree),
-                      static_cast<unsigned int>(degree + 1));
-    if (count > MOST_POINTS)
-        return Format(L"has more than %u points inside", static_cast<unsigned int>(MOST_POINTS));
-    if (knots.empty())
-        return L"";
-    if (knots.size() != count + degree + 1)
-        return Format(L"attribute \"knots\" has %u numbers, not %u: number of points + degree + 1",
-                      static_cast<unsigned int>(knots.size()), static_cast<unsigned int>(count + degree + 1));
-    if (!std::is_sorted(knots.begin(), knots.end()))
-        return L"attribute \"knots\" has a number that is less than the one before";
-    if (IsOneTooOften(knots, degree))
-        return L"attribute \"knots\" has a number too often: more than degree times, or degree + 1 at the ends";
-    return knots[degree] < knots[count] ? L"" : L"attribute \"knots\" has no room between its ends";
+    case VEK_NURBS_ERROR_POINT_COUNT:
+        return pointCount > MOST_POINTS ? Format(L"has more than %u points inside", MOST_POINTS)
+                                        : Format(L"degree %u needs at least %u points inside", degree, degree + 1);
+    case VEK_NURBS_ERROR_POINT:
+        return Format(L"point %u is too far out", error.index + 1);
+    case VEK_NURBS_ERROR_KNOT_COUNT:
+        return Format(L"attribute \"knots\" has %u numbers, not %u: number of points + degree + 1", knotCount,
+                      pointCount + degree + 1);
+    case VEK_NURBS_ERROR_KNOT:
+        return Format(L"attribute \"knots\": number %u is too large", error.index + 1);
+    case VEK_NURBS_ERROR_KNOT_ORDER:
+        return Format(L"attribute \"knots\" has a number that is less than the one before: number %u", error.index + 1);
+    case VEK_NURBS_ERROR_KNOT_REPEATED:
+        return Format(L"attribute \"knots\" has a number too often: number %u; it may stand there degree times, "
+                      L"degree + 1 times at the ends",
+                      error.index + 1);
+    case VEK_NURBS_ERROR_DOMAIN:
+        return L"attribute \"knots\" has no room between its ends";
+    default: // what the reader of the attributes has refused already
+        return Format(L"is no curve (%u)", static_cast<unsigned int>(error.code));
+    }
 }
 
 void CurveReader::AddSegments(CVekNurbsCurve<double> const & curve, Color const & color, Scene & scene)

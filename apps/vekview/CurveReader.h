@@ -15,7 +15,7 @@ public:
 
 private:
     bool ReadPoints(IVekXMLElement & element);
-    std::wstring WhyNoCurve(std::size_t degree, std::vector<double> const & knots) const;
+    std::wstring WhyNoCurve(VekNurbsError const & error, unsigned int degree, unsigned int knotCount) const;
     void AddSegments(CVekNurbsCurve<double> const & curve, Color const & color, Scene & scene);
 
     ElementReader & m_reader;

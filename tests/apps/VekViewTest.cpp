@@ -170,7 +170,7 @@ TEST_F(VekView, TellsWhatIsWrongWithAScene)
         {R"(<curve><point at="0, 0, 0" weight="0"/></curve>)", "curve 1, point 1: attribute \"weight\" is not between"},
         {R"(<curve degree="1" knots="0 0 1"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "has 3 numbers, not 4"},
         {R"(<curve degree="1" knots="1 1 0 0"><point at="0 0 0"/><point at="1 0 0"/></curve>)",
-         "less than the one before"},
+         "less than the one before: number 3"},
         {R"(<curve degree="1" knots="0 0 0 1"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "a number too often"},
         {R"(<curve degree="1" knots="0 1 1 2"><point at="0 0 0"/><point at="1 0 0"/></curve>)", "a number too often"},
         {R"(<curve degree="2" knots="0 1 2 2 3 4"><point at="0 0 0"/><point at="0 0 0"/><point at="1 0 0"/></curve>)",

@@ -146,7 +146,7 @@ bool KeepAll()
     if (!parser->ParseXMLMemory(KEPT, sizeof KEPT - 1, document.Get()) ||
         !writer->WriteXML(stream.Get(), document.Get()))
         return false;
-    VEK_XML_POSITION position;
+    VekXMLPosition position;
     isSound = std::memcmp(stream->GetBuffer(), COPIED, sizeof COPIED - 1) == 0 &&
               parser->GetPosition(document->FindElementFromPath(L"g", false), position);
     return isSound;

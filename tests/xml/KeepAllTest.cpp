@@ -254,7 +254,7 @@ TEST_F(KeepAllTest, TellsPositions)
         auto const document = NewDocument();
         ASSERT_TRUE(Parse(bytes, *document.Get(), VEK_XML_KEEP_NOTHING));
         IVekXMLElement * const b = document->FindElementFromPath(L"b", false);
-        VEK_XML_POSITION at;
+        VekXMLPosition at;
         ASSERT_TRUE(m_parser.GetPosition(b, at));
         auto const plain = [bytes = bytes](unsigned from, unsigned to)
         {
@@ -285,7 +285,7 @@ TEST_F(KeepAllTest, TellsPositions)
     auto const document = NewDocument();
     EXPECT_TRUE(Parse("<!DOCTYPE a [<!ENTITY e '<b x=\"1\"/>'><!ATTLIST a d CDATA 'v'>]><a w='1'>\n&e;<c/></a>",
                       *document.Get()));
-    VEK_XML_POSITION at;
+    VekXMLPosition at;
     unsigned int offset = 0;
     unsigned int length = 0;
     IVekXMLElement * const root = document->GetRootElement();

@@ -123,14 +123,12 @@ bool IsDocumentTypeReadable(std::wstring const & path, IVekXMLDocument & documen
     if (!stub)
         return false;
     stub->SetName(L"root");
-    IVekXMLElement * const root = document.GetRootElement();
-    root->AddRef();
-    CVekRef<IVekXMLElement> const keptRoot(root);
+    auto const root = CVekRef<IVekXMLElement>::Share(document.GetRootElement());
     document.SetRootElement(stub.Get());
     CVekSetDebugOutputLevel const silence(-1);
     // When not even this can be written, the cause is another one, which the real writing will report.
     bool const readable = !Write(path, document, 0) || TryLoadXml(path) != nullptr;
-    document.SetRootElement(root);
+    document.SetRootElement(root.Get());
     return readable;
 }
 

@@ -36,7 +36,7 @@ void RunKept(Bytes input)
     parser.SetKeepPositions(true);
     auto const document = NewDocument();
     bool const parsed = parser.ParseXMLMemory(input.data(), static_cast<unsigned int>(input.size()), document.Get());
-    VEK_XML_POSITION position;
+    VekXMLPosition position;
     if (parser.GetPosition(document->GetRootElement(), position))
         Check(position.end <= input.size() && position.length <= input.size() - position.offset,
               "a tag is in the source");
