@@ -16,7 +16,7 @@ for (( tries = 0; tries < 300; ++tries )); do
     [ -z "$port" ] && kill -0 $running 2> /dev/null || break
     sleep 0.1
 done
-[ -n "$port" ] || { echo "the program can't be debugged here:"; cat server.log; exit 1; }
+[ -n "$port" ] || { echo "no program can be debugged on this machine:"; cat server.log; exit 77; }
 
 LC_ALL=C.UTF-8 timeout 60 "$gdb" -nx -batch -ex 'set sysroot /nonexistent' -ex "set solib-search-path $(dirname "$program")" \
     -ex 'set print frame-arguments none' -ex "source $repository/tools/gdb/veklib.py" -ex "target remote localhost:$port" \
