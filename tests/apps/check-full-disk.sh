@@ -16,7 +16,7 @@ echo '<old/>' > target.xml
 "$run" "$vek" xml format "$data" whole.xml > /dev/null 2>&1 || fail "$data can't be formatted at all"
 
 # A file that may not grow beyond so many KB stands for the disk; the last size loses only what the last flush writes.
-last=$(($(stat -c %s whole.xml) / 1024))
+last=$(($(stat -c %s whole.xml "$data" | sort -n | head -1) / 1024))
 for kilobytes in 1 64 200 $last; do
     (
         trap '' XFSZ
