@@ -150,9 +150,9 @@ TEST(VekXml, CanonIsWhatCanonicalXmlSays)
         {"<a b='&#9;\"&#10;&#13;>' a=\"'&amp;lt;\">&#13;\r\n\t&gt;<![CDATA[<\"]]></a>",
          "<a a=\"'&amp;lt;\" b=\"&#x9;&quot;&#xA;&#xD;>\">&#xD;\n\t&gt;&lt;\"</a>"},
         {"<n:a y:b='1' x:c='2' b='3' xmlns='' xmlns:y='u:a' xmlns:x='u:b' xmlns:n='u:n'><b xmlns='u:d' xmlns:n='u:n'>"
-         "<c xmlns='u:d'/><d xmlns=''/></b></n:a>",
+         "<c xmlns='u:d'/><d xmlns=''/></b><e xmlns='u:d'/></n:a>",
          "<n:a xmlns:n=\"u:n\" xmlns:x=\"u:b\" xmlns:y=\"u:a\" b=\"3\" y:b=\"1\" x:c=\"2\"><b xmlns=\"u:d\">"
-         "<c></c><d xmlns=\"\"></d></b></n:a>"},
+         "<c></c><d xmlns=\"\"></d></b><e xmlns=\"u:d\"></e></n:a>"},
     };
     MakeFolder();
     for (auto const & [source, canonical] : rows)
@@ -197,6 +197,7 @@ TEST(VekXml, DashStandsForStandardInputAndOutput)
     std::string const text = "<a b='1&#10;'><c/>";
     std::tuple<std::vector<std::wstring>, std::string, int, char const *> const rows[] = {
         {{L"xml", L"get", L"-", L"/", L"b"}, text + "</a>", 0, "1\n\n"},
+        {{L"xml", L"get", L"-", L"c"}, "<a><c>&#x31;<!--2--><d><![CDATA[<]]></d> <?3 4?></c></a>", 0, "1< \n"},
         {{L"xml", L"tree", L"-"}, text + "</a>", 0, "a b=\"1&lt;EOL&gt;\"\n  c\n"},
         {{L"xml", L"info", L"-"}, text + "</a>", 0, "<standard input>\n  root element      a\n"},
         {{L"xml", L"set", L"-", L"c", L"d", L"2"}, text + "</a>", 0, "<a b='1&#10;'><c d=\"2\"/></a>"},

@@ -68,7 +68,9 @@ int RunXmlEdits(EditRequest const & request)
         return EXIT_FAILED;
     XmlPatch const & patch = change.Patch();
     std::string const bytes = patch.Apply(source->Bytes());
-    if (!ReadsAs(bytes, Canonicalize(source->Document()).text))
+    std::string const canonical = Canonicalize(source->Document()).text;
+    source->ReleaseDocument(); // a large one leaves no room for its twin
+    if (!ReadsAs(bytes, canonical))
         return Fail(request.path, L"not changed: the new file would not be read as what was asked for");
     if (request.isDryRun)
     {

@@ -23,6 +23,8 @@ public:
     std::wstring const & Path() const { return m_path; }
     std::string const & Bytes() const { return m_bytes; }
     IVekXMLDocument & Document() const { return *m_document; }
+    /// For its memory, once neither it nor its elements are wanted any more.
+    void ReleaseDocument() { m_document.Reset(); }
     IVekXMLElement & Root() const { return *m_document->GetRootElement(); }
     CVekXMLParser const & Places() const { return m_parser; }
     XmlEncoding Encoding() const { return XmlEncoding(m_parser.GetSourceCodePage()); }
