@@ -2,15 +2,18 @@
 # Copies every XML file of the folders through the library, with everything kept, and compares canonical forms:
 #     tools/check-conformance.sh FOLDER...
 # A file passes when `xmllint --c14n` says the same of it and of its copy, which stands in a tree of links to the same
-# files. Ends with 1 when a copy differs, or a file was refused that xmllint and xmlwf take for XML.
-# KEEP=FOLDER keeps the lists of what happened there. VEK_XMLCOPY names the program, where it is built already.
+# files. Then vek adds an attribute to each one's outermost element, and takes it out again: the first may add these
+# bytes and no other one, the second has to give the file back. Ends with 1 when a copy or a file differs, or one was
+# refused that xmllint and xmlwf take for XML.
+# KEEP=FOLDER keeps the lists of what happened there. VEK_XMLCOPY and VEK name the programs, where they are built already.
 set -u
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 command -v xmllint > /dev/null || { echo "xmllint is needed (libxml2-utils)" >&2; exit 2; }
 command -v xmlwf > /dev/null || { echo "xmlwf is needed (expat)" >&2; exit 2; }
-[ $# -gt 0 ] || { sed -n '2,6s/^# //p' "$0" >&2; exit 2; }
+[ $# -gt 0 ] || { sed -n '2,9s/^# //p' "$0" >&2; exit 2; }
 program=${VEK_XMLCOPY:-$here/build/win32/bin/example_xmlcopy.exe}
-[ -e "$program" ] || { echo "$program isn't built" >&2; exit 2; }
+vek=${VEK:-$here/build/win32/bin/vek.exe}
+for needed in "$program" "$vek"; do [ -e "$needed" ] || { echo "$needed isn't built" >&2; exit 2; }; done
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -75,6 +78,29 @@ paste -d '\t' "$work/results" "$lists/files" | while IFS=$'\t' read -r result fi
     printf '%s\0%s\0%s\0%s\0' "$number" "$result" "$file" "$work"
 done | xargs -0 -r -n 4 -P "$(nproc)" bash -c 'judge "$@"' judge | sort > "$lists/verdicts"
 
+# One file: its name, the program and what runs it, a folder. An attribute in UTF-16 has twice the bytes.
+edit() {
+    local new="$4/$BASHPID.xml" more at
+    cp "$1" "$new" && chmod u+w "$new"
+    if ! "$3" "$2" xml set "Z:$new" / vek-check 1 2> /dev/null; then
+        echo "unedited $1"
+    else
+        more=$(($(stat -c %s "$new") - $(stat -Lc %s "$1")))
+        at=$(cmp "$1" "$new" 2>&1 | sed -n 's/.* byte \([0-9]*\).*/\1/p')
+        if { [ $more = 14 ] || [ $more = 28 ]; } && cmp -s <(tail -c +"$at" "$1") <(tail -c +$((at + more)) "$new") &&
+            "$3" "$2" xml remove "Z:$new" / vek-check 2> /dev/null && cmp -s "$1" "$new"; then
+            echo "edited $1"
+        else
+            echo "damaged $1"
+        fi
+    fi
+    rm -f "$new"
+}
+export -f edit
+grep -E '^(equal -|not-canonical copied) ' "$lists/verdicts" | cut -d ' ' -f 3- | while IFS= read -r file; do
+    printf '%s\0%s\0%s\0%s\0' "$file" "$vek" "$here/tools/wine-run" "$work"
+done | xargs -0 -r -n 4 -P "$(nproc)" bash -c 'edit "$@"' edit | sort > "$lists/edits"
+
 count() { grep -c "^$1" "$lists/verdicts"; }
 echo "files                                        $(wc -l < "$lists/verdicts")"
 echo "canonical forms equal                        $(count 'equal ')"
@@ -85,5 +111,8 @@ echo "well-formed without canonical form, copied   $(count 'not-canonical copied
 echo "well-formed without canonical form, refused  $(count 'not-canonical refused')"
 echo "malformed to xmllint, refused                $(count 'malformed refused')"
 echo "malformed to xmllint, copied                 $(count 'malformed copied')"
-grep -E '^(different|refused alone) ' "$lists/verdicts" | head -20
-[ "$(count 'equal ')" != 0 ] && [ "$(count 'different ')" = 0 ] && [ "$(count 'refused alone')" = 0 ]
+echo "an attribute added and removed, all else kept $(grep -c '^edited ' "$lists/edits")"
+echo "refused to be changed                        $(grep -c '^unedited ' "$lists/edits")"
+echo "damaged                                      $(grep -c '^damaged ' "$lists/edits")"
+grep -hE '^(different|refused alone|damaged|unedited) ' "$lists/verdicts" "$lists/edits" | head -20
+! grep -q '^damaged ' "$lists/edits" && [ "$(count 'equal ')" != 0 ] && [ "$(count 'different ')" = 0 ] && [ "$(count 'refused alone')" = 0 ]

@@ -75,8 +75,9 @@ if [ -e mime.xml ]; then
     say "A second read finds the same document:"
     run 0 xml info formatted-mime.xml
     same mime.xml formatted-mime.xml
-    say "Its comments are text outside CDATA sections, which VekLib does not keep: vek does not replace such a file unasked."
-    run 1 xml set mime.xml mime-type/glob weight 77
+    say "Comments and text stay, and one line differs:"
+    run 0 xml set mime.xml mime-type/glob weight 77 --dry-run
+    run 1 xml diff mime.xml changed.xml
 fi
 
 say "== A folder as a tree of packets in one file, and back; a file that has lost its end is refused"

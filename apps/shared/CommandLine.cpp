@@ -132,6 +132,13 @@ Command & Command::AddTexts(char const * name, std::vector<std::wstring> & texts
     return *this;
 }
 
+Command & Command::AddOptionalText(char const * name, std::optional<std::wstring> & text, char const * description)
+{
+    auto const store = [&text](std::string const & given) { text = FromUtf8(given); };
+    m_app->add_option_function<std::string>(name, store, description)->type_name("");
+    return *this;
+}
+
 Command & Command::AddOptionalTexts(char const * name, std::vector<std::wstring> & texts, char const * description)
 {
     Add<std::vector<std::string>>(m_app, name, "", texts, description);
@@ -175,6 +182,16 @@ Command & Command::AddOptions(char const * names, char const * value, std::vecto
                               char const * description)
 {
     Add<std::vector<std::string>>(m_app, names, value, texts, description)->allow_extra_args(false);
+    return *this;
+}
+
+Command & Command::AddGroups(char const * names, char const * values, int size, std::vector<std::wstring> & texts,
+                             char const * description)
+{
+    Add<std::vector<std::string>>(m_app, names, values, texts, description)
+        ->type_size(size)
+        ->expected(1, CLI::detail::expected_max_vector_size)
+        ->allow_extra_args(false);
     return *this;
 }
 

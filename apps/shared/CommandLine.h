@@ -43,6 +43,7 @@ public:
     }
     /// All further arguments, at least one.
     Command & AddTexts(char const * name, std::vector<std::wstring> & texts, char const * description);
+    Command & AddOptionalText(char const * name, std::optional<std::wstring> & text, char const * description);
     Command & AddOptionalTexts(char const * name, std::vector<std::wstring> & texts, char const * description);
 
     Command & AddOption(char const * names, char const * value, std::wstring & text, char const * description);
@@ -55,6 +56,9 @@ public:
     /// An option that may be given several times, a value each.
     Command & AddOptions(char const * names, char const * value, std::vector<std::wstring> & texts,
                          char const * description);
+    /// Likewise, with so many values each time, which are stored in one row.
+    Command & AddGroups(char const * names, char const * values, int size, std::vector<std::wstring> & texts,
+                        char const * description);
     Command & AddFlag(char const * names, bool & flag, char const * description);
 
     /// What the help says behind the options.

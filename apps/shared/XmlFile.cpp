@@ -5,46 +5,35 @@
 #include "Console.h"
 #include "FileErrors.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace tool
 {
 
 namespace
 {
 
-CVekRef<IVekXMLDocument> CreateDocument()
-{
-    return CVekRef<IVekXMLDocument>(getVekLibKernel()->GetXMLManager()->CreateXMLDocument());
-}
-
-/// What the interface's parser doesn't tell: a file that ends early is a good one to it.
-VekXMLError Read(std::wstring const & path, IVekXMLDocument * document)
-{
-    CVekXMLParser parser;
-    if (document)
-        parser.ParseXMLFile(path.c_str(), document);
-    return parser.GetError();
-}
+constexpr unsigned int UNICODE_PAGES[] = {0, 65001, 1200, 1201, 20127};
 
 } // namespace
 
-CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path)
+CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep, bool * isUnicode)
 {
-    CVekRef<IVekXMLDocument> document = CreateDocument();
-    VekXMLError const error = Read(path, document.Get());
+    CVekRef<IVekXMLDocument> document(getVekLibKernel()->GetXMLManager()->CreateXMLDocument());
+    CVekXMLParser parser;
+    if (document && parser.SetKeepAll(keep))
+        parser.ParseXMLFile(path.c_str(), document.Get());
+    // What the parse's result doesn't tell: a file that ends early is a good one to it.
+    VekXMLError const error = parser.GetError();
+    if (isUnicode)
+        *isUnicode = std::find(std::begin(UNICODE_PAGES), std::end(UNICODE_PAGES), parser.GetSourceCodePage()) !=
+                     std::end(UNICODE_PAGES);
     if (error.code == VEK_XML_ERROR_NONE)
         return document;
     FailAt(path, error.line, error.column,
            error.code == VEK_XML_ERROR_FILE ? WhyUnreadable(path, Describe(error).c_str()) : Describe(error));
     return nullptr;
-}
-
-CVekRef<IVekXMLDocument> TryLoadXml(std::wstring const & path)
-{
-    CVekSetDebugOutputLevel const silence(-1);
-    CVekRef<IVekXMLDocument> document = CreateDocument();
-    if (Read(path, document.Get()).code != VEK_XML_ERROR_NONE)
-        document.Reset();
-    return document;
 }
 
 std::wstring Describe(VekXMLError const & error)

@@ -8,11 +8,10 @@
 namespace tool
 {
 
-/// Reads an XML file; on failure tells the user why and where, and gives null.
-CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path);
-
-/// As LoadXml, but null without a word for a file that can't be read whole.
-CVekRef<IVekXMLDocument> TryLoadXml(std::wstring const & path);
+/// Reads an XML file, with what is to be kept of it; on failure tells the user why and where, and gives null. Where
+/// asked for, tells whether its encoding is one of Unicode or a part of UTF-8.
+CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep = VEK_XML_KEEP_NOTHING,
+                                 bool * isUnicode = nullptr);
 
 /// What was wrong, in words.
 std::wstring Describe(VekXMLError const & error);

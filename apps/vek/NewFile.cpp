@@ -5,13 +5,61 @@
 #include "Platform.h"
 
 #include <string_view>
+#include <vector>
 
 namespace tool
 {
 
-NewFile::NewFile(std::wstring const & target)
-    : m_target(target), m_path(target + Format(L".%u.vek-new", static_cast<unsigned int>(GetCurrentProcessId())))
+namespace
 {
+
+/// The file that a link leads to; the path itself for anything else.
+std::wstring FollowLink(std::wstring const & path)
+{
+    HANDLE const file = CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return path;
+    std::wstring target(0x8000, L'\0');
+    DWORD const length = GetFinalPathNameByHandleW(file, target.data(), static_cast<DWORD>(target.size()), 0);
+    CloseHandle(file);
+    if (length == 0 || length >= target.size())
+        return path;
+    target.resize(length);
+    return target;
+}
+
+std::vector<unsigned char> Permissions(std::wstring const & path)
+{
+    DWORD size = 0;
+    GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<unsigned char> permissions(size);
+    if (!GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, permissions.data(), size, &size))
+        permissions.clear();
+    return permissions;
+}
+
+/// Makes an empty file with the permissions of another one, before it holds anything that is not for everybody.
+void CreateLike(std::wstring const & model, std::wstring const & path)
+{
+    std::vector<unsigned char> permissions = Permissions(model);
+    if (permissions.empty())
+        return;
+    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return; // whoever writes it will be told why
+    CloseHandle(file);
+    if (permissions != Permissions(path))
+        SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, permissions.data());
+}
+
+} // namespace
+
+NewFile::NewFile(std::wstring const & target)
+    : m_given(target), m_target(FollowLink(target)),
+      m_path(m_target + Format(L".%u.vek-new", static_cast<unsigned int>(GetCurrentProcessId())))
+{
+    CreateLike(m_target, m_path);
 }
 
 NewFile::~NewFile()
@@ -22,9 +70,12 @@ NewFile::~NewFile()
 
 bool NewFile::Place()
 {
+    DWORD const attributes = GetFileAttributesW(m_target.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+        SetFileAttributesW(m_path.c_str(), attributes);
     m_placed = MoveFileExW(m_path.c_str(), m_target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
     if (!m_placed)
-        Fail(m_target, L"can't be replaced: " + LastErrorText());
+        Fail(m_given, L"can't be replaced: " + LastErrorText());
     return m_placed;
 }
 

@@ -5,7 +5,8 @@
 namespace tool
 {
 
-/// The new file beside the one that it becomes; gone again unless it took that one's place.
+/// The new file beside the one that it becomes, with that one's permissions; gone again unless it took that one's
+/// place. A link is followed: it stays, and leads to the new file.
 class NewFile
 {
 public:
@@ -15,10 +16,11 @@ public:
     NewFile & operator=(NewFile const &) = delete;
 
     std::wstring const & Path() const { return m_path; }
-    /// Takes the place; false, after telling the user why, when that fails.
+    /// Takes the place, and the attributes; false, after telling the user why, when that fails.
     bool Place();
 
 private:
+    std::wstring m_given;
     std::wstring m_target;
     std::wstring m_path;
     bool m_placed = false;

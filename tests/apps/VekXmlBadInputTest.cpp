@@ -75,7 +75,7 @@ TEST(VekXmlBadInput, FilesThatCantBeRead)
         EXPECT_EQ(outcome.out, "");
         EXPECT_THAT(outcome.err, HasSubstr(message));
         EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << "one line for a fault";
-        EXPECT_EQ(Vek({L"xml", L"format", file, file, L"--drop-text"}).code, 1);
+        EXPECT_EQ(Vek({L"xml", L"format", file, file, L"--strip-text"}).code, 1);
         EXPECT_EQ(FileBytes(file), bytes) << "a failure has changed the file";
     }
     EXPECT_EQ(CountFiles(folder), 2);
@@ -104,6 +104,8 @@ TEST(VekXmlBadInput, PathsThatLeadNowhere)
     StoreBytes(folder + L"locked.xml", "<a/>");
     SetFileAttributesW((folder + L"locked.xml").c_str(), FILE_ATTRIBUTE_READONLY);
     StoreBytes(folder + L"scene.xml", FileBytes(SceneFile()));
+    std::string const entity = "<!DOCTYPE a [<!ENTITY b '<b><c/></b>'><!ATTLIST a e CDATA '1'>]>\n   <a f=''>&b;</a>";
+    StoreBytes(folder + L"entity.xml", entity);
     std::pair<std::wstring, char const *> const rows[] = {
         {L"info|missing.xml", "vek: missing.xml: can't be read: "},
         {L"info|missing.xml|--verbose",
@@ -119,8 +121,21 @@ TEST(VekXmlBadInput, PathsThatLeadNowhere)
         {L"set|scene.xml|/|b|1|-o|.", "vek: .: is a directory\n"},
         {L"set|scene.xml|/|b|a\x01|-o|x.xml", "XML has no place for"},
         {L"set|scene.xml|/|b|a\xD800|-o|x.xml", "XML has no place for"},
-        {L"set|scene.xml|/|b c|a|-o|x.xml", "x.xml: not written: "},
-        {L"set|scene.xml|a b|c|d|--create|-o|x.xml", "x.xml: not written: "},
+        {L"set|scene.xml|/|b c|a|-o|x.xml", "vek: scene.xml: not changed: \"b c\" is no name\n"},
+        {L"set|scene.xml|/|b\x00D7|a|-o|x.xml", "would not be read as what was asked for\n"},
+        {L"set|scene.xml|a b|c|d|--create|-o|x.xml", "nor can one of that name be added\n"},
+        {L"set|scene.xml|camera[0]|c|d", "\"camera[0]\" is no path\n"},
+        {L"set|scene.xml|group/mesh[@name='x|c|d", "is no path\n"},
+        {L"set|scene.xml|mesh|c|d|--at|/|b|1", "no element \"mesh\"\n"},
+        {L"set|scene.xml|a/b|c|d|--create|--at|a|b|1", "leads through an element that another edit adds"},
+        {L"set|scene.xml|/|c|d|--at|/|c|e", "\"/\" c is changed twice\n"},
+        {L"set|scene.xml|--list|missing.txt", "vek: missing.txt: can't be read"},
+        {L"set|scene.xml|--list|locked.xml", "locked.xml:1:1: no PATH, ATTRIBUTE and VALUE"},
+        {L"set|entity.xml|b/c|d|1", "entity.xml:2:4: not changed: what is to change stands in the text of an entity"},
+        {L"remove|entity.xml|/|e", "\"e\" is not written there"},
+        {L"remove|entity.xml|/", "can't be without its root"},
+        {L"rename|entity.xml|/|x|X", "has no attribute \"x\"\n"},
+        {L"rename|entity.xml|/|f|e", "has an attribute \"e\" already\n"},
     };
     for (auto const & [line, message] : rows)
     {
@@ -133,7 +148,9 @@ TEST(VekXmlBadInput, PathsThatLeadNowhere)
         EXPECT_THAT(outcome.err, Not(HasSubstr("note: "))) << "a note on something that wasn't done";
     }
     EXPECT_EQ(FileBytes(folder + L"locked.xml"), "<a/>");
-    EXPECT_EQ(CountFiles(folder), 2) << "something was left";
+    EXPECT_EQ(FileBytes(folder + L"entity.xml"), entity);
+    EXPECT_EQ(FileBytes(folder + L"scene.xml"), FileBytes(SceneFile()));
+    EXPECT_EQ(CountFiles(folder), 3) << "something was left";
 }
 
 TEST(VekXmlBadInput, WrongUsage)
@@ -144,9 +161,16 @@ TEST(VekXmlBadInput, WrongUsage)
         {L"xlm|info", "unknown command \"xlm\"; did you mean \"xml\"?", "vek"},
         {L"--verbose|xml|foramt|a.xml", "unknown command \"foramt\"; did you mean \"format\"?", "vek xml"},
         {L"nonsense", "unknown command \"nonsense\"\n", "vek"},
-        {L"xml", "\"vek xml\" wants a command: info, tree, get, set, format, check\n", "vek xml"},
+        {L"xml", "\"vek xml\" wants a command: info, tree, get, set, remove, rename, format, canon, diff, check\n",
+         "vek xml"},
         {L"xml|info", "FILE is required", "vek xml info"},
-        {L"xml|get|a.xml|b", "ATTRIBUTE is required", "vek xml get"},
+        {L"xml|get|a.xml", "PATH is required", "vek xml get"},
+        {L"xml|set|a.xml", "PATH is required, or --at, or --list", "vek xml set"},
+        {L"xml|set|a.xml|b|c", "VALUE is required", "vek xml set"},
+        {L"xml|set|a.xml|--at|b|c", "--at", "vek xml set"},
+        {L"xml|set|a.xml|b|c|d|--indent|2", "use \"vek xml format\"", "vek xml set"},
+        {L"xml|rename|a.xml|b", "NAME is required", "vek xml rename"},
+        {L"xml|format|a.xml|b.xml|--drop-text", "--drop-text is gone", "vek xml format"},
         {L"xml|format|a.xml|b.xml|c.xml", "c.xml", "vek xml format"},
         {L"xml|format|a.xml|b.xml|--indent|-1", "--indent", "vek xml format"},
         {L"xml|tree|a.xml|--depth|x", "--depth", "vek xml tree"},

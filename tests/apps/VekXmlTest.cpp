@@ -65,6 +65,8 @@ TEST(VekXml, TreeShowsLevelsAndEscapesWhatHarmsATerminal)
 TEST(VekXml, GetFindsElementsByPath)
 {
     std::tuple<wchar_t const *, wchar_t const *, char const *> const rows[] = {
+        {L"*/group[@name='boats'][1]/mesh[2]", L"name", "\"\xD0\x9B\xD0\xBE\xD0\xB4\xD0\xBA\xD0\xB0\"\n"},
+        {L"*/*/group/mesh[@FILE=\"meshes\\crate.mesh\"]", L"name", "crates <small>\n"},
         {L"", L"name", "Harbour\n"},
         {L"/", L"unit", "m\n"},
         {L"camera", L"angle", "50\n"},
@@ -104,101 +106,91 @@ TEST(VekXml, SetStoresValuesThatComeBack)
     EXPECT_THAT(Facts(file), HasSubstr("attributes        35\n"));
 }
 
-TEST(VekXml, LineBreaksStayForEveryReader)
+TEST(VekXml, FormatKeepsAllButLayout)
 {
-    std::tuple<char const *, std::string, char const *> const rows[] = {
-        // the file, its attributes as written, then as read
-        {"<a d=\"M0 0&#10;L9&#x0009;9&#xA;\"/>", "d=\"M0 0&#10;L9&#9;9&#10;\"", "M0 0\nL9\t9\n\n"},
-        {"<a d='&lt;EOL>&#60;EOL&gt;'/>", "d=\"&lt;EOL&gt;&lt;EOL&gt;\"", "\n\n\n"},
-        {"<a d='&#13;&lt;EOL&#62;&#10;&amp;#10;'/>", "d=\"&#13;&lt;EOL&gt;&#10;&amp;#10;\"", "\r\n\n&#10;\n"},
-        {"<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a d CDATA '&#10;'>]><a/>", "d=\"&#10;\"", "\n\n"},
+    std::tuple<char const *, std::wstring, std::string, std::string> const rows[] = {
+        {"nothing but elements", L"", "<a><b  c='&#10;&lt;EOL>'></b><c/></a>",
+         "<a>\n  <b c=\"&#10;&lt;EOL&#62;\"/>\n  <c/>\n</a>"},
+        {"comments move along", L"", "<!--0--><a>  <!--1-->\r\n\r\n<?i j?><b/></a>\r\n<!--2-->",
+         "<!--0--><a>\r\n  <!--1-->\r\n  <?i j?>\r\n  <b/>\r\n</a>\r\n<!--2-->"},
+        {"text", L"", "<a> <t>x <b> <i/> </b> </t><s> </s></a>", "<a>\n  <t>x <b> <i/> </b> </t>\n  <s> </s>\n</a>"},
+        {"preserved", L"", "<a><b xml:space='preserve'> <c/><d> <e/></d></b></a>",
+         "<a>\n  <b xml:space=\"preserve\"> <c/><d> <e/></d></b>\n</a>"},
+        {"CDATA sections", L"", "<a><b>1<![CDATA[<]]></b><![CDATA[2]]></a>",
+         "<a><b>1<![CDATA[<]]></b><![CDATA[2]]></a>"},
+        {"document type", L"", "<!DOCTYPE a [<!ENTITY e '>'><!-- ' -->]><a>&e;</a>",
+         "<!DOCTYPE a [<!ENTITY e '>'><!-- ' -->]><a>&gt;</a>"},
+        {"without it", L"--no-dtd", "<!--1--><!DOCTYPE a [<!ENTITY e '>'><!-- ]>' -->]>\n<a/>", "<!--1--><a/>"},
+        {"without text", L"--strip-text", "<a>x<b>y</b><![CDATA[z]]><!--1--></a>", "<a><b/><![CDATA[z]]><!--1--></a>"},
+        {"without comments", L"--strip-comments", "<!--1-->\n<a>x<b><!--2--></b></a>\n<!--3-->", "<a>x<b/></a>\n"},
     };
-    std::wstring const folder = MakeFolder();
-    std::wstring const file = folder + L"a.svg";
-    for (auto const & [text, written, value] : rows)
-    {
-        SCOPED_TRACE(text);
-        StoreBytes(file, text);
-        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"e", L"'1'\n<2>\n&#10;"}).code, 0);
-        EXPECT_EQ(Vek({L"xml", L"format", file, file}).err, "");
-        EXPECT_THAT(FileBytes(file), HasSubstr("<a " + written + " e=\"&apos;1&apos;&#10;&lt;2&gt;&#10;&amp;#10;\""));
-        EXPECT_EQ(Get(file, L"/", L"d"), value);
-    }
-}
-
-TEST(VekXml, SetAddsElementsOnlyWhenAsked)
-{
-    std::wstring const folder = MakeFolder();
-    std::wstring const target = folder + L"new.xml";
-    std::vector<std::wstring> arguments = {L"xml", L"set",  SceneFile(), L"group/buoy/lamp",
-                                           L"on",  L"TRUE", L"-o",       target};
-    Outcome const refused = Vek(arguments);
-    EXPECT_EQ(refused.code, 1);
-    EXPECT_THAT(refused.err, HasSubstr("no element \"group/buoy/lamp\""));
-    arguments.push_back(L"--create");
-    EXPECT_EQ(Vek(arguments).code, 0);
-    EXPECT_EQ(Get(target, L"group/buoy/lamp", L"on"), "TRUE\n");
-}
-
-TEST(VekXml, FormatKeepsTheDocument)
-{
-    std::wstring const folder = MakeFolder();
-    std::wstring const target = folder + L"new.xml";
-    Outcome const outcome = Vek({L"xml", L"format", SceneFile(), target, L"--indent", L"2"});
-    EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(outcome.out + outcome.err, "");
-    EXPECT_EQ(Facts(target), Facts(SceneFile()));
-    EXPECT_THAT(FileBytes(target), HasSubstr("\n    <group name=\"boats\" visible=\"TRUE\">"));
-    EXPECT_EQ(Vek({L"xml", L"format", target, target, L"--no-dtd"}).code, 0);
-    EXPECT_THAT(FileBytes(target), Not(HasSubstr("<!DOCTYPE")));
-    EXPECT_THAT(FileBytes(target), HasSubstr("<![CDATA[void main()\r\n{"));
-}
-
-TEST(VekXml, FormatReadsWhatTheMimeDatabaseDeclares)
-{
-    std::wstring const folder = MakeFolder();
-    std::string const path = VEK_MIME_XML;
-    std::wstring const source(path.begin(), path.end());
-    Outcome const outcome = Vek({L"xml", L"format", source, folder + L"mime.xml"});
-    EXPECT_EQ(outcome.code, 0);
-    EXPECT_THAT(outcome.err, HasSubstr("note: written without "));
-    EXPECT_EQ(Facts(folder + L"mime.xml"), Facts(source));
-}
-
-TEST(VekXml, NotesTellWhatWasLost)
-{
-    std::tuple<char const *, std::string, char const *, bool> const rows[] = {
-        {"nothing", "<?xml version=\"1.0\"?>\n<a> <b c='>'/>\n</a>", "", true},
-        {"text", "<a>tw\xC3\xB6<b/> x</a>", "without 4 characters of text outside CDATA sections\n", false},
-        {"text in UTF-16", std::string("\xFF\xFE<\0a\0>\0x\0<\0/\0a\0>\0", 18), "without 1 character of text", false},
-        {"comments", "<!-- <a>'1 --><a><!----></a>", "without 2 comments\n", true},
-        {"instructions", "<?xml-style x?><a><?b > ?></a>", "without 2 processing instructions\n", true},
-        {"second CDATA section", "<a><![CDATA[<x>]]><![CDATA[]]></a>",
-         "without 1 CDATA section (an element keeps one)\n", false},
-        {"attributes of one name", "<a b=\"1=2\" B='3'/>", "without 1 attribute (an element keeps one of a name",
-         false},
-        {"document type without elements", "<!DOCTYPE a [<!ENTITY e '>'><!-- ' -->]><a/>",
-         "without its document type \"a\"", true},
-        {"document type that can't be read", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>", "left out", true},
-        {"default values",
-         "<!DOCTYPE a [<!ELEMENT a EMPTY><!ATTLIST a b CDATA '1' c (x|y) #IMPLIED d NOTATION (n) #IMPLIED>]><a/>", "",
-         true},
-    };
-    std::wstring const folder = MakeFolder();
-    std::wstring const file = folder + L"a.xml";
-    for (auto const & [name, text, note, inPlace] : rows)
+    std::wstring const file = MakeFolder() + L"a.xml";
+    for (auto const & [name, option, source, formatted] : rows)
     {
         SCOPED_TRACE(name);
-        StoreBytes(file, text);
-        Outcome const elsewhere = Vek({L"xml", L"format", file, folder + L"b.xml"});
-        EXPECT_EQ(elsewhere.code, 0);
-        EXPECT_THAT(elsewhere.err, HasSubstr(note));
-        EXPECT_EQ(elsewhere.err.find("note: ") == std::string::npos, *note == 0) << elsewhere.err;
-        EXPECT_EQ(Vek({L"xml", L"set", file, L"/", L"z", L"1"}).code, inPlace ? 0 : 1);
-        EXPECT_EQ(FileBytes(file) == text, !inPlace);
-        EXPECT_EQ(Vek({L"xml", L"format", file, file, L"--drop-text"}).code, 0);
+        StoreBytes(file, source);
+        std::vector<std::wstring> arguments = {L"xml", L"format", file, file, L"--indent", L"2"};
+        if (!option.empty())
+            arguments.push_back(option);
+        Outcome const outcome = Vek(arguments);
+        EXPECT_EQ(outcome.code, 0);
+        EXPECT_EQ(outcome.out + outcome.err, "");
+        EXPECT_EQ(FileBytes(file), formatted);
     }
-    EXPECT_EQ(CountFiles(folder), 2) << "something was left beside the files";
+    StoreBytes(file, "<?xml version='1.0' encoding='windows-1252'?><a>\x80</a>");
+    EXPECT_THAT(Vek({L"xml", L"format", file, file}).err, HasSubstr("a.xml: note: written as UTF-8\n"));
+    EXPECT_THAT(FileBytes(file), HasSubstr("<a>\xE2\x82\xAC</a>"));
+}
+
+TEST(VekXml, CanonIsWhatCanonicalXmlSays)
+{
+    std::tuple<std::string, char const *> const rows[] = {
+        {"<?xml version='1.0'?><!--1--><!DOCTYPE a [<!ENTITY e '<b/>'><?no?>]><?p  q ?>\r\n<a>&e;</a><!--2-->\n",
+         "<!--1-->\n<?p q ?>\n<a><b></b></a>\n<!--2-->"},
+        {"<a b='&#9;\"&#10;&#13;>' a=\"'&amp;lt;\">&#13;\r\n\t&gt;<![CDATA[<\"]]></a>",
+         "<a a=\"'&amp;lt;\" b=\"&#x9;&quot;&#xA;&#xD;>\">&#xD;\n\t&gt;&lt;\"</a>"},
+        {"<n:a y:b='1' x:c='2' b='3' xmlns='' xmlns:y='u:a' xmlns:x='u:b' xmlns:n='u:n'><b xmlns='u:d' xmlns:n='u:n'>"
+         "<c xmlns='u:d'/><d xmlns=''/></b></n:a>",
+         "<n:a xmlns:n=\"u:n\" xmlns:x=\"u:b\" xmlns:y=\"u:a\" b=\"3\" y:b=\"1\" x:c=\"2\"><b xmlns=\"u:d\">"
+         "<c></c><d xmlns=\"\"></d></b></n:a>"},
+        {"<a><b xmlns='u:d'/><c xmlns='u:d'/></a>", "<a><b xmlns=\"u:d\"></b><c xmlns=\"u:d\"></c></a>"},
+    };
+    MakeFolder();
+    for (auto const & [source, canonical] : rows)
+    {
+        Outcome const outcome = Vek({L"xml", L"canon", L"-"}, source);
+        EXPECT_EQ(outcome.out, canonical);
+        EXPECT_EQ(outcome.err, "");
+    }
+    EXPECT_THAT(Vek({L"xml", L"canon", L"-"}, "<!DOCTYPE a SYSTEM 'x' [<!ENTITY e SYSTEM 'y'>]><a>&e;</a>").err,
+                HasSubstr("<standard input>: has no canonical form"));
+}
+
+TEST(VekXml, DiffTellsWhatDiffersByPath)
+{
+    std::string const first = "<a x='1' y='2'>\n <b id='1'/>\n <b id='2'>t1</b>\n <c/><!--k-->\n</a>";
+    std::tuple<std::string, std::wstring, std::string> const rows[] = {
+        {"<a y='2' x=\"&#49;\">\n <b id='1'></b>\n <b id='2'><![CDATA[t1]]></b>\n <c/><!--k-->\n</a>", L"", ""},
+        {"<a x='1' z='2'>\n <b id='1'/>\n <b id='2'>u</b>\n <c/><!--l-->\n</a>", L"",
+         "- / @y: \"2\"\n+ / @z: \"2\"\nb[2] text: \"t1\" -> \"u\"\n/ comment: \"k\" -> \"l\"\n"},
+        {"<a x='1' y='2'><d/><b id='2'>t<![CDATA[1]]></b><c/>\n<!--k--></a>", L"--ignore-layout", "- b[1]\n+ d\n"},
+        {"<a x='1' y='2'>\n <b id='1'/>\n <b id='3'>t1</b>\n <c/><!--k--></a>", L"",
+         "b[2] @id: \"2\" -> \"3\"\n- / text: \"\\n\"\n"},
+        {first + "<!--end-->", L"--ignore-layout",
+         "/ comments or instructions in front of the root element, or behind it\n"},
+    };
+    std::wstring const folder = MakeFolder();
+    StoreBytes(folder + L"a.xml", first);
+    for (auto const & [second, option, lines] : rows)
+    {
+        StoreBytes(folder + L"b.xml", second);
+        std::vector<std::wstring> arguments = {L"xml", L"diff", folder + L"a.xml", folder + L"b.xml"};
+        if (!option.empty())
+            arguments.push_back(option);
+        Outcome const outcome = Vek(arguments);
+        EXPECT_EQ(outcome.out, lines);
+        EXPECT_EQ(outcome.code, lines.empty() ? 0 : 1) << outcome.err;
+    }
 }
 
 TEST(VekXml, DashStandsForStandardInputAndOutput)
@@ -206,10 +198,11 @@ TEST(VekXml, DashStandsForStandardInputAndOutput)
     std::string const text = "<a b='1&#10;'><c/>";
     std::tuple<std::vector<std::wstring>, std::string, int, char const *> const rows[] = {
         {{L"xml", L"get", L"-", L"/", L"b"}, text + "</a>", 0, "1\n\n"},
+        {{L"xml", L"get", L"-", L"c"}, "<a><c>&#x31;<!--2--><d><![CDATA[<]]></d> <?p 4?></c></a>", 0, "1< \n"},
         {{L"xml", L"tree", L"-"}, text + "</a>", 0, "a b=\"1&lt;EOL&gt;\"\n  c\n"},
         {{L"xml", L"info", L"-"}, text + "</a>", 0, "<standard input>\n  root element      a\n"},
-        {{L"xml", L"set", L"-", L"c", L"d", L"2"}, text + "</a>", 0, "\r\n   <c d=\"2\"/>\r\n</a>\r\n"},
-        {{L"xml", L"format", L"-", L"-"}, text + "</a>", 0, "<a b=\"1&#10;\">\r\n   <c/>"},
+        {{L"xml", L"set", L"-", L"c", L"d", L"2"}, text + "</a>", 0, "<a b='1&#10;'><c d=\"2\"/></a>"},
+        {{L"xml", L"format", L"-", L"-"}, text + "</a>", 0, "<a b=\"1&#10;\">\n   <c/>"},
         {{L"xml", L"format", L"-", L"-"}, text + "</b>", 1, "<standard input>:1:21: mismatched tag\n"},
         {{L"xml", L"get", L"-", L"x", L"b"}, text + "</a>", 1, "vek: <standard input>: no element \"x\"\n"},
         {{L"data", L"dump", L"-"}, std::string("\1\0\0\0\0\0\0\0\1\0\0\0\1", 13), 0, "bool      = true\n"},
@@ -231,8 +224,8 @@ TEST(VekXml, HelpAndVersion)
     std::tuple<std::vector<std::wstring>, char const *> const rows[] = {
         {{L"--help"}, "vek xml set FILE PATH ATTRIBUTE VALUE"},
         {{L"xml", L"--help"}, "format"},
-        {{L"xml", L"set", L"--help"}, "--drop-text"},
-        {{L"xml", L"format", L"--help"}, "NOT kept"},
+        {{L"xml", L"set", L"--help"}, "byte for byte"},
+        {{L"xml", L"format", L"--help"}, "Nothing is lost"},
         {{L"--version"}, "vek 0."},
     };
     for (auto const & [arguments, text] : rows)

@@ -16,20 +16,38 @@ echo '<old/>' > target.xml
 "$run" "$vek" xml format "$data" whole.xml > /dev/null 2>&1 || fail "$data can't be formatted at all"
 
 # A file that may not grow beyond so many KB stands for the disk; the last size loses only what the last flush writes.
-last=$(($(stat -c %s whole.xml) / 1024))
+last=$(($(stat -c %s whole.xml "$data" | sort -n | head -1) / 1024))
 for kilobytes in 1 64 200 $last; do
     (
         trap '' XFSZ
         ulimit -f $kilobytes
-        "$run" "$vek" --verbose xml format "$data" target.xml
+        "$run" "$vek" xml format "$data" target.xml
+        echo "code $?"
+        "$run" "$vek" xml set "$data" / full yes -o target.xml
+        echo "code $?"
     ) > messages 2>&1
-    code=$?
-    [ $code = 1 ] || fail "$kilobytes KB: exit code $code instead of 1"
-    grep -q "target.xml: can't be written whole" messages || fail "$kilobytes KB: no message of vek's"
-    grep -q "CVekXMLWriter::WriteXMLFile --> Failed to write XML" messages || fail "$kilobytes KB: no message of the library's"
+    [ "$(grep -c '^code 1$' messages)" = 2 ] || fail "$kilobytes KB: another exit code than 1"
+    [ "$(grep -c "target.xml: can't be written whole" messages)" = 2 ] || fail "$kilobytes KB: no message"
     [ "$(cat target.xml)" = '<old/>' ] || fail "$kilobytes KB: the old file has changed"
     [ "$(ls ./*vek-new 2>/dev/null)" = "" ] || fail "$kilobytes KB: a half-written file was left"
 done
+
+# A link stays one.
+ln -s target.xml link.xml
+"$run" "$vek" xml set link.xml / a 1 2> messages || fail "a link can't be followed"
+[ "$(cat target.xml)" = '<old a="1"/>' ] && [ -L link.xml ] || fail "a link was replaced"
+
+# A file that changes between its reading and its replacement: the list of edits comes late.
+mkfifo list
+"$run" "$vek" xml set target.xml --list - < list 2> messages &
+exec 9> list
+sleep 5 # for vek to start, and read the file
+echo '<new/>' > target.xml
+printf '/\ta\t2\n' >&9
+exec 9>&-
+wait $! && fail "a file that has changed was replaced"
+grep -q "target.xml: not replaced: it has changed since it was read" messages || fail "no message about a change"
+[ "$(cat target.xml)" = '<new/>' ] || fail "a change was lost"
 
 "$run" "$vek" xml tree "$data" > /dev/full 2> messages
 code=$?

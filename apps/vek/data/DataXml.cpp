@@ -157,7 +157,7 @@ int RunDataUnpack(std::wstring const & path, std::wstring const & xml, DataOptio
     if (!document)
         return EXIT_FAILED;
     NoteLoss(path, options, *document, bytesBehind);
-    return SaveXml(std::move(document), xml, SaveOptions()) ? EXIT_DONE : EXIT_FAILED;
+    return SaveXml(std::move(document), xml, USUAL_INDENTATION) ? EXIT_DONE : EXIT_FAILED;
 }
 
 } // namespace tool

@@ -13,15 +13,10 @@ struct XmlCount
     std::uint64_t elements = 0;
     std::uint64_t attributes = 0;
     std::uint64_t cdataSections = 0;
-    std::uint64_t depth = 0;       // 1 for a lone root
-    std::uint64_t tagLevels = 0;   // the sum over all start and end tags of their level: what an indentation multiplies
-    std::uint64_t fingerprint = 0; // of all names, values, CDATA sections and their order
+    std::uint64_t depth = 0;     // 1 for a lone root
+    std::uint64_t tagLevels = 0; // the sum over all start and end tags of their level: what an indentation multiplies
 };
 
-/// Counts; with a fingerprint two trees with the same one hold the same.
-XmlCount CountXml(IVekXMLElement * root, bool withFingerprint);
-
-/// The sum over all lines of the written document type of their level, at most.
-std::uint64_t CountDocumentTypeLevels(IVekXMLDocument & document);
+XmlCount CountXml(IVekXMLElement * root);
 
 } // namespace tool

@@ -8,15 +8,11 @@
 namespace tool
 {
 
-struct SaveOptions
-{
-    int indentation = 3;
-    bool noDocumentType = false;
-};
+constexpr int USUAL_INDENTATION = 3;
 
-/// Writes a document so that either the whole new file stands at the path or nothing has changed there: it is written
-/// beside it, read back and compared first. Takes the document, whose memory the comparison needs. False after telling
-/// the user why.
-bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, SaveOptions const & options);
+/// Writes a document with all that is in it, indented where its white space is only layout, which has to be removed,
+/// so that either the whole new file stands at the path or nothing has changed there: it is read back and compared
+/// first. Takes the document, whose memory the comparison needs. False after telling the user why.
+bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int indentation);
 
 } // namespace tool

@@ -37,7 +37,7 @@ double FileMegabytes(std::wstring const & path)
 void PrintInfo(std::wstring const & path, IVekXMLDocument & document, double milliseconds)
 {
     IVekXMLElement * const root = document.GetRootElement();
-    XmlCount const count = CountXml(root, false);
+    XmlCount const count = CountXml(root);
     double const megabytes = FileMegabytes(path);
     Console & out = Console::Out();
     auto const line = [&out](wchar_t const * label, std::wstring const & value)
