@@ -27,8 +27,7 @@ void RemoveChildren(IVekXMLElement & element, IsRemoved isRemoved)
         IVekXMLElement * const child = element.GetChild(i);
         if (isRemoved(*child))
             continue;
-        child->AddRef();
-        kept.emplace_back(child);
+        kept.push_back(CVekRef<IVekXMLElement>::Share(child));
     }
     if (kept.size() == static_cast<std::size_t>(count))
         return;
