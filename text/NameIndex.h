@@ -18,7 +18,8 @@ public:
     /// How many entries of the list it knows.
     int Count() const noexcept { return m_count; }
     /// Adds the next entry; false when memory is exhausted.
-    bool Add(CVekString<wchar_t> const & name) noexcept { return AddHashed(Hash(GivenText(name))); }
+    bool Add(CVekString<wchar_t> const & name) noexcept { return Add(GivenText(name)); }
+    bool Add(GivenText const & name) noexcept { return AddHashed(Hash(name)); }
     /// As Add, but an entry of the name of one before it is only counted: for which the predicate, called with the
     /// position of that one, is true.
     template <class Predicate>

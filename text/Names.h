@@ -15,6 +15,7 @@ namespace vek
 struct GivenText
 {
     explicit GivenText(wchar_t const * given) noexcept : text(given ? given : L""), length(Measure(text)) {}
+    GivenText(wchar_t const * given, int givenLength) noexcept : text(given), length(givenLength) {}
     explicit GivenText(CVekString<wchar_t> const & string) noexcept : text(string), length(string.GetLength()) {}
 
     wchar_t const * text;

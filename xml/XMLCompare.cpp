@@ -1,8 +1,8 @@
 #include "VekEdit.h"
 
 #include "base/Buffer.h"
+#include "xml/XMLMarkup.h"
 
-#include <stdint.h>
 #include <string.h>
 
 #include <string_view>
@@ -12,53 +12,15 @@ namespace
 
 using View = std::wstring_view;
 
-struct Entity
-{
-    View name;
-    wchar_t unit;
-};
-constexpr Entity ENTITIES[] = {{L"amp", L'&'}, {L"lt", L'<'}, {L"gt", L'>'}, {L"apos", L'\''}, {L"quot", L'"'}};
 constexpr View NEW_LINE = L"<EOL>";
-constexpr uint32_t NONE = 0x110000;
+constexpr size_t LONGEST_REFERENCE = 32; // ten digits or so are enough
 
 View ViewOf(CVekString<wchar_t> const & text) noexcept
 {
     return {text, static_cast<size_t>(text.GetLength())};
 }
 
-/// The character of "#65" or "#x41"; NONE when it is none.
-uint32_t NumberedCharacter(View reference) noexcept
-{
-    reference.remove_prefix(1);
-    bool const isHexadecimal = !reference.empty() && reference[0] == L'x';
-    reference.remove_prefix(isHexadecimal);
-    uint32_t character = reference.empty() ? NONE : 0;
-    for (wchar_t const unit : reference)
-    {
-        uint32_t const letter = (unit | 0x20U) - L'a';
-        uint32_t const digit = unit >= L'0' && unit <= L'9'  ? unit - uint32_t{L'0'}
-                               : isHexadecimal && letter < 6 ? letter + 10
-                                                             : NONE;
-        if (digit == NONE || character >= NONE)
-            return NONE;
-        character = character * (isHexadecimal ? 16 : 10) + digit;
-    }
-    return character;
-}
-
-uint32_t ReferredCharacter(View reference) noexcept
-{
-    if (!reference.empty() && reference[0] == L'#')
-        return NumberedCharacter(reference);
-    for (Entity const & entity : ENTITIES)
-    {
-        if (entity.name == reference)
-            return entity.unit;
-    }
-    return NONE;
-}
-
-bool AppendCharacter(vek::Buffer<wchar_t> & text, uint32_t character) noexcept
+bool AppendCharacter(vek::Buffer<wchar_t> & text, unsigned int character) noexcept
 {
     if (character > 0xFFFF && !text.Append(static_cast<wchar_t>(0xD7C0 + (character >> 10))))
         return false;
@@ -70,17 +32,14 @@ bool Decode(View stored, vek::Buffer<wchar_t> & text) noexcept
 {
     for (size_t i = 0; i < stored.size(); ++i)
     {
-        uint32_t character = stored[i];
-        size_t const end = character == L'&' ? stored.find(L';', i) : View::npos;
-        // The longest reference has ten digits or so.
-        if (end != View::npos && end - i < 32)
+        unsigned int character = stored[i];
+        unsigned int referred = 0;
+        size_t const length =
+            character == L'&' ? vek::ReadReference(stored.data() + i, stored.size() - i, referred) : 0;
+        if (length > 0 && length <= LONGEST_REFERENCE)
         {
-            uint32_t const referred = ReferredCharacter(View(stored.data() + i + 1, end - i - 1));
-            if (referred < NONE)
-            {
-                character = referred;
-                i = end;
-            }
+            character = referred;
+            i += length - 1;
         }
         if (!AppendCharacter(text, character))
             return false;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Buffer.h"
-#include "text/NameHash.h"
+#include "text/NameIndex.h"
 
 #include <stdint.h>
 
@@ -24,12 +24,9 @@ private:
         uint32_t length;
     };
 
-    size_t SlotOf(wchar_t const * name, size_t length) const noexcept;
-
     Buffer<wchar_t> m_text;
     Buffer<Entry> m_entries;
-    Buffer<uint32_t> m_slots; // open addressing, a power of two; entries from 1
-    NameHash m_hash;
+    NameIndex m_index;
 };
 
 } // namespace vek

@@ -8,7 +8,17 @@ namespace
 {
 
 constexpr wchar_t SPECIAL[] = {L'&', L'<', L'>', L'"'};
-constexpr wchar_t const * NAMED[] = {L"&amp;", L"&lt;", L"&gt;", L"&quot;", L"&apos;"};
+constexpr unsigned int BEYOND = 0x110000;
+
+struct Entity
+{
+    wchar_t const * name;
+    size_t length;
+    wchar_t unit;
+};
+constexpr Entity ENTITIES[] = {
+    {L"amp", 3, L'&'}, {L"lt", 2, L'<'}, {L"gt", 2, L'>'}, {L"quot", 4, L'"'}, {L"apos", 4, L'\''}};
+constexpr size_t LONGEST_NAME = 4;
 
 int DigitOf(wchar_t unit) noexcept
 {
@@ -22,21 +32,21 @@ bool IsCharacter(unsigned int code) noexcept
 {
     if (code < 0x20)
         return code == '\n' || code == '\t' || code == '\r';
-    return code < 0xD800 || (code > 0xDFFF && code < 0xFFFE) || (code > 0xFFFF && code < 0x110000);
+    return code < 0xD800 || (code > 0xDFFF && code < 0xFFFE) || (code > 0xFFFF && code < BEYOND);
 }
 
 // The length of the reference to a character that the text, which begins with "&#", begins with; 0 for none.
-size_t NumberLength(wchar_t const * text, size_t length) noexcept
+size_t ReadNumber(wchar_t const * text, size_t length, unsigned int & code) noexcept
 {
     bool const isHex = length > 2 && text[2] == L'x';
     size_t const first = isHex ? 3 : 2;
     int const base = isHex ? 16 : 10;
-    unsigned int code = 0;
+    code = 0;
     for (size_t i = first; i < length; ++i)
     {
         if (text[i] == L';')
-            return i > first && IsCharacter(code) ? i + 1 : 0;
-        if (DigitOf(text[i]) >= base || code >= 0x110000)
+            return i > first && code < BEYOND ? i + 1 : 0;
+        if (DigitOf(text[i]) >= base || code >= BEYOND)
             return 0;
         code = code * static_cast<unsigned int>(base) + static_cast<unsigned int>(DigitOf(text[i]));
     }
@@ -63,17 +73,33 @@ constexpr LookTable LOOKS;
 
 } // namespace
 
-size_t ReferenceLength(wchar_t const * text, size_t length) noexcept
+wchar_t PredefinedEntity(wchar_t const * name, size_t length) noexcept
 {
-    if (BeginsWith(text, length, L"&#"))
-        return NumberLength(text, length);
-    for (wchar_t const * known : NAMED)
+    for (Entity const & entity : ENTITIES)
     {
-        size_t const knownLength = wcslen(known);
-        if (length >= knownLength && wmemcmp(text, known, knownLength) == 0)
-            return knownLength;
+        if (length == entity.length && wmemcmp(name, entity.name, length) == 0)
+            return entity.unit;
     }
     return 0;
+}
+
+size_t ReadReference(wchar_t const * text, size_t length, unsigned int & character) noexcept
+{
+    if (BeginsWith(text, length, L"&#"))
+        return ReadNumber(text, length, character);
+    size_t end = 1;
+    while (end < length && end <= LONGEST_NAME && text[end] != L';')
+        ++end;
+    character =
+        length > 0 && *text == L'&' && end < length && text[end] == L';' ? PredefinedEntity(text + 1, end - 1) : 0;
+    return character ? end + 1 : 0;
+}
+
+size_t ReferenceLength(wchar_t const * text, size_t length) noexcept
+{
+    unsigned int character = 0;
+    size_t const referenceLength = ReadReference(text, length, character);
+    return referenceLength && IsCharacter(character) ? referenceLength : 0;
 }
 
 bool NeedsLook(wchar_t unit, XMLPlace place) noexcept

@@ -4,11 +4,13 @@
 #include "text/StringAccess.h"
 #include "xml/XMLDocument.h"
 #include "xml/XMLManager.h"
+#include "xml/XMLMarkup.h"
 #include "xml/XMLParserState.h"
 
 #include <limits.h>
 #include <wchar.h>
 
+#include <algorithm>
 #include <new>
 
 namespace
@@ -93,12 +95,7 @@ int XMLCALL OnUnknownEncodingCB(void * userData, XML_Char const * name, XML_Enco
 
 bool IsBlank(wchar_t const * text, int length)
 {
-    for (int i = 0; i < length; ++i)
-    {
-        if (text[i] != L' ' && text[i] != L'\n' && text[i] != L'\t' && text[i] != L'\r')
-            return false;
-    }
-    return true;
+    return std::all_of(text, text + length, [](wchar_t unit) { return vek::IsBlank(unit); });
 }
 
 VEK_XML_ENCODING EncodingOf(vek::XMLSource const & source)

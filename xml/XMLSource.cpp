@@ -3,6 +3,7 @@
 #include "VekCore.h"
 
 #include "xml/XMLCodePages.h"
+#include "xml/XMLMarkup.h"
 
 #include <string.h>
 #include <windows.h>
@@ -30,11 +31,6 @@ constexpr Mark MARKS[] = {
     {"\xEF\xBB\xBF", 3, 3, CP_UTF8}, {"\xFF\xFE", 2, 2, UTF16_LITTLE}, {"\xFE\xFF", 2, 2, UTF16_BIG},
     {"<\0", 2, 0, UTF16_LITTLE},     {"\0<", 2, 0, UTF16_BIG},
 };
-
-bool IsBlank(wchar_t unit) noexcept
-{
-    return unit == L' ' || unit == L'\n' || unit == L'\t' || unit == L'\r';
-}
 
 } // namespace
 

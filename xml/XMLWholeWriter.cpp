@@ -83,11 +83,6 @@ Piece SectionOf(IVekXMLElement const & element) noexcept
             size > 0 ? static_cast<size_t>(size) / sizeof(wchar_t) : 0};
 }
 
-bool IsBlank(wchar_t unit) noexcept
-{
-    return unit == L' ' || unit == L'\n' || unit == L'\t' || unit == L'\r';
-}
-
 // Where the value of the declaration's encoding stands in a prolog; none begins at 0.
 Piece FindEncoding(wchar_t const * prolog) noexcept
 {
