@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr wchar_t const * STANDARD = L"-";
-constexpr DWORD PIECE = 0x10000;
+constexpr DWORD PIECE_SIZE = 0x10000;
 
 /// A file that is gone at the end of its scope.
 class TemporaryFile
@@ -71,9 +71,9 @@ private:
 template <class Use>
 bool ReadAll(HANDLE handle, Use use)
 {
-    std::vector<char> buffer(PIECE);
+    std::vector<char> buffer(PIECE_SIZE);
     DWORD size = 0;
-    while (ReadFile(handle, buffer.data(), PIECE, &size, nullptr))
+    while (ReadFile(handle, buffer.data(), PIECE_SIZE, &size, nullptr))
     {
         if (size == 0)
             return true;

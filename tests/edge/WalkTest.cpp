@@ -4,6 +4,7 @@
 #include "VekStd.h"
 
 #include "support/ForeignElement.h"
+#include "support/GuardHeap.h"
 #include "support/XMLKit.h"
 
 #include <filesystem>
@@ -48,7 +49,7 @@ std::string Repeated(std::string const & text, int count)
     return all;
 }
 
-constexpr int MILLION = 1000000;
+constexpr int MANY = VekGuard::Active ? 50'000 : 1'000'000;
 
 TEST_F(Edge, LoopsOverElements)
 {
@@ -121,15 +122,15 @@ TEST_F(Edge, LoopsOverTokensAndPackets)
     EXPECT_EQ(order, "12313");
 }
 
-TEST_F(Edge, AMillionLevelsAreWalkedCopiedAndCompared)
+TEST_F(Edge, ManyLevelsAreWalkedCopiedAndCompared)
 {
-    auto const document = Parsed(Repeated("<a b='1'>", MILLION) + Repeated("</a>", MILLION));
+    auto const document = Parsed(Repeated("<a b='1'>", MANY) + Repeated("</a>", MANY));
     IVekXMLElement & root = *document->GetRootElement();
     int count = 0;
     auto walk = VekFindAll(root, L"a");
     for ([[maybe_unused]] IVekXMLElement const & element : walk)
         ++count;
-    EXPECT_EQ(count, MILLION - 1);
+    EXPECT_EQ(count, MANY - 1);
     EXPECT_FALSE(walk.IsOutOfMemory());
     CVekRef<IVekXMLElement> const copy{VekCloneXMLElement(&root)};
     ASSERT_TRUE(copy);

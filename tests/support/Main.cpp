@@ -28,7 +28,7 @@ constexpr UINT HANG_STATUS = 97;
 // Written by the listener, read by the watchdog and the fault report; both must work while the heap is locked.
 char g_testName[256] = "(start-up)";
 HANDLE g_testChanged;
-DWORD g_milliseconds = 60000;
+DWORD g_milliseconds = 240000; // machines are slow and shared
 
 DWORD WINAPI Watch(void *)
 {

@@ -18,7 +18,7 @@ namespace
 constexpr std::wstring_view TYPE_NAMES[] = {
     L"",       L"bool",    L"byte",  L"char",  L"wchar", L"int16", L"word",  L"int32", L"dword", L"float", L"double",
     L"string", L"wstring", L"rgba8", L"rgbaf", L"vec4i", L"vec4f", L"vec4d", L"mat4f", L"mat4d", L"guid",  L"buffer"};
-constexpr wchar_t const * DIGITS = L"0123456789ABCDEF";
+constexpr wchar_t const * HEXADECIMAL_DIGITS = L"0123456789ABCDEF";
 
 template <class T>
 using BitsOf = std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>;
@@ -32,7 +32,7 @@ T const & As(VEK_VARIANT const & value)
 void AppendHex(std::wstring & text, std::uint64_t bits, int digits)
 {
     for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
-        text.push_back(DIGITS[bits >> shift & 15]);
+        text.push_back(HEXADECIMAL_DIGITS[bits >> shift & 15]);
 }
 
 template <class T>

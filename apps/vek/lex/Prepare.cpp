@@ -55,7 +55,7 @@ private:
     std::size_t m_at = 0;
 };
 
-constexpr std::wstring_view DIGITS = L"0123456789";
+constexpr std::wstring_view DECIMAL = L"0123456789";
 constexpr std::wstring_view HEXADECIMAL = L"0123456789abcdefABCDEF";
 
 struct Number
@@ -77,7 +77,7 @@ Number FindNumber(std::wstring_view text)
         taker.Take(L"0");
         taker.Take(L"xXbB");
     }
-    std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DIGITS;
+    std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DECIMAL;
     std::size_t count = taker.TakeAll(digits);
     if (!isBinary && taker.Take(L"."))
     {
@@ -90,7 +90,7 @@ Number FindNumber(std::wstring_view text)
     {
         number.isWhole = false;
         taker.Take(L"+-");
-        if (taker.TakeAll(DIGITS) == 0)
+        if (taker.TakeAll(DECIMAL) == 0)
             return {};
     }
     for (int i = 0; i < 3 && taker.Take(number.isWhole ? L"uUlLzZfFhH" : L"fFlLhH"); ++i)

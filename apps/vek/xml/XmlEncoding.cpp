@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr unsigned int EUC_JP = 20932;
-constexpr std::size_t PIECE = 0x100000; // what the system is asked for at once
+constexpr std::size_t CODE_PIECE = 0x100000; // what the system is asked for at once
 
 } // namespace
 
@@ -82,7 +82,7 @@ std::wstring XmlEncoding::Decode(std::string_view bytes) const
             text.push_back(static_cast<wchar_t>(UnitAt(bytes, i)));
         return text;
     }
-    text.resize(std::min(bytes.size(), PIECE));
+    text.resize(std::min(bytes.size(), CODE_PIECE));
     int const size = static_cast<int>(text.size());
     int const length = size ? MultiByteToWideChar(m_codePage, 0, bytes.data(), size, text.data(), size) : 0;
     text.resize(static_cast<std::size_t>(length));
