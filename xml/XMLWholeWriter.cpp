@@ -2,6 +2,7 @@
 
 #include "base/AsOwn.h"
 #include "xml/XMLDocument.h"
+#include "xml/XMLErrorCode.h"
 #include "xml/XMLMarkup.h"
 
 #include <limits.h>
@@ -15,6 +16,9 @@ namespace vek
 {
 namespace
 {
+
+// Characters of a name that could not be written.
+constexpr size_t LONGEST_SHOWN = 200;
 
 struct Piece
 {
@@ -126,7 +130,7 @@ bool XMLWholeWriter::Check() noexcept
     if (!Document())
         return false;
     return AreProlog(m_prolog, m_references.Data(), m_references.Size(), m_epilog) ||
-           Fail(L"CVekXMLWriter::WriteXML --> Prolog, epilog or a reference to an entity can not be written", L"");
+           Fail(VEK_XML_WRITE_ERROR_PROLOG, L"");
 }
 
 bool XMLWholeWriter::Write(IVekIOStream & stream) noexcept
@@ -147,10 +151,20 @@ bool XMLWholeWriter::Write(IVekIOStream & stream) noexcept
     return isWritten;
 }
 
-bool XMLWholeWriter::Fail(wchar_t const * what, wchar_t const * name) noexcept
+VEK_XML_WRITE_ERROR XMLWholeWriter::TakeError(CVekString<wchar_t> & what) noexcept
 {
-    if (!m_output || !m_output->HasFailed())
-        VekLogOutput(0, what, name);
+    what.Swap(m_what);
+    return m_error;
+}
+
+bool XMLWholeWriter::Fail(VEK_XML_WRITE_ERROR code, wchar_t const * what) noexcept
+{
+    if (m_output && m_output->HasFailed())
+        return false;
+    m_error = code;
+    m_what = CVekString<wchar_t>(what, static_cast<int>(wcsnlen(what, LONGEST_SHOWN)));
+    wchar_t const * const format = *what ? L"CVekXMLWriter::WriteXML --> %s: %s" : L"CVekXMLWriter::WriteXML --> %s";
+    VekLogOutput(0, format, WriteErrorText(code), static_cast<wchar_t const *>(m_what));
     return false;
 }
 
@@ -225,7 +239,8 @@ bool XMLWholeWriter::Child(IVekXMLElement const & child, bool isIndented) noexce
     if (kind == NodeKind::ELEMENT)
         return BeginElement(child, isIndented);
     if (child.GetNumChildren() > 0 || child.GetNumAttributes() != (kind == NodeKind::INSTRUCTION ? 1 : 0))
-        return Fail(L"CVekXMLWriter::WriteXML --> Children or attributes can not be written below %s", child.GetName());
+        return Fail(kind == NodeKind::INSTRUCTION ? VEK_XML_WRITE_ERROR_INSTRUCTION : VEK_XML_WRITE_ERROR_NODE,
+                    child.GetName());
     auto const [text, length] = SectionOf(child);
     switch (kind)
     {
@@ -243,7 +258,7 @@ bool XMLWholeWriter::Child(IVekXMLElement const & child, bool isIndented) noexce
     for (size_t i = 0; i < length; ++i)
     {
         if (text[i] == L'-' && (i + 1 == length || text[i + 1] == L'-'))
-            return Fail(L"CVekXMLWriter::WriteXML --> Comment with \"--\" can not be written", L"");
+            return Fail(VEK_XML_WRITE_ERROR_COMMENT, L"");
     }
     Put(L"<!--");
     if (!Characters(text, length, XMLPlace::LITERAL))
@@ -276,7 +291,7 @@ bool XMLWholeWriter::BeginElement(IVekXMLElement const & element, bool isIndente
             return false;
     }
     return m_open.Append({&element, -1, childCount, isIndented && !HoldsText(element, childCount)}) ||
-           Fail(L"CVekXMLWriter::WriteXML --> Failed to allocate memory", L"");
+           Fail(VEK_XML_WRITE_ERROR_MEMORY, L"");
 }
 
 bool XMLWholeWriter::Attributes(IVekXMLElement const & element) noexcept
@@ -304,7 +319,7 @@ bool XMLWholeWriter::AreAttributesDistinct(IVekXMLElement const & element) noexc
     for (int i = 0; i < element.GetNumAttributes(); ++i)
     {
         if (!m_names.Append(&element.GetAttributeName(i)))
-            return Fail(L"CVekXMLWriter::WriteXML --> Failed to allocate memory", L"");
+            return Fail(VEK_XML_WRITE_ERROR_MEMORY, L"");
     }
     auto const isLess = [](CVekString<wchar_t> const * left, CVekString<wchar_t> const * right)
     { return wcscmp(*left, *right) < 0; };
@@ -312,15 +327,14 @@ bool XMLWholeWriter::AreAttributesDistinct(IVekXMLElement const & element) noexc
     std::sort(m_names.Data(), end, isLess);
     auto * const twin =
         std::adjacent_find(m_names.Data(), end, [](auto * left, auto * right) { return wcscmp(*left, *right) == 0; });
-    return twin == end ||
-           Fail(L"CVekXMLWriter::WriteXML --> Two attributes of one name can not be written: %s", **twin);
+    return twin == end || Fail(VEK_XML_WRITE_ERROR_ATTRIBUTE_TWICE, **twin);
 }
 
 bool XMLWholeWriter::Instruction(IVekXMLElement const & node, wchar_t const * text, size_t length) noexcept
 {
     int const index = node.FindAttributeIndex(L"target");
     if (index == -1)
-        return Fail(L"CVekXMLWriter::WriteXML --> Processing instruction without target can not be written", L"");
+        return Fail(VEK_XML_WRITE_ERROR_INSTRUCTION, L"");
     CVekString<wchar_t> const & target = node.GetAttributeValue(index);
     auto const targetLength = static_cast<size_t>(target.GetLength());
     if (!Name(target, targetLength))
@@ -329,7 +343,7 @@ bool XMLWholeWriter::Instruction(IVekXMLElement const & node, wchar_t const * te
     for (size_t i = 0; i + 1 < length; ++i)
         isHarmless = isHarmless && (text[i] != L'?' || text[i + 1] != L'>');
     if (!isHarmless)
-        return Fail(L"CVekXMLWriter::WriteXML --> Processing instruction can not be written: %s", target);
+        return Fail(VEK_XML_WRITE_ERROR_INSTRUCTION, target);
     Put(L"<?");
     Put(target, targetLength);
     if (length > 0)
@@ -345,7 +359,7 @@ bool XMLWholeWriter::Reference(wchar_t const * name, size_t length) noexcept
     if (!Name(name, length))
         return false;
     if (!m_output && !(m_references.Append(L'&') && m_references.Append(name, length) && m_references.Append(L';')))
-        return Fail(L"CVekXMLWriter::WriteXML --> Failed to allocate memory", L"");
+        return Fail(VEK_XML_WRITE_ERROR_MEMORY, L"");
     Put(L"&");
     Put(name, length);
     Put(L";");
@@ -453,8 +467,9 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace pl
         }
         else
         {
-            VekLogOutput(0, L"CVekXMLWriter::WriteXML --> Character %d can not be written", static_cast<int>(unit));
-            return false;
+            CVekString<wchar_t> number;
+            number.AppendFormat(L"U+%04X", static_cast<unsigned int>(unit));
+            return Fail(VEK_XML_WRITE_ERROR_CHARACTER, number);
         }
     }
     Put(text + begin, length - begin);
@@ -465,8 +480,8 @@ bool XMLWholeWriter::Name(wchar_t const * text, size_t length) noexcept
 {
     if (m_output || m_nameCheck.IsName(text, length))
         return true;
-    CVekString<wchar_t> const name(text, static_cast<int>(std::min(length, size_t{200})));
-    return Fail(L"CVekXMLWriter::WriteXML --> Name can not be written: %s", name);
+    CVekString<wchar_t> const name(text, static_cast<int>(std::min(length, LONGEST_SHOWN)));
+    return Fail(VEK_XML_WRITE_ERROR_NAME, name);
 }
 
 void XMLWholeWriter::NewLine(size_t level) noexcept

@@ -23,6 +23,8 @@ public:
     bool Check() noexcept;
     /// False, with a message, when the stream doesn't take it.
     bool Write(IVekIOStream & stream) noexcept;
+    /// Why one of them gave false, and what could not be written; a stream is at fault when nothing else is.
+    VEK_XML_WRITE_ERROR TakeError(CVekString<wchar_t> & what) noexcept;
 
 private:
     struct OpenElement
@@ -47,7 +49,7 @@ private:
     bool Name(wchar_t const * text, size_t length) noexcept;
     bool Declaration(CVekString<wchar_t> const & prolog) noexcept;
     void NewLine(size_t level) noexcept;
-    bool Fail(wchar_t const * what, wchar_t const * name) noexcept;
+    bool Fail(VEK_XML_WRITE_ERROR code, wchar_t const * what) noexcept;
 
     void Put(wchar_t const * text, size_t length) noexcept;
     template <size_t N>
@@ -69,6 +71,8 @@ private:
     Buffer<wchar_t> m_references; // all that are written
     Buffer<CVekString<wchar_t> const *> m_names;
     XMLNameCheck m_nameCheck;
+    VEK_XML_WRITE_ERROR m_error = VEK_XML_WRITE_ERROR_STREAM;
+    CVekString<wchar_t> m_what;
 };
 
 } // namespace vek

@@ -137,6 +137,9 @@ TEST(VekXml, FormatKeepsAllButLayout)
         EXPECT_EQ(outcome.out + outcome.err, "");
         EXPECT_EQ(FileBytes(file), formatted);
     }
+    StoreBytes(file, "<!DOCTYPE a SYSTEM 'd'><a>&u;</a>");
+    EXPECT_THAT(Vek({L"xml", L"format", file, file, L"--no-dtd"}).err,
+                HasSubstr("a.xml: not written: prolog, epilog or a reference to an entity can not be written\n"));
     StoreBytes(file, "<?xml version='1.0' encoding='windows-1252'?><a>\x80</a>");
     EXPECT_THAT(Vek({L"xml", L"format", file, file}).err, HasSubstr("a.xml: note: written as UTF-8\n"));
     EXPECT_THAT(FileBytes(file), HasSubstr("<a>\xE2\x82\xAC</a>"));
