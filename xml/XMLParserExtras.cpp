@@ -81,11 +81,21 @@ void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Ch
     StateOf(userData).document->SetDocumentType(name);
 }
 
-void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int,
+void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int length,
                             XML_Char const *, XML_Char const *, XML_Char const *, XML_Char const *)
 {
-    if (value && !isParameter && !StateOf(userData).extras->entities.Add(name))
+    vek::XMLEntityNames & entities = StateOf(userData).extras->entities;
+    auto const size = static_cast<size_t>(length);
+    if (value && !(isParameter ? entities.AddParameter(value, size) : entities.Add(name, value, size)))
         StateOf(userData).Abort();
+}
+
+void XMLCALL OnAttlistDeclCB(void * userData, XML_Char const * element, XML_Char const * attribute,
+                             XML_Char const * type, XML_Char const * value, int required)
+{
+    StateOf(userData).OnAttlistDecl(element, attribute, type, required);
+    if (value)
+        StateOf(userData).OnDefaultValue();
 }
 
 int XMLCALL OnUnknownEncodingCB(void * userData, XML_Char const * name, XML_Encoding * encoding)
@@ -124,6 +134,7 @@ void vek::InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * stat
         return;
     XML_SetStartDoctypeDeclHandler(expat, OnStartDoctypeDeclCB);
     XML_SetEntityDeclHandler(expat, OnEntityDeclCB);
+    XML_SetAttlistDeclHandler(expat, OnAttlistDeclCB);
     XML_SetCommentHandler(expat, OnCommentCB);
     XML_SetProcessingInstructionHandler(expat, OnInstructionCB);
     XML_SetDefaultHandlerExpand(expat, OnDefaultCB);
@@ -195,24 +206,41 @@ void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t con
 bool CVekXMLParser::State::AreValuesWhole()
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
-    int const length = XML_GetCurrentByteCount(expat);
-    if (!extras->source.IsTagAt(offset) ||
-        !extras->source.MayHoldReference({static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}))
+    vek::XMLRange const tag = {static_cast<unsigned int>(offset),
+                               static_cast<unsigned int>(XML_GetCurrentByteCount(expat))};
+    if (extras->source.IsTagAt(offset) && !extras->source.MayHoldReference(tag))
         return true;
-    CVekString<wchar_t> tag;
-    if (!extras->source.Decode(offset, offset + length, tag))
-        return false;
-    for (wchar_t const * at = wcschr(tag, L'&'); at; at = wcschr(at, L'&'))
-    {
-        wchar_t const * const name = ++at;
-        auto const nameLength = static_cast<int>(wcscspn(name, L";"));
-        if (extras->entities.Has(name, static_cast<size_t>(nameLength)))
-            continue;
-        VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
-                     static_cast<wchar_t const *>(CVekString<wchar_t>(name, nameLength)));
-        return Fail(VEK_XML_ERROR_UNKNOWN_ENTITY, L"a value refers to an entity that is not read");
-    }
-    return true;
+    // The tag as it stands, be it in the source or in an entity's text.
+    extras->tag.Clear();
+    extras->takesTag = true;
+    XML_DefaultCurrent(expat);
+    extras->takesTag = false;
+    return CheckLost(extras->entities.FindLost(extras->tag.Data(), extras->tag.Size()));
+}
+
+// Likewise in default values.
+void CVekXMLParser::State::OnDefaultValue()
+{
+    if (!Keeps(VEK_XML_KEEP_PROLOG))
+        return;
+    vek::XMLRange const value = extras->source.LiteralAt(static_cast<int>(XML_GetCurrentByteIndex(expat)));
+    auto const begin = static_cast<int>(value.offset);
+    CVekString<wchar_t> text;
+    if (begin && !extras->source.Decode(begin, begin + static_cast<int>(value.length), text))
+        return Abort();
+    // One that stands in the text of a parameter entity can't be looked at by itself.
+    if (!CheckLost(begin ? extras->entities.FindLost(text, static_cast<size_t>(text.GetLength()))
+                         : extras->entities.FindLostInParameters()))
+        Abort();
+}
+
+bool CVekXMLParser::State::CheckLost(vek::XMLNamePiece const & entity)
+{
+    if (!entity.text)
+        return true;
+    VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
+                 static_cast<wchar_t const *>(CVekString<wchar_t>(entity.text, static_cast<int>(entity.length))));
+    return Fail(VEK_XML_ERROR_UNKNOWN_ENTITY, L"a value refers to an entity that is not read");
 }
 
 void CVekXMLParser::State::OnEndElementExtra()
@@ -326,6 +354,12 @@ void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const *
 void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
 {
     vek::Buffer<wchar_t> & reference = extras->reference;
+    if (extras->takesTag)
+    {
+        if (!extras->tag.Append(text, static_cast<size_t>(length)))
+            Abort();
+        return;
+    }
     if (!IsInside() || !Keeps(VEK_XML_KEEP_TEXT) || length == 0 || (reference.Empty() && text[0] != L'&'))
         return;
     bool const isWhole = text[length - 1] == L';';

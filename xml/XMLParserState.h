@@ -37,6 +37,8 @@ struct XMLParserExtras
     Buffer<int> stored;        // of an element's attributes that were stored: their places in the tag
     Buffer<wchar_t> text;      // that was met since the last node
     Buffer<wchar_t> reference; // to an entity, as far as it came
+    Buffer<wchar_t> tag;       // whose values are looked at
+    bool takesTag = false;     // the markup that comes is that tag
     bool isBlank = true;       // the text is white space alone
     bool hasSection = false;   // the CDATA buffer holds a section that comes before the text
     bool isOneSection = false; // the text is one CDATA section, and nothing else
@@ -87,6 +89,7 @@ struct CVekXMLParser::State
     void OnComment(wchar_t const * text);
     void OnInstruction(wchar_t const * target, wchar_t const * text);
     void OnReferencePiece(wchar_t const * text, int length);
+    void OnDefaultValue();
     bool Keeps(VEK_XML_KEEP what) const noexcept { return (options.keep & what) != 0; }
     bool IsInside() const noexcept { return !firstElement && !stack.Empty(); }
 
@@ -111,6 +114,7 @@ private:
 
     bool EndDocument();
     bool AreValuesWhole();
+    bool CheckLost(vek::XMLNamePiece const & entity);
     bool StoreProlog();
     bool Flush();
     bool FlushAtEnd();
