@@ -206,11 +206,16 @@ void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t con
 bool CVekXMLParser::State::AreValuesWhole()
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
-    vek::XMLRange const tag = {static_cast<unsigned int>(offset),
-                               static_cast<unsigned int>(XML_GetCurrentByteCount(expat))};
-    if (extras->source.IsTagAt(offset) && !extras->source.MayHoldReference(tag))
-        return true;
-    // The tag as it stands, be it in the source or in an entity's text.
+    int const length = XML_GetCurrentByteCount(expat);
+    if (extras->source.IsTagAt(offset))
+    {
+        CVekString<wchar_t> tag;
+        return !extras->source.MayHoldReference(
+                   {static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}) ||
+               (extras->source.Decode(offset, offset + length, tag) &&
+                CheckLost(extras->entities.FindLost(tag, static_cast<size_t>(tag.GetLength()))));
+    }
+    // One that stands in an entity's text. Of the source's own tags the tokenizer would lose the place.
     extras->tag.Clear();
     extras->takesTag = true;
     XML_DefaultCurrent(expat);
