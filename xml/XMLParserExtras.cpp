@@ -265,13 +265,8 @@ void CVekXMLParser::State::OnEndElementExtra()
 bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int attributesBefore)
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
-    auto const line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
-    auto const column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
-    // The tokenizer counts a byte order mark as a column.
-    unsigned int const mark = line == 1 && extras->source.MarkLength() > 0 ? 1 : 0;
     VekXMLPosition const position = {static_cast<unsigned int>(offset),
-                                     static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, line,
-                                     column + 1 - mark};
+                                     static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, Line(), Column()};
     if (!extras->source.IsTagAt(offset))
         return extras->positions.Begin(nullptr, position);
     return extras->positions.Begin(element, position) &&
@@ -335,7 +330,7 @@ void CVekXMLParser::State::OnEndSection()
 
 void CVekXMLParser::State::OnComment(wchar_t const * text)
 {
-    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode({L"#comment", 8}, text, wcslen(text))))
+    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode(vek::COMMENT_NODE, text, wcslen(text))))
         Abort();
 }
 
@@ -344,7 +339,7 @@ void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const *
     if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS) || !IsInside())
         return;
     size_t const length = wcslen(target);
-    CVekXMLElement * const node = Flush() ? AddNode({L"#processing-instruction", 23}, text, wcslen(text)) : nullptr;
+    CVekXMLElement * const node = Flush() ? AddNode(vek::INSTRUCTION_NODE, text, wcslen(text)) : nullptr;
     auto * const attribute = node && length < INT_MAX / sizeof(wchar_t)
                                  ? CVekXMLAttribute::Make(L"target", 6, target, static_cast<int>(length))
                                  : nullptr;
@@ -369,7 +364,7 @@ void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
         return;
     bool const isWhole = text[length - 1] == L';';
     if (!reference.Append(text, static_cast<size_t>(length)) ||
-        (isWhole && (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1,
+        (isWhole && (!Flush() || !AddNode(vek::REFERENCE_NODE, reference.Data() + 1,
                                           reference.Size() - 2)))) // without & and ;
         return Abort();
     if (isWhole)
@@ -384,18 +379,27 @@ bool CVekXMLParser::State::Flush()
 bool CVekXMLParser::State::FlushSection()
 {
     extras->hasSection = false;
-    return AddNode({L"#cdata-section", 14}, reinterpret_cast<wchar_t const *>(cdata.Data()),
+    return AddNode(vek::SECTION_NODE, reinterpret_cast<wchar_t const *>(cdata.Data()),
                    cdata.Size() / sizeof(wchar_t)) != nullptr;
 }
 
 bool CVekXMLParser::State::FlushText()
 {
-    bool const isKept = !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
-    bool const isDone = !isKept || AddNode({L"#text", 5}, extras->text.Data(), extras->text.Size());
+    bool const isDone = !KeepsText() || AddNode(vek::TEXT_NODE, extras->text.Data(), extras->text.Size());
+    ForgetText();
+    return isDone;
+}
+
+bool CVekXMLParser::State::KeepsText() const noexcept
+{
+    return !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
+}
+
+void CVekXMLParser::State::ForgetText() noexcept
+{
     extras->text.Clear();
     extras->isBlank = true;
     extras->isOneSection = false;
-    return isDone;
 }
 
 // The element on top of the stack ends. A section that is all it holds becomes its own.
@@ -404,17 +408,14 @@ bool CVekXMLParser::State::FlushAtEnd()
     CVekXMLElement & element = *stack.Back();
     if ((!extras->hasSection && !extras->isOneSection) || element.HasCDATASection() || element.GetNumChildren() > 0)
         return Flush();
-    if (extras->hasSection && !extras->text.Empty() &&
-        Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT))
+    if (extras->hasSection && KeepsText())
         return Flush();
     extras->hasSection = false;
-    extras->text.Clear();
-    extras->isBlank = true;
-    extras->isOneSection = false;
+    ForgetText();
     return cdata.Size() <= INT_MAX && element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size()));
 }
 
-CVekXMLElement * CVekXMLParser::State::AddNode(NodeName const & name, wchar_t const * text, size_t length)
+CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length)
 {
     auto * const node = CVekXMLElement::MakeNode(name.text, name.length, text, length * sizeof(wchar_t));
     if (!node)

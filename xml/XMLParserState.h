@@ -8,6 +8,7 @@
 #include "xml/XMLEntityNames.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLNameCache.h"
+#include "xml/XMLNodeNames.h"
 #include "xml/XMLPositions.h"
 #include "xml/XMLSource.h"
 
@@ -105,7 +106,10 @@ struct CVekXMLParser::State
     VekXMLError error;
 
 private:
-    void KeepPlace(bool hasMark);
+    void KeepPlace();
+    /// Of the tokenizer's place, both from 1; a byte order mark is no column.
+    unsigned int Line() const noexcept;
+    unsigned int Column() const noexcept;
     CVekXMLElement * BeginElement(wchar_t const * name);
     bool AddChild(CVekXMLElement * element);
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
@@ -120,15 +124,13 @@ private:
     bool FlushAtEnd();
     bool FlushSection();
     bool FlushText();
-    struct NodeName
-    {
-        wchar_t const * text;
-        int length;
-    };
-    CVekXMLElement * AddNode(NodeName const & name, wchar_t const * text, size_t length);
+    bool KeepsText() const noexcept;
+    void ForgetText() noexcept;
+    CVekXMLElement * AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length);
     bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 
+    bool m_hasMark = false;
     vek::XMLNameCache m_names;
     vek::EscapedText m_escaped;
     CVekRef<CVekXMLElement> m_root;

@@ -4,6 +4,7 @@
 #include "xml/XMLDocument.h"
 #include "xml/XMLErrorCode.h"
 #include "xml/XMLMarkup.h"
+#include "xml/XMLNodeNames.h"
 
 #include <limits.h>
 #include <stdint.h>
@@ -36,26 +37,23 @@ enum class NodeKind
     REFERENCE
 };
 
-struct NodeName
+struct NamedKind
 {
-    wchar_t const * name;
+    XMLNodeName name;
     NodeKind kind;
 };
 
-constexpr NodeName NODES[] = {
-    {L"#text", NodeKind::TEXT},
-    {L"#comment", NodeKind::COMMENT},
-    {L"#processing-instruction", NodeKind::INSTRUCTION},
-    {L"#cdata-section", NodeKind::SECTION},
-    {L"#entity-reference", NodeKind::REFERENCE},
+constexpr NamedKind NODES[] = {
+    {TEXT_NODE, NodeKind::TEXT},       {COMMENT_NODE, NodeKind::COMMENT},     {INSTRUCTION_NODE, NodeKind::INSTRUCTION},
+    {SECTION_NODE, NodeKind::SECTION}, {REFERENCE_NODE, NodeKind::REFERENCE},
 };
 
 NodeKind KindOf(IVekXMLElement const & element) noexcept
 {
     wchar_t const * const name = element.GetName();
-    for (NodeName const & node : NODES)
+    for (NamedKind const & node : NODES)
     {
-        if (*name == L'#' && wcscmp(name, node.name) == 0)
+        if (*name == L'#' && wcscmp(name, node.name.text) == 0)
             return node.kind;
     }
     return NodeKind::ELEMENT;
