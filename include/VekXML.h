@@ -626,7 +626,8 @@ private:
 /// What a writer that keeps all writes.
 enum VEK_XML_ENCODING : unsigned int
 {
-    /// What the document was read from; UTF-8 for a new document, and when that was neither UTF-8 nor UTF-16.
+    /// What the document was read from; UTF-8 for a new document, and for one with a character that this encoding
+    /// lacks where no reference can stand, as in a name or a comment.
     VEK_XML_ENCODING_AS_SOURCE = 0,
     VEK_XML_ENCODING_UTF8 = 1,
     /// With a byte order mark.

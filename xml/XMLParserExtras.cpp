@@ -178,6 +178,7 @@ bool CVekXMLParser::State::StoreProlog()
     int const begin = extras->rootBegin >= 0 ? extras->rootBegin : source.Size();
     int const end = extras->rootEnd >= 0 ? extras->rootEnd : source.Size();
     kept->encoding = EncodingOf(source);
+    kept->codePage = kept->encoding == VEK_XML_ENCODING_UTF8 ? source.CodePage() : 0;
     kept->carriageReturns = source.HasCarriageReturns();
     return source.Decode(source.MarkLength(), begin, kept->prolog) && source.Decode(end, source.Size(), kept->epilog);
 }

@@ -1,6 +1,7 @@
 #include "xml/XMLWholeWriter.h"
 
 #include "base/AsOwn.h"
+#include "xml/XMLCodePages.h"
 #include "xml/XMLDocument.h"
 #include "xml/XMLErrorCode.h"
 #include "xml/XMLMarkup.h"
@@ -115,7 +116,12 @@ XMLWholeWriter::XMLWholeWriter(IVekXMLDocument & document, VEK_XML_ENCODING enco
         m_isNew = kept->encoding == VEK_XML_ENCODING_AS_SOURCE && kept->prolog.IsEmpty();
         m_carriageReturns = kept->carriageReturns;
         if (m_encoding == VEK_XML_ENCODING_AS_SOURCE)
+        {
             m_encoding = kept->encoding;
+            Piece const declared = FindEncoding(m_prolog);
+            CVekString<wchar_t> const name(declared.text, static_cast<int>(std::min(declared.length, LONGEST_SHOWN)));
+            m_codePage = CodePageOf(name) == kept->codePage ? kept->codePage : 0;
+        }
     }
     if (m_encoding < VEK_XML_ENCODING_UTF8 || m_encoding > VEK_XML_ENCODING_UTF16_BIG)
         m_encoding = VEK_XML_ENCODING_UTF8;
@@ -127,6 +133,8 @@ bool XMLWholeWriter::Check() noexcept
     m_references.Clear();
     if (!Document())
         return false;
+    if (m_lacksCharacter)
+        m_codePage = 0;
     return AreProlog(m_prolog, m_references.Data(), m_references.Size(), m_epilog) ||
            Fail(VEK_XML_WRITE_ERROR_PROLOG, L"");
 }
@@ -189,7 +197,7 @@ bool XMLWholeWriter::Declaration(CVekString<wchar_t> const & prolog) noexcept
     }
     wchar_t const * rest = prolog;
     Piece const declared = FindEncoding(rest);
-    if (declared.length > 0 && !IsSame(declared, name))
+    if (declared.length > 0 && !m_codePage && !IsSame(declared, name))
     {
         if (!Characters(rest, static_cast<size_t>(declared.text - rest), XMLPlace::LITERAL))
             return false;
@@ -396,7 +404,7 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 {
     if (PlainLength(text, length) == length)
     {
-        Put(text, length);
+        Put(text, length, true);
         return true;
     }
     size_t begin = 0;
@@ -430,6 +438,7 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace place) noexcept
 {
     bool const splitsLines = m_carriageReturns && m_encoding > VEK_XML_ENCODING_UTF8_MARK;
+    bool const withReferences = place != XMLPlace::LITERAL;
     size_t begin = 0;
     for (size_t i = PlainLength(text, length); i < length; i += 1 + PlainLength(text + i + 1, length - i - 1))
     {
@@ -440,7 +449,7 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace pl
             continue;
         if (unit == L'>' && i > 0 && text[i - 1] != L']')
             continue;
-        Put(text + begin, i - begin);
+        Put(text + begin, i - begin, withReferences);
         begin = i + 1;
         if (unit == L'&')
             Put(L"&amp;");
@@ -460,7 +469,7 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace pl
             Put(L"&#13;");
         else if ((unit & 0xFC00) == 0xD800 && begin < length && (text[begin] & 0xFC00) == 0xDC00)
         {
-            PutPair(unit, text[begin]);
+            PutPair(unit, text[begin], withReferences);
             i = begin++;
         }
         else
@@ -470,7 +479,7 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace pl
             return Fail(VEK_XML_WRITE_ERROR_CHARACTER, number);
         }
     }
-    Put(text + begin, length - begin);
+    Put(text + begin, length - begin, withReferences);
     return true;
 }
 
@@ -489,14 +498,55 @@ void XMLWholeWriter::NewLine(size_t level) noexcept
         m_output->Spaces(static_cast<uint64_t>(m_indentation) * level);
 }
 
-void XMLWholeWriter::Put(wchar_t const * text, size_t length) noexcept
+void XMLWholeWriter::Put(wchar_t const * text, size_t length, bool withReferences) noexcept
 {
-    if (m_output && length > 0)
+    if (m_codePage)
+        PutEncoded(text, length, withReferences);
+    else if (m_output && length > 0)
         m_output->Text(text, length);
 }
 
-void XMLWholeWriter::PutPair(wchar_t high, wchar_t low) noexcept
+void XMLWholeWriter::PutEncoded(wchar_t const * text, size_t length, bool withReferences) noexcept
 {
+    if (!m_output && withReferences)
+        return;
+    for (size_t i = 0, end = 0; i < length; i = end)
+    {
+        while (end < length && text[end] < 0x80)
+            ++end;
+        if (m_output && end > i)
+            m_output->Text(text + i, end - i);
+        if (end == length)
+            return;
+        unsigned char bytes[3];
+        int const count = EncodeCharacter(m_codePage, text[end], bytes);
+        if (count == 0)
+            PutNumber(text[end], withReferences);
+        else if (m_output)
+            m_output->Bytes(bytes, static_cast<size_t>(count));
+        ++end;
+    }
+}
+
+void XMLWholeWriter::PutNumber(unsigned int character, bool withReferences) noexcept
+{
+    m_lacksCharacter = m_lacksCharacter || !withReferences;
+    if (!m_output)
+        return;
+    wchar_t digits[10];
+    size_t begin = sizeof digits / sizeof *digits;
+    for (; character > 0; character /= 10)
+        digits[--begin] = static_cast<wchar_t>(L'0' + character % 10);
+    m_output->Text(L"&#");
+    m_output->Text(digits + begin, sizeof digits / sizeof *digits - begin);
+    m_output->Text(L";");
+}
+
+void XMLWholeWriter::PutPair(wchar_t high, wchar_t low, bool withReferences) noexcept
+{
+    unsigned int const code = 0x10000 + ((high & 0x3FFU) << 10) + (low & 0x3FFU);
+    if (m_codePage)
+        return PutNumber(code, withReferences);
     if (!m_output)
         return;
     if (m_encoding > VEK_XML_ENCODING_UTF8_MARK)
@@ -504,7 +554,6 @@ void XMLWholeWriter::PutPair(wchar_t high, wchar_t low) noexcept
         wchar_t const pair[] = {high, low};
         return m_output->Text(pair, 2);
     }
-    unsigned int const code = 0x10000 + ((high & 0x3FFU) << 10) + (low & 0x3FFU);
     char const bytes[] = {static_cast<char>(0xF0 | code >> 18), static_cast<char>(0x80 | (code >> 12 & 0x3F)),
                           static_cast<char>(0x80 | (code >> 6 & 0x3F)), static_cast<char>(0x80 | (code & 0x3F))};
     m_output->Bytes(bytes, sizeof bytes);

@@ -51,21 +51,26 @@ private:
     void NewLine(size_t level) noexcept;
     bool Fail(VEK_XML_WRITE_ERROR code, wchar_t const * what) noexcept;
 
-    void Put(wchar_t const * text, size_t length) noexcept;
+    /// With references, characters that the source's code page lacks become such.
+    void Put(wchar_t const * text, size_t length, bool withReferences = false) noexcept;
+    void PutEncoded(wchar_t const * text, size_t length, bool withReferences) noexcept;
+    void PutNumber(unsigned int character, bool withReferences) noexcept;
     template <size_t N>
     void Put(wchar_t const (&text)[N]) noexcept
     {
         Put(text, N - 1);
     }
-    void PutPair(wchar_t high, wchar_t low) noexcept;
+    void PutPair(wchar_t high, wchar_t low, bool withReferences) noexcept;
 
     IVekXMLDocument & m_document;
     CVekString<wchar_t> const & m_prolog;
     CVekString<wchar_t> const & m_epilog;
     VEK_XML_ENCODING m_encoding;
+    unsigned int m_codePage = 0; // of the source, to be written in; 0 for the encoding
     int m_indentation;
     bool m_isNew = true; // a document that came from no file
     bool m_carriageReturns = false;
+    bool m_lacksCharacter = false;  // where no reference can stand, the code page does
     XMLOutput * m_output = nullptr; // null while checking
     Buffer<OpenElement> m_open;
     Buffer<wchar_t> m_references; // all that are written

@@ -3,27 +3,16 @@
 #include "Console.h"
 #include "FileErrors.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace tool
 {
 
-namespace
-{
-
-constexpr unsigned int UNICODE_PAGES[] = {0, 65001, 1200, 1201, 20127};
-
-} // namespace
-
-CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep, bool * isUnicode)
+CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep, unsigned int * codePage)
 {
     CVekXMLParser parser;
     CVekRef<IVekXMLDocument> document =
         ReadXml(parser, keep, [&](IVekXMLDocument & target) { parser.ParseXMLFile(path.c_str(), &target); });
-    if (isUnicode)
-        *isUnicode = std::find(std::begin(UNICODE_PAGES), std::end(UNICODE_PAGES), parser.GetSourceCodePage()) !=
-                     std::end(UNICODE_PAGES);
+    if (codePage)
+        *codePage = parser.GetSourceCodePage();
     if (!document)
         FailAt(path, parser.GetError());
     return document;

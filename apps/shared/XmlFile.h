@@ -10,9 +10,9 @@ namespace tool
 {
 
 /// Reads an XML file, with what is to be kept of it; on failure tells the user why and where, and gives null. Where
-/// asked for, tells whether its encoding is one of Unicode or a part of UTF-8.
+/// asked for, tells the code page of its encoding.
 CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep = VEK_XML_KEEP_NOTHING,
-                                 bool * isUnicode = nullptr);
+                                 unsigned int * codePage = nullptr);
 
 /// The new document of a parse that keeps so much; null for one that failed or ended early, which the parse's result
 /// doesn't tell, as the parser's error does.

@@ -91,7 +91,8 @@ TEST_F(KeepAllTest, NoReferenceIsLost)
         {"a value", "<!ENTITY e ''>", "<a b='&lt;&#65;&e;'/>", L"a[b=&lt;A]"},
         {"one with it", "<!ENTITY e ''>", "<a><b c='&lt;&u;'/></a>", nullptr},
         {"text of an entity", "<!ENTITY e 'x&u;y'>", "<a>&e;</a>", L"a{#text'x' #entity-reference'u' #text'y'}"},
-        {"a value in such text", "<!ENTITY e '<b c=\"&f;&lt;\"/>'><!ENTITY f '&#38;#60;'>", "<a>&e;</a>", L"a{b[c=&lt;&lt;]}"},
+        {"a value in such text", "<!ENTITY e '<b c=\"&f;&lt;\"/>'><!ENTITY f '&#38;#60;'>", "<a>&e;</a>",
+         L"a{b[c=&lt;&lt;]}"},
         {"one with it", "<!ENTITY e '<b c=\"&u;\"/>'>", "<a>&e;</a>", nullptr},
         {"one behind a second entity", "<!ENTITY f '&e;'><!ENTITY e '<b c=\"&u;\"/>'>", "<a>&f;</a>", nullptr},
         {"an entity's text in a value", "<!ENTITY e '&f;'><!ENTITY f 'x'>", "<a b='&e;'/>", L"a[b=x]"},
@@ -139,8 +140,14 @@ TEST_F(KeepAllTest, CopiesSayTheSame)
         {"sections", "<a><![CDATA[<&]] >]]><![CDATA[]]><b><![CDATA[]]></b></a>", nullptr},
         {"references", "<!DOCTYPE a SYSTEM \"d\"><a>&u;<b/>&v;</a>", nullptr},
         {"instructions", "<a><?p q ?><?r?></a>", nullptr},
-        {"another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>",
-         "<?xml version='1.0' encoding='UTF-8'?><a>\xC3\xA9</a>"},
+        {"another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?>\r\n<a b=\"\xE9\">\xE9&#8364;&#128512;</a>",
+         nullptr},
+        {"with a reference in a value",
+         "<?xml version='1.0' encoding='windows-1252'?><!DOCTYPE a [<!ENTITY e '&#1046;'>]><a b='\x80&e;'/>",
+         "<?xml version='1.0' encoding='windows-1252'?><!DOCTYPE a [<!ENTITY e '&#1046;'>]><a b=\"\x80&#1046;\"/>"},
+        {"without a place for one",
+         "<?xml version='1.0' encoding='US-ASCII'?><!DOCTYPE a [<!ENTITY e '<!--&#233;-->'>]><a>&e;</a>",
+         "<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE a [<!ENTITY e '<!--&#233;-->'>]><a><!--\xC3\xA9--></a>"},
     };
     for (auto const & [name, bytes, written] : rows)
     {
@@ -290,6 +297,10 @@ TEST_F(KeepAllTest, ReadsTheEncodingsOfTheSystem)
         EXPECT_EQ(std::wstring(VekGetXMLProlog(*document.Get())).substr(34 + std::strlen(name) + 3),
                   L"<!--"s.substr(4) + text + L"-->");
         EXPECT_EQ(m_parser.GetSourceCodePage(), codePage);
+        EXPECT_EQ(Written(*document.Get()), source);
+        m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_UTF8);
+        EXPECT_EQ(Written(*document.Get()).find("<?xml version='1.0' encoding='UTF-8'?><!--"), 0u);
+        m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_AS_SOURCE);
         m_log.Take();
     }
     for (char const * name : {"UTF-7", "ISO-2022-JP", "GB18030", "x"})

@@ -45,8 +45,8 @@ constexpr char const * ABOUT_FORMAT =
     R"(Nothing is lost but what an option names. White space is laid out anew where nothing but elements, comments and
 processing instructions stand in an element; text, what stands between it, and xml:space="preserve" are left alone. References
 to entities that the file declares are written as what they stand for, and default values that it declares with their
-elements. The encoding stays, but for those that are
-neither UTF-8 nor UTF-16: they become UTF-8, which is told.)";
+elements. The encoding stays, but
+where it lacks a character of an entity in a name, comment or such: then it becomes UTF-8, which is told.)";
 
 constexpr char const * ABOUT_PATHS =
     R"(PATH leads from the root element, whose own name is not part of it, by element names separated by slashes; "*" is any

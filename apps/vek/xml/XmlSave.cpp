@@ -36,12 +36,12 @@ bool Write(std::wstring const & path, NewFile const & file, IVekXMLDocument & do
 }
 
 /// The canonical form of what was written, its layout left out; empty when it is no XML.
-std::string ReadBack(NewFile const & file)
+std::string ReadBack(NewFile const & file, unsigned int * codePage)
 {
     std::string bytes;
     CVekRef<IVekXMLDocument> document;
     if (ReadBytes(file.Path(), bytes))
-        document = ParseXml(bytes);
+        document = ParseXml(bytes, codePage);
     if (!document)
         return {};
     RemoveLayout(*document->GetRootElement());
@@ -50,7 +50,7 @@ std::string ReadBack(NewFile const & file)
 
 } // namespace
 
-bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int indentation)
+bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int indentation, unsigned int * codePage)
 {
     if (!IsWritable(path))
         return false;
@@ -67,7 +67,7 @@ bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int i
         return false;
     std::string const canonical = Canonicalize(*document).text;
     document.Reset(); // a large one leaves no room for its twin
-    if (ReadBack(file) == canonical)
+    if (ReadBack(file, codePage) == canonical)
         return file.Place();
     Fail(path, L"not written: what was written reads back as another document");
     return false;

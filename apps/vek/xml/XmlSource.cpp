@@ -33,11 +33,14 @@ std::unique_ptr<XmlSource> XmlSource::Load(std::wstring const & path)
     return nullptr;
 }
 
-CVekRef<IVekXMLDocument> ParseXml(std::string const & bytes)
+CVekRef<IVekXMLDocument> ParseXml(std::string const & bytes, unsigned int * codePage)
 {
     CVekSetDebugOutputLevel const silence(-1);
     CVekXMLParser parser;
-    return ReadAll(parser, bytes, false);
+    CVekRef<IVekXMLDocument> document = ReadAll(parser, bytes, false);
+    if (codePage)
+        *codePage = parser.GetSourceCodePage();
+    return document;
 }
 
 } // namespace tool
