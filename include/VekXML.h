@@ -626,7 +626,8 @@ private:
 /// What a writer that keeps all writes.
 enum VEK_XML_ENCODING : unsigned int
 {
-    /// What the document was read from; UTF-8 for a new document, and when that was neither UTF-8 nor UTF-16.
+    /// What the document was read from; UTF-8 for a new document, and for one with a character that this encoding
+    /// lacks where no reference can stand, as in a name or a comment.
     VEK_XML_ENCODING_AS_SOURCE = 0,
     VEK_XML_ENCODING_UTF8 = 1,
     /// With a byte order mark.
@@ -634,6 +635,35 @@ enum VEK_XML_ENCODING : unsigned int
     /// Little- and big-endian, with a byte order mark.
     VEK_XML_ENCODING_UTF16 = 3,
     VEK_XML_ENCODING_UTF16_BIG = 4
+};
+
+/// Why a document was not written.
+enum VEK_XML_WRITE_ERROR : unsigned int
+{
+    VEK_XML_WRITE_ERROR_NONE = 0,
+    VEK_XML_WRITE_ERROR_NO_DOCUMENT = 1, ///< The document or the stream is null, or the document has no root.
+    VEK_XML_WRITE_ERROR_MEMORY = 2,      ///< Memory is exhausted.
+    VEK_XML_WRITE_ERROR_FILE = 3,        ///< The file can't be opened or written; systemCode tells why.
+    VEK_XML_WRITE_ERROR_STREAM = 4,      ///< The stream didn't take everything.
+    // With all that is kept alone, and before anything is written: what no parser could read.
+    VEK_XML_WRITE_ERROR_NAME = 5,            ///< A name that is none.
+    VEK_XML_WRITE_ERROR_CHARACTER = 6,       ///< A character that XML has no place for, or half of one.
+    VEK_XML_WRITE_ERROR_ATTRIBUTE_TWICE = 7, ///< An element with two attributes of one name.
+    VEK_XML_WRITE_ERROR_COMMENT = 8,         ///< A comment with "--" in it, or "-" at its end.
+    VEK_XML_WRITE_ERROR_INSTRUCTION = 9,     ///< A processing instruction without target, or with its own end in it.
+    VEK_XML_WRITE_ERROR_NODE = 10,           ///< Children or attributes of what isn't an element.
+    VEK_XML_WRITE_ERROR_PROLOG = 11          ///< Prolog or epilog is none, or an entity referred to is not declared.
+};
+
+/// What CVekXMLWriter::GetError tells.
+struct VekXMLWriteError
+{
+    VEK_XML_WRITE_ERROR code = VEK_XML_WRITE_ERROR_NONE;
+    unsigned int systemCode = 0; ///< What GetLastError gives for it, where a file failed and the system told; else 0.
+    wchar_t const * text = L"";  ///< In words, such as "name can not be written". It stays the library's, for good.
+    /// What could not be written: a name, cut when it is long, or a character as "U+0001"; else empty. The writer's,
+    /// until it writes again.
+    wchar_t const * what = L"";
 };
 
 /// The library's XML writer. IVekXMLManager::CreateXMLWriter makes one; a host that wants the operations beyond the
@@ -658,8 +688,11 @@ public:
     void SetKeepAll(bool keep);
     /// The encoding that such a document is written in; VEK_XML_ENCODING_AS_SOURCE at first.
     void SetKeepAllEncoding(VEK_XML_ENCODING encoding);
+    /// Why the last write gave false; the code is VEK_XML_WRITE_ERROR_NONE when it gave true, and before the first one.
+    VekXMLWriteError GetError() const;
 
 private:
+    bool Fail(VEK_XML_WRITE_ERROR code, unsigned int systemCode = 0);
     void SetEncodingType(wchar_t const * name);
     bool WriteFilePlain(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document);
     bool WriteFileWhole(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document);
@@ -667,8 +700,10 @@ private:
 
     int m_indentation = 3;
     int m_encodingType = 1;
-    CVekString<wchar_t> m_encodingName;
-    VEK_XML_ENCODING m_keepAllEncoding = VEK_XML_ENCODING_AS_SOURCE;
+    CVekString<wchar_t> m_encodingName; // or, where all is kept, what could not be written
+    unsigned int m_systemCode = 0;
+    unsigned char m_error = 0;
+    unsigned char m_keepAllEncoding = 0;
     bool m_keepAll = false;
     bool m_isIndented = false;
 };

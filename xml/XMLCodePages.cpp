@@ -36,7 +36,7 @@ constexpr NamedCodePage CODE_PAGES[] = {
     {L"macintosh", 10000},    {L"ascii", 20127},       {L"Shift_JIS", 932},
     {L"Windows-31J", 932},    {L"EUC-JP", EUC_JP},     {L"GBK", 936},
     {L"GB2312", 936},         {L"Big5", 950},          {L"EUC-KR", 949},
-    {L"KS_C_5601-1987", 949},
+    {L"KS_C_5601-1987", 949}, {L"ISO-8859-1", 28591},  {L"US-ASCII", 20127},
 };
 
 // The length of the character that a byte begins.
@@ -79,6 +79,31 @@ int DecodeCharacter(unsigned int codePage, unsigned char const * bytes, int leng
     wchar_t wide[2];
     int const count = MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, narrow, length > 1 ? 2 : 1, wide, 2);
     return count == 1 && (wide[0] & 0xF800) != 0xD800 ? wide[0] : -1;
+}
+
+int EncodeCharacter(unsigned int codePage, wchar_t unit, unsigned char (&bytes)[3]) noexcept
+{
+    char narrow[3] = {};
+    int length = WideCharToMultiByte(codePage, 0, &unit, 1, narrow, 2, nullptr, nullptr);
+    if (codePage == EUC_JP && unit >= 0xFF61 && unit <= 0xFF9F)
+    {
+        narrow[0] = static_cast<char>(EUC_KANA);
+        narrow[1] = static_cast<char>(unit - 0xFF61 + 0xA1);
+        length = 2;
+    }
+    else if (codePage == EUC_JP && length == 2 && (narrow[1] & 0x80) == 0)
+    {
+        narrow[2] = static_cast<char>(narrow[1] | 0x80);
+        narrow[1] = narrow[0];
+        narrow[0] = static_cast<char>(EUC_THREE_BYTES);
+        length = 3;
+    }
+    for (int i = 0; i < length; ++i)
+        bytes[i] = static_cast<unsigned char>(narrow[i]);
+    // What the system gives for a character that it lacks is another one.
+    bool const isSame = length > 0 && bytes[0] >= 0x80 && LengthFrom(codePage, bytes[0]) == length &&
+                        DecodeCharacter(codePage, bytes, length) == unit;
+    return isSame ? length : 0;
 }
 
 bool FillEncoding(unsigned int codePage, XML_Encoding & encoding) noexcept

@@ -15,6 +15,7 @@ struct XMLKept
     CVekString<wchar_t> prolog;
     CVekString<wchar_t> epilog;
     VEK_XML_ENCODING encoding = VEK_XML_ENCODING_AS_SOURCE;
+    unsigned int codePage = 0; // of a source that was in none of these encodings
     bool carriageReturns = false;
 };
 

@@ -1,7 +1,28 @@
 #include "xml/XMLErrorCode.h"
 
+#include "base/AsOwn.h"
+
 namespace vek
 {
+namespace
+{
+
+constexpr wchar_t const * WRITE_ERRORS[] = {
+    L"",
+    L"no document with a root element, or no stream",
+    L"out of memory",
+    L"the file can't be written",
+    L"the stream didn't take everything",
+    L"name can not be written",
+    L"character can not be written",
+    L"two attributes of one name can not be written",
+    L"comment with \"--\" can not be written",
+    L"processing instruction can not be written",
+    L"children or attributes can not be written below",
+    L"prolog, epilog or a reference to an entity can not be written",
+};
+
+} // namespace
 
 VEK_XML_ERROR ToErrorCode(XML_Error code) noexcept
 {
@@ -42,6 +63,17 @@ VEK_XML_ERROR ToErrorCode(XML_Error code) noexcept
     default:
         return VEK_XML_ERROR_SYNTAX;
     }
+}
+
+wchar_t const * WriteErrorText(VEK_XML_WRITE_ERROR code) noexcept
+{
+    return WRITE_ERRORS[code];
+}
+
+unsigned int SystemCodeOf(IVekFileIOStream & stream) noexcept
+{
+    CVekFileIOStream const * const own = AsOwn<CVekFileIOStream>(stream);
+    return own ? own->GetError().systemCode : 0;
 }
 
 } // namespace vek

@@ -2,9 +2,9 @@
 #include "VekLib.h"
 #include "VekRef.h"
 
-#include "base/AsOwn.h"
 #include "base/LiveObjects.h"
 #include "xml/XMLElementSupport.h"
+#include "xml/XMLErrorCode.h"
 #include "xml/XMLManager.h"
 #include "xml/XMLParserState.h"
 
@@ -30,13 +30,6 @@ struct FileBytes
     int size = 0;
 };
 
-/// The system's number for what failed, from a stream of the library.
-unsigned int SystemCode(IVekFileIOStream & stream)
-{
-    CVekFileIOStream const * const own = vek::AsOwn<CVekFileIOStream>(stream);
-    return own ? own->GetError().systemCode : 0;
-}
-
 bool ReadFile(wchar_t const * path, FileBytes & bytes, CVekXMLParser::State & state)
 {
     auto const stream = CVekRef<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
@@ -48,7 +41,7 @@ bool ReadFile(wchar_t const * path, FileBytes & bytes, CVekXMLParser::State & st
     if (!stream->Open(path, OPEN_MODE, 0))
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to open file %s", path ? path : L"");
-        return state.Fail(VEK_XML_ERROR_FILE, L"the file can't be opened", SystemCode(*stream));
+        return state.Fail(VEK_XML_ERROR_FILE, L"the file can't be opened", vek::SystemCodeOf(*stream));
     }
     unsigned int const size = stream->GetSize();
     bytes.data = size < INT_MAX ? static_cast<char *>(malloc(size + size_t{1})) : nullptr;
@@ -61,7 +54,7 @@ bool ReadFile(wchar_t const * path, FileBytes & bytes, CVekXMLParser::State & st
     if (size > 0 && !stream->Read(bytes.data, size, true))
     {
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to read file %s", path);
-        return state.Fail(VEK_XML_ERROR_FILE, L"the file can't be read", SystemCode(*stream));
+        return state.Fail(VEK_XML_ERROR_FILE, L"the file can't be read", vek::SystemCodeOf(*stream));
     }
     bytes.data[size] = 0;
     bytes.size = static_cast<int>(size);

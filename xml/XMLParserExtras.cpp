@@ -81,11 +81,21 @@ void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Ch
     StateOf(userData).document->SetDocumentType(name);
 }
 
-void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int,
+void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int length,
                             XML_Char const *, XML_Char const *, XML_Char const *, XML_Char const *)
 {
-    if (value && !isParameter && !StateOf(userData).extras->entities.Add(name))
+    vek::XMLEntityNames & entities = StateOf(userData).extras->entities;
+    auto const size = static_cast<size_t>(length);
+    if (value && !(isParameter ? entities.AddParameter(value, size) : entities.Add(name, value, size)))
         StateOf(userData).Abort();
+}
+
+void XMLCALL OnAttlistDeclCB(void * userData, XML_Char const * element, XML_Char const * attribute,
+                             XML_Char const * type, XML_Char const * value, int required)
+{
+    StateOf(userData).OnAttlistDecl(element, attribute, type, required);
+    if (value)
+        StateOf(userData).OnDefaultValue();
 }
 
 int XMLCALL OnUnknownEncodingCB(void * userData, XML_Char const * name, XML_Encoding * encoding)
@@ -124,6 +134,7 @@ void vek::InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * stat
         return;
     XML_SetStartDoctypeDeclHandler(expat, OnStartDoctypeDeclCB);
     XML_SetEntityDeclHandler(expat, OnEntityDeclCB);
+    XML_SetAttlistDeclHandler(expat, OnAttlistDeclCB);
     XML_SetCommentHandler(expat, OnCommentCB);
     XML_SetProcessingInstructionHandler(expat, OnInstructionCB);
     XML_SetDefaultHandlerExpand(expat, OnDefaultCB);
@@ -167,6 +178,7 @@ bool CVekXMLParser::State::StoreProlog()
     int const begin = extras->rootBegin >= 0 ? extras->rootBegin : source.Size();
     int const end = extras->rootEnd >= 0 ? extras->rootEnd : source.Size();
     kept->encoding = EncodingOf(source);
+    kept->codePage = kept->encoding == VEK_XML_ENCODING_UTF8 ? source.CodePage() : 0;
     kept->carriageReturns = source.HasCarriageReturns();
     return source.Decode(source.MarkLength(), begin, kept->prolog) && source.Decode(end, source.Size(), kept->epilog);
 }
@@ -196,23 +208,45 @@ bool CVekXMLParser::State::AreValuesWhole()
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
     int const length = XML_GetCurrentByteCount(expat);
-    if (!extras->source.IsTagAt(offset) ||
-        !extras->source.MayHoldReference({static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}))
-        return true;
-    CVekString<wchar_t> tag;
-    if (!extras->source.Decode(offset, offset + length, tag))
-        return false;
-    for (wchar_t const * at = wcschr(tag, L'&'); at; at = wcschr(at, L'&'))
+    if (extras->source.IsTagAt(offset))
     {
-        wchar_t const * const name = ++at;
-        auto const nameLength = static_cast<int>(wcscspn(name, L";"));
-        if (extras->entities.Has(name, static_cast<size_t>(nameLength)))
-            continue;
-        VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
-                     static_cast<wchar_t const *>(CVekString<wchar_t>(name, nameLength)));
-        return Fail(VEK_XML_ERROR_UNKNOWN_ENTITY, L"a value refers to an entity that is not read");
+        CVekString<wchar_t> tag;
+        return !extras->source.MayHoldReference(
+                   {static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}) ||
+               (extras->source.Decode(offset, offset + length, tag) &&
+                CheckLost(extras->entities.FindLost(tag, static_cast<size_t>(tag.GetLength()))));
     }
-    return true;
+    // One that stands in an entity's text. Of the source's own tags the tokenizer would lose the place.
+    extras->tag.Clear();
+    extras->takesTag = true;
+    XML_DefaultCurrent(expat);
+    extras->takesTag = false;
+    return CheckLost(extras->entities.FindLost(extras->tag.Data(), extras->tag.Size()));
+}
+
+// Likewise in default values.
+void CVekXMLParser::State::OnDefaultValue()
+{
+    if (!Keeps(VEK_XML_KEEP_PROLOG))
+        return;
+    vek::XMLRange const value = extras->source.LiteralAt(static_cast<int>(XML_GetCurrentByteIndex(expat)));
+    auto const begin = static_cast<int>(value.offset);
+    CVekString<wchar_t> text;
+    if (begin && !extras->source.Decode(begin, begin + static_cast<int>(value.length), text))
+        return Abort();
+    // One that stands in the text of a parameter entity can't be looked at by itself.
+    if (!CheckLost(begin ? extras->entities.FindLost(text, static_cast<size_t>(text.GetLength()))
+                         : extras->entities.FindLostInParameters()))
+        Abort();
+}
+
+bool CVekXMLParser::State::CheckLost(vek::XMLNamePiece const & entity)
+{
+    if (!entity.text)
+        return true;
+    VekLogOutput(0, L"CVekXMLParser::Parse --> Value refers to an entity that is not read: %s",
+                 static_cast<wchar_t const *>(CVekString<wchar_t>(entity.text, static_cast<int>(entity.length))));
+    return Fail(VEK_XML_ERROR_UNKNOWN_ENTITY, L"a value refers to an entity that is not read");
 }
 
 void CVekXMLParser::State::OnEndElementExtra()
@@ -232,13 +266,8 @@ void CVekXMLParser::State::OnEndElementExtra()
 bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int attributesBefore)
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
-    auto const line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
-    auto const column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
-    // The tokenizer counts a byte order mark as a column.
-    unsigned int const mark = line == 1 && extras->source.MarkLength() > 0 ? 1 : 0;
     VekXMLPosition const position = {static_cast<unsigned int>(offset),
-                                     static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, line,
-                                     column + 1 - mark};
+                                     static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, Line(), Column()};
     if (!extras->source.IsTagAt(offset))
         return extras->positions.Begin(nullptr, position);
     return extras->positions.Begin(element, position) &&
@@ -302,7 +331,7 @@ void CVekXMLParser::State::OnEndSection()
 
 void CVekXMLParser::State::OnComment(wchar_t const * text)
 {
-    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode({L"#comment", 8}, text, wcslen(text))))
+    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode(vek::COMMENT_NODE, text, wcslen(text))))
         Abort();
 }
 
@@ -311,7 +340,7 @@ void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const *
     if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS) || !IsInside())
         return;
     size_t const length = wcslen(target);
-    CVekXMLElement * const node = Flush() ? AddNode({L"#processing-instruction", 23}, text, wcslen(text)) : nullptr;
+    CVekXMLElement * const node = Flush() ? AddNode(vek::INSTRUCTION_NODE, text, wcslen(text)) : nullptr;
     auto * const attribute = node && length < INT_MAX / sizeof(wchar_t)
                                  ? CVekXMLAttribute::Make(L"target", 6, target, static_cast<int>(length))
                                  : nullptr;
@@ -326,11 +355,17 @@ void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const *
 void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
 {
     vek::Buffer<wchar_t> & reference = extras->reference;
+    if (extras->takesTag)
+    {
+        if (!extras->tag.Append(text, static_cast<size_t>(length)))
+            Abort();
+        return;
+    }
     if (!IsInside() || !Keeps(VEK_XML_KEEP_TEXT) || length == 0 || (reference.Empty() && text[0] != L'&'))
         return;
     bool const isWhole = text[length - 1] == L';';
     if (!reference.Append(text, static_cast<size_t>(length)) ||
-        (isWhole && (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1,
+        (isWhole && (!Flush() || !AddNode(vek::REFERENCE_NODE, reference.Data() + 1,
                                           reference.Size() - 2)))) // without & and ;
         return Abort();
     if (isWhole)
@@ -345,18 +380,27 @@ bool CVekXMLParser::State::Flush()
 bool CVekXMLParser::State::FlushSection()
 {
     extras->hasSection = false;
-    return AddNode({L"#cdata-section", 14}, reinterpret_cast<wchar_t const *>(cdata.Data()),
+    return AddNode(vek::SECTION_NODE, reinterpret_cast<wchar_t const *>(cdata.Data()),
                    cdata.Size() / sizeof(wchar_t)) != nullptr;
 }
 
 bool CVekXMLParser::State::FlushText()
 {
-    bool const isKept = !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
-    bool const isDone = !isKept || AddNode({L"#text", 5}, extras->text.Data(), extras->text.Size());
+    bool const isDone = !KeepsText() || AddNode(vek::TEXT_NODE, extras->text.Data(), extras->text.Size());
+    ForgetText();
+    return isDone;
+}
+
+bool CVekXMLParser::State::KeepsText() const noexcept
+{
+    return !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
+}
+
+void CVekXMLParser::State::ForgetText() noexcept
+{
     extras->text.Clear();
     extras->isBlank = true;
     extras->isOneSection = false;
-    return isDone;
 }
 
 // The element on top of the stack ends. A section that is all it holds becomes its own.
@@ -365,17 +409,14 @@ bool CVekXMLParser::State::FlushAtEnd()
     CVekXMLElement & element = *stack.Back();
     if ((!extras->hasSection && !extras->isOneSection) || element.HasCDATASection() || element.GetNumChildren() > 0)
         return Flush();
-    if (extras->hasSection && !extras->text.Empty() &&
-        Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT))
+    if (extras->hasSection && KeepsText())
         return Flush();
     extras->hasSection = false;
-    extras->text.Clear();
-    extras->isBlank = true;
-    extras->isOneSection = false;
+    ForgetText();
     return cdata.Size() <= INT_MAX && element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size()));
 }
 
-CVekXMLElement * CVekXMLParser::State::AddNode(NodeName const & name, wchar_t const * text, size_t length)
+CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length)
 {
     auto * const node = CVekXMLElement::MakeNode(name.text, name.length, text, length * sizeof(wchar_t));
     if (!node)

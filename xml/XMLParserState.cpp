@@ -150,7 +150,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
     if (extras)
         extras->source.Begin(bytes, size);
     auto const * const text = static_cast<unsigned char const *>(bytes);
-    bool const hasMark = size > 1 && ((text[0] == 0xEF && text[1] == 0xBB) || text[0] >= 0xFE);
+    m_hasMark = size > 1 && ((text[0] == 0xEF && text[1] == 0xBB) || text[0] >= 0xFE);
     // Kept: the piece is not marked as the last, so that a file that merely ends early is read without an error. Hosts
     // read files that are still being written.
     if (XML_Parse(expat, static_cast<char const *>(bytes), size, XML_FALSE) != XML_STATUS_ERROR)
@@ -162,7 +162,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
             error.isIncomplete = true;
             Fail(firstElement ? VEK_XML_ERROR_EMPTY : VEK_XML_ERROR_ENDS_EARLY,
                  firstElement ? L"no element found" : L"ends before its outermost element is closed");
-            KeepPlace(hasMark);
+            KeepPlace();
         }
         return true;
     }
@@ -172,7 +172,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
     VekLogOutput(0, L"      at line %d, col %d\n", static_cast<int>(XML_GetCurrentLineNumber(expat)),
                  static_cast<int>(XML_GetCurrentColumnNumber(expat)));
     Fail(vek::ToErrorCode(code), code == XML_ERROR_ABORTED ? L"out of memory" : XML_ErrorString(code));
-    KeepPlace(hasMark);
+    KeepPlace();
     return false;
 }
 
@@ -187,15 +187,24 @@ bool CVekXMLParser::State::Fail(VEK_XML_ERROR code, wchar_t const * text, unsign
     return false;
 }
 
-void CVekXMLParser::State::KeepPlace(bool hasMark)
+void CVekXMLParser::State::KeepPlace()
 {
     XML_Index const offset = XML_GetCurrentByteIndex(expat);
-    error.line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
-    // The tokenizer takes a byte order mark for the first column.
-    error.column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
-    if (!hasMark || error.line != 1 || error.column == 0)
-        ++error.column;
+    error.line = Line();
+    error.column = Column();
     error.offset = offset < 0 ? 0 : static_cast<unsigned int>(offset);
+}
+
+unsigned int CVekXMLParser::State::Line() const noexcept
+{
+    return static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
+}
+
+unsigned int CVekXMLParser::State::Column() const noexcept
+{
+    auto const column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
+    // The tokenizer takes a byte order mark for the first column.
+    return m_hasMark && column > 0 && Line() == 1 ? column : column + 1;
 }
 
 bool CVekXMLParser::State::PushRoot(CVekXMLElement * element)

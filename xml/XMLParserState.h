@@ -8,6 +8,7 @@
 #include "xml/XMLEntityNames.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLNameCache.h"
+#include "xml/XMLNodeNames.h"
 #include "xml/XMLPositions.h"
 #include "xml/XMLSource.h"
 
@@ -37,6 +38,8 @@ struct XMLParserExtras
     Buffer<int> stored;        // of an element's attributes that were stored: their places in the tag
     Buffer<wchar_t> text;      // that was met since the last node
     Buffer<wchar_t> reference; // to an entity, as far as it came
+    Buffer<wchar_t> tag;       // whose values are looked at
+    bool takesTag = false;     // the markup that comes is that tag
     bool isBlank = true;       // the text is white space alone
     bool hasSection = false;   // the CDATA buffer holds a section that comes before the text
     bool isOneSection = false; // the text is one CDATA section, and nothing else
@@ -87,6 +90,7 @@ struct CVekXMLParser::State
     void OnComment(wchar_t const * text);
     void OnInstruction(wchar_t const * target, wchar_t const * text);
     void OnReferencePiece(wchar_t const * text, int length);
+    void OnDefaultValue();
     bool Keeps(VEK_XML_KEEP what) const noexcept { return (options.keep & what) != 0; }
     bool IsInside() const noexcept { return !firstElement && !stack.Empty(); }
 
@@ -102,7 +106,10 @@ struct CVekXMLParser::State
     VekXMLError error;
 
 private:
-    void KeepPlace(bool hasMark);
+    void KeepPlace();
+    /// Of the tokenizer's place, both from 1; a byte order mark is no column.
+    unsigned int Line() const noexcept;
+    unsigned int Column() const noexcept;
     CVekXMLElement * BeginElement(wchar_t const * name);
     bool AddChild(CVekXMLElement * element);
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
@@ -111,20 +118,19 @@ private:
 
     bool EndDocument();
     bool AreValuesWhole();
+    bool CheckLost(vek::XMLNamePiece const & entity);
     bool StoreProlog();
     bool Flush();
     bool FlushAtEnd();
     bool FlushSection();
     bool FlushText();
-    struct NodeName
-    {
-        wchar_t const * text;
-        int length;
-    };
-    CVekXMLElement * AddNode(NodeName const & name, wchar_t const * text, size_t length);
+    bool KeepsText() const noexcept;
+    void ForgetText() noexcept;
+    CVekXMLElement * AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length);
     bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 
+    bool m_hasMark = false;
     vek::XMLNameCache m_names;
     vek::EscapedText m_escaped;
     CVekRef<CVekXMLElement> m_root;

@@ -194,6 +194,18 @@ int XMLSource::SkipBlanks(int at, int end) const noexcept
     return at;
 }
 
+XMLRange XMLSource::LiteralAt(int offset) const noexcept
+{
+    wchar_t const quote = UnitAt(offset);
+    if (quote != L'"' && quote != L'\'')
+        return {0, 0};
+    int const begin = offset + Step();
+    int at = begin;
+    while (at < m_size && UnitAt(at) != quote)
+        at += Step();
+    return {static_cast<unsigned int>(begin), static_cast<unsigned int>(at - begin)};
+}
+
 // No byte within a longer character is one of those that are looked for: they all lie below 0x40.
 bool XMLSource::FindValues(XMLRange tag, Buffer<XMLRange> & values) const noexcept
 {
@@ -208,15 +220,12 @@ bool XMLSource::FindValues(XMLRange tag, Buffer<XMLRange> & values) const noexce
         while (at < end && UnitAt(at) != L'=')
             at += step;
         at = SkipBlanks(at + step, end);
-        wchar_t const quote = UnitAt(at);
         if (at >= end)
             return true;
-        int const begin = at + step;
-        for (at = begin; at < end && UnitAt(at) != quote;)
-            at += step;
-        if (!values.Append({static_cast<unsigned int>(begin), static_cast<unsigned int>(at - begin)}))
+        XMLRange const value = LiteralAt(at);
+        if (!value.offset || !values.Append(value))
             return false;
-        at += step;
+        at = static_cast<int>(value.offset + value.length) + step;
     }
 }
 

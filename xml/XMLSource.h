@@ -44,6 +44,8 @@ public:
     bool IsTagAt(int offset) const noexcept { return UnitAt(offset) == L'<'; }
     /// False when no reference can stand in the piece.
     bool MayHoldReference(XMLRange piece) const noexcept;
+    /// Between the quotes of the literal that begins there, if one does; else empty, at 0.
+    XMLRange LiteralAt(int offset) const noexcept;
     /// Adds where the values of a start tag stand, in order; false when memory is exhausted.
     bool FindValues(XMLRange tag, Buffer<XMLRange> & values) const noexcept;
 

@@ -1,8 +1,11 @@
 #include "xml/XMLWholeWriter.h"
 
 #include "base/AsOwn.h"
+#include "xml/XMLCodePages.h"
 #include "xml/XMLDocument.h"
+#include "xml/XMLErrorCode.h"
 #include "xml/XMLMarkup.h"
+#include "xml/XMLNodeNames.h"
 
 #include <limits.h>
 #include <stdint.h>
@@ -15,6 +18,9 @@ namespace vek
 {
 namespace
 {
+
+// Characters of a name that could not be written.
+constexpr size_t LONGEST_SHOWN = 200;
 
 struct Piece
 {
@@ -32,26 +38,23 @@ enum class NodeKind
     REFERENCE
 };
 
-struct NodeName
+struct NamedKind
 {
-    wchar_t const * name;
+    XMLNodeName name;
     NodeKind kind;
 };
 
-constexpr NodeName NODES[] = {
-    {L"#text", NodeKind::TEXT},
-    {L"#comment", NodeKind::COMMENT},
-    {L"#processing-instruction", NodeKind::INSTRUCTION},
-    {L"#cdata-section", NodeKind::SECTION},
-    {L"#entity-reference", NodeKind::REFERENCE},
+constexpr NamedKind NODES[] = {
+    {TEXT_NODE, NodeKind::TEXT},       {COMMENT_NODE, NodeKind::COMMENT},     {INSTRUCTION_NODE, NodeKind::INSTRUCTION},
+    {SECTION_NODE, NodeKind::SECTION}, {REFERENCE_NODE, NodeKind::REFERENCE},
 };
 
 NodeKind KindOf(IVekXMLElement const & element) noexcept
 {
     wchar_t const * const name = element.GetName();
-    for (NodeName const & node : NODES)
+    for (NamedKind const & node : NODES)
     {
-        if (*name == L'#' && wcscmp(name, node.name) == 0)
+        if (*name == L'#' && wcscmp(name, node.name.text) == 0)
             return node.kind;
     }
     return NodeKind::ELEMENT;
@@ -113,7 +116,12 @@ XMLWholeWriter::XMLWholeWriter(IVekXMLDocument & document, VEK_XML_ENCODING enco
         m_isNew = kept->encoding == VEK_XML_ENCODING_AS_SOURCE && kept->prolog.IsEmpty();
         m_carriageReturns = kept->carriageReturns;
         if (m_encoding == VEK_XML_ENCODING_AS_SOURCE)
+        {
             m_encoding = kept->encoding;
+            Piece const declared = FindEncoding(m_prolog);
+            CVekString<wchar_t> const name(declared.text, static_cast<int>(std::min(declared.length, LONGEST_SHOWN)));
+            m_codePage = CodePageOf(name) == kept->codePage ? kept->codePage : 0;
+        }
     }
     if (m_encoding < VEK_XML_ENCODING_UTF8 || m_encoding > VEK_XML_ENCODING_UTF16_BIG)
         m_encoding = VEK_XML_ENCODING_UTF8;
@@ -125,8 +133,10 @@ bool XMLWholeWriter::Check() noexcept
     m_references.Clear();
     if (!Document())
         return false;
+    if (m_lacksCharacter)
+        m_codePage = 0;
     return AreProlog(m_prolog, m_references.Data(), m_references.Size(), m_epilog) ||
-           Fail(L"CVekXMLWriter::WriteXML --> Prolog, epilog or a reference to an entity can not be written", L"");
+           Fail(VEK_XML_WRITE_ERROR_PROLOG, L"");
 }
 
 bool XMLWholeWriter::Write(IVekIOStream & stream) noexcept
@@ -147,10 +157,20 @@ bool XMLWholeWriter::Write(IVekIOStream & stream) noexcept
     return isWritten;
 }
 
-bool XMLWholeWriter::Fail(wchar_t const * what, wchar_t const * name) noexcept
+VEK_XML_WRITE_ERROR XMLWholeWriter::TakeError(CVekString<wchar_t> & what) noexcept
 {
-    if (!m_output || !m_output->HasFailed())
-        VekLogOutput(0, what, name);
+    what.Swap(m_what);
+    return m_error;
+}
+
+bool XMLWholeWriter::Fail(VEK_XML_WRITE_ERROR code, wchar_t const * what) noexcept
+{
+    if (m_output && m_output->HasFailed())
+        return false;
+    m_error = code;
+    m_what = CVekString<wchar_t>(what, static_cast<int>(wcsnlen(what, LONGEST_SHOWN)));
+    wchar_t const * const format = *what ? L"CVekXMLWriter::WriteXML --> %s: %s" : L"CVekXMLWriter::WriteXML --> %s";
+    VekLogOutput(0, format, WriteErrorText(code), static_cast<wchar_t const *>(m_what));
     return false;
 }
 
@@ -177,7 +197,7 @@ bool XMLWholeWriter::Declaration(CVekString<wchar_t> const & prolog) noexcept
     }
     wchar_t const * rest = prolog;
     Piece const declared = FindEncoding(rest);
-    if (declared.length > 0 && !IsSame(declared, name))
+    if (declared.length > 0 && !m_codePage && !IsSame(declared, name))
     {
         if (!Characters(rest, static_cast<size_t>(declared.text - rest), XMLPlace::LITERAL))
             return false;
@@ -225,7 +245,8 @@ bool XMLWholeWriter::Child(IVekXMLElement const & child, bool isIndented) noexce
     if (kind == NodeKind::ELEMENT)
         return BeginElement(child, isIndented);
     if (child.GetNumChildren() > 0 || child.GetNumAttributes() != (kind == NodeKind::INSTRUCTION ? 1 : 0))
-        return Fail(L"CVekXMLWriter::WriteXML --> Children or attributes can not be written below %s", child.GetName());
+        return Fail(kind == NodeKind::INSTRUCTION ? VEK_XML_WRITE_ERROR_INSTRUCTION : VEK_XML_WRITE_ERROR_NODE,
+                    child.GetName());
     auto const [text, length] = SectionOf(child);
     switch (kind)
     {
@@ -243,7 +264,7 @@ bool XMLWholeWriter::Child(IVekXMLElement const & child, bool isIndented) noexce
     for (size_t i = 0; i < length; ++i)
     {
         if (text[i] == L'-' && (i + 1 == length || text[i + 1] == L'-'))
-            return Fail(L"CVekXMLWriter::WriteXML --> Comment with \"--\" can not be written", L"");
+            return Fail(VEK_XML_WRITE_ERROR_COMMENT, L"");
     }
     Put(L"<!--");
     if (!Characters(text, length, XMLPlace::LITERAL))
@@ -276,7 +297,7 @@ bool XMLWholeWriter::BeginElement(IVekXMLElement const & element, bool isIndente
             return false;
     }
     return m_open.Append({&element, -1, childCount, isIndented && !HoldsText(element, childCount)}) ||
-           Fail(L"CVekXMLWriter::WriteXML --> Failed to allocate memory", L"");
+           Fail(VEK_XML_WRITE_ERROR_MEMORY, L"");
 }
 
 bool XMLWholeWriter::Attributes(IVekXMLElement const & element) noexcept
@@ -304,7 +325,7 @@ bool XMLWholeWriter::AreAttributesDistinct(IVekXMLElement const & element) noexc
     for (int i = 0; i < element.GetNumAttributes(); ++i)
     {
         if (!m_names.Append(&element.GetAttributeName(i)))
-            return Fail(L"CVekXMLWriter::WriteXML --> Failed to allocate memory", L"");
+            return Fail(VEK_XML_WRITE_ERROR_MEMORY, L"");
     }
     auto const isLess = [](CVekString<wchar_t> const * left, CVekString<wchar_t> const * right)
     { return wcscmp(*left, *right) < 0; };
@@ -312,15 +333,14 @@ bool XMLWholeWriter::AreAttributesDistinct(IVekXMLElement const & element) noexc
     std::sort(m_names.Data(), end, isLess);
     auto * const twin =
         std::adjacent_find(m_names.Data(), end, [](auto * left, auto * right) { return wcscmp(*left, *right) == 0; });
-    return twin == end ||
-           Fail(L"CVekXMLWriter::WriteXML --> Two attributes of one name can not be written: %s", **twin);
+    return twin == end || Fail(VEK_XML_WRITE_ERROR_ATTRIBUTE_TWICE, **twin);
 }
 
 bool XMLWholeWriter::Instruction(IVekXMLElement const & node, wchar_t const * text, size_t length) noexcept
 {
     int const index = node.FindAttributeIndex(L"target");
     if (index == -1)
-        return Fail(L"CVekXMLWriter::WriteXML --> Processing instruction without target can not be written", L"");
+        return Fail(VEK_XML_WRITE_ERROR_INSTRUCTION, L"");
     CVekString<wchar_t> const & target = node.GetAttributeValue(index);
     auto const targetLength = static_cast<size_t>(target.GetLength());
     if (!Name(target, targetLength))
@@ -329,7 +349,7 @@ bool XMLWholeWriter::Instruction(IVekXMLElement const & node, wchar_t const * te
     for (size_t i = 0; i + 1 < length; ++i)
         isHarmless = isHarmless && (text[i] != L'?' || text[i + 1] != L'>');
     if (!isHarmless)
-        return Fail(L"CVekXMLWriter::WriteXML --> Processing instruction can not be written: %s", target);
+        return Fail(VEK_XML_WRITE_ERROR_INSTRUCTION, target);
     Put(L"<?");
     Put(target, targetLength);
     if (length > 0)
@@ -345,7 +365,7 @@ bool XMLWholeWriter::Reference(wchar_t const * name, size_t length) noexcept
     if (!Name(name, length))
         return false;
     if (!m_output && !(m_references.Append(L'&') && m_references.Append(name, length) && m_references.Append(L';')))
-        return Fail(L"CVekXMLWriter::WriteXML --> Failed to allocate memory", L"");
+        return Fail(VEK_XML_WRITE_ERROR_MEMORY, L"");
     Put(L"&");
     Put(name, length);
     Put(L";");
@@ -384,7 +404,7 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 {
     if (PlainLength(text, length) == length)
     {
-        Put(text, length);
+        Put(text, length, true);
         return true;
     }
     size_t begin = 0;
@@ -418,6 +438,7 @@ bool XMLWholeWriter::Value(wchar_t const * text, size_t length) noexcept
 bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace place) noexcept
 {
     bool const splitsLines = m_carriageReturns && m_encoding > VEK_XML_ENCODING_UTF8_MARK;
+    bool const withReferences = place != XMLPlace::LITERAL;
     size_t begin = 0;
     for (size_t i = PlainLength(text, length); i < length; i += 1 + PlainLength(text + i + 1, length - i - 1))
     {
@@ -428,7 +449,7 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace pl
             continue;
         if (unit == L'>' && i > 0 && text[i - 1] != L']')
             continue;
-        Put(text + begin, i - begin);
+        Put(text + begin, i - begin, withReferences);
         begin = i + 1;
         if (unit == L'&')
             Put(L"&amp;");
@@ -448,16 +469,17 @@ bool XMLWholeWriter::Characters(wchar_t const * text, size_t length, XMLPlace pl
             Put(L"&#13;");
         else if ((unit & 0xFC00) == 0xD800 && begin < length && (text[begin] & 0xFC00) == 0xDC00)
         {
-            PutPair(unit, text[begin]);
+            PutPair(unit, text[begin], withReferences);
             i = begin++;
         }
         else
         {
-            VekLogOutput(0, L"CVekXMLWriter::WriteXML --> Character %d can not be written", static_cast<int>(unit));
-            return false;
+            CVekString<wchar_t> number;
+            number.AppendFormat(L"U+%04X", static_cast<unsigned int>(unit));
+            return Fail(VEK_XML_WRITE_ERROR_CHARACTER, number);
         }
     }
-    Put(text + begin, length - begin);
+    Put(text + begin, length - begin, withReferences);
     return true;
 }
 
@@ -465,8 +487,8 @@ bool XMLWholeWriter::Name(wchar_t const * text, size_t length) noexcept
 {
     if (m_output || m_nameCheck.IsName(text, length))
         return true;
-    CVekString<wchar_t> const name(text, static_cast<int>(std::min(length, size_t{200})));
-    return Fail(L"CVekXMLWriter::WriteXML --> Name can not be written: %s", name);
+    CVekString<wchar_t> const name(text, static_cast<int>(std::min(length, LONGEST_SHOWN)));
+    return Fail(VEK_XML_WRITE_ERROR_NAME, name);
 }
 
 void XMLWholeWriter::NewLine(size_t level) noexcept
@@ -476,14 +498,55 @@ void XMLWholeWriter::NewLine(size_t level) noexcept
         m_output->Spaces(static_cast<uint64_t>(m_indentation) * level);
 }
 
-void XMLWholeWriter::Put(wchar_t const * text, size_t length) noexcept
+void XMLWholeWriter::Put(wchar_t const * text, size_t length, bool withReferences) noexcept
 {
-    if (m_output && length > 0)
+    if (m_codePage)
+        PutEncoded(text, length, withReferences);
+    else if (m_output && length > 0)
         m_output->Text(text, length);
 }
 
-void XMLWholeWriter::PutPair(wchar_t high, wchar_t low) noexcept
+void XMLWholeWriter::PutEncoded(wchar_t const * text, size_t length, bool withReferences) noexcept
 {
+    if (!m_output && withReferences)
+        return;
+    for (size_t i = 0, end = 0; i < length; i = end)
+    {
+        while (end < length && text[end] < 0x80)
+            ++end;
+        if (m_output && end > i)
+            m_output->Text(text + i, end - i);
+        if (end == length)
+            return;
+        unsigned char bytes[3];
+        int const count = EncodeCharacter(m_codePage, text[end], bytes);
+        if (count == 0)
+            PutNumber(text[end], withReferences);
+        else if (m_output)
+            m_output->Bytes(bytes, static_cast<size_t>(count));
+        ++end;
+    }
+}
+
+void XMLWholeWriter::PutNumber(unsigned int character, bool withReferences) noexcept
+{
+    m_lacksCharacter = m_lacksCharacter || !withReferences;
+    if (!m_output)
+        return;
+    wchar_t digits[10];
+    size_t begin = sizeof digits / sizeof *digits;
+    for (; character > 0; character /= 10)
+        digits[--begin] = static_cast<wchar_t>(L'0' + character % 10);
+    m_output->Text(L"&#");
+    m_output->Text(digits + begin, sizeof digits / sizeof *digits - begin);
+    m_output->Text(L";");
+}
+
+void XMLWholeWriter::PutPair(wchar_t high, wchar_t low, bool withReferences) noexcept
+{
+    unsigned int const code = 0x10000 + ((high & 0x3FFU) << 10) + (low & 0x3FFU);
+    if (m_codePage)
+        return PutNumber(code, withReferences);
     if (!m_output)
         return;
     if (m_encoding > VEK_XML_ENCODING_UTF8_MARK)
@@ -491,7 +554,6 @@ void XMLWholeWriter::PutPair(wchar_t high, wchar_t low) noexcept
         wchar_t const pair[] = {high, low};
         return m_output->Text(pair, 2);
     }
-    unsigned int const code = 0x10000 + ((high & 0x3FFU) << 10) + (low & 0x3FFU);
     char const bytes[] = {static_cast<char>(0xF0 | code >> 18), static_cast<char>(0x80 | (code >> 12 & 0x3F)),
                           static_cast<char>(0x80 | (code >> 6 & 0x3F)), static_cast<char>(0x80 | (code & 0x3F))};
     m_output->Bytes(bytes, sizeof bytes);

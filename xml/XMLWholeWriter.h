@@ -23,6 +23,8 @@ public:
     bool Check() noexcept;
     /// False, with a message, when the stream doesn't take it.
     bool Write(IVekIOStream & stream) noexcept;
+    /// Why one of them gave false, and what could not be written; a stream is at fault when nothing else is.
+    VEK_XML_WRITE_ERROR TakeError(CVekString<wchar_t> & what) noexcept;
 
 private:
     struct OpenElement
@@ -47,28 +49,35 @@ private:
     bool Name(wchar_t const * text, size_t length) noexcept;
     bool Declaration(CVekString<wchar_t> const & prolog) noexcept;
     void NewLine(size_t level) noexcept;
-    bool Fail(wchar_t const * what, wchar_t const * name) noexcept;
+    bool Fail(VEK_XML_WRITE_ERROR code, wchar_t const * what) noexcept;
 
-    void Put(wchar_t const * text, size_t length) noexcept;
+    /// With references, characters that the source's code page lacks become such.
+    void Put(wchar_t const * text, size_t length, bool withReferences = false) noexcept;
+    void PutEncoded(wchar_t const * text, size_t length, bool withReferences) noexcept;
+    void PutNumber(unsigned int character, bool withReferences) noexcept;
     template <size_t N>
     void Put(wchar_t const (&text)[N]) noexcept
     {
         Put(text, N - 1);
     }
-    void PutPair(wchar_t high, wchar_t low) noexcept;
+    void PutPair(wchar_t high, wchar_t low, bool withReferences) noexcept;
 
     IVekXMLDocument & m_document;
     CVekString<wchar_t> const & m_prolog;
     CVekString<wchar_t> const & m_epilog;
     VEK_XML_ENCODING m_encoding;
+    unsigned int m_codePage = 0; // of the source, to be written in; 0 for the encoding
     int m_indentation;
     bool m_isNew = true; // a document that came from no file
     bool m_carriageReturns = false;
+    bool m_lacksCharacter = false;  // where no reference can stand, the code page does
     XMLOutput * m_output = nullptr; // null while checking
     Buffer<OpenElement> m_open;
     Buffer<wchar_t> m_references; // all that are written
     Buffer<CVekString<wchar_t> const *> m_names;
     XMLNameCheck m_nameCheck;
+    VEK_XML_WRITE_ERROR m_error = VEK_XML_WRITE_ERROR_STREAM;
+    CVekString<wchar_t> m_what;
 };
 
 } // namespace vek

@@ -6,6 +6,7 @@
 #include "base/Buffer.h"
 #include "base/LiveObjects.h"
 #include "xml/XMLDTDWriter.h"
+#include "xml/XMLErrorCode.h"
 #include "xml/XMLOutput.h"
 #include "xml/XMLWholeWriter.h"
 
@@ -75,6 +76,8 @@ public:
     }
 
     bool WriteDocument(IVekXMLDocument & document, CVekString<wchar_t> const & encodingName);
+    /// Of a failure: whether it was not the stream's.
+    bool IsOutOfMemory() const noexcept { return m_isOutOfMemory; }
 
 private:
     /// An element whose children are being written; its level is its place in the stack.
@@ -97,6 +100,7 @@ private:
     int m_indentation;
     vek::XMLOutput m_output;
     vek::Buffer<OpenElement> m_open;
+    bool m_isOutOfMemory = false;
 };
 
 bool PlainWriter::WriteDocument(IVekXMLDocument & document, CVekString<wchar_t> const & encodingName)
@@ -105,7 +109,10 @@ bool PlainWriter::WriteDocument(IVekXMLDocument & document, CVekString<wchar_t> 
         return false;
     if (document.GetDocumentType().GetLength() > 0 && document.GetNumDTDRules() > 0 &&
         !vek::WriteDocumentType(m_output, document, m_indentation))
+    {
+        m_isOutOfMemory = true;
         return false;
+    }
     return WriteElement(document.GetRootElement());
 }
 
@@ -182,7 +189,8 @@ bool PlainWriter::BeginElement(IVekXMLElement const * element)
     else
         m_output.Text(L">\n");
     WriteCDATA(m_output, *element);
-    if (!m_output.HasFailed() && (isEmpty || m_open.Append({element, -1, childCount})))
+    m_isOutOfMemory = !isEmpty && !m_output.HasFailed() && !m_open.Append({element, -1, childCount});
+    if (!m_output.HasFailed() && !m_isOutOfMemory)
         return true;
     VekLogOutput(0, L"CVekXMLWriter::WriteElement --> Failed to write Element header");
     return false;
@@ -236,26 +244,29 @@ void CVekXMLWriter::SetEncodingType(wchar_t const * name)
 
 bool CVekXMLWriter::WriteXMLFile(wchar_t const * path, IVekXMLDocument * document)
 {
+    Fail(VEK_XML_WRITE_ERROR_NONE);
     if (!document)
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Document is NULL");
-        return false;
+        return Fail(VEK_XML_WRITE_ERROR_NO_DOCUMENT);
     }
     if (!document->GetRootElement())
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Document has no Element");
-        return false;
+        return Fail(VEK_XML_WRITE_ERROR_NO_DOCUMENT);
     }
     auto const stream = CVekRef<IVekFileIOStream>::Adopt(getVekLibKernel()->CreateFileIOStream());
     if (!stream)
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Failed to create File IO Stream");
-        return false;
+        return Fail(VEK_XML_WRITE_ERROR_MEMORY);
     }
     bool const written =
         m_keepAll ? WriteFileWhole(path, *stream.Get(), *document) : WriteFilePlain(path, *stream.Get(), *document);
     if (!written)
         VekLogOutput(0, L"CVekXMLWriter::WriteXMLFile --> Failed to write XML");
+    if (m_error == VEK_XML_WRITE_ERROR_STREAM)
+        Fail(VEK_XML_WRITE_ERROR_FILE, vek::SystemCodeOf(*stream));
     stream->Close();
     return written;
 }
@@ -268,37 +279,42 @@ bool CVekXMLWriter::WriteFilePlain(wchar_t const * path, IVekFileIOStream & stre
     bool const isUTF16 = (named ? *named : static_cast<vek::XMLEncoding>(m_encodingType)) == vek::XMLEncoding::UTF16;
     stream.SetStreamByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream.GetStreamByteOrder());
     stream.SetSystemByteOrder(isUTF16 ? VEK_BYTEORDER_LITTLE : stream.GetSystemByteOrder());
-    return stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) && WritePlain(stream, document, !isUTF16);
+    return stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) ? WritePlain(stream, document, !isUTF16)
+                                                              : Fail(VEK_XML_WRITE_ERROR_STREAM);
 }
 
 bool CVekXMLWriter::WriteFileWhole(wchar_t const * path, IVekFileIOStream & stream, IVekXMLDocument & document)
 {
-    vek::XMLWholeWriter writer(document, m_keepAllEncoding, m_isIndented ? m_indentation : -1);
-    return writer.Check() && stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) && writer.Write(stream) &&
-           Settle(stream);
+    vek::XMLWholeWriter writer(document, static_cast<VEK_XML_ENCODING>(m_keepAllEncoding),
+                               m_isIndented ? m_indentation : -1);
+    return (writer.Check() && stream.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) && writer.Write(stream) &&
+            Settle(stream)) ||
+           Fail(writer.TakeError(m_encodingName));
 }
 
 bool CVekXMLWriter::WriteXML(IVekIOStream * stream, IVekXMLDocument * document)
 {
+    Fail(VEK_XML_WRITE_ERROR_NONE);
     if (!document)
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteXML --> Document is NULL");
-        return false;
+        return Fail(VEK_XML_WRITE_ERROR_NO_DOCUMENT);
     }
     if (!document->GetRootElement())
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteXML --> Document has no Element");
-        return false;
+        return Fail(VEK_XML_WRITE_ERROR_NO_DOCUMENT);
     }
     if (!stream)
     {
         VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
-        return false;
+        return Fail(VEK_XML_WRITE_ERROR_NO_DOCUMENT);
     }
     if (!m_keepAll)
         return WritePlain(*stream, *document, false);
-    vek::XMLWholeWriter writer(*document, m_keepAllEncoding, m_isIndented ? m_indentation : -1);
-    return writer.Check() && writer.Write(*stream) && Settle(*stream);
+    vek::XMLWholeWriter writer(*document, static_cast<VEK_XML_ENCODING>(m_keepAllEncoding),
+                               m_isIndented ? m_indentation : -1);
+    return (writer.Check() && writer.Write(*stream) && Settle(*stream)) || Fail(writer.TakeError(m_encodingName));
 }
 
 bool CVekXMLWriter::WritePlain(IVekIOStream & stream, IVekXMLDocument & document, bool carriageReturns)
@@ -308,7 +324,8 @@ bool CVekXMLWriter::WritePlain(IVekIOStream & stream, IVekXMLDocument & document
                        carriageReturns ? vek::XMLOutput::NewLines::CARRIAGE_RETURN_FIRST
                                        : vek::XMLOutput::NewLines::AS_THEY_ARE,
                        m_indentation);
-    return writer.WriteDocument(document, m_encodingName);
+    return writer.WriteDocument(document, m_encodingName) ||
+           Fail(writer.IsOutOfMemory() ? VEK_XML_WRITE_ERROR_MEMORY : VEK_XML_WRITE_ERROR_STREAM);
 }
 
 void CVekXMLWriter::SetKeepAll(bool keep)
@@ -318,5 +335,24 @@ void CVekXMLWriter::SetKeepAll(bool keep)
 
 void CVekXMLWriter::SetKeepAllEncoding(VEK_XML_ENCODING encoding)
 {
-    m_keepAllEncoding = encoding;
+    m_keepAllEncoding = static_cast<unsigned char>(encoding);
+}
+
+VekXMLWriteError CVekXMLWriter::GetError() const
+{
+    VekXMLWriteError error;
+    error.code = static_cast<VEK_XML_WRITE_ERROR>(m_error);
+    error.systemCode = m_systemCode;
+    error.text = vek::WriteErrorText(error.code);
+    if (m_error >= VEK_XML_WRITE_ERROR_NAME)
+        error.what = m_encodingName;
+    return error;
+}
+
+// Keeps the error; always false.
+bool CVekXMLWriter::Fail(VEK_XML_WRITE_ERROR code, unsigned int systemCode)
+{
+    m_error = static_cast<unsigned char>(code);
+    m_systemCode = systemCode;
+    return false;
 }

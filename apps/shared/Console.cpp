@@ -164,6 +164,11 @@ std::wstring Printable(std::wstring_view text, std::size_t limit)
     return result;
 }
 
+std::wstring Quoted(std::wstring_view text, std::size_t limit)
+{
+    return L"\"" + Printable(text, limit) + L"\"";
+}
+
 namespace
 {
 

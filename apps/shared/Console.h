@@ -44,6 +44,9 @@ private:
 /// direction of writing are escaped ("\x1B", "\u202E"). Longer texts are cut at the limit and end in "...".
 std::wstring Printable(std::wstring_view text, std::size_t limit = std::wstring_view::npos);
 
+/// That in double quotes.
+std::wstring Quoted(std::wstring_view text, std::size_t limit = 200);
+
 /// A file's name as messages give it: printable, and the other one for a file that stands for another.
 std::wstring ShownName(std::wstring_view path);
 void ShowAs(std::wstring const & path, std::wstring const & name);

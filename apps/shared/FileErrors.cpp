@@ -1,7 +1,7 @@
 #include "FileErrors.h"
 
 #include "Console.h"
-#include "Platform.h"
+#include "FileHandle.h"
 
 namespace tool
 {
@@ -32,21 +32,14 @@ std::wstring WhyUnreadable(std::wstring const & path, wchar_t const * otherwise)
         return L"can't be read: " + LastErrorText();
     if (attributes & FILE_ATTRIBUTE_DIRECTORY)
         return L"is a directory";
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return L"can't be read: " + LastErrorText();
-    CloseHandle(file);
-    return otherwise;
+    FileHandle const file(path, GENERIC_READ, FileHandle::SHARE_ALL, OPEN_EXISTING);
+    return file.IsOpen() ? otherwise : L"can't be read: " + LastErrorText();
 }
 
 std::wstring WhyUnwritable(std::wstring const & path)
 {
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return L"can't be written: " + LastErrorText();
-    CloseHandle(file);
-    return L"can't be written whole; is the disk full?";
+    FileHandle const file(path, GENERIC_WRITE, 0, OPEN_ALWAYS);
+    return file.IsOpen() ? L"can't be written whole; is the disk full?" : L"can't be written: " + LastErrorText();
 }
 
 } // namespace tool

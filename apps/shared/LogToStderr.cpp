@@ -10,9 +10,6 @@ namespace tool
 namespace
 {
 
-// Where the calling thread's messages go instead; a catcher is called on the thread that logs.
-thread_local std::wstring * t_diverted = nullptr;
-
 void ShowLines(std::wstring_view text)
 {
     while (!text.empty())
@@ -32,9 +29,7 @@ void LogToStderr::OnLogOutput(int, wchar_t const * text)
     // The library is told nothing by an exception: a message that there is no memory for is lost.
     try
     {
-        if (t_diverted)
-            *t_diverted += text;
-        else if (m_shows)
+        if (m_shows)
             ShowLines(text);
         else
             m_kept += text;
@@ -42,16 +37,6 @@ void LogToStderr::OnLogOutput(int, wchar_t const * text)
     catch (std::bad_alloc const &)
     {
     }
-}
-
-LogToStderr::Diversion::Diversion(std::wstring & messages) : m_outer(t_diverted)
-{
-    t_diverted = &messages;
-}
-
-LogToStderr::Diversion::~Diversion()
-{
-    t_diverted = m_outer;
 }
 
 void LogToStderr::Show(bool keptToo)

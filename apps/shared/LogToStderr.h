@@ -13,19 +13,6 @@ class LogToStderr final : public CVekRefCounted<IVekCatchLogOutput>
 public:
     void OnLogOutput(int level, wchar_t const * text) override;
 
-    /// Collects the calling thread's messages for a scope instead of showing them.
-    class Diversion
-    {
-    public:
-        explicit Diversion(std::wstring & messages);
-        ~Diversion();
-        Diversion(Diversion const &) = delete;
-        Diversion & operator=(Diversion const &) = delete;
-
-    private:
-        std::wstring * m_outer;
-    };
-
     /// From now on messages are shown as they come; until then they are kept, to be shown now or dropped.
     void Show(bool keptToo);
 

@@ -1,39 +1,27 @@
 #include "XmlFile.h"
 
-#include "VekLib.h"
-
 #include "Console.h"
 #include "FileErrors.h"
-
-#include <algorithm>
-#include <iterator>
 
 namespace tool
 {
 
-namespace
+CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep, unsigned int * codePage)
 {
-
-constexpr unsigned int UNICODE_PAGES[] = {0, 65001, 1200, 1201, 20127};
-
-} // namespace
-
-CVekRef<IVekXMLDocument> LoadXml(std::wstring const & path, VEK_XML_KEEP keep, bool * isUnicode)
-{
-    CVekRef<IVekXMLDocument> document(getVekLibKernel()->GetXMLManager()->CreateXMLDocument());
     CVekXMLParser parser;
-    if (document && parser.SetKeepAll(keep))
-        parser.ParseXMLFile(path.c_str(), document.Get());
-    // What the parse's result doesn't tell: a file that ends early is a good one to it.
-    VekXMLError const error = parser.GetError();
-    if (isUnicode)
-        *isUnicode = std::find(std::begin(UNICODE_PAGES), std::end(UNICODE_PAGES), parser.GetSourceCodePage()) !=
-                     std::end(UNICODE_PAGES);
-    if (error.code == VEK_XML_ERROR_NONE)
-        return document;
+    CVekRef<IVekXMLDocument> document =
+        ReadXml(parser, keep, [&](IVekXMLDocument & target) { parser.ParseXMLFile(path.c_str(), &target); });
+    if (codePage)
+        *codePage = parser.GetSourceCodePage();
+    if (!document)
+        FailAt(path, parser.GetError());
+    return document;
+}
+
+void FailAt(std::wstring const & path, VekXMLError const & error)
+{
     FailAt(path, error.line, error.column,
            error.code == VEK_XML_ERROR_FILE ? WhyUnreadable(path, Describe(error).c_str()) : Describe(error));
-    return nullptr;
 }
 
 std::wstring Describe(VekXMLError const & error)

@@ -2,8 +2,8 @@
 
 #include "Console.h"
 #include "FileErrors.h"
+#include "FileHandle.h"
 #include "NewFile.h"
-#include "Platform.h"
 
 #include <algorithm>
 
@@ -25,12 +25,11 @@ enum class Reading
 
 Reading TryRead(std::wstring const & path, std::string & bytes)
 {
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    FileHandle const file(path, GENERIC_READ, FileHandle::SHARE_ALL, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+    if (!file.IsOpen())
         return Reading::Failed;
     LARGE_INTEGER size{};
-    GetFileSizeEx(file, &size);
+    GetFileSizeEx(file.Get(), &size);
     Reading reading = static_cast<ULONGLONG>(size.QuadPart) >= MOST_BYTES ? Reading::TooLarge : Reading::Done;
     std::size_t used = 0;
     bytes.resize(reading == Reading::Done ? static_cast<std::size_t>(size.QuadPart) + 1 : 1);
@@ -40,7 +39,7 @@ Reading TryRead(std::wstring const & path, std::string & bytes)
             bytes.resize(used + PIECE);
         DWORD count = 0;
         DWORD const wanted = static_cast<DWORD>(std::min<std::size_t>(bytes.size() - used, MOST_BYTES));
-        if (!ReadFile(file, bytes.data() + used, wanted, &count, nullptr))
+        if (!ReadFile(file.Get(), bytes.data() + used, wanted, &count, nullptr))
             reading = Reading::Failed;
         if (count == 0)
             break;
@@ -49,26 +48,21 @@ Reading TryRead(std::wstring const & path, std::string & bytes)
             reading = Reading::TooLarge;
     }
     bytes.resize(used);
-    CloseHandle(file);
     return reading;
 }
 
 bool WriteBytes(std::wstring const & path, std::string_view bytes)
 {
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    bool done = SetEndOfFile(file) != 0;
+    FileHandle const file(path, GENERIC_WRITE, 0, OPEN_ALWAYS);
+    bool done = file.IsOpen() && SetEndOfFile(file.Get()) != 0;
     while (done && !bytes.empty())
     {
         DWORD written = 0;
         DWORD const wanted = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), PIECE));
-        done = WriteFile(file, bytes.data(), wanted, &written, nullptr) && written == wanted;
+        done = WriteFile(file.Get(), bytes.data(), wanted, &written, nullptr) && written == wanted;
         bytes.remove_prefix(written);
     }
-    done = done && FlushFileBuffers(file);
-    CloseHandle(file);
-    return done;
+    return done && FlushFileBuffers(file.Get());
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "Console.h"
 #include "FileErrors.h"
-#include "Platform.h"
+#include "FileHandle.h"
 
 #include <string_view>
 #include <vector>
@@ -16,13 +16,11 @@ namespace
 /// The file that a link leads to; the path itself for anything else.
 std::wstring FollowLink(std::wstring const & path)
 {
-    HANDLE const file = CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    FileHandle const file(path, 0, FileHandle::SHARE_ALL, OPEN_EXISTING);
+    if (!file.IsOpen())
         return path;
     std::wstring target(0x8000, L'\0');
-    DWORD const length = GetFinalPathNameByHandleW(file, target.data(), static_cast<DWORD>(target.size()), 0);
-    CloseHandle(file);
+    DWORD const length = GetFinalPathNameByHandleW(file.Get(), target.data(), static_cast<DWORD>(target.size()), 0);
     if (length == 0 || length >= target.size())
         return path;
     target.resize(length);
@@ -45,10 +43,8 @@ void CreateLike(std::wstring const & model, std::wstring const & path)
     std::vector<unsigned char> permissions = Permissions(model);
     if (permissions.empty())
         return;
-    HANDLE const file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    if (!FileHandle(path, GENERIC_WRITE, 0, CREATE_ALWAYS).IsOpen())
         return; // whoever writes it will be told why
-    CloseHandle(file);
     if (permissions != Permissions(path))
         SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, permissions.data());
 }

@@ -2,7 +2,7 @@
 
 #include "Console.h"
 #include "FileErrors.h"
-#include "Platform.h"
+#include "FileHandle.h"
 
 #include <vector>
 
@@ -45,28 +45,6 @@ private:
     std::wstring m_path;
 };
 
-/// A handle for a scope.
-class File
-{
-public:
-    File(std::wstring const & path, DWORD access, DWORD disposition)
-        : m_handle(CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition, 0, nullptr))
-    {
-    }
-    ~File()
-    {
-        if (m_handle != INVALID_HANDLE_VALUE)
-            CloseHandle(m_handle);
-    }
-    File(File const &) = delete;
-    File & operator=(File const &) = delete;
-
-    HANDLE Get() const { return m_handle; }
-
-private:
-    HANDLE m_handle;
-};
-
 /// Hands out all that can be read; false when reading or the use fails.
 template <class Use>
 bool ReadAll(HANDLE handle, Use use)
@@ -85,24 +63,24 @@ bool ReadAll(HANDLE handle, Use use)
 
 bool TakeInput(std::wstring const & path)
 {
-    File const file(path, GENERIC_WRITE, CREATE_ALWAYS);
+    FileHandle const file(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
     auto const store = [&file](char const * bytes, DWORD size)
     {
         DWORD written = 0;
         return WriteFile(file.Get(), bytes, size, &written, nullptr) && written == size;
     };
-    return file.Get() != INVALID_HANDLE_VALUE && ReadAll(GetStdHandle(STD_INPUT_HANDLE), store);
+    return file.IsOpen() && ReadAll(GetStdHandle(STD_INPUT_HANDLE), store);
 }
 
 bool SendOutput(std::wstring const & path)
 {
-    File const file(path, GENERIC_READ, OPEN_EXISTING);
+    FileHandle const file(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     auto const send = [](char const * bytes, DWORD size)
     {
         Console::Out().WriteBytes(std::string_view(bytes, size));
         return true;
     };
-    return file.Get() != INVALID_HANDLE_VALUE && ReadAll(file.Get(), send);
+    return file.IsOpen() && ReadAll(file.Get(), send);
 }
 
 } // namespace

@@ -113,6 +113,7 @@ TEST(VekXml, FormatKeepsAllButLayout)
          "<a>\n  <b c=\"&#10;&lt;EOL&#62;\"/>\n  <c/>\n</a>"},
         {"comments move along", L"", "<!--0--><a>  <!--1-->\r\n\r\n<?i j?><b/></a>\r\n<!--2-->",
          "<!--0--><a>\r\n  <!--1-->\r\n  <?i j?>\r\n  <b/>\r\n</a>\r\n<!--2-->"},
+        {"comments alone", L"", "<a><!--1--></a>", "<a>\n  <!--1-->\n</a>"},
         {"text", L"", "<a> <t>x <b> <i/> </b> </t><s> </s></a>", "<a>\n  <t>x <b> <i/> </b> </t>\n  <s> </s>\n</a>"},
         {"preserved", L"", "<a><b xml:space='preserve'> <c/><d> <e/></d></b></a>",
          "<a>\n  <b xml:space=\"preserve\"> <c/><d> <e/></d></b>\n</a>"},
@@ -137,9 +138,14 @@ TEST(VekXml, FormatKeepsAllButLayout)
         EXPECT_EQ(outcome.out + outcome.err, "");
         EXPECT_EQ(FileBytes(file), formatted);
     }
-    StoreBytes(file, "<?xml version='1.0' encoding='windows-1252'?><a>\x80</a>");
+    StoreBytes(file, "<!DOCTYPE a SYSTEM 'd'><a>&u;</a>");
+    EXPECT_THAT(Vek({L"xml", L"format", file, file, L"--no-dtd"}).err,
+                HasSubstr("a.xml: not written: prolog, epilog or a reference to an entity can not be written\n"));
+    StoreBytes(file, "<?xml version='1.0' encoding='windows-1252'?>\n<a>\x80</a>");
+    EXPECT_EQ(Vek({L"xml", L"format", file, file}).err, "");
+    EXPECT_THAT(FileBytes(file), HasSubstr("'windows-1252'?>\n<a>\x80</a>"));
+    StoreBytes(file, "<?xml version='1.0' encoding='US-ASCII'?><!DOCTYPE a [<!ENTITY e '<!--&#233;-->'>]><a>&e;</a>");
     EXPECT_THAT(Vek({L"xml", L"format", file, file}).err, HasSubstr("a.xml: note: written as UTF-8\n"));
-    EXPECT_THAT(FileBytes(file), HasSubstr("<a>\xE2\x82\xAC</a>"));
 }
 
 TEST(VekXml, CanonIsWhatCanonicalXmlSays)

@@ -15,6 +15,7 @@ namespace
 #if defined(__i386__)
 static_assert(sizeof(CVekXMLElement) == 60);
 static_assert(sizeof(CVekXMLAttribute) == 16);
+static_assert(sizeof(CVekXMLWriter) == 28);
 #endif
 
 // An element named "top" with children of the given names, each held by it alone; "0" stands for a null entry.

@@ -33,6 +33,11 @@ struct KeepAllTest : XMLTest
         EXPECT_TRUE(Parse(bytes, *document.Get()) && m_parser.IsComplete());
         return Written(*document.Get());
     }
+    std::wstring Reason() const
+    {
+        VekXMLWriteError const error = m_writer.GetError();
+        return error.text + (*error.what ? L": "s + error.what : L""s);
+    }
     void SetUp() override { m_writer.SetKeepAll(true); }
 
     CVekXMLParser m_parser;
@@ -76,9 +81,41 @@ TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
     auto const document = NewDocument();
     EXPECT_TRUE(Parse("<a/><!-- cut", *document.Get()));
     EXPECT_FALSE(m_parser.IsComplete()) << "it would be written as it is";
-    EXPECT_TRUE(Parse("<!DOCTYPE a SYSTEM 'd' [<!ENTITY e ''>]><a b='&lt;&#65;&e;'/>", *NewDocument().Get()));
-    EXPECT_FALSE(Parse("<!DOCTYPE a SYSTEM 'd' [<!ENTITY e ''>]><a><b c='&lt;&u;'/></a>", *NewDocument().Get()));
-    EXPECT_NE(m_log.Take().find(L"an entity that is not read: u"), std::wstring::npos);
+}
+
+TEST_F(KeepAllTest, NoReferenceIsLost)
+{
+    // What the document type declares, the root element, and the tree; null where "u", which is not read, would be
+    // lost.
+    std::tuple<char const *, char const *, char const *, wchar_t const *> const rows[] = {
+        {"a value", "<!ENTITY e ''>", "<a b='&lt;&#65;&e;'/>", L"a[b=&lt;A]"},
+        {"one with it", "<!ENTITY e ''>", "<a><b c='&lt;&u;'/></a>", nullptr},
+        {"text of an entity", "<!ENTITY e 'x&u;y'>", "<a>&e;</a>", L"a{#text'x' #entity-reference'u' #text'y'}"},
+        {"a value in such text", "<!ENTITY e '<b c=\"&f;&lt;\"/>'><!ENTITY f '&#38;#60;'>", "<a>&e;</a>",
+         L"a{b[c=&lt;&lt;]}"},
+        {"one with it", "<!ENTITY e '<b c=\"&u;\"/>'>", "<a>&e;</a>", nullptr},
+        {"one behind a second entity", "<!ENTITY f '&e;'><!ENTITY e '<b c=\"&u;\"/>'>", "<a>&f;</a>", nullptr},
+        {"an entity's text in a value", "<!ENTITY e '&f;'><!ENTITY f 'x'>", "<a b='&e;'/>", L"a[b=x]"},
+        {"one with it", "<!ENTITY e '&f;'><!ENTITY f '&u;'>", "<a b='&e;'/>", nullptr},
+        {"a default", "<!ENTITY e 'x'><!ATTLIST a b CDATA '&e;&amp;' c CDATA ''>", "<a/>", L"a[b=x&amp; c=]"},
+        {"one with it", "<!ATTLIST a b CDATA #FIXED '&#65;&u;'>", "<a/>", nullptr},
+        {"one before its declaration", "<!ATTLIST a b CDATA '&e;'><!ENTITY e 'x'>", "<a/>", nullptr},
+        {"one in a parameter entity", "<!ENTITY % p '<!ATTLIST a b CDATA \"&u;\">'>%p;", "<a/>", nullptr},
+        {"none there", "<!ENTITY % p '<!ATTLIST a b CDATA \"x\">'>%p;<!ENTITY e '&u;'>", "<a/>", L"a[b=x]"},
+    };
+    for (auto const & [name, declarations, root, tree] : rows)
+    {
+        SCOPED_TRACE(name);
+        auto const document = NewDocument();
+        EXPECT_EQ(Parse("<!DOCTYPE a SYSTEM 'd' ["s + declarations + "]>" + root, *document.Get()), tree != nullptr);
+        if (tree)
+            EXPECT_EQ(TreeText(*document), tree);
+        else
+            EXPECT_EQ(m_parser.GetError().code, VEK_XML_ERROR_UNKNOWN_ENTITY);
+        std::wstring const log = m_log.Take();
+        EXPECT_TRUE(tree ? log.empty() : log.find(L"an entity that is not read: ") != std::wstring::npos)
+            << log.c_str();
+    }
 }
 
 TEST_F(KeepAllTest, CopiesSayTheSame)
@@ -103,8 +140,14 @@ TEST_F(KeepAllTest, CopiesSayTheSame)
         {"sections", "<a><![CDATA[<&]] >]]><![CDATA[]]><b><![CDATA[]]></b></a>", nullptr},
         {"references", "<!DOCTYPE a SYSTEM \"d\"><a>&u;<b/>&v;</a>", nullptr},
         {"instructions", "<a><?p q ?><?r?></a>", nullptr},
-        {"another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>",
-         "<?xml version='1.0' encoding='UTF-8'?><a>\xC3\xA9</a>"},
+        {"another encoding", "<?xml version='1.0' encoding='ISO-8859-1'?>\r\n<a b=\"\xE9\">\xE9&#8364;&#128512;</a>",
+         nullptr},
+        {"with a reference in a value",
+         "<?xml version='1.0' encoding='windows-1252'?><!DOCTYPE a [<!ENTITY e '&#1046;'>]><a b='\x80&e;'/>",
+         "<?xml version='1.0' encoding='windows-1252'?><!DOCTYPE a [<!ENTITY e '&#1046;'>]><a b=\"\x80&#1046;\"/>"},
+        {"without a place for one",
+         "<?xml version='1.0' encoding='US-ASCII'?><!DOCTYPE a [<!ENTITY e '<!--&#233;-->'>]><a>&e;</a>",
+         "<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE a [<!ENTITY e '<!--&#233;-->'>]><a><!--\xC3\xA9--></a>"},
     };
     for (auto const & [name, bytes, written] : rows)
     {
@@ -149,41 +192,48 @@ TEST_F(KeepAllTest, WritesWhatHostsMade)
 TEST_F(KeepAllTest, RefusesWhatNobodyCouldRead)
 {
     using Change = void (*)(IVekXMLDocument &, IVekXMLElement &);
-    std::tuple<char const *, wchar_t const *, wchar_t const *, Change> const rows[] = {
-        {"no name", L"", nullptr, nullptr},
-        {"a name with a blank", L"a b", nullptr, nullptr},
-        {"a name that begins with a digit", L"1", nullptr, nullptr},
-        {"a name of no node", L"#other", nullptr, nullptr},
-        {"a name beyond the basic plane", L"a\xD83D\xDE00", nullptr, nullptr},
-        {"a sign as a name", L"\u20AC", nullptr, nullptr},
-        {"a control character", L"#text", L"a\x1", nullptr},
-        {"half a character", L"#text", L"\xDE00\xD83D", nullptr},
-        {"no character", L"#cdata-section", L"\xFFFF", nullptr},
-        {"two hyphens", L"#comment", L"a--b", nullptr},
-        {"a hyphen at the end", L"#comment", L"a-", nullptr},
-        {"a return in a comment", L"#comment", L"\r", nullptr},
-        {"no target", L"#processing-instruction", L"x", nullptr},
-        {"an instruction's end", L"#processing-instruction", L"x?>",
+    constexpr wchar_t const * COMMENT = L"comment with \"--\" can not be written";
+    constexpr wchar_t const * PROLOG = L"prolog, epilog or a reference to an entity can not be written";
+    std::tuple<char const *, wchar_t const *, wchar_t const *, wchar_t const *, Change> const rows[] = {
+        {"no name", L"", nullptr, L"name can not be written", nullptr},
+        {"a name with a blank", L"a b", nullptr, L"name can not be written: a b", nullptr},
+        {"a name that begins with a digit", L"1", nullptr, L"name can not be written: 1", nullptr},
+        {"a name of no node", L"#other", nullptr, L"name can not be written: #other", nullptr},
+        {"a name beyond the basic plane", L"a\xD83D\xDE00", nullptr, L"name can not be written: a\xD83D\xDE00",
+         nullptr},
+        {"a sign as a name", L"\u20AC", nullptr, L"name can not be written: \u20AC", nullptr},
+        {"a control character", L"#text", L"a\x1", L"character can not be written: U+0001", nullptr},
+        {"half a character", L"#text", L"\xDE00\xD83D", L"character can not be written: U+DE00", nullptr},
+        {"no character", L"#cdata-section", L"\xFFFF", L"character can not be written: U+FFFF", nullptr},
+        {"two hyphens", L"#comment", L"a--b", COMMENT, nullptr},
+        {"a hyphen at the end", L"#comment", L"a-", COMMENT, nullptr},
+        {"a return in a comment", L"#comment", L"\r", L"character can not be written: U+000D", nullptr},
+        {"no target", L"#processing-instruction", L"x",
+         L"processing instruction can not be written: #processing-instruction", nullptr},
+        {"an instruction's end", L"#processing-instruction", L"x?>", L"processing instruction can not be written: t",
          [](auto &, auto & node) { node.AddAttribute(L"target", VEK_VARIANT(L"t"), -1); }},
-        {"a reserved target", L"#processing-instruction", L"x",
+        {"a reserved target", L"#processing-instruction", L"x", L"processing instruction can not be written: XML",
          [](auto &, auto & node) { node.AddAttribute(L"target", VEK_VARIANT(L"XML"), -1); }},
-        {"an entity that isn't there", L"#entity-reference", L"e", nullptr},
-        {"children of text", L"#text", L"x", [](auto &, auto & node) { node.FindChild(L"b", true); }},
-        {"control characters in a value", L"e", nullptr,
+        {"an entity that isn't there", L"#entity-reference", L"e", PROLOG, nullptr},
+        {"children of text", L"#text", L"x", L"children or attributes can not be written below: #text",
+         [](auto &, auto & node) { node.FindChild(L"b", true); }},
+        {"control characters in a value", L"e", nullptr, L"character can not be written: U+0008",
          [](auto &, auto & node) { node.AddAttribute(L"a", VEK_VARIANT(L"\b"), -1); }},
-        {"a name twice", L"e", nullptr,
+        {"a name twice", L"e", nullptr, L"two attributes of one name can not be written: c",
          [](auto &, auto & node)
          {
              for (wchar_t const * name : {L"a", L"b", L"c"})
                  node.AddAttribute(name, VEK_VARIANT(L""), -1);
              node.RenameAttribute(L"a", L"c");
          }},
-        {"an open comment", L"e", nullptr, [](auto & document, auto &) { VekSetXMLProlog(document, L"<!-- "); }},
-        {"a root before the root", L"e", nullptr, [](auto & document, auto &) { VekSetXMLProlog(document, L"<a>"); }},
-        {"two roots", L"e", nullptr, [](auto & document, auto &) { VekSetXMLEpilog(document, L"<a/>"); }},
+        {"an open comment", L"e", nullptr, PROLOG,
+         [](auto & document, auto &) { VekSetXMLProlog(document, L"<!-- "); }},
+        {"a root before the root", L"e", nullptr, PROLOG,
+         [](auto & document, auto &) { VekSetXMLProlog(document, L"<a>"); }},
+        {"two roots", L"e", nullptr, PROLOG, [](auto & document, auto &) { VekSetXMLEpilog(document, L"<a/>"); }},
     };
     std::wstring const path = TemporaryPath(L"kept.xml");
-    for (auto const & [name, element, text, change] : rows)
+    for (auto const & [name, element, text, reason, change] : rows)
     {
         SCOPED_TRACE(name);
         auto const document = NewDocument();
@@ -199,8 +249,26 @@ TEST_F(KeepAllTest, RefusesWhatNobodyCouldRead)
         if (change)
             change(*document.Get(), *node.Get());
         EXPECT_FALSE(m_writer.WriteXMLFile(path.c_str(), document.Get()));
-        EXPECT_NE(m_log.Take().find(L"CVekXMLWriter::WriteXML --> "), std::wstring::npos);
+        EXPECT_EQ(Reason(), reason);
+        EXPECT_EQ(m_log.Take().find(L"CVekXMLWriter::WriteXML --> "s + reason), 0u);
         EXPECT_EQ(FileBytes(path), before) << "the old file stays";
+    }
+    auto const document = NewDocument();
+    EXPECT_FALSE(m_writer.WriteXMLFile(path.c_str(), document.Get()));
+    EXPECT_EQ(m_writer.GetError().code, VEK_XML_WRITE_ERROR_NO_DOCUMENT);
+    document->SetRootElement(NewElement(L"r").Get());
+    for (bool const keepsAll : {true, false})
+    {
+        m_writer.SetKeepAll(keepsAll);
+        EXPECT_FALSE(m_writer.WriteXMLFile(TemporaryPath(L"none/x.xml").c_str(), document.Get()));
+        EXPECT_EQ(m_writer.GetError().code, VEK_XML_WRITE_ERROR_FILE);
+        EXPECT_EQ(m_writer.GetError().systemCode, 3u);
+        TestStream full;
+        full.failFrom = 1;
+        EXPECT_FALSE(m_writer.WriteXML(&full, document.Get()));
+        EXPECT_EQ(m_writer.GetError().code, VEK_XML_WRITE_ERROR_STREAM);
+        EXPECT_TRUE(m_writer.WriteXMLFile(path.c_str(), document.Get()));
+        EXPECT_EQ(Reason(), L"");
     }
 }
 
@@ -229,6 +297,10 @@ TEST_F(KeepAllTest, ReadsTheEncodingsOfTheSystem)
         EXPECT_EQ(std::wstring(VekGetXMLProlog(*document.Get())).substr(34 + std::strlen(name) + 3),
                   L"<!--"s.substr(4) + text + L"-->");
         EXPECT_EQ(m_parser.GetSourceCodePage(), codePage);
+        EXPECT_EQ(Written(*document.Get()), source);
+        m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_UTF8);
+        EXPECT_EQ(Written(*document.Get()).find("<?xml version='1.0' encoding='UTF-8'?><!--"), 0u);
+        m_writer.SetKeepAllEncoding(VEK_XML_ENCODING_AS_SOURCE);
         m_log.Take();
     }
     for (char const * name : {"UTF-7", "ISO-2022-JP", "GB18030", "x"})
@@ -283,7 +355,7 @@ TEST_F(KeepAllTest, TellsPositions)
         EXPECT_EQ(at.column, 1u) << "a mark is no column";
     }
     auto const document = NewDocument();
-    EXPECT_TRUE(Parse("<!DOCTYPE a [<!ENTITY e '<b x=\"1\"/>'><!ATTLIST a d CDATA 'v'>]><a w='1'>\n&e;<c/></a>",
+    EXPECT_TRUE(Parse("<!DOCTYPE a [<!ENTITY e '<b x=\"1\"/>'><!ATTLIST a d CDATA 'v'>]><a w='&lt;'>\n&e;<c/></a>",
                       *document.Get()));
     VekXMLPosition at;
     unsigned int offset = 0;

@@ -62,6 +62,8 @@ struct Number
 {
     std::size_t length = 0; // 0 for none
     bool isWhole = true;
+    unsigned int base = 10;
+    std::size_t prefix = 0; // of the length
 };
 
 /// The number that a text begins with, in the ways of C, C++ and the shading languages.
@@ -69,15 +71,19 @@ Number FindNumber(std::wstring_view text)
 {
     Taker taker(text);
     Number number;
-    wchar_t const second = text.size() > 1 ? text[1] : L'\0';
-    bool const isHexadecimal = taker.Next() == L'0' && (second == L'x' || second == L'X');
-    bool const isBinary = taker.Next() == L'0' && (second == L'b' || second == L'B');
-    if (isHexadecimal || isBinary)
+    if (taker.Next() == L'0')
     {
-        taker.Take(L"0");
-        taker.Take(L"xXbB");
+        wchar_t const second = text.size() > 1 ? text[1] : L'\0';
+        number.base = second == L'x' || second == L'X' ? 16 : second == L'b' || second == L'B' ? 2 : 8;
+        if (number.base != 8 && taker.Take(L"0") && taker.Take(L"xXbB"))
+            number.prefix = taker.Taken();
     }
+<<<<<<< HEAD
     std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DECIMAL;
+=======
+    bool const isHexadecimal = number.base == 16, isBinary = number.base == 2;
+    std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DIGITS;
+>>>>>>> w-left
     std::size_t count = taker.TakeAll(digits);
     if (!isBinary && taker.Take(L"."))
     {
@@ -236,25 +242,18 @@ std::optional<unsigned long long> IntegerValue(std::wstring_view text)
     Number const number = FindNumber(text);
     if (number.length != text.size() || !number.isWhole)
         return std::nullopt;
-    unsigned int base = text[0] == L'0' ? 8 : 10;
-    wchar_t const second = text.size() > 1 ? text[1] : L'\0';
-    if (base == 8 && std::wstring_view(L"xXbB").find(second) != std::wstring_view::npos && second != 0)
-    {
-        base = second == L'x' || second == L'X' ? 16 : 2;
-        text.remove_prefix(2);
-    }
     unsigned long long value = 0;
-    for (wchar_t const unit : text)
+    for (wchar_t const unit : text.substr(number.prefix))
     {
         if (unit == L'\'')
             continue;
         std::size_t const digit = HEXADECIMAL.find(unit);
         unsigned int const worth = static_cast<unsigned int>(digit < 16 ? digit : digit - 6);
-        if (digit == std::wstring_view::npos || worth >= base)
+        if (digit == std::wstring_view::npos || worth >= number.base)
             break; // a suffix
-        if (value > (std::numeric_limits<unsigned long long>::max() - worth) / base)
+        if (value > (std::numeric_limits<unsigned long long>::max() - worth) / number.base)
             return std::nullopt;
-        value = value * base + worth;
+        value = value * number.base + worth;
     }
     return isNegative ? 0 - value : value;
 }

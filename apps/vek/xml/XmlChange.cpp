@@ -14,11 +14,6 @@ namespace tool
 namespace
 {
 
-std::wstring Quoted(std::wstring_view text)
-{
-    return L"\"" + Printable(text, 200) + L"\"";
-}
-
 /// A text as a parser gives it: each line's end a newline.
 std::wstring WithNewLines(std::wstring_view text)
 {
@@ -82,6 +77,14 @@ bool XmlChange::FindValue(Step const & step, XmlRange & value) const
         step.index != -1 && m_source.Places().GetAttributePosition(step.element, step.index, offset, length);
     value = {offset, offset + std::size_t{length}};
     return isThere;
+}
+
+bool XmlChange::FindWrittenValue(Step const & step, XmlRange & value) const
+{
+    if (step.index == -1)
+        return Refuse(Quoted(step.edit.path) + L" has no attribute " + Quoted(step.edit.attribute));
+    return FindValue(step, value) ||
+           Refuse(Quoted(step.edit.attribute) + L" is not written there: the document type declares its value");
 }
 
 bool XmlChange::Add(XmlEdit const & edit)
@@ -155,10 +158,8 @@ bool XmlChange::AddRemove(Step & step, XmlTags const & tags)
     XmlRange value;
     if (!step.edit.attribute.empty())
     {
-        if (step.index == -1)
-            return Refuse(Quoted(step.edit.path) + L" has no attribute " + Quoted(step.edit.attribute));
-        if (!FindValue(step, value))
-            return Refuse(Quoted(step.edit.attribute) + L" is not written there: the document type declares its value");
+        if (!FindWrittenValue(step, value))
+            return false;
         m_patch.Replace(tags.Attribute(value), {});
         return true;
     }
@@ -187,10 +188,8 @@ bool XmlChange::AddRename(Step const & step, XmlTags const & tags)
             m_patch.Replace(tags.EndName(), name);
         return true;
     }
-    if (step.index == -1)
-        return Refuse(Quoted(step.edit.path) + L" has no attribute " + Quoted(step.edit.attribute));
-    if (!FindValue(step, value))
-        return Refuse(Quoted(step.edit.attribute) + L" is not written there: the document type declares its value");
+    if (!FindWrittenValue(step, value))
+        return false;
     int const other = FindAttribute(*step.element, step.edit.value);
     if (other != -1 && other != step.index)
         return Refuse(Quoted(step.edit.path) + L" has an attribute " + Quoted(step.edit.value) + L" already");

@@ -66,6 +66,8 @@ private:
     bool CheckWords(XmlEdit const & edit) const;
     bool Encode(std::wstring_view text, bool isName, std::string & bytes) const;
     bool FindValue(Step const & step, XmlRange & value) const;
+    /// False after telling the user that there is none.
+    bool FindWrittenValue(Step const & step, XmlRange & value) const;
 
     bool AddSet(Step const & step, XmlTags const & tags);
     bool AddRemove(Step & step, XmlTags const & tags);

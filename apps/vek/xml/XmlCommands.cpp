@@ -45,8 +45,8 @@ constexpr char const * ABOUT_FORMAT =
     R"(Nothing is lost but what an option names. White space is laid out anew where nothing but elements, comments and
 processing instructions stand in an element; text, what stands between it, and xml:space="preserve" are left alone. References
 to entities that the file declares are written as what they stand for, and default values that it declares with their
-elements. The encoding stays, but for those that are
-neither UTF-8 nor UTF-16: they become UTF-8, which is told.)";
+elements. The encoding stays, but
+where it lacks a character of an entity in a name, comment or such: then it becomes UTF-8, which is told.)";
 
 constexpr char const * ABOUT_PATHS =
     R"(PATH leads from the root element, whose own name is not part of it, by element names separated by slashes; "*" is any
@@ -59,6 +59,8 @@ constexpr char const * ABOUT_DIFF =
 type. A line begins with the path in FILE; with "-" for what only FILE has, with "+" for what only OTHER has. The exit
 code is 1 when they differ.)";
 
+constexpr char const * READ_FILE = "The file, \"-\" for standard input";
+constexpr char const * EDITED_FILE = "The file, replaced unless there is -o; \"-\" for standard input and output";
 constexpr char const * ABOUT_PATH = "The way from the root to the element, such as \"a/b\"; \"/\" for the root";
 
 using Text = std::optional<std::wstring>;
@@ -94,7 +96,7 @@ void AddReading(Command & xml, GivenArguments const & given)
         .AddTexts("FILE", given->files, "The files, \"-\" for standard input")
         .SetWork([given] { return RunXmlInfo(given->files); });
     xml.AddCommand("tree", "Show a file's elements, a line each, values as they are stored")
-        .AddText("FILE", given->file, "The file, \"-\" for standard input")
+        .AddText("FILE", given->file, READ_FILE)
         .AddOption("--depth", "N", given->depth, 1, 0x7FFFFFFF, "Levels to show")
         .SetWork(
             [given] {
@@ -102,7 +104,7 @@ void AddReading(Command & xml, GivenArguments const & given)
                                  [&given](std::wstring const & path) { return RunXmlTree(path, given->depth); });
             });
     xml.AddCommand("get", "Print an attribute's value, or all text in an element")
-        .AddText("FILE", given->file, "The file, \"-\" for standard input")
+        .AddText("FILE", given->file, READ_FILE)
         .AddText("PATH", given->path, ABOUT_PATH)
         .AddOptionalText("ATTRIBUTE", given->attribute, "The attribute's name")
         .SetFooter(ABOUT_PATHS)
@@ -150,39 +152,38 @@ int Set(Arguments const & given)
     return Edit(given, &edit);
 }
 
-Command & AddEditing(Command & command, GivenArguments const & given)
+Command & AddEditing(Command & command, GivenArguments const & given, std::string const & more = {})
 {
     return command
         .AddOption("-o,--output", "OUT", given->target, "Write here (\"-\": to standard output) and leave FILE alone")
-        .AddFlag("--dry-run", given->edit.isDryRun, "Show the lines that would change, and change nothing");
+        .AddFlag("--dry-run", given->edit.isDryRun, "Show the lines that would change, and change nothing")
+        .SetFooter(std::string(ABOUT_PATHS) + more + "\n\n" + ABOUT_EDITING);
 }
 
 void AddSet(Command & xml, GivenArguments const & given)
 {
     Command set = xml.AddCommand("set", "Change or add attributes, and no other byte");
-    set.AddText("FILE", given->file, "The file, replaced unless there is -o; \"-\" for standard input and output")
+    set.AddText("FILE", given->file, EDITED_FILE)
         .AddOptionalText("PATH", given->element, ABOUT_PATH)
         .AddOptionalText("ATTRIBUTE", given->attribute, "The attribute's name")
         .AddOptionalText("VALUE", given->value, "The new value; behind \"--\" if it begins with a minus sign")
         .AddGroups("--at", "PATH ATTRIBUTE VALUE", 3, given->edits, "One more edit; may be repeated")
         .AddOption("--list", "FILE", given->edit.list, "Edits out of a file; \"-\" for standard input")
         .AddFlag("--create", given->edit.creates, "Add the elements of PATH that are missing");
-    AddEditing(set, given)
+    AddEditing(set, given, std::string("\n\n") + ABOUT_LISTS)
         .AddFlag("--drop-text", given->dropsText, "Gone: no text is lost")
         .AddFlag("--no-dtd", given->format.noDocumentType, "Gone: use \"vek xml format\"")
         .AddOption("--indent", "N", given->format.indentation, 0, 100, "Gone: use \"vek xml format\"")
-        .SetFooter(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_LISTS + "\n\n" + ABOUT_EDITING)
         .SetWork([given] { return Set(*given); });
 }
 
 void AddRemove(Command & xml, GivenArguments const & given)
 {
     Command remove = xml.AddCommand("remove", "Take an attribute or an element out, and no other byte");
-    remove.AddText("FILE", given->file, "The file, replaced unless there is -o; \"-\" for standard input and output")
+    remove.AddText("FILE", given->file, EDITED_FILE)
         .AddText("PATH", given->path, ABOUT_PATH)
         .AddOptionalText("ATTRIBUTE", given->attribute, "The attribute's name; without it the element goes");
     AddEditing(remove, given)
-        .SetFooter(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_EDITING)
         .SetWork(
             [given]
             {
@@ -194,11 +195,10 @@ void AddRemove(Command & xml, GivenArguments const & given)
 void AddRename(Command & xml, GivenArguments const & given)
 {
     Command rename = xml.AddCommand("rename", "Give an attribute or an element another name");
-    rename.AddText("FILE", given->file, "The file, replaced unless there is -o; \"-\" for standard input and output")
+    rename.AddText("FILE", given->file, EDITED_FILE)
         .AddText("PATH", given->path, ABOUT_PATH)
         .AddOptionalTexts("[ATTRIBUTE] NAME", given->files, "The attribute's name, for one, and the new name");
     AddEditing(rename, given)
-        .SetFooter(std::string(ABOUT_PATHS) + "\n\n" + ABOUT_EDITING)
         .SetWork(
             [given]
             {
@@ -237,7 +237,7 @@ void AddFormat(Command & xml, GivenArguments const & given)
 void AddComparing(Command & xml, GivenArguments const & given)
 {
     xml.AddCommand("canon", "Print a file as Canonical XML 1.0, with its comments")
-        .AddText("FILE", given->file, "The file, \"-\" for standard input")
+        .AddText("FILE", given->file, READ_FILE)
         .SetWork([given]
                  { return WithInput(given->file, [](std::wstring const & path) { return RunXmlCanon(path); }); });
     xml.AddCommand("diff", "Tell what differs in two files, path by path")

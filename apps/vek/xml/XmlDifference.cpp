@@ -17,11 +17,6 @@ namespace
 constexpr std::size_t SHOWN = 80;         // characters of a value
 constexpr std::size_t SHOWN_LEVELS = 100; // of a path
 
-std::wstring QuotedBriefly(std::wstring_view text)
-{
-    return L"\"" + Printable(text, SHOWN) + L"\"";
-}
-
 /// The index of an attribute of exactly this name, -1 for none.
 int IndexOf(IVekXMLElement const & element, std::wstring_view name)
 {
@@ -129,7 +124,7 @@ void XmlDifference::CompareAttributes(Element & first, Element & second)
         std::wstring const value = ReadValue(View(first.GetAttributeValue(i)));
         int const other = IndexOf(second, name);
         if (other == -1)
-            Report(L"- ", L"@" + Printable(name, SHOWN) + L": " + QuotedBriefly(value));
+            Report(L"- ", L"@" + Printable(name, SHOWN) + L": " + Quoted(value, SHOWN));
         else if (std::wstring const changed = ReadValue(View(second.GetAttributeValue(other))); changed != value)
             ReportChange(L"@" + Printable(name, SHOWN), value, changed);
     }
@@ -138,7 +133,7 @@ void XmlDifference::CompareAttributes(Element & first, Element & second)
         std::wstring const name(View(second.GetAttributeName(i)));
         if (IndexOf(first, name) == -1)
             Report(L"+ ",
-                   L"@" + Printable(name, SHOWN) + L": " + QuotedBriefly(ReadValue(View(second.GetAttributeValue(i)))));
+                   L"@" + Printable(name, SHOWN) + L": " + Quoted(ReadValue(View(second.GetAttributeValue(i))), SHOWN));
     }
 }
 
@@ -150,7 +145,7 @@ void XmlDifference::ReportItem(wchar_t const * sign, XmlItem const & item)
         Report(sign, (item.kind == XmlNode::Text      ? L"text: "
                       : item.kind == XmlNode::Comment ? L"comment: "
                                                       : L"processing instruction: ") +
-                         QuotedBriefly(item.text));
+                         Quoted(item.text, SHOWN));
 }
 
 void XmlDifference::ReportChange(std::wstring const & what, std::wstring_view before, std::wstring_view after)
@@ -161,8 +156,8 @@ void XmlDifference::ReportChange(std::wstring const & what, std::wstring_view be
     std::size_t const skipped =
         std::max(before.size(), after.size()) > SHOWN && same > SHOWN / 4 ? same - SHOWN / 4 : 0;
     std::wstring const dots = skipped ? L"..." : L"";
-    Report(L"", what + L": " + dots + QuotedBriefly(before.substr(skipped)) + L" -> " + dots +
-                    QuotedBriefly(after.substr(skipped)));
+    Report(L"", what + L": " + dots + Quoted(before.substr(skipped), SHOWN) + L" -> " + dots +
+                    Quoted(after.substr(skipped), SHOWN));
 }
 
 void XmlDifference::Report(wchar_t const * sign, std::wstring const & what)

@@ -9,8 +9,8 @@ namespace tool
 
 int RunXmlFormat(std::wstring const & path, std::wstring const & target, FormatOptions const & options)
 {
-    bool isUnicode = true;
-    CVekRef<IVekXMLDocument> document = LoadXml(path, VEK_XML_KEEP_ALL, &isUnicode);
+    unsigned int before = 0, after = 0;
+    CVekRef<IVekXMLDocument> document = LoadXml(path, VEK_XML_KEEP_ALL, &before);
     if (!document)
         return EXIT_FAILED;
     if (options.noDocumentType)
@@ -20,9 +20,9 @@ int RunXmlFormat(std::wstring const & path, std::wstring const & target, FormatO
     if (options.stripText)
         RemoveText(*document->GetRootElement());
     RemoveLayout(*document->GetRootElement());
-    if (!SaveXml(std::move(document), target, options.indentation))
+    if (!SaveXml(std::move(document), target, options.indentation, &after))
         return EXIT_FAILED;
-    if (!isUnicode)
+    if (after != before)
         Note(target, L"written as UTF-8");
     return EXIT_DONE;
 }

@@ -14,11 +14,6 @@ namespace tool
 namespace
 {
 
-std::wstring Quoted(std::wstring_view text)
-{
-    return L"\"" + Printable(text, 200) + L"\"";
-}
-
 /// The text of an element and of all below it.
 std::wstring TextOf(IVekXMLElement & element)
 {

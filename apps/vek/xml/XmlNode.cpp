@@ -38,17 +38,17 @@ bool IsBlank(std::wstring_view text)
 bool IsMixed(IVekXMLElement const & element)
 {
     int const space = element.FindAttributeIndex(L"xml:space");
-    bool hasElement = false, hasText = element.HasCDATASection(), hasBlanks = false;
+    bool hasMarkup = false, hasText = element.HasCDATASection(), hasBlanks = false;
     for (int i = 0; i < element.GetNumChildren() && !hasText; ++i)
     {
         IVekXMLElement const & child = *element.GetChild(i);
         XmlNode const kind = KindOf(child);
         bool const isBlank = kind == XmlNode::Text && IsBlank(Characters(child));
         hasBlanks |= isBlank;
-        hasElement |= kind == XmlNode::Element;
+        hasMarkup |= kind != XmlNode::Text;
         hasText = !isBlank && (kind == XmlNode::Text || kind == XmlNode::Section || kind == XmlNode::Reference);
     }
-    return hasText || (hasBlanks && !hasElement) ||
+    return hasText || (hasBlanks && !hasMarkup) ||
            (space != -1 && View(element.GetAttributeValue(space)) == L"preserve");
 }
 

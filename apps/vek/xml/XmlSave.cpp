@@ -5,7 +5,6 @@
 #include "Console.h"
 #include "FileBytes.h"
 #include "FileErrors.h"
-#include "LogToStderr.h"
 #include "NewFile.h"
 #include "xml/XmlCanonical.h"
 #include "xml/XmlCount.h"
@@ -21,41 +20,28 @@ namespace
 // More blanks than this are a mistake, not a layout.
 constexpr std::uint64_t MOST_INDENTATION = 0x40000000;
 
-/// What the library says of a document that it can't write; empty when the file is at fault.
-std::wstring WhyNotXml(std::wstring const & messages)
-{
-    std::size_t const begin = messages.find(L"--> "), end = messages.find(L'\n', begin);
-    bool const isDocument = messages.find(L"can not be written") != messages.npos;
-    return isDocument && begin != messages.npos ? Printable(messages.substr(begin + 4, end - begin - 4))
-                                                : std::wstring();
-}
-
 /// Tells the user why when it fails.
 bool Write(std::wstring const & path, NewFile const & file, IVekXMLDocument & document, int indentation)
 {
     CVekXMLWriter writer;
     writer.SetKeepAll(true);
     writer.SetIndentation(indentation);
-    std::wstring messages;
-    bool done = false;
-    {
-        LogToStderr::Diversion const diversion(messages);
-        CVekSetDebugOutputLevel const speech(0);
-        done = writer.WriteXMLFile(file.Path().c_str(), &document);
-    }
-    std::wstring const why = WhyNotXml(messages);
-    if (!done)
-        Fail(path, why.empty() ? WhyUnwritable(file.Path()) : L"not written: " + why);
-    return done;
+    if (writer.WriteXMLFile(file.Path().c_str(), &document))
+        return true;
+    VekXMLWriteError const error = writer.GetError();
+    std::wstring const what = *error.what ? L": " + Printable(error.what) : std::wstring();
+    Fail(path,
+         error.code == VEK_XML_WRITE_ERROR_FILE ? WhyUnwritable(file.Path()) : L"not written: " + (error.text + what));
+    return false;
 }
 
 /// The canonical form of what was written, its layout left out; empty when it is no XML.
-std::string ReadBack(NewFile const & file)
+std::string ReadBack(NewFile const & file, unsigned int * codePage)
 {
     std::string bytes;
     CVekRef<IVekXMLDocument> document;
     if (ReadBytes(file.Path(), bytes))
-        document = ParseXml(bytes);
+        document = ParseXml(bytes, codePage);
     if (!document)
         return {};
     RemoveLayout(*document->GetRootElement());
@@ -64,7 +50,7 @@ std::string ReadBack(NewFile const & file)
 
 } // namespace
 
-bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int indentation)
+bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int indentation, unsigned int * codePage)
 {
     if (!IsWritable(path))
         return false;
@@ -81,7 +67,7 @@ bool SaveXml(CVekRef<IVekXMLDocument> document, std::wstring const & path, int i
         return false;
     std::string const canonical = Canonicalize(*document).text;
     document.Reset(); // a large one leaves no room for its twin
-    if (ReadBack(file) == canonical)
+    if (ReadBack(file, codePage) == canonical)
         return file.Place();
     Fail(path, L"not written: what was written reads back as another document");
     return false;

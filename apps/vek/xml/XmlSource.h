@@ -38,7 +38,8 @@ private:
     CVekRef<IVekXMLDocument> m_document;
 };
 
-/// The document of bytes in memory, with all that is in them; null without a word when they are no whole document.
-CVekRef<IVekXMLDocument> ParseXml(std::string const & bytes);
+/// The document of bytes in memory, with all that is in them, and the code page of their encoding; null without a word
+/// when they are no whole document.
+CVekRef<IVekXMLDocument> ParseXml(std::string const & bytes, unsigned int * codePage = nullptr);
 
 } // namespace tool
