@@ -166,13 +166,18 @@ long Worker::Resume()
     return count - 1;
 }
 
+unsigned long Worker::ResumeOnce()
+{
+    CVekSingleLock const lock(&m_stateLock, true);
+    return IsAtRest() ? RESUME_FAILED : ::ResumeThread(m_handle);
+}
+
 void Worker::Unpark()
 {
-    HandleScope const thread(DuplicateHandle());
     for (;;)
     {
         bool const isParking = m_isParking;
-        DWORD const count = ::ResumeThread(thread.Get());
+        DWORD const count = ResumeOnce();
         if (count == RESUME_FAILED || count == 1 || (count == 0 && !isParking))
             return;
         if (count == 0)

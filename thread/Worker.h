@@ -73,6 +73,7 @@ private:
     /// Counts, and lets the worker suspend itself once it is in its loop (again).
     long SuspendLater();
     /// Lets the thread go on, or not suspend itself if it is about to.
+    unsigned long ResumeOnce();
     void Unpark();
     /// False when there is nothing to wait for.
     bool SuspendAndWait();

@@ -13,6 +13,7 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace vek
 {
@@ -119,7 +120,9 @@ XMLWholeWriter::XMLWholeWriter(IVekXMLDocument & document, VEK_XML_ENCODING enco
         {
             m_encoding = kept->encoding;
             Piece const declared = FindEncoding(m_prolog);
-            CVekString<wchar_t> const name(declared.text, static_cast<int>(std::min(declared.length, LONGEST_SHOWN)));
+            wchar_t name[64] = L""; // longer ones are of no code page
+            if (declared.length < std::size(name))
+                std::copy_n(declared.text, declared.length, name);
             m_codePage = CodePageOf(name) == kept->codePage ? kept->codePage : 0;
         }
     }

@@ -78,12 +78,8 @@ Number FindNumber(std::wstring_view text)
         if (number.base != 8 && taker.Take(L"0") && taker.Take(L"xXbB"))
             number.prefix = taker.Taken();
     }
-<<<<<<< HEAD
-    std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DECIMAL;
-=======
     bool const isHexadecimal = number.base == 16, isBinary = number.base == 2;
-    std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DIGITS;
->>>>>>> w-left
+    std::wstring_view const digits = isHexadecimal ? HEXADECIMAL : isBinary ? L"01" : DECIMAL;
     std::size_t count = taker.TakeAll(digits);
     if (!isBinary && taker.Take(L"."))
     {

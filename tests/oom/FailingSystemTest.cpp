@@ -1,0 +1,129 @@
+// Every subsystem with its n-th call of the system failing, for n = 1, 2, 3, ..., then with that one and all later
+// ones.
+
+#include "oom/Scenarios.h"
+#include "oom/SystemFaults.h"
+#include "support/GuardHeap.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cstring>
+#include <string>
+
+namespace
+{
+
+wchar_t const * InFolder(wchar_t const * name)
+{
+    static wchar_t path[300];
+    wchar_t const * const folder = _wgetenv(L"VEK_TEST_TMP");
+    VekStrPrintfW(path, 300, L"%s/%s", folder ? folder : L".", name);
+    return path;
+}
+
+// A file that can't be deleted stays; there are only so many names for others beside it.
+void RemoveLeftovers()
+{
+    WIN32_FIND_DATAW found;
+    HANDLE const search = FindFirstFileW(InFolder(L"*.new"), &found);
+    if (search == INVALID_HANDLE_VALUE)
+        return;
+    do
+        DeleteFileW(InFolder(found.cFileName));
+    while (FindNextFileW(search, &found));
+    FindClose(search);
+}
+
+bool SaveOver()
+{
+    CVekRef<IVekXMLDocument> const document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
+    CVekRef<CVekXMLElement> const root{new CVekXMLElement};
+    root->SetName(L"root");
+    document->SetRootElement(root.Get());
+    return VekSaveXMLDocument(InFolder(L"saved.xml"), document.Get());
+}
+
+bool ReadAFile()
+{
+    CVekRef<IVekXMLDocument> const document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
+    CVekXMLParser parser;
+    return parser.ParseXMLFile(InFolder(L"saved.xml"), document.Get());
+}
+
+bool UseLocks()
+{
+    CVekMutex mutex;
+    CVekSemaphore semaphore(1, 1);
+    CVekSignal signal;
+    bool const isSet = signal.SetSignal();
+    CVekSyncObject * const objects[] = {&mutex, &semaphore};
+    bool const locked = mutex.Lock() && semaphore.Lock() && signal.Lock();
+    return objects[0] && isSet && locked && semaphore.Unlock() && mutex.Unlock();
+}
+
+std::vector<Scenario> AllScenarios()
+{
+    std::vector<Scenario> all = {{"SaveOver", SaveOver, {}}, {"ReadAFile", ReadAFile, {}}, {"UseLocks", UseLocks, {}}};
+    for (auto const & scenarios : {coreScenarios, dataScenarios, xmlScenarios})
+        all.insert(all.end(), scenarios.begin(), scenarios.end());
+    return all;
+}
+
+DWORD Handles()
+{
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+}
+
+// Threads that end give theirs back a little later.
+bool HandlesComeDownTo(DWORD count)
+{
+    for (int i = 0; i < 200 && Handles() > count; ++i)
+        Sleep(10);
+    return Handles() <= count;
+}
+
+class FailingSystem : public testing::TestWithParam<Scenario>
+{
+};
+
+// Whether the result must tell.
+void FailEachCall(bool (*run)(), void (*fail)(std::size_t), bool mustTell)
+{
+    for (std::size_t n = 1;; ++n)
+    {
+        std::size_t const blocks = VekGuard::LiveBlocks();
+        DWORD const handles = Handles();
+        fail(n);
+        bool const succeeded = run();
+        char const * const name = VekTest::SystemReset();
+        if (!name)
+            return;
+        EXPECT_TRUE(ReadAFile()) << "the old file is lost after " << name;
+        RemoveLeftovers();
+        // What is closed last may have been written all the same.
+        EXPECT_TRUE(!succeeded || !mustTell || std::strncmp(name, "fclose", 6) == 0)
+            << name << " is not told, call " << n;
+        ASSERT_TRUE(run()) << "not usable after " << name << ", call " << n;
+        ASSERT_EQ(VekGuard::LiveBlocks(), blocks) << "leak after " << name << ", call " << n;
+        ASSERT_TRUE(HandlesComeDownTo(handles)) << "leak of a handle after " << name << ", call " << n;
+    }
+}
+
+TEST_P(FailingSystem, LeavesTheLibraryUsable)
+{
+    CVekLibrary const library;
+    ASSERT_TRUE(SaveOver() && GetParam().run());
+    bool const isOfFiles = GetParam().run == SaveOver || GetParam().run == ReadAFile;
+    FailEachCall(GetParam().run, VekTest::FailSystemCall, false);
+    FailEachCall(GetParam().run, VekTest::FailSystemFrom, isOfFiles);
+    isSound = true; // other bytes may say the same
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FailingSystem, testing::ValuesIn(AllScenarios()),
+                         [](auto const & scenario) { return std::string(scenario.param.name); });
+
+} // namespace
