@@ -49,7 +49,7 @@ bool ReadAFile()
 {
     CVekRef<IVekXMLDocument> const document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
     CVekXMLParser parser;
-    return parser.ParseXMLFile(InFolder(L"saved.xml"), document.Get());
+    return parser.ParseXMLFile(InFolder(L"saved.xml"), document.Get()) && parser.IsComplete();
 }
 
 bool UseLocks()
