@@ -2,8 +2,8 @@
 // ones.
 
 #include "oom/Scenarios.h"
-#include "oom/SystemFaults.h"
 #include "support/GuardHeap.h"
+#include "support/SystemCalls.h"
 
 #include <gtest/gtest.h>
 
