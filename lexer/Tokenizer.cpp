@@ -56,6 +56,9 @@ bool CVekTokenizer::Tokenize(IVekLexer * lexer, IVekIOStream * stream)
         VekLogOutput(0, L"CVekTokenizer::Tokenize --> %s is NULL", lexer ? L"Stream" : L"Lexer");
         return false;
     }
+    // A host's stream may let go of both.
+    auto const self = CVekRef<CVekTokenizer>::Share(this);
+    auto const holder = CVekRef<IVekLexer>::Share(lexer);
     vek::Buffer<wchar_t> text;
     vek::StreamReading const reading =
         stream->IsReadable() ? vek::ReadStreamText(*stream, text) : vek::StreamReading::Failed;

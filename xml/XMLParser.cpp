@@ -210,6 +210,14 @@ bool CVekXMLParser::ParseXMLMemory(void const * bytes, unsigned int size, IVekXM
 template <class Source>
 bool CVekXMLParser::ParseDocument(IVekXMLDocument * document, Source source)
 {
+    if (m_state && m_state->expat)
+    {
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Parser is parsing already");
+        return false;
+    }
+    // What a host's element is told, it may answer by letting go of both.
+    auto const self = CVekRef<CVekXMLParser>::Share(this);
+    auto const shared = CVekRef<IVekXMLDocument>::Share(document);
     // A fresh state for each document, with what was asked for.
     State * const fresh = new (std::nothrow) State(m_state ? m_state->options : Options());
     if (fresh)

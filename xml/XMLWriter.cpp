@@ -310,6 +310,11 @@ bool CVekXMLWriter::WriteXML(IVekIOStream * stream, IVekXMLDocument * document)
         VekLogOutput(0, L"CVekXMLWriter::WriteHeader --> Error writing header");
         return Fail(VEK_XML_WRITE_ERROR_NO_DOCUMENT);
     }
+    // A host's stream may let go of all three, and change the document's root, but nothing below it.
+    auto const self = CVekRef<CVekXMLWriter>::Share(this);
+    auto const shared = CVekRef<IVekXMLDocument>::Share(document);
+    auto const target = CVekRef<IVekIOStream>::Share(stream);
+    auto const root = CVekRef<IVekXMLElement>::Share(document->GetRootElement());
     if (!m_keepAll)
         return WritePlain(*stream, *document, false);
     vek::XMLWholeWriter writer(*document, static_cast<VEK_XML_ENCODING>(m_keepAllEncoding),
