@@ -10,6 +10,7 @@
 
 #include <objbase.h>
 
+#include <mutex>
 #include <new>
 
 namespace
@@ -51,11 +52,7 @@ CVekKernel & CVekKernel::Get() noexcept
     alignas(CVekKernel) static unsigned char storage[sizeof(CVekKernel)];
     struct Life
     {
-        Life()
-        {
-            vek::GetProcessState(); // outlives this
-            new (storage) CVekKernel;
-        }
+        Life() { new (storage) CVekKernel; }
         // Kept: unloading forgets the catchers without releasing them; their owners may be gone by then.
         ~Life() { std::launder(reinterpret_cast<CVekKernel *>(storage))->m_catchers.Clear(); }
     };
@@ -94,7 +91,7 @@ bool CVekKernel::Init()
 
 bool CVekKernel::InitEventMap()
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     m_eventMap = new (std::nothrow) vek::EventMap;
     if (m_eventMap)
         return true;
@@ -149,7 +146,7 @@ void CVekKernel::LogLiveObjects()
 
 void CVekKernel::ReleaseCatchers()
 {
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     // Whoever is called just now has stopped the library: nobody is called after it.
     for (CatcherWalk * walk = m_catcherWalks; walk; walk = walk->outer)
         walk->next = nullptr;
@@ -160,7 +157,7 @@ void CVekKernel::ReleaseCatchers()
 
 void CVekKernel::DispatchLogOutput(VEK_LOG_CATEGORY category, int level, wchar_t const * text)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     CatcherWalk walk{m_catchers.First(), m_catcherWalks, category};
     m_catcherWalks = &walk;
     while (walk.next)
@@ -175,7 +172,7 @@ void CVekKernel::DispatchLogOutput(VEK_LOG_CATEGORY category, int level, wchar_t
 VEK_LOG_CATEGORY CVekKernel::GetLogCategory() const
 {
     // Only the thread that is inside a walk gets in here while there is one.
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     return m_catcherWalks ? m_catcherWalks->category : VEK_LOG_NONE;
 }
 
@@ -193,7 +190,7 @@ void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
 {
     if (!catcher)
         return;
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     catcher->AddRef();
     if (!m_catchers.AppendTail(catcher))
         catcher->Release();
@@ -201,7 +198,7 @@ void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
 
 void CVekKernel::RemoveCatchLogOutput(IVekCatchLogOutput * catcher)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     RemoveEntries(catcher);
     // Kept: one Release, however many entries there were, none included; hosts balance it with a single Add.
     if (catcher)
