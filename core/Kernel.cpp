@@ -1,6 +1,7 @@
 #include "core/Kernel.h"
 
 #include "base/LiveObjects.h"
+#include "base/SystemFunction.h"
 #include "core/EventMap.h"
 #include "core/LogDispatch.h"
 #include "core/ProcessState.h"
@@ -17,6 +18,9 @@ namespace
 {
 
 constexpr unsigned long long MEGABYTE = 1048576;
+
+constinit vek::SystemFunction<decltype(CoInitialize)> g_coInitialize{L"ole32.dll", "CoInitialize"};
+constinit vek::SystemFunction<decltype(CoUninitialize)> g_coUninitialize{L"ole32.dll", "CoUninitialize"};
 
 MEMORYSTATUSEX MemoryStatus()
 {
@@ -70,7 +74,8 @@ bool CVekKernel::Init()
     // Kept: a start that failed stays counted and undoes nothing; the next call counts on and reports success.
     if (++m_initCount != 1)
         return true;
-    CoInitialize(nullptr);
+    if (auto * const initialize = g_coInitialize.Get())
+        initialize(nullptr);
     if (!InitEventMap())
     {
         VekLogOutput(0, L"CVekKernel::Init --> Failed to initialize Eventmap");
@@ -128,7 +133,8 @@ void CVekKernel::Deinit()
     ReleaseEventMap();
     LogLiveObjects();
     ReleaseCatchers();
-    CoUninitialize();
+    if (auto * const uninitialize = g_coUninitialize.Get())
+        uninitialize();
     VekLogOutputAs(VEK_LOG_BANNER, 0, L"\n\nVekLib Uninitialized\n");
 }
 
