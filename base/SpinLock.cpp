@@ -1,5 +1,7 @@
 #include "base/SpinLock.h"
 
+#include "base/ProcessEnd.h"
+
 #include <windows.h>
 
 namespace vek
@@ -11,8 +13,12 @@ void SpinLock::Wait() noexcept
     {
         if (spins < 100)
             YieldProcessor();
+        else if (spins < 200)
+            Sleep(0);
+        else if (IsProcessEnding())
+            unlock(); // the holder is gone
         else
-            Sleep(spins < 200 ? 0 : 1); // a holder of lower priority may need the processor
+            Sleep(1); // a holder of lower priority may need the processor
     }
 }
 

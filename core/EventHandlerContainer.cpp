@@ -4,17 +4,9 @@
 #include "base/LiveObjects.h"
 #include "core/ProcessState.h"
 
-namespace
-{
+#include <mutex>
 
-/// The kernel calls the container of a handler under the event-map lock, from any thread.
-class EventLock : CVekSingleLock
-{
-public:
-    EventLock() : CVekSingleLock(&vek::GetProcessState().eventMapLock, true) {}
-};
-
-} // namespace
+// The kernel calls the container of a handler under the event-map lock, from any thread.
 
 CVekEventHandlerContainer::CVekEventHandlerContainer()
 {
@@ -24,7 +16,7 @@ CVekEventHandlerContainer::CVekEventHandlerContainer()
 CVekEventHandlerContainer::~CVekEventHandlerContainer()
 {
     vek::CountEnd(vek::LiveClass::EventHandlerContainer);
-    EventLock const lock;
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     RemoveEach();
     m_handlers.Free();
 }
@@ -33,7 +25,7 @@ CVekEventHandler * CVekEventHandlerContainer::Add(CVekEventHandler * handler)
 {
     if (!handler)
         return nullptr;
-    EventLock const lock;
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     if (!m_handlers.Append(handler))
     {
         handler->Release();
@@ -45,7 +37,7 @@ CVekEventHandler * CVekEventHandlerContainer::Add(CVekEventHandler * handler)
 
 void CVekEventHandlerContainer::Remove(CVekEventHandler * handler)
 {
-    EventLock const lock;
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     int const before = m_handlers.GetCount();
     for (int i = before; i-- > 0;)
     {
@@ -62,7 +54,7 @@ void CVekEventHandlerContainer::Remove(CVekEventHandler * handler)
 
 void CVekEventHandlerContainer::RemoveAll()
 {
-    EventLock const lock;
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     auto const self = CVekRef<CVekEventHandlerContainer>::Share(this);
     RemoveEach();
 }

@@ -2,12 +2,30 @@
 
 #include "core/EventEntry.h"
 
-#include <string.h>
+#include <emmintrin.h>
 
+#include <bit>
 #include <new>
 
 namespace vek
 {
+namespace
+{
+
+/// The order of the identifiers by their sixteen bytes: below, at or above 0.
+int Compare(GUID const & left, GUID const & right) noexcept
+{
+    __m128i const a = _mm_loadu_si128(reinterpret_cast<__m128i const *>(&left));
+    __m128i const b = _mm_loadu_si128(reinterpret_cast<__m128i const *>(&right));
+    unsigned const differing = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b))) ^ 0xFFFFU;
+    if (differing == 0)
+        return 0;
+    int const first = std::countr_zero(differing);
+    return reinterpret_cast<unsigned char const *>(&left)[first] -
+           reinterpret_cast<unsigned char const *>(&right)[first];
+}
+
+} // namespace
 
 EventMap::~EventMap()
 {
@@ -22,12 +40,11 @@ EventMap::~EventMap()
 
 bool EventMap::Register(GUID const & id) noexcept
 {
-    bool found;
-    int const index = Find(id, found);
-    if (found)
+    int const index = Find(id);
+    if (index >= 0)
         return false;
     auto * const entry = new (std::nothrow) EventEntry(id);
-    if (entry && m_entries.Insert(index, entry))
+    if (entry && m_entries.Insert(~index, entry))
         return true;
     delete entry;
     return false;
@@ -35,9 +52,8 @@ bool EventMap::Register(GUID const & id) noexcept
 
 void EventMap::Unregister(GUID const & id) noexcept
 {
-    bool found;
-    int const index = Find(id, found);
-    if (!found)
+    int const index = Find(id);
+    if (index < 0)
         return;
     EventEntry * const entry = m_entries[index];
     m_entries.RemoveAt(index);
@@ -46,31 +62,26 @@ void EventMap::Unregister(GUID const & id) noexcept
 
 EventEntry * EventMap::Get(GUID const & id) const noexcept
 {
-    bool found;
-    int const index = Find(id, found);
-    return found ? m_entries[index] : nullptr;
+    int const index = Find(id);
+    return index >= 0 ? m_entries[index] : nullptr;
 }
 
-int EventMap::Find(GUID const & id, bool & found) const noexcept
+int EventMap::Find(GUID const & id) const noexcept
 {
-    found = false;
     int low = 0;
     int high = m_entries.GetCount();
     while (low < high)
     {
         int const middle = low + (high - low) / 2;
-        int const order = memcmp(&m_entries[middle]->Id(), &id, sizeof(GUID));
+        int const order = Compare(m_entries[middle]->Id(), id);
         if (order == 0)
-        {
-            found = true;
             return middle;
-        }
         if (order < 0)
             low = middle + 1;
         else
             high = middle;
     }
-    return low;
+    return ~low;
 }
 
 } // namespace vek

@@ -25,8 +25,8 @@ public:
     EventEntry * Get(GUID const & id) const noexcept;
 
 private:
-    /// The index of the event, or of the place where it belongs.
-    int Find(GUID const & id, bool & found) const noexcept;
+    /// The index of the event; the complement of the place where it belongs when it is not there.
+    int Find(GUID const & id) const noexcept;
 
     CVekPointerArray<EventEntry> m_entries;
 };

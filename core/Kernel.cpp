@@ -1,6 +1,7 @@
 #include "core/Kernel.h"
 
 #include "base/LiveObjects.h"
+#include "base/SystemFunction.h"
 #include "core/EventMap.h"
 #include "core/LogDispatch.h"
 #include "core/ProcessState.h"
@@ -10,12 +11,16 @@
 
 #include <objbase.h>
 
+#include <mutex>
 #include <new>
 
 namespace
 {
 
 constexpr unsigned long long MEGABYTE = 1048576;
+
+constinit vek::SystemFunction<decltype(CoInitialize)> g_coInitialize{L"ole32.dll", "CoInitialize"};
+constinit vek::SystemFunction<decltype(CoUninitialize)> g_coUninitialize{L"ole32.dll", "CoUninitialize"};
 
 MEMORYSTATUSEX MemoryStatus()
 {
@@ -51,11 +56,7 @@ CVekKernel & CVekKernel::Get() noexcept
     alignas(CVekKernel) static unsigned char storage[sizeof(CVekKernel)];
     struct Life
     {
-        Life()
-        {
-            vek::GetProcessState(); // outlives this
-            new (storage) CVekKernel;
-        }
+        Life() { new (storage) CVekKernel; }
         // Kept: unloading forgets the catchers without releasing them; their owners may be gone by then.
         ~Life() { std::launder(reinterpret_cast<CVekKernel *>(storage))->m_catchers.Clear(); }
     };
@@ -73,7 +74,8 @@ bool CVekKernel::Init()
     // Kept: a start that failed stays counted and undoes nothing; the next call counts on and reports success.
     if (++m_initCount != 1)
         return true;
-    CoInitialize(nullptr);
+    if (auto * const initialize = g_coInitialize.Get())
+        initialize(nullptr);
     if (!InitEventMap())
     {
         VekLogOutput(0, L"CVekKernel::Init --> Failed to initialize Eventmap");
@@ -94,7 +96,7 @@ bool CVekKernel::Init()
 
 bool CVekKernel::InitEventMap()
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     m_eventMap = new (std::nothrow) vek::EventMap;
     if (m_eventMap)
         return true;
@@ -131,7 +133,8 @@ void CVekKernel::Deinit()
     ReleaseEventMap();
     LogLiveObjects();
     ReleaseCatchers();
-    CoUninitialize();
+    if (auto * const uninitialize = g_coUninitialize.Get())
+        uninitialize();
     VekLogOutputAs(VEK_LOG_BANNER, 0, L"\n\nVekLib Uninitialized\n");
 }
 
@@ -149,7 +152,7 @@ void CVekKernel::LogLiveObjects()
 
 void CVekKernel::ReleaseCatchers()
 {
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     // Whoever is called just now has stopped the library: nobody is called after it.
     for (CatcherWalk * walk = m_catcherWalks; walk; walk = walk->outer)
         walk->next = nullptr;
@@ -160,7 +163,7 @@ void CVekKernel::ReleaseCatchers()
 
 void CVekKernel::DispatchLogOutput(VEK_LOG_CATEGORY category, int level, wchar_t const * text)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     CatcherWalk walk{m_catchers.First(), m_catcherWalks, category};
     m_catcherWalks = &walk;
     while (walk.next)
@@ -175,7 +178,7 @@ void CVekKernel::DispatchLogOutput(VEK_LOG_CATEGORY category, int level, wchar_t
 VEK_LOG_CATEGORY CVekKernel::GetLogCategory() const
 {
     // Only the thread that is inside a walk gets in here while there is one.
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     return m_catcherWalks ? m_catcherWalks->category : VEK_LOG_NONE;
 }
 
@@ -193,7 +196,7 @@ void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
 {
     if (!catcher)
         return;
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     catcher->AddRef();
     if (!m_catchers.AppendTail(catcher))
         catcher->Release();
@@ -201,7 +204,7 @@ void CVekKernel::AddCatchLogOutput(IVekCatchLogOutput * catcher)
 
 void CVekKernel::RemoveCatchLogOutput(IVekCatchLogOutput * catcher)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().catcherLock, true);
+    std::lock_guard const lock(vek::g_process.catcherLock);
     RemoveEntries(catcher);
     // Kept: one Release, however many entries there were, none included; hosts balance it with a single Add.
     if (catcher)

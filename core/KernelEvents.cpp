@@ -6,22 +6,24 @@
 #include "core/EventMap.h"
 #include "core/ProcessState.h"
 
+#include <mutex>
+
 bool CVekKernel::RegisterEvent(GUID const & id)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     return m_eventMap && m_eventMap->Register(id);
 }
 
 void CVekKernel::UnregisterEvent(GUID const & id)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     if (m_eventMap)
         m_eventMap->Unregister(id);
 }
 
 void CVekKernel::ReleaseEventMap()
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     vek::EventMap * const map = m_eventMap;
     m_eventMap = nullptr; // handlers that call the kernel while they are unsubscribed find no map
     delete map;
@@ -29,27 +31,27 @@ void CVekKernel::ReleaseEventMap()
 
 bool CVekKernel::IsEventRegistered(GUID const & id)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     return FindEvent(id) != nullptr;
 }
 
 bool CVekKernel::FireEvent(GUID const & id, CVekEventData * data)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     vek::EventEntry * const entry = FindEvent(id);
     return entry && entry->Fire(data);
 }
 
 bool CVekKernel::AddEventHandler(GUID const & id, CVekEventHandler * handler)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     vek::EventEntry * const entry = FindEvent(id);
     return entry && handler && entry->AddHandler(handler);
 }
 
 void CVekKernel::RemoveEventHandler(GUID const & id, CVekEventHandler * handler)
 {
-    CVekSingleLock const lock(&vek::GetProcessState().eventMapLock, true);
+    std::lock_guard const lock(vek::g_process.eventMapLock);
     if (vek::EventEntry * const entry = FindEvent(id))
         entry->RemoveHandler(handler);
 }

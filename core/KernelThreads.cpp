@@ -6,6 +6,8 @@
 #include "thread/EndSignal.h"
 #include "thread/Thread.h"
 
+#include <mutex>
+
 void CVekKernel::ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * thread)
 {
     if (!command || !thread)
@@ -13,7 +15,7 @@ void CVekKernel::ExecuteThreadCommand(CVekThreadCommand * command, IVekThread * 
     if (thread->IsCurrentThread())
         return command->Launch(); // a worker that waits for its own queue waits forever
     // Kept: held across the wait, so that one such command is under way in the whole process.
-    CVekSingleLock const lock(&vek::GetProcessState().threadCommandLock, true);
+    std::lock_guard const lock(vek::g_process.threadCommandLock);
     vek::EndSignal signal(*command);
     if (!signal.GetHandle())
     {

@@ -23,7 +23,7 @@ constinit std::atomic<CVekMemorySystem *> g_alive{nullptr};
 constinit vek::SpinLock g_guard;
 
 // The buckets outlive the system: a static object that ends later frees a block that is still known. Zeros are empty
-// ones, for what is freed before the system is made.
+// ones; they are made as such when their first block comes, so that loading the library does not touch a megabyte.
 alignas(CVekMemorySystem::Bucket) constinit unsigned char g_buckets[CVekMemorySystem::BUCKET_COUNT]
                                                                    [sizeof(CVekMemorySystem::Bucket)] = {};
 
@@ -109,8 +109,6 @@ void CVekDirectLinkedList<CVekMemoryBlock *>::DeleteElement(CVekMemoryBlock * el
 
 CVekMemorySystem::CVekMemorySystem()
 {
-    for (unsigned int i = 0; i < m_bucketCount; ++i)
-        new (g_buckets[i]) Bucket; // cppcheck-suppress constStatement ; read as an array access, it is a placement
     g_alive.store(this, std::memory_order_relaxed);
 }
 
@@ -171,6 +169,8 @@ void CVekMemorySystem::Insert(CVekMemoryBlock & block) noexcept
 {
     size_t const index = IndexOf(block.m_data);
     Bucket & bucket = BucketAt(index);
+    if (bucket.GetCount() == 0)
+        new (&bucket) Bucket;
     bucket.AddTail(&block);
     vek::AddressTable *& table = g_tables[index];
     if (table && !table->Add(block.m_data))

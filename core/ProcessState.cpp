@@ -3,17 +3,20 @@
 namespace vek
 {
 
-ProcessState & GetProcessState() noexcept
-{
-    static ProcessState state;
-    return state;
-}
+constinit ProcessState g_process;
 
 namespace
 {
 
-// Makes the locks when the library is loaded, before any entry point can run.
-[[maybe_unused]] ProcessState & g_madeAtLoad = GetProcessState();
+struct Unload
+{
+    ~Unload()
+    {
+        g_process.threadCommandLock.Close();
+        g_process.catcherLock.Close();
+        g_process.eventMapLock.Close();
+    }
+} const g_unload;
 
 } // namespace
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VekThread.h"
+#include "base/RecursiveLock.h"
 
 #include <atomic>
 
@@ -18,19 +18,17 @@ inline constinit std::atomic<unsigned int> g_breakOnAllocation{0};
 inline constinit std::atomic<void *> g_breakOnAddress{nullptr};
 inline constinit std::atomic<bool> g_trackingSuspended{false};
 
-/// The process-wide locks, which their owner may take again. They exist from the moment the library is loaded until it
-/// is unloaded.
+/// The process-wide locks, which their owner may take again. Made at compile time: static objects of the program that
+/// come before the library's own, or end after them, find them sound.
 struct ProcessState
 {
     /// Orders commands that are waited for, one at a time.
-    CVekCriticalSection threadCommandLock;
+    RecursiveLock threadCommandLock;
     /// Guards the kernel's list of log catchers.
-    CVekCriticalSection catcherLock;
+    RecursiveLock catcherLock;
     /// Guards the kernel's event map.
-    CVekCriticalSection eventMapLock;
+    RecursiveLock eventMapLock;
 };
-
-/// The one state; made by the first caller when another static object of the program comes before the library's own.
-ProcessState & GetProcessState() noexcept;
+extern constinit ProcessState g_process;
 
 } // namespace vek

@@ -1,5 +1,6 @@
 #include "VekText.h"
 
+#include "base/SystemFunction.h"
 #include "text/Scan.h"
 #include "text/StringAccess.h"
 
@@ -11,6 +12,11 @@ namespace
 {
 
 constexpr int DEFAULT_LIMIT = 1024;
+
+constinit vek::SystemFunction<decltype(PathCanonicalizeW)> g_canonicalize{L"shlwapi.dll", "PathCanonicalizeW"};
+constinit vek::SystemFunction<decltype(PathCommonPrefixW)> g_commonPrefix{L"shlwapi.dll", "PathCommonPrefixW"};
+constinit vek::SystemFunction<decltype(PathRelativePathToW)> g_relativePathTo{L"shlwapi.dll", "PathRelativePathToW"};
+constinit vek::SystemFunction<decltype(PathRemoveFileSpecW)> g_removeFileSpec{L"shlwapi.dll", "PathRemoveFileSpecW"};
 
 int LimitOf(int max)
 {
@@ -165,11 +171,15 @@ struct PlatformPath
     // path to a file it looks at the directory.
     void EndPair(PlatformPath other)
     {
+        auto * const removeFileSpec = g_removeFileSpec.Get();
+        auto * const commonPrefix = g_commonPrefix.Get();
+        if (!removeFileSpec || !commonPrefix)
+            return;
         if ((other.attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-            PathRemoveFileSpecW(other.text);
+            removeFileSpec(other.text);
         bool const isRoot = text[1] == L'\\' && (text[0] == L'\\' || text[0] == L':');
         if (length == 2 && (isRoot || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) &&
-            PathCommonPrefixW(text, other.text, nullptr) == 3)
+            commonPrefix(text, other.text, nullptr) == 3)
             text[2] = L'\\';
     }
 
@@ -236,7 +246,8 @@ bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long from
     if (!out)
         return false;
     out[0] = 0;
-    if (!FitsPlatformPath(from) || !FitsPlatformPath(to))
+    auto * const relativePathTo = g_relativePathTo.Get();
+    if (!relativePathTo || !FitsPlatformPath(from) || !FitsPlatformPath(to))
         return false;
     PlatformPath start(from, fromAttributes);
     PlatformPath const target(to, toAttributes);
@@ -244,7 +255,7 @@ bool VekGetRelativePathT(wchar_t * out, wchar_t const * from, unsigned long from
     // The platform's routine writes "..\" for each component of the one path, then the other path, without asking for
     // room.
     wchar_t relative[MAX_PATH / 2 * 3 + 2 * MAX_PATH] = {};
-    if (!PathRelativePathToW(relative, start.text, start.attributes, target.text, target.attributes) ||
+    if (!relativePathTo(relative, start.text, start.attributes, target.text, target.attributes) ||
         !FitsPlatformPath(relative))
         return false;
     vek::CopyBounded(out, relative, -1);
@@ -268,13 +279,14 @@ bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t> base)
     wchar_t joined[ROOM + MARGIN] = {};
     wchar_t absolute[MARGIN + ROOM + MARGIN] = {};
     auto const baseLength = static_cast<size_t>(base.GetLength()), pathLength = static_cast<size_t>(path.GetLength());
-    if (baseLength + 1 + pathLength >= ROOM)
+    auto * const canonicalize = g_canonicalize.Get();
+    if (!canonicalize || baseLength + 1 + pathLength >= ROOM)
         return false;
     // Kept: joined with a backslash whether or not one is there already, and whether or not path is absolute.
     memcpy(joined, static_cast<wchar_t const *>(base), baseLength * sizeof(wchar_t));
     joined[baseLength] = L'\\';
     memcpy(joined + baseLength + 1, static_cast<wchar_t const *>(path), pathLength * sizeof(wchar_t));
-    return PathCanonicalizeW(absolute + MARGIN, joined) && FitsPlatformPath(absolute + MARGIN) &&
+    return canonicalize(absolute + MARGIN, joined) && FitsPlatformPath(absolute + MARGIN) &&
            Store(path, absolute + MARGIN);
 }
 

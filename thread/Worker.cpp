@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <mutex>
+
 namespace vek
 {
 namespace
@@ -205,6 +207,8 @@ void Worker::Post(unsigned int type, void * parameter)
     message.parameter = parameter;
     m_messages.AddTail(&message);
     m_messageCount = m_messages.GetCount();
+    if (type == MESSAGE_STOP)
+        m_stopIsQueued = true;
 }
 
 bool Worker::TakeMessage(ThreadMessage & message)
@@ -222,11 +226,12 @@ void Worker::UnlinkMessages()
     CVekSingleLock const lock(&m_messageLock, true);
     m_messages.RemoveAll(false);
     m_messageCount = 0;
+    m_stopIsQueued = false;
 }
 
 void Worker::AddCommand(CVekThreadCommand * command)
 {
-    CVekSingleLock const lock(&m_commandLock, true);
+    std::lock_guard const lock(m_commandLock);
     // A copied command carries its source's links, and one that is queued already must not be queued twice.
     if (command->GetPrev() || command->GetNext() || m_commands.GetHead() == command)
     {
@@ -239,14 +244,14 @@ void Worker::AddCommand(CVekThreadCommand * command)
         command->SetNext(nullptr);
     }
     m_commands.AddTail(command);
-    m_commandCount = m_commands.GetCount();
+    CountCommands();
 }
 
 CVekThreadCommand * Worker::TakeCommand()
 {
-    CVekSingleLock const lock(&m_commandLock, true);
+    std::lock_guard const lock(m_commandLock);
     CVekThreadCommand * const command = m_commands.RemoveHead();
-    m_commandCount = m_commands.GetCount();
+    CountCommands();
     return command;
 }
 
@@ -281,14 +286,14 @@ void Worker::DropAwaited(CVekSignal const & endSignal)
 {
     CVekThreadCommand * command = nullptr;
     {
-        CVekSingleLock const lock(&m_commandLock, true);
+        std::lock_guard const lock(m_commandLock);
         // Known by its signal: the command itself may be gone, and another may stand at its address.
         command = m_commands.GetHead();
         while (command && command->GetEndSignal() != &endSignal)
             command = command->GetNext();
         if (command)
             m_commands.Remove(command);
-        m_commandCount = m_commands.GetCount();
+        CountCommands();
     }
     if (command)
         Drop(command);
@@ -305,9 +310,9 @@ void Worker::Drop(CVekThreadCommand * command)
 
 void Worker::UnlinkCommands()
 {
-    CVekSingleLock const lock(&m_commandLock, true);
+    std::lock_guard const lock(m_commandLock);
     m_commands.RemoveAll(false);
-    m_commandCount = 0;
+    CountCommands();
 }
 
 // --- the callback ----------------------------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "VekRef.h"
 #include "VekThread.h"
 
+#include "base/SpinLock.h"
 #include "thread/ThreadMessage.h"
 
 #include <atomic>
@@ -90,6 +91,7 @@ private:
     void Drop(CVekThreadCommand * command);
     void DropAwaited(CVekSignal const & endSignal);
     void UnlinkCommands();
+    void CountCommands() { m_commandCount.store(m_commands.GetCount(), std::memory_order_release); }
 
     std::atomic<unsigned int> m_threadID = 0;
     std::atomic<bool> m_running = false;
@@ -108,10 +110,11 @@ private:
     CVekCriticalSection m_messageLock;
     CVekDirectLinkedList<ThreadMessage *> m_messages;
     std::atomic<unsigned int> m_messageCount = 0;
+    std::atomic<bool> m_stopIsQueued = false; // the next pass comes without sleep
     ThreadMessage m_ring[RING_SIZE] = {};
     unsigned int m_writeIndex = 0;
 
-    CVekCriticalSection m_commandLock;
+    SpinLock m_commandLock;
     CVekDirectLinkedList<CVekThreadCommand *> m_commands;
     std::atomic<unsigned int> m_commandCount = 0;
     std::atomic<CVekSignal *> m_awaited = nullptr; // the end signal of the command that somebody waits for

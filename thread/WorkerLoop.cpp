@@ -33,7 +33,9 @@ void Worker::Run()
     unsigned int tickCount = 0;
     do
     {
-        Sleep(1);
+        // Whoever has asked it to stop waits for it.
+        if (!m_stopIsQueued.exchange(false))
+            Sleep(1);
         RunCommands();
         if (HandleMessages() || m_abandoned)
             break;
