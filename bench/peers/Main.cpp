@@ -1,6 +1,6 @@
 // veklib_peers: how fast the library is beside others that do the same work.
 //     veklib_peers [--repetitions N] [--only SUBJECT]
-// The subjects are math, text, xml, data, lexing, memory, services, start and paths.
+// The subjects are xml, math, text, data, lexing, services, start and paths.
 
 #include "Peers.h"
 #include "VekLib.h"
@@ -11,6 +11,18 @@
 namespace
 {
 
+struct Subject
+{
+    char const * name;
+    void (*add)(bench::Duels & duels);
+};
+
+constexpr Subject SUBJECTS[] = {
+    {"math", bench::AddMath},     {"text", bench::AddText},         {"data", bench::AddData},
+    {"lexing", bench::AddLexing}, {"services", bench::AddServices}, {"start", bench::AddStart},
+    {"paths", bench::AddPaths},
+};
+
 bench::Duels Collect(std::string const & only)
 {
     std::string_view const path = VEK_MIME_XML;
@@ -18,10 +30,9 @@ bench::Duels Collect(std::string const & only)
     bench::Duels duels(only);
     if (duels.Wants("xml")) // first: it looks at memory
         bench::AddXml(duels, database);
-    if (duels.Wants("math"))
-        bench::AddMath(duels);
-    if (duels.Wants("text"))
-        bench::AddText(duels);
+    for (Subject const & subject : SUBJECTS)
+        if (duels.Wants(subject.name))
+            subject.add(duels);
     return duels;
 }
 

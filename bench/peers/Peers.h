@@ -18,4 +18,19 @@ void AddText(Duels & duels);
 /// in reserve.
 void AddXml(Duels & duels, std::wstring const & database);
 
+/// Typed data: msgpack.
+void AddData(Duels & duels);
+
+/// Lexer and tokenizer: lexers by hand.
+void AddLexing(Duels & duels);
+
+/// Tracked memory, events and workers: malloc, std::function, a thread with a queue.
+void AddServices(Duels & duels);
+
+/// Loading the DLL, and vek with several jobs: an empty DLL, and one job.
+void AddStart(Duels & duels);
+
+/// Paths: the shell's functions.
+void AddPaths(Duels & duels);
+
 } // namespace bench
