@@ -68,7 +68,7 @@ void AddCompare(Duels & duels, char const * what, int length, int count)
 /// Looks for a text that stands at the end only.
 void AddFind(Duels & duels, char const * what, wchar_t const * pattern)
 {
-    std::mt19937 random(1);
+    std::mt19937 random(1); // NOLINT(cert-msc32-c): the same text each time
     std::wstring text;
     while (text.size() < 500000)
         text += L"eeetttaaoinshrdlucm    "[random() % 23];

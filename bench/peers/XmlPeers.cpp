@@ -225,6 +225,7 @@ void AddXml(Duels & duels, std::wstring const & database)
     std::vector<Source> sources = Sources(database);
     AddMemory(duels, sources);
     std::vector<std::shared_ptr<Source const>> shared;
+    shared.reserve(sources.size());
     for (Source & source : sources)
         shared.push_back(std::make_shared<Source const>(std::move(source)));
     for (auto const add : {AddParse, AddKeep, AddWrite, AddRelease})
