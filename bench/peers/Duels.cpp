@@ -9,9 +9,10 @@ namespace bench
 namespace
 {
 
-// A row's turns: until so many seconds have passed, but no less and no more.
-constexpr double SECONDS = 0.5;
-constexpr int FEWEST_TURNS = 3, MOST_TURNS = 30;
+// A row's turns: for as long as they bring better times, within these bounds of seconds.
+constexpr double SECONDS = 0.5, MOST_SECONDS = 3;
+constexpr double BETTER = 0.99;
+constexpr int IDLE_TURNS = 4;
 
 std::string Time(double seconds)
 {
@@ -66,14 +67,21 @@ void Duels::Run(int repetitions)
                 TakeTurns(row);
 }
 
+
 void Duels::TakeTurns(Row & row)
 {
     Stopwatch watch;
-    double passed = 0;
-    for (int turn = 0; turn < FEWEST_TURNS || (turn < MOST_TURNS && passed < SECONDS); ++turn)
+    double passed = 0, best = 0;
+    for (int idle = 0; passed < SECONDS || (idle < IDLE_TURNS && passed < MOST_SECONDS); ++idle)
     {
         row.libraryTime.Add(row.library());
         row.otherTime.Add(row.other());
+        double const sum = row.libraryTime.Seconds() + row.otherTime.Seconds();
+        if (best == 0 || sum < best * BETTER)
+        {
+            best = sum;
+            idle = 0;
+        }
         passed += watch.Lap();
     }
 }

@@ -22,8 +22,8 @@ namespace
 
 using Document = CVekRef<IVekXMLDocument>;
 
-constexpr std::size_t DOCUMENT_BYTES = 5'000'000;
-constexpr double KEEP_AIM = 1 / 1.35; // of the plain parse's speed
+constexpr std::size_t DOCUMENT_BYTES = 2'400'000; // as many as mime has
+constexpr double KEEP_AIM = 1 / 1.35;             // of the plain parse's speed
 
 std::wstring TemporaryPath(wchar_t const * name)
 {
