@@ -67,7 +67,6 @@ void Duels::Run(int repetitions)
                 TakeTurns(row);
 }
 
-
 void Duels::TakeTurns(Row & row)
 {
     Stopwatch watch;
