@@ -78,6 +78,18 @@ std::string Drawing(std::size_t bytes)
                 });
 }
 
+std::string TextInSections(std::size_t bytes)
+{
+    return Fill(bytes,
+                [](std::string & text, int n)
+                {
+                    AppendFormat(text,
+                                 "  <note id=\"n%d\"><![CDATA[Plate %d goes over plate %d & its <frame>: the holes\n"
+                                 "have to be %d mm from the edge, and are drilled before the paint.]]></note>\n",
+                                 n, n, n % 977, n % 411);
+                });
+}
+
 std::string Siblings(int count)
 {
     std::string text = "<model>";

@@ -15,6 +15,9 @@ std::string AttributeHeavy(std::size_t bytes);
 /// A drawing of about that many bytes: groups of paths with indentation, and now and then a text.
 std::string Drawing(std::size_t bytes);
 
+/// A document of about that many bytes whose elements have a text each, in CDATA sections.
+std::string TextInSections(std::size_t bytes);
+
 /// A root with so many empty children.
 std::string Siblings(int count);
 

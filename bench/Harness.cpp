@@ -44,13 +44,14 @@ std::size_t CommittedBytes()
 {
     std::size_t bytes = 0;
     MEMORY_BASIC_INFORMATION region;
-    char const * address = nullptr;
-    while (VirtualQuery(address, &region, sizeof region) == sizeof region && region.RegionSize > 0)
+    std::uintptr_t address = 0; // a pointer must not be counted up from null
+    while (VirtualQuery(reinterpret_cast<void *>(address), &region, sizeof region) == sizeof region &&
+           region.RegionSize > 0)
     {
         if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
             bytes += region.RegionSize;
-        address = static_cast<char const *>(region.BaseAddress) + region.RegionSize;
-        if (!address)
+        address = reinterpret_cast<std::uintptr_t>(region.BaseAddress) + region.RegionSize;
+        if (address == 0)
             break;
     }
     return bytes;

@@ -80,10 +80,10 @@ done | xargs -0 -r -n 4 -P "$(nproc)" bash -c 'judge "$@"' judge | sort > "$list
 
 # One file: its name, the program and what runs it, a folder. An attribute in UTF-16 has twice the bytes.
 edit() {
-    local new="$4/$BASHPID.xml" more at
+    local new="$4/$BASHPID.xml" more at message
     cp "$1" "$new" && chmod u+w "$new"
-    if ! "$3" "$2" xml set "Z:$new" / vek-check 1 2> /dev/null; then
-        echo "unedited $1"
+    if ! message=$("$3" "$2" xml set "Z:$new" / vek-check 1 2>&1); then
+        echo "unedited $1: ${message//[$'\r\n']/ }"
     else
         more=$(($(stat -c %s "$new") - $(stat -Lc %s "$1")))
         at=$(cmp "$1" "$new" 2>&1 | sed -n 's/.* byte \([0-9]*\).*/\1/p')

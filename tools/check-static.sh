@@ -11,7 +11,9 @@ deps=$(tools/setup.sh --where)
 includes=$(dirname "$(i686-w64-mingw32-g++-posix -print-libgcc-file-name)")/include/c++
 export CHECK_OPTIONS="--target=i686-w64-mingw32 -std=c++20 -O1 -msse2 -DUNICODE -D_UNICODE -DVEKLIB_BUILD -DXML_STATIC
     -DXML_UNICODE_WCHAR_T -Iinclude -I. -isystem $deps/expat-i686/include -isystem $includes
-    -isystem $includes/i686-w64-mingw32 -Wno-unknown-attributes"
+    -isystem $includes/i686-w64-mingw32 -isystem $deps/peers/usr/include -isystem $deps/peers/usr/include/eigen3
+    -isystem $deps/peers/pugixml/src -isystem $deps/peers/tinyxml2 -DPUGIXML_WCHAR_MODE -DPUGIXML_NO_XPATH
+    -DMSGPACK_NO_BOOST -Wno-unknown-attributes"
 
 # A room's files are looked at as one, as their headers are most of the work; those that share names with others alone.
 alone=(math/Math64.cpp xml/XMLMarkup.cpp xml/XMLParserExtras.cpp xml/XMLPositions.cpp)

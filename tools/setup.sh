@@ -5,6 +5,7 @@
 #
 #   tools/setup.sh            set up; one line per step that was really done
 #   tools/setup.sh --msvc     what the builds with Microsoft's C++ ABI need, too
+#   tools/setup.sh --peers    the libraries that ./bench.sh --peers compares with, too
 #   tools/setup.sh --where    print the private folder
 #
 # VEKLIB_DEPS names another private folder; VEKLIB_WINE32 and VEKLIB_WINE64 name Wine loaders to use instead.
@@ -26,12 +27,15 @@ deps_folder() {
 
 deps=$(deps_folder)
 msvc=
-case ${1:-} in
-    --where) printf '%s\n' "$deps"; exit 0 ;;
-    --msvc) msvc=yes ;;
-    '') ;;
-    *) echo "usage: tools/setup.sh [--msvc | --where]" >&2; exit 2 ;;
-esac
+peers=
+for argument; do
+    case $argument in
+        --where) printf '%s\n' "$deps"; exit 0 ;;
+        --msvc) msvc=yes ;;
+        --peers) peers=yes ;;
+        *) echo "usage: tools/setup.sh [--msvc] [--peers] | --where" >&2; exit 2 ;;
+    esac
+done
 
 # --- what has to be there ---------------------------------------------------------------------------------------------
 
@@ -90,6 +94,9 @@ declare -A key=(
     [gtest-i686-msvc]='1'
     [gtest-x86_64-msvc]='1'
 )
+peer_headers='libeigen3-dev libglm-dev libmsgpack-cxx-dev'
+peer_sources='pugixml tinyxml2'
+[ -z "$peers" ] || key[peers]='1'
 declare -A witness=(
     [wine32]='loader'
     [expat-source]='CMakeLists.txt'
@@ -107,6 +114,7 @@ declare -A witness=(
     [expat-x86_64-msvc]='lib/libexpatwMT.lib'
     [gtest-i686-msvc]='lib/gtest.lib'
     [gtest-x86_64-msvc]='lib/gtest.lib'
+    [peers]='tinyxml2/tinyxml2.cpp'
 )
 
 have() {
@@ -247,12 +255,15 @@ derive_sources() {
     [ -s "$into/private.list" ] || [ -s "$into/private.sources" ]
 }
 
-fetch_source() {    # folder, source package, suite, the version that is new enough
-    local folder=$1 package=$2 minimum=$4
-    private_apt "$folder/apt"
-    derive_sources "$folder/apt/parts" "$3" || return
-    apt_options+=(-oDir::Etc::sourcelist=/dev/null -oDir::Etc::sourceparts="$folder/apt/parts")
+use_sources() {     # folder, suite
+    private_apt "$1/apt"
+    derive_sources "$1/apt/parts" "$2" || return
+    apt_options+=(-oDir::Etc::sourcelist=/dev/null -oDir::Etc::sourceparts="$1/apt/parts")
     apt-get "${apt_options[@]}" update
+}
+
+download_source() { # folder, source package, the version that is new enough
+    local folder=$1 package=$2 minimum=$3
     # Newest first. An archive's index can name a version whose files are gone or not there yet: then the next one.
     local versions version
     mapfile -t versions < <(apt-cache "${apt_options[@]}" showsrc "$package" | awk '/^Version:/ { print $2 }' | sort -Vru)
@@ -261,9 +272,33 @@ fetch_source() {    # folder, source package, suite, the version that is new eno
         echo "$package: trying version $version"
         rm -f "$folder/${package}_"*
         (cd "$folder" && apt-get "${apt_options[@]}" --download-only --only-source source "$package=$version") &&
-            ls "$folder"/*.dsc && return
+            ls "$folder/${package}_"*.dsc && return
     done
     return 1
+}
+
+fetch_source() {    # folder, source package, suite, the version that is new enough
+    use_sources "$1" "$3"
+    download_source "$1" "$2" "$4"
+}
+
+# Headers out of binary packages, which stay uninstalled, and sources; an archive may have those of one suite only.
+fetch_peers() {
+    local folder=$1 suite package
+    private_apt "$folder/apt"
+    apt-get "${apt_options[@]}" update
+    (cd "$folder" && apt-get "${apt_options[@]}" download $peer_headers) || return
+    mkdir "$folder/unpacked"
+    for package in "$folder"/*.deb; do dpkg-deb -x "$package" "$folder/unpacked" || return; done
+    for suite in "$(own_suite)" "$expat_suite"; do
+        use_sources "$folder" "$suite"
+        for package in $peer_sources; do
+            [ ! -e "$folder/unpacked/$package" ] && download_source "$folder" "$package" 0 || continue
+            dpkg-source --no-check -x "$folder/${package}_"*.dsc "$folder/unpacked/$package" || return
+        done
+    done
+    for package in $peer_sources; do [ -e "$folder/unpacked/$package" ] || return; done
+    publish peers "$folder/unpacked"
 }
 
 unpack_expat() {
@@ -435,6 +470,12 @@ if [ -n "$msvc" ] && ! have libcxx-source; then
     start libcxx-fetch fetch_source "$work/libcxx.fetch" llvm-toolchain-19 "$(own_suite)" 1:19
 fi
 
+if [ -n "$peers" ] && ! have peers; then
+    say "fetching the sources of what the benchmarks compare with"
+    mkdir "$work/peers.fetch"
+    start peers fetch_peers "$work/peers.fetch"
+fi
+
 if [ -n "${started[packages]:-}" ]; then
     if ! wait "${started[packages]}"; then
         grep -h '^setup: ' "$work/packages.log" >&2 && exit 1
@@ -504,6 +545,7 @@ if [ -n "$msvc" ]; then
         finish "$target-msvc" "could not build expat or GoogleTest with Microsoft's C++ ABI for $target"
     done
 fi
+finish peers "could not get the packages $peer_headers and the sources of $peer_sources"
 finish prefix-win64 "could not make the 64-bit Wine prefix"
 finish prefix-win32 "could not make the 32-bit Wine prefix"
 
