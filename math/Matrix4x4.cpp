@@ -196,14 +196,6 @@ CVekMatrix4x4<T> CVekMatrix4x4<T>::LookAtRightHanded(CVekVector3D<T> const & eye
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::operator*(CVekMatrix4x4 const & other) const noexcept
-{
-    CVekMatrix4x4 product(*this);
-    product *= other;
-    return product;
-}
-
-template <class T>
 CVekMatrix4x4<T> CVekMatrix4x4<T>::Transposed() const noexcept
 {
     CVekMatrix4x4 result;
