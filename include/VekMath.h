@@ -628,10 +628,11 @@ public:
     VEK_API CVekMatrix4x4 Transposed() const noexcept;
     /// By 2 x 2 minors of the upper and the lower half, in double precision.
     VEK_API T Determinant() const noexcept;
-    /// Writes the inverse, by Gauss-Jordan elimination with partial pivoting in double precision; result may be this
-    /// matrix. Returns false and leaves result as it is when the matrix is singular: when a pivot is 0, or no more than
-    /// the rounding of what it was computed from, or when the inverse has elements that are not finite. The size of the
-    /// elements alone never makes a matrix singular.
+    /// Writes the inverse; result may be this matrix. In double precision: by cofactors where the determinant has kept
+    /// its digits, and by Gauss-Jordan elimination with partial pivoting elsewhere. Returns false and leaves result as
+    /// it is when the matrix is singular: when a pivot is 0, or no more than the rounding of what it was computed from,
+    /// or when the inverse has elements that are not finite. The size of the elements alone never makes a matrix
+    /// singular.
     VEK_API bool Inverse(CVekMatrix4x4 & result) const noexcept;
 
     /// The row vector v multiplied by this matrix.
