@@ -521,10 +521,9 @@ class CVekMatrixMxN : public CVekMatrix<T>
 public:
     /// All elements are 0.
     CVekMatrixMxN() noexcept : CVekMatrix<T>(M, N, nullptr), m_inline() { this->m_elements = m_inline.at; }
-    CVekMatrixMxN(CVekMatrixMxN const & other) noexcept : CVekMatrix<T>(M, N, nullptr)
+    CVekMatrixMxN(CVekMatrixMxN const & other) noexcept : CVekMatrix<T>(M, N, nullptr), m_inline(other.m_inline)
     {
         this->m_elements = m_inline.at;
-        m_inline = other.m_inline;
     }
     CVekMatrixMxN & operator=(CVekMatrixMxN const & other) noexcept
     {
@@ -544,6 +543,7 @@ protected:
     {
         UNSET
     };
+    // cppcheck-suppress uninitMemberVar ; that is what it is for
     explicit CVekMatrixMxN(Unset) noexcept : CVekMatrix<T>(M, N, nullptr) { this->m_elements = m_inline.at; }
 
 private:
