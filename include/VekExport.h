@@ -17,6 +17,15 @@
 #define VEK_API
 #endif
 
+/// What becomes part of the host, and is exported for hosts that were compiled before it did.
+#if defined(VEKLIB_BUILD)
+#define VEK_API_INLINE VEK_API
+#elif defined(__GNUC__)
+#define VEK_API_INLINE __attribute__((always_inline)) inline
+#else
+#define VEK_API_INLINE inline
+#endif
+
 /// Linkage and calling convention of the three entry points, so that GetProcAddress finds them by their plain names.
 #define VEK_ENTRY extern "C" VEK_API
 

@@ -69,6 +69,66 @@ constexpr double LargestSquare(double) noexcept
     return 1e307;
 }
 
+// Products of 4 x 4 matrices become part of the host, unless its compiler might round otherwise than the library's.
+#if (defined(__GNUC__) || defined(__clang__)) && defined(__SSE2__)
+#if !defined(__FMA__) && !defined(__FMA4__) && !defined(__FAST_MATH__)
+#define VEK_INLINE_PRODUCTS
+#endif
+#endif
+
+#if defined(VEK_INLINE_PRODUCTS)
+// 16 bytes at any address.
+template <class T>
+struct PackOf;
+template <>
+struct PackOf<float>
+{
+    typedef float Type __attribute__((vector_size(16), aligned(4), may_alias));
+    static Type Splat(float const * row, unsigned int index) noexcept
+    {
+        Type const whole = *reinterpret_cast<Type const *>(row); // loaded once for its four
+        return Type{whole[index], whole[index], whole[index], whole[index]};
+    }
+};
+template <>
+struct PackOf<double>
+{
+    typedef double Type __attribute__((vector_size(16), aligned(4), may_alias));
+    static Type Splat(double const * row, unsigned int index) noexcept { return Type{row[index], row[index]}; }
+};
+
+// One row of a product of 4 x 4 matrices: each element's sum starts at 0 and takes its terms in their order. The right
+// matrix comes by the first and the last pack of each row, which are the same for float.
+template <class T>
+__attribute__((always_inline)) inline void MultiplyRow(T * product, T const * left,
+                                                       typename PackOf<T>::Type const (&first)[4],
+                                                       typename PackOf<T>::Type const (&last)[4]) noexcept
+{
+    using Pack = typename PackOf<T>::Type;
+    Pack const a = PackOf<T>::Splat(left, 0), b = PackOf<T>::Splat(left, 1), c = PackOf<T>::Splat(left, 2),
+               d = PackOf<T>::Splat(left, 3), zero = {};
+    Pack * const target = reinterpret_cast<Pack *>(product);
+    target[0] = zero + a * first[0] + b * first[1] + c * first[2] + d * first[3];
+    if (sizeof(T) == sizeof(double))
+        target[1] = zero + a * last[0] + b * last[1] + c * last[2] + d * last[3];
+}
+
+// product = left x right; product may be either.
+template <class T>
+__attribute__((always_inline)) inline void Multiply4x4(T * product, T const * left, T const * right) noexcept
+{
+    using Pack = typename PackOf<T>::Type;
+    constexpr unsigned int LAST = 4 - 16 / sizeof(T);
+    auto const load = [right](unsigned int index) { return *reinterpret_cast<Pack const *>(right + index); };
+    Pack const first[4] = {load(0), load(4), load(8), load(12)};
+    Pack const last[4] = {load(LAST), load(4 + LAST), load(8 + LAST), load(12 + LAST)};
+    MultiplyRow(product, left, first, last);
+    MultiplyRow(product + 4, left + 4, first, last);
+    MultiplyRow(product + 8, left + 8, first, last);
+    MultiplyRow(product + 12, left + 12, first, last);
+}
+#endif
+
 /// @endcond
 
 /// What the vectors of all sizes have in common. V gives its size N and its components through operator[].
@@ -387,7 +447,7 @@ public:
     VEK_API CVekMatrix & operator=(CVekMatrix const & other) noexcept;
 
     /// Frees the elements.
-    VEK_API virtual ~CVekMatrix();
+    VEK_API_INLINE virtual ~CVekMatrix();
     /// Replaces the elements by rows x columns new ones, not initialised. Returns true also when the allocation failed:
     /// GetElements is null then and the sizes are the old ones.
     VEK_API virtual bool Create(unsigned int rows, unsigned int columns);
@@ -422,7 +482,7 @@ public:
 
 protected:
     /// For matrices whose elements are part of the object.
-    VEK_API CVekMatrix(unsigned int rows, unsigned int columns, T * elements) noexcept;
+    VEK_API_INLINE CVekMatrix(unsigned int rows, unsigned int columns, T * elements) noexcept;
 
     bool Has(unsigned int row, unsigned int column) const noexcept
     {
@@ -441,21 +501,33 @@ protected:
     T * m_elements;
 };
 
+template <class T>
+CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns, T * elements) noexcept
+    : m_rows(rows), m_columns(columns), m_elements(elements)
+{
+}
+
+template <class T>
+CVekMatrix<T>::~CVekMatrix()
+{
+    if (m_elements)
+        CVekMatrix::Destroy(); // in the library, whose memory they are
+}
+
 /// A matrix of fixed size that carries its elements; Create and Destroy do nothing.
 template <class T, unsigned int M, unsigned int N>
 class CVekMatrixMxN : public CVekMatrix<T>
 {
 public:
     /// All elements are 0.
-    CVekMatrixMxN() noexcept : CVekMatrix<T>(M, N, nullptr), m_inline() { this->m_elements = m_inline; }
-    CVekMatrixMxN(CVekMatrixMxN const & other) noexcept : CVekMatrix<T>(M, N, nullptr)
+    CVekMatrixMxN() noexcept : CVekMatrix<T>(M, N, nullptr), m_inline() { this->m_elements = m_inline.at; }
+    CVekMatrixMxN(CVekMatrixMxN const & other) noexcept : CVekMatrix<T>(M, N, nullptr), m_inline(other.m_inline)
     {
-        this->m_elements = m_inline;
-        CopyElements(other);
+        this->m_elements = m_inline.at;
     }
     CVekMatrixMxN & operator=(CVekMatrixMxN const & other) noexcept
     {
-        CopyElements(other);
+        m_inline = other.m_inline;
         return *this;
     }
 
@@ -465,14 +537,22 @@ public:
     /// Does nothing.
     void Destroy() override {}
 
-private:
-    void CopyElements(CVekMatrixMxN const & other) noexcept
+protected:
+    /// For elements that are all written at once.
+    enum Unset
     {
-        for (size_t i = 0; i < sizeof(m_inline) / sizeof(T); ++i)
-            m_inline[i] = other.m_inline[i];
-    }
+        UNSET
+    };
+    // cppcheck-suppress uninitMemberVar ; that is what it is for
+    explicit CVekMatrixMxN(Unset) noexcept : CVekMatrix<T>(M, N, nullptr) { this->m_elements = m_inline.at; }
 
-    T m_inline[static_cast<size_t>(M) * N];
+private:
+    // As one object, which compilers copy by packs.
+    struct Elements
+    {
+        T at[static_cast<size_t>(M) * N];
+    };
+    Elements m_inline;
 };
 
 /// The 4 x 4 matrix of transforms, of float or double. A product a * b transforms by a first and then by b.
@@ -510,8 +590,11 @@ public:
     VEK_API static CVekMatrix4x4 LookAtRightHanded(CVekVector3D<T> const & eye, CVekVector3D<T> const & target,
                                                    CVekVector3D<T> const & up) noexcept;
 
+    /// this = this x other.
+    CVekMatrix4x4 & operator*=(CVekMatrix4x4 const & other) noexcept;
+    using CVekMatrix<T>::operator*=;
     /// The same bits as operator*= gives.
-    VEK_API CVekMatrix4x4 operator*(CVekMatrix4x4 const & other) const noexcept;
+    VEK_API_INLINE CVekMatrix4x4 operator*(CVekMatrix4x4 const & other) const noexcept;
     bool operator==(CVekMatrix4x4 const & other) const noexcept
     {
         return Row(0) == other.Row(0) && Row(1) == other.Row(1) && Row(2) == other.Row(2) && Row(3) == other.Row(3);
@@ -545,10 +628,11 @@ public:
     VEK_API CVekMatrix4x4 Transposed() const noexcept;
     /// By 2 x 2 minors of the upper and the lower half, in double precision.
     VEK_API T Determinant() const noexcept;
-    /// Writes the inverse, by Gauss-Jordan elimination with partial pivoting in double precision; result may be this
-    /// matrix. Returns false and leaves result as it is when the matrix is singular: when a pivot is 0, or no more than
-    /// the rounding of what it was computed from, or when the inverse has elements that are not finite. The size of the
-    /// elements alone never makes a matrix singular.
+    /// Writes the inverse; result may be this matrix. In double precision: by cofactors where the determinant has kept
+    /// its digits, and by Gauss-Jordan elimination with partial pivoting elsewhere. Returns false and leaves result as
+    /// it is when the matrix is singular: when a pivot is 0, or no more than the rounding of what it was computed from,
+    /// or when the inverse has elements that are not finite. The size of the elements alone never makes a matrix
+    /// singular.
     VEK_API bool Inverse(CVekMatrix4x4 & result) const noexcept;
 
     /// The row vector v multiplied by this matrix.
@@ -583,7 +667,35 @@ public:
         result = v.XYZ() / v.w;
         return true;
     }
+
+private:
+    using typename CVekMatrixMxN<T, 4, 4>::Unset;
+    explicit CVekMatrix4x4(Unset unset) noexcept : CVekMatrixMxN<T, 4, 4>(unset) {}
 };
+
+template <class T>
+inline CVekMatrix4x4<T> & CVekMatrix4x4<T>::operator*=(CVekMatrix4x4 const & other) noexcept
+{
+#if defined(VEK_INLINE_PRODUCTS)
+    vek::Multiply4x4(this->m_elements, this->m_elements, other.m_elements);
+#else
+    CVekMatrix<T>::operator*=(other);
+#endif
+    return *this;
+}
+
+template <class T>
+CVekMatrix4x4<T> CVekMatrix4x4<T>::operator*(CVekMatrix4x4 const & other) const noexcept
+{
+#if defined(VEK_INLINE_PRODUCTS)
+    CVekMatrix4x4 product(CVekMatrix4x4::UNSET);
+    vek::Multiply4x4(product.m_elements, this->m_elements, other.m_elements);
+#else
+    CVekMatrix4x4 product(*this);
+    product *= other;
+#endif
+    return product;
+}
 
 /// A box along the axes, or no box at all, a plain value. Corners belong to it.
 template <class T>

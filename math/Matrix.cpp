@@ -1,8 +1,6 @@
 #include "VekMath.h"
 
-#include "base/Compiler.h"
 #include "base/Nothing.h"
-#include "math/Pack.h"
 
 #include <stdint.h>
 
@@ -18,34 +16,6 @@ unsigned int Smaller(unsigned int a, unsigned int b)
     return a < b ? a : b;
 }
 
-// target = target x other for 4 x 4 elements, which may be the same: each element's sum starts at 0 and runs over k.
-template <class T>
-void Multiply4x4(T * target, T const * other)
-{
-    constexpr unsigned int LANES = vek::Pack<T>::LANES;
-    vek::Pack<T> rows[4][4 / LANES];
-    VEK_UNROLL(4)
-    for (unsigned int k = 0; k < 4; ++k)
-    {
-        VEK_UNROLL(2)
-        for (unsigned int part = 0; part < 4 / LANES; ++part)
-            rows[k][part] = vek::LoadPack(other + k * 4 + part * LANES);
-    }
-    for (unsigned int i = 0; i < 4; ++i, target += 4)
-    {
-        vek::Pack<T> sums[4 / LANES] = {};
-        VEK_UNROLL(4)
-        for (unsigned int k = 0; k < 4; ++k)
-        {
-            VEK_UNROLL(2)
-            for (unsigned int part = 0; part < 4 / LANES; ++part)
-                sums[part] = sums[part] + vek::Splat(target[k]) * rows[k][part];
-        }
-        for (unsigned int part = 0; part < 4 / LANES; ++part)
-            vek::StorePack(target + part * LANES, sums[part]);
-    }
-}
-
 } // namespace
 
 template <class T>
@@ -57,12 +27,6 @@ template <class T>
 CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns) noexcept : CVekMatrix()
 {
     CVekMatrix::Create(rows, columns);
-}
-
-template <class T>
-CVekMatrix<T>::CVekMatrix(unsigned int rows, unsigned int columns, T * elements) noexcept
-    : m_rows(rows), m_columns(columns), m_elements(elements)
-{
 }
 
 template <class T>
@@ -89,13 +53,6 @@ CVekMatrix<T> & CVekMatrix<T>::operator=(CVekMatrix const & other) noexcept
         for (unsigned int column = 0; column < columns; ++column)
             m_elements[IndexOf(row, column)] = other.m_elements[other.IndexOf(row, column)];
     return *this;
-}
-
-template <class T>
-CVekMatrix<T>::~CVekMatrix()
-{
-    delete[] m_elements;
-    m_elements = nullptr;
 }
 
 template <class T>
@@ -142,11 +99,13 @@ CVekMatrix<T> & CVekMatrix<T>::operator*=(CVekMatrix const & other) noexcept
 {
     if (!m_elements)
         return *this;
+#if defined(VEK_INLINE_PRODUCTS)
     if (m_rows == 4 && m_columns == 4 && other.m_elements && other.m_rows == 4 && other.m_columns == 4)
     {
-        Multiply4x4(m_elements, other.m_elements);
+        vek::Multiply4x4(m_elements, m_elements, other.m_elements);
         return *this;
     }
+#endif
     unsigned int const rows = Smaller(m_rows, MAX_SIZE);
     unsigned int const columns = Smaller(m_columns, MAX_SIZE);
     // Kept: the inner dimension is this matrix's row count, not its column count.

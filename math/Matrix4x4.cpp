@@ -1,5 +1,8 @@
 #include "VekMath.h"
 
+#include "math/Inverse.h"
+#include "math/Pack.h"
+
 #include <float.h>
 #include <math.h>
 
@@ -63,9 +66,9 @@ public:
         for (int row = 0; row < SIZE; ++row)
             for (int column = 0; column < SIZE; ++column)
             {
-                m_left[row][column] = static_cast<double>(elements[row * SIZE + column]);
-                m_terms[row][column] = fabs(m_left[row][column]);
-                m_right[row][column] = row == column ? 1 : 0;
+                m_rows[row].left[column] = static_cast<double>(elements[row * SIZE + column]);
+                m_rows[row].terms[column] = fabs(m_rows[row].left[column]);
+                m_rows[row].right[column] = row == column ? 1 : 0;
             }
     }
 
@@ -75,57 +78,52 @@ public:
         {
             int const pivot = FindPivot(column);
             // A NaN is no pivot either.
-            if (!(fabs(m_left[pivot][column]) > 4 * DBL_EPSILON * m_terms[pivot][column]))
+            if (!(fabs(m_rows[pivot].left[column]) > 4 * DBL_EPSILON * m_rows[pivot].terms[column]))
                 return false;
-            for (int i = 0; i < SIZE && pivot != column; ++i)
-            {
-                Swap(m_left[pivot][i], m_left[column][i]);
-                Swap(m_terms[pivot][i], m_terms[column][i]);
-                Swap(m_right[pivot][i], m_right[column][i]);
-            }
+            Row const exchanged = m_rows[pivot];
+            m_rows[pivot] = m_rows[column];
+            m_rows[column] = exchanged;
             for (int row = 0; row < SIZE; ++row)
                 if (row != column)
-                    Subtract(row, column);
+                    Subtract(m_rows[row], m_rows[column], column);
         }
         for (int row = 0; row < SIZE; ++row)
             for (int column = 0; column < SIZE; ++column)
-                m_right[row][column] /= m_left[row][row];
+                m_rows[row].right[column] /= m_rows[row].left[row];
         return true;
     }
 
-    double Inverse(int row, int column) const { return m_right[row][column]; }
+    double Inverse(int row, int column) const { return m_rows[row].right[column]; }
 
 private:
     static constexpr int SIZE = 4;
 
-    static void Swap(double & a, double & b)
+    struct Row
     {
-        double const old = a;
-        a = b;
-        b = old;
-    }
+        double left[SIZE], right[SIZE], terms[SIZE];
+    };
+
     int FindPivot(int column) const
     {
         int pivot = column;
         for (int row = column + 1; row < SIZE; ++row)
-            if (fabs(m_left[row][column]) > fabs(m_left[pivot][column]))
+            if (fabs(m_rows[row].left[column]) > fabs(m_rows[pivot].left[column]))
                 pivot = row;
         return pivot;
     }
-    void Subtract(int row, int pivot)
+    static void Subtract(Row & row, Row const & pivot, int column)
     {
-        double const factor = m_left[row][pivot] / m_left[pivot][pivot];
-        for (int i = 0; i < SIZE; ++i)
+        double const factor = row.left[column] / pivot.left[column];
+        vek::Pack<double> const factors = vek::Splat(factor), magnitudes = vek::Splat(fabs(factor));
+        for (int i = 0; i < SIZE; i += 2)
         {
-            m_left[row][i] -= factor * m_left[pivot][i];
-            m_terms[row][i] += fabs(factor) * m_terms[pivot][i];
-            m_right[row][i] -= factor * m_right[pivot][i];
+            vek::StorePack(row.left + i, vek::LoadPack(row.left + i) - factors * vek::LoadPack(pivot.left + i));
+            vek::StorePack(row.right + i, vek::LoadPack(row.right + i) - factors * vek::LoadPack(pivot.right + i));
+            vek::StorePack(row.terms + i, vek::LoadPack(row.terms + i) + magnitudes * vek::LoadPack(pivot.terms + i));
         }
     }
 
-    double m_left[SIZE][SIZE];
-    double m_terms[SIZE][SIZE];
-    double m_right[SIZE][SIZE];
+    Row m_rows[SIZE];
 };
 
 } // namespace
@@ -196,14 +194,6 @@ CVekMatrix4x4<T> CVekMatrix4x4<T>::LookAtRightHanded(CVekVector3D<T> const & eye
 }
 
 template <class T>
-CVekMatrix4x4<T> CVekMatrix4x4<T>::operator*(CVekMatrix4x4 const & other) const noexcept
-{
-    CVekMatrix4x4 product(*this);
-    product *= other;
-    return product;
-}
-
-template <class T>
 CVekMatrix4x4<T> CVekMatrix4x4<T>::Transposed() const noexcept
 {
     CVekMatrix4x4 result;
@@ -230,6 +220,8 @@ T CVekMatrix4x4<T>::Determinant() const noexcept
 template <class T>
 bool CVekMatrix4x4<T>::Inverse(CVekMatrix4x4 & result) const noexcept
 {
+    if (vek::CofactorInverse<T>::Run(this->m_elements, result.m_elements))
+        return true;
     Elimination elimination(this->m_elements);
     if (!elimination.Run())
         return false;
