@@ -8,6 +8,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <atomic>
 #include <bit>
 #include <mutex>
 #include <new>
@@ -22,7 +24,6 @@ namespace
 constexpr size_t CHUNK_BYTES = 64 * 1024;
 constexpr size_t REGION_CHUNKS = 16;
 constexpr uint32_t ALL_CHUNKS_FREE = (1U << REGION_CHUNKS) - 1;
-constexpr size_t IDLE_REGIONS_KEPT = 64;
 constexpr size_t GRAIN = 8;
 
 constexpr uint16_t CLASS_BYTES[] = {8,    16,   24,   32,   40,   48,   56,   64,   72,   80,   88,
@@ -31,7 +32,7 @@ constexpr uint16_t CLASS_BYTES[] = {8,    16,   24,   32,   40,   48,   56,   64
                                     1536, 1792, 2048, 2560, 3072, 3584, 4096, 5120, 6144, 8192};
 constexpr size_t CLASS_COUNT = sizeof CLASS_BYTES / sizeof CLASS_BYTES[0];
 constexpr size_t LARGEST = CLASS_BYTES[CLASS_COUNT - 1];
-static_assert(LARGEST == POOL_LARGEST);
+static_assert(POOL_LARGEST == LARGEST || POOL_LARGEST == 0);
 
 struct Region
 {
@@ -45,18 +46,17 @@ struct FreeBlock
     FreeBlock * next;
 };
 
-struct Share;
+struct SizeClass;
 
 struct Chunk
 {
     Chunk * next;
     Chunk * previous;
-    Share * share;
     FreeBlock * freeBlocks;
     uint32_t freshOffset; // where the never used rest begins
     uint32_t used;
-    Region * region; // in the region's first chunk the region's record follows this header
-    size_t classIndex;
+    Region * region;                    // in the region's first chunk the region's record follows this header
+    std::atomic<SizeClass *> sizeClass; // null while the region has the chunk
 };
 
 // Blocks of 16 bytes and more that are a multiple of 16 stand at addresses that are one, too.
@@ -65,16 +65,95 @@ constexpr size_t HEADER_BYTES = (sizeof(Chunk) + sizeof(Region) + 15) / 16 * 16;
 struct SizeClass
 {
     SpinLock lock;
-    Chunk * open = nullptr; // chunks with room, in a list
+    uint32_t bytes = 0;
+    uint32_t reciprocal = 0;  // of the bytes, in parts of 2^32
+    Chunk * open = nullptr;   // chunks with room, in a list
+    Chunk * recent = nullptr; // the one of them that the last block was given to: that block is still in the cache
 };
 
 // Threads that allocate at the same time would hand a lock, and the chunks behind it, to and fro between processors:
 // two took as long as one. Most threads have a share of their own; a block goes back to the one that it came from.
-struct alignas(64) Share
+struct alignas(64) SizeClasses
 {
-    SizeClass classes[CLASS_COUNT];
+    SizeClass all[CLASS_COUNT];
+
+    constexpr SizeClasses() noexcept
+    {
+        for (size_t i = 0; i < CLASS_COUNT; ++i)
+        {
+            all[i].bytes = CLASS_BYTES[i];
+            all[i].reciprocal = static_cast<uint32_t>((uint64_t{1} << 32) / CLASS_BYTES[i] + 1);
+        }
+    }
 };
-constexpr unsigned long SHARES = 32;
+
+/// One bit for each 64 KiB of the address space, set where a chunk of the pool is, so that any address tells whether it
+/// is the pool's. Each page has the bits of 4 GiB and is made when a region lies there; changes are guarded by the
+/// regions' lock.
+class ChunkMap
+{
+public:
+    bool Has(void const * address) const noexcept
+    {
+        uint64_t const chunk = NumberOf(address);
+        if (chunk >= PAGES * PAGE_CHUNKS)
+            return false;
+        Page const * const page = m_pages[chunk / PAGE_CHUNKS].load(std::memory_order_acquire);
+        return page && (page->words[chunk % PAGE_CHUNKS / 32].load(std::memory_order_relaxed) >> (chunk % 32) & 1) != 0;
+    }
+    /// False when there is no memory for the bits.
+    bool Add(void const * region) noexcept
+    {
+        uint64_t const first = NumberOf(region);
+        for (uint64_t const chunk : {first, first + REGION_CHUNKS - 1})
+        {
+            std::atomic<Page *> & page = m_pages[chunk / PAGE_CHUNKS];
+            if (!page.load(std::memory_order_relaxed))
+                page.store(static_cast<Page *>(calloc(1, sizeof(Page))), std::memory_order_release);
+            if (!page.load(std::memory_order_relaxed))
+                return false;
+        }
+        Flip(first);
+        return true;
+    }
+    void Remove(void const * region) noexcept { Flip(NumberOf(region)); }
+    /// Frees the pages, while the pool has no region.
+    void Free() noexcept
+    {
+        for (std::atomic<Page *> & page : m_pages)
+        {
+            if (!page.load(std::memory_order_relaxed))
+                continue; // nearly all; they have no memory of their own until something is stored
+            free(page.load(std::memory_order_relaxed));
+            page.store(nullptr, std::memory_order_relaxed);
+        }
+    }
+
+private:
+    static constexpr uint64_t PAGE_CHUNKS = 65536;
+    static constexpr uint64_t PAGES = sizeof(void *) == 4 ? 1 : 32 * 1024;
+
+    struct Page
+    {
+        std::atomic<uint32_t> words[PAGE_CHUNKS / 32];
+    };
+
+    static uint64_t NumberOf(void const * address) noexcept
+    {
+        return reinterpret_cast<uintptr_t>(address) / CHUNK_BYTES;
+    }
+
+    void Flip(uint64_t first) noexcept
+    {
+        for (uint64_t chunk = first; chunk < first + REGION_CHUNKS; ++chunk)
+            m_pages[chunk / PAGE_CHUNKS].load(std::memory_order_relaxed)->words[chunk % PAGE_CHUNKS / 32] ^=
+                1U << (chunk % 32);
+    }
+
+    std::atomic<Page *> m_pages[PAGES] = {};
+};
+
+constinit ChunkMap g_map;
 
 /// The regions of the process. Chunks are handed out and taken back one at a time, under one lock.
 class Regions
@@ -100,6 +179,7 @@ public:
     void GiveBack(Chunk * chunk) noexcept
     {
         std::lock_guard const guard(m_lock);
+        chunk->sizeClass.store(nullptr, std::memory_order_relaxed);
         Region * const region = chunk->region;
         size_t const index = static_cast<size_t>(reinterpret_cast<char *>(chunk) - Base(region)) / CHUNK_BYTES;
         if (!region->freeChunks)
@@ -107,14 +187,26 @@ public:
         region->freeChunks |= 1U << index;
         if (region->freeChunks != ALL_CHUNKS_FREE)
             return;
-        if (m_idle < IDLE_REGIONS_KEPT)
+        ++m_idle;
+        if (m_idle > m_idleKept)
+            Release(region);
+    }
+
+    /// Keeps no more memory that is free; false when a thread was stopped for good within one of these operations.
+    bool End() noexcept
+    {
+        std::unique_lock const guard(m_lock, std::try_to_lock);
+        if (!guard)
+            return false;
+        m_idleKept = 0;
+        for (Region * region = m_open; region;)
         {
-            ++m_idle;
-            return;
+            Region * const next = region->next;
+            if (region->freeChunks == ALL_CHUNKS_FREE)
+                Release(region);
+            region = next;
         }
-        Unlink(region);
-        --m_count;
-        VirtualFree(Base(region), 0, MEM_RELEASE);
+        return true;
     }
 
     size_t Bytes() noexcept
@@ -126,12 +218,24 @@ public:
 private:
     static char * Base(Region * region) noexcept { return reinterpret_cast<char *>(region) - sizeof(Chunk); }
 
+    void Release(Region * region) noexcept
+    {
+        Unlink(region);
+        --m_idle;
+        --m_count;
+        g_map.Remove(Base(region));
+        VirtualFree(Base(region), 0, MEM_RELEASE);
+    }
+
     bool AddRegion() noexcept
     {
         void * const memory =
             VirtualAlloc(nullptr, REGION_CHUNKS * CHUNK_BYTES, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-        if (!memory)
+        if (!memory || !g_map.Add(memory))
+        {
+            VirtualFree(memory, 0, MEM_RELEASE);
             return false;
+        }
         auto * const region = reinterpret_cast<Region *>(static_cast<char *>(memory) + sizeof(Chunk));
         region->freeChunks = ALL_CHUNKS_FREE;
         Link(region);
@@ -159,16 +263,14 @@ private:
     SpinLock m_lock;
     Region * m_open = nullptr; // regions with a free chunk
     size_t m_idle = 0;         // regions whose chunks are all free
+    size_t m_idleKept = 64;
     size_t m_count = 0;
 };
 
 constinit Regions g_regions;
-constinit Share g_shares[SHARES];
-
-Share & OwnShare() noexcept
-{
-    return g_shares[GetCurrentThreadId() / 4 % SHARES]; // the numbers of threads are multiples of 4
-}
+constexpr unsigned long SHARES = 32;
+constinit SizeClasses g_shares[SHARES];
+constinit SizeClasses g_apart;
 
 // The class of a size by its number of grains, made by the compiler.
 struct ClassTable
@@ -193,6 +295,16 @@ size_t ClassIndex(size_t size) noexcept
     return CLASS_OF.index[(size + GRAIN - 1) / GRAIN];
 }
 
+SizeClass & OwnClass(size_t index) noexcept
+{
+    return g_shares[GetCurrentThreadId() / 4 % SHARES].all[index]; // the system counts threads in fours
+}
+
+Chunk * ChunkOf(void const * address) noexcept
+{
+    return reinterpret_cast<Chunk *>(reinterpret_cast<uintptr_t>(address) & ~(CHUNK_BYTES - 1));
+}
+
 bool IsFull(Chunk const * chunk, size_t blockBytes) noexcept
 {
     return !chunk->freeBlocks && chunk->freshOffset + blockBytes > CHUNK_BYTES;
@@ -212,9 +324,11 @@ void UnlinkOpen(SizeClass & sizeClass, Chunk * chunk) noexcept
     (chunk->previous ? chunk->previous->next : sizeClass.open) = chunk->next;
     if (chunk->next)
         chunk->next->previous = chunk->previous;
+    if (sizeClass.recent == chunk)
+        sizeClass.recent = nullptr;
 }
 
-Chunk * OpenChunk(Share & share, size_t classIndex) noexcept
+Chunk * OpenChunk(SizeClass & sizeClass) noexcept
 {
     Chunk * const chunk = g_regions.TakeChunk();
     if (chunk)
@@ -222,20 +336,17 @@ Chunk * OpenChunk(Share & share, size_t classIndex) noexcept
         chunk->freeBlocks = nullptr;
         chunk->freshOffset = HEADER_BYTES;
         chunk->used = 0;
-        chunk->classIndex = classIndex;
-        chunk->share = &share;
-        LinkOpen(share.classes[classIndex], chunk);
+        chunk->sizeClass.store(&sizeClass, std::memory_order_relaxed);
+        LinkOpen(sizeClass, chunk);
     }
     return chunk;
 }
 
-void * TakeBlock(size_t classIndex) noexcept
+// For both of these the class is locked, or its owner is.
+void * TakeBlock(SizeClass & sizeClass) noexcept
 {
-    Share & share = OwnShare();
-    SizeClass & sizeClass = share.classes[classIndex];
-    size_t const bytes = CLASS_BYTES[classIndex];
-    std::lock_guard const guard(sizeClass.lock);
-    Chunk * const chunk = sizeClass.open ? sizeClass.open : OpenChunk(share, classIndex);
+    Chunk * const known = sizeClass.recent ? sizeClass.recent : sizeClass.open;
+    Chunk * const chunk = known ? known : OpenChunk(sizeClass);
     if (!chunk)
         return nullptr;
     void * block = chunk->freeBlocks;
@@ -244,23 +355,21 @@ void * TakeBlock(size_t classIndex) noexcept
     else
     {
         block = reinterpret_cast<char *>(chunk) + chunk->freshOffset;
-        chunk->freshOffset += static_cast<uint32_t>(bytes);
+        chunk->freshOffset += sizeClass.bytes;
     }
     ++chunk->used;
-    if (IsFull(chunk, bytes))
+    if (IsFull(chunk, sizeClass.bytes))
         UnlinkOpen(sizeClass, chunk);
     return block;
 }
 
-void GiveBlock(void * block) noexcept
+void GiveBlock(SizeClass & sizeClass, Chunk * chunk, void * block) noexcept
 {
-    auto * const chunk = reinterpret_cast<Chunk *>(reinterpret_cast<uintptr_t>(block) & ~(CHUNK_BYTES - 1));
-    SizeClass & sizeClass = chunk->share->classes[chunk->classIndex];
-    std::lock_guard const guard(sizeClass.lock);
-    bool const wasFull = IsFull(chunk, CLASS_BYTES[chunk->classIndex]);
+    bool const wasFull = IsFull(chunk, sizeClass.bytes);
     chunk->freeBlocks = new (block) FreeBlock{chunk->freeBlocks};
     if (wasFull)
         LinkOpen(sizeClass, chunk);
+    sizeClass.recent = chunk;
     // The last open chunk of a class stays, so that a program that makes and frees one object does not trade chunks.
     if (--chunk->used == 0 && (chunk->next || chunk->previous))
     {
@@ -269,28 +378,151 @@ void GiveBlock(void * block) noexcept
     }
 }
 
-#if defined(VEKLIB_GUARD)
-// The guarded build puts every block beside a page of its own.
-constexpr size_t LARGEST_POOLED = 0;
-#else
-constexpr size_t LARGEST_POOLED = LARGEST;
-#endif
+void GiveToShared(void * block) noexcept
+{
+    Chunk * const chunk = ChunkOf(block); // its class is the block's
+    SizeClass & sizeClass = *chunk->sizeClass.load(std::memory_order_relaxed);
+    std::lock_guard const guard(sizeClass.lock);
+    GiveBlock(sizeClass, chunk, block);
+}
+
+void GiveIdleChunksBack(SizeClasses & classes) noexcept
+{
+    for (SizeClass & sizeClass : classes.all)
+    {
+        std::unique_lock const guard(sizeClass.lock, std::try_to_lock);
+        for (Chunk * chunk = guard ? sizeClass.open : nullptr; chunk;)
+        {
+            Chunk * const next = chunk->next;
+            if (chunk->used == 0)
+            {
+                UnlinkOpen(sizeClass, chunk);
+                g_regions.GiveBack(chunk);
+            }
+            chunk = next;
+        }
+    }
+}
+
+// A process that unloads the library and goes on gets back what is free. At the end of a process, its other threads
+// have been stopped wherever they were: what they had locked is left alone.
+struct AtUnload
+{
+    ~AtUnload()
+    {
+        if (!g_regions.End())
+            return;
+        for (SizeClasses & share : g_shares)
+            GiveIdleChunksBack(share);
+        GiveIdleChunksBack(g_apart);
+        if (g_regions.Bytes() == 0)
+            g_map.Free();
+    }
+} g_atUnload;
 
 } // namespace
 
 void * PoolAllocate(size_t size) noexcept
 {
-    return size - 1 < LARGEST_POOLED ? TakeBlock(ClassIndex(size)) : malloc(size);
+    if (size - 1 >= POOL_LARGEST)
+        return malloc(size);
+    SizeClass & sizeClass = OwnClass(ClassIndex(size));
+    std::lock_guard const guard(sizeClass.lock);
+    return TakeBlock(sizeClass);
 }
 
 void PoolFree(void * block, size_t size) noexcept
 {
     if (!block)
         return;
-    if (size - 1 < LARGEST_POOLED)
-        GiveBlock(block); // its class is its chunk's
+    if (size - 1 < POOL_LARGEST)
+        GiveToShared(block);
     else
         free(block);
+}
+
+void PoolFreeMany(void * const * blocks, size_t count) noexcept
+{
+    if (POOL_LARGEST == 0)
+    {
+        for (size_t i = 0; i < count; ++i)
+            free(blocks[i]);
+        return;
+    }
+    for (size_t i = 0; i < count;)
+    {
+        SizeClass & sizeClass = *ChunkOf(blocks[i])->sizeClass.load(std::memory_order_relaxed);
+        std::lock_guard const guard(sizeClass.lock);
+        // A chunk of this class stays one as long as a block of it is in use.
+        for (; i < count && ChunkOf(blocks[i])->sizeClass.load(std::memory_order_relaxed) == &sizeClass; ++i)
+            GiveBlock(sizeClass, ChunkOf(blocks[i]), blocks[i]);
+    }
+}
+
+PoolSpares::~PoolSpares()
+{
+    for (auto const & spares : m_spares)
+        PoolFreeMany(spares.blocks, spares.count);
+}
+
+void * PoolSpares::Allocate(size_t size) noexcept
+{
+    if (size - 1 >= POOL_LARGEST)
+        return malloc(size);
+    size_t const index = ClassIndex(size);
+    auto & spares = m_spares[index % SIZES];
+    if (spares.count != 0 && spares.classIndex == index)
+        return spares.blocks[--spares.count];
+    PoolFreeMany(spares.blocks, spares.count);
+    spares.classIndex = index;
+    spares.count = 0;
+    SizeClass & sizeClass = OwnClass(index);
+    std::lock_guard const guard(sizeClass.lock);
+    // They are handed out in the order in which they lie.
+    void * blocks[MOST];
+    while (spares.count < MOST && (blocks[spares.count] = TakeBlock(sizeClass)) != nullptr)
+        ++spares.count;
+    std::reverse_copy(blocks, blocks + spares.count, spares.blocks);
+    return spares.count != 0 ? spares.blocks[--spares.count] : nullptr;
+}
+
+void PoolFreeAny(void * block) noexcept
+{
+    if (PoolHas(block))
+        GiveToShared(block);
+    else
+        free(block);
+}
+
+bool PoolHas(void const * address) noexcept
+{
+    return g_map.Has(address);
+}
+
+void * PoolApart::Allocate(size_t size) noexcept
+{
+    return TakeBlock(g_apart.all[ClassIndex(size)]);
+}
+
+void PoolApart::Free(void * block) noexcept
+{
+    Chunk * const chunk = ChunkOf(block);
+    GiveBlock(*chunk->sizeClass.load(std::memory_order_relaxed), chunk, block);
+}
+
+bool PoolApart::IsBlock(void const * address) noexcept
+{
+    if (!PoolHas(address))
+        return false;
+    Chunk const * const chunk = ChunkOf(address);
+    SizeClass const * const sizeClass = chunk->sizeClass.load(std::memory_order_relaxed);
+    auto const offset = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(address) % CHUNK_BYTES);
+    if (sizeClass < g_apart.all || sizeClass >= g_apart.all + CLASS_COUNT || offset < HEADER_BYTES ||
+        offset >= chunk->freshOffset)
+        return false;
+    auto const within = static_cast<uint64_t>(offset - HEADER_BYTES);
+    uint64_t const index = within * sizeClass->reciprocal >> 32;
+    return index * sizeClass->bytes == within;
 }
 
 size_t PoolReservedBytes() noexcept

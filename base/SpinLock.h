@@ -19,6 +19,7 @@ public:
         while (m_taken.exchange(true, std::memory_order_acquire))
             Wait();
     }
+    bool try_lock() noexcept { return !m_taken.exchange(true, std::memory_order_acquire); }
     void unlock() noexcept { m_taken.store(false, std::memory_order_release); }
 
 private:

@@ -329,7 +329,7 @@ public:
         m_count = 0;
     }
 
-private:
+protected:
     void Detach(T * element)
     {
         element->SetPrev(nullptr);

@@ -15,7 +15,7 @@ VEK_HEADER_BEGIN
 namespace vek
 {
 class NameIndex;
-class TypedDataSink;
+struct TypedDataPiece;
 class TypedDataSource;
 } // namespace vek
 
@@ -34,11 +34,9 @@ public:
     VEK_VARIANT const & Val() const { return m_value; }
 
 private:
-    friend class CVekTypedDataWriter;
     friend class CVekTypedDataReader;
 
     CVekTypedDataEntry(CVekString<wchar_t> && name, VEK_DATATYPE type);
-    static CVekTypedDataEntry * Make(wchar_t const * name, int nameLength, VEK_DATATYPE type);
 
     CVekString<wchar_t> m_name;
     VEK_VARIANT m_value;
@@ -87,16 +85,7 @@ public:
     bool Write(IVekIOStream * stream);
 
 private:
-    CVekTypedDataEntry * FindEntry(wchar_t const * name);
-    static bool WriteEntryToStream(vek::TypedDataSink & sink, CVekTypedDataEntry const & entry);
-    template <class T>
-    bool AddValue(wchar_t const * name, VEK_DATATYPE type, T const & value);
-    template <class T>
-    bool AddText(wchar_t const * name, VEK_DATATYPE type, T const * text);
-    static CVekTypedDataEntry * NewEntry(wchar_t const * name, VEK_DATATYPE type);
-    bool Append(CVekTypedDataEntry * entry);
-
-    CVekPointerArray<CVekTypedDataEntry> m_entries;
+    CVekPointerArray<vek::TypedDataPiece> m_pieces;
 };
 
 /// Why typed data could not be read.

@@ -1,8 +1,7 @@
 #include "io/TypedDataLoad.h"
 
+#include "base/Pool.h"
 #include "text/DataTypes.h"
-
-#include <stdlib.h>
 
 namespace vek
 {
@@ -110,12 +109,12 @@ bool Load(Held<HeldBytes>, TypedDataSource & source, VEK_VARIANT & value) noexce
     auto const count = static_cast<size_t>(size);
     if (!source.Holds(count, 1))
         return source.Fail(VEK_DATA_ERROR_LENGTH);
-    auto * const bytes = static_cast<unsigned char *>(malloc(count));
+    auto * const bytes = static_cast<unsigned char *>(PoolAllocate(count));
     if (!bytes)
         return false;
     if (source.GetBlock(bytes, count))
         return value.SetBuffer(bytes, size);
-    free(bytes);
+    PoolFree(bytes, count);
     return false;
 }
 

@@ -1,16 +1,21 @@
 #include "VekData.h"
 
+#include "base/Pool.h"
 #include "io/TypedDataLoad.h"
 #include "io/TypedDataSource.h"
+#include "text/DataTypes.h"
 #include "text/NameIndex.h"
 #include "text/Names.h"
 
+#include <emmintrin.h>
 #include <guiddef.h>
 #include <limits.h>
 #include <string.h>
 
 #include <atomic>
+#include <bit>
 #include <new>
+#include <utility>
 
 namespace
 {
@@ -30,6 +35,52 @@ bool AddToIndex(vek::NameIndex & index, CVekPointerArray<CVekTypedDataEntry> con
     return added;
 }
 
+// The number of characters before the first zero in bytes at any address.
+size_t LengthWithin(void const * name, size_t most) noexcept
+{
+    constexpr size_t EIGHT = 8;
+    auto const * const bytes = static_cast<char const *>(name);
+    size_t length = 0;
+    for (; length + EIGHT <= most; length += EIGHT)
+    {
+        __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(bytes + length * sizeof(wchar_t)));
+        int const ends = _mm_movemask_epi8(_mm_cmpeq_epi16(units, _mm_setzero_si128()));
+        if (ends != 0)
+            return length + static_cast<size_t>(std::countr_zero(static_cast<unsigned int>(ends))) / sizeof(wchar_t);
+    }
+    for (wchar_t unit; length < most; ++length)
+    {
+        memcpy(&unit, bytes + length * sizeof unit, sizeof unit);
+        if (unit == 0)
+            break;
+    }
+    return length;
+}
+
+constexpr int EMBEDDED_UNITS = 128;
+
+// An entry with a short name has it in its own block. Null when memory is exhausted, also that for the value's object.
+template <class Construct>
+CVekTypedDataEntry * MakeEntry(vek::PoolSpares & memory, wchar_t const * name, size_t length, Construct construct)
+{
+    using Access = vek::StringAccess<wchar_t>;
+    bool const isShort = length < static_cast<size_t>(EMBEDDED_UNITS);
+    auto * const block = static_cast<char *>(
+        memory.Allocate(sizeof(CVekTypedDataEntry) + (isShort ? Access::EmbeddedBytes(length) : 0)));
+    if (!block)
+        return nullptr;
+    CVekTypedDataEntry * const entry =
+        construct(block, isShort ? Access::Embed(block + sizeof(CVekTypedDataEntry), name, length)
+                                 : CVekString<wchar_t>(name, static_cast<int>(length)));
+    VEK_VARIANT const & value = entry->Val();
+    bool const isWhole = static_cast<size_t>(entry->GetName().GetLength()) == length &&
+                         (!vek::IsObject(value.GetType()) || value.GetBuffer());
+    if (isWhole)
+        return entry;
+    delete entry;
+    return nullptr;
+}
+
 } // namespace
 
 CVekTypedDataReader::CVekTypedDataReader() = default;
@@ -47,8 +98,19 @@ CVekTypedDataReader::~CVekTypedDataReader()
 void CVekTypedDataReader::Clear()
 {
     DropIndex();
+    constexpr size_t AT_ONCE = 32;
+    void * blocks[AT_ONCE];
+    size_t count = 0;
     for (int i = 0; i < m_entries.GetCount(); ++i)
-        delete m_entries[i];
+    {
+        m_entries[i]->~CVekTypedDataEntry();
+        blocks[count++] = m_entries[i];
+        if (count < AT_ONCE)
+            continue;
+        vek::PoolFreeMany(blocks, count);
+        count = 0;
+    }
+    vek::PoolFreeMany(blocks, count);
     m_entries.Free();
 }
 
@@ -136,7 +198,15 @@ CVekTypedDataEntry * CVekTypedDataReader::NewEntry(vek::TypedDataSource & source
         source.Fail(VEK_DATA_ERROR_LENGTH);
     if (nameLength < 0)
         return nullptr;
-    if (nameLength > SHORT_LENGTH)
+    auto const nameBytes = static_cast<size_t>(nameLength) * sizeof(wchar_t);
+    unsigned char const * const inPlace =
+        nameLength < EMBEDDED_UNITS ? source.InPlace(nameBytes + sizeof(int)) : nullptr; // with the type behind it
+    if (inPlace)
+    {
+        name = reinterpret_cast<wchar_t const *>(inPlace); // at any address: it is only copied
+        source.Skip(nameBytes);
+    }
+    else if (nameLength > SHORT_LENGTH)
     {
         if (!vek::LoadUnits(source, nameLength, longName))
             return nullptr;
@@ -148,8 +218,9 @@ CVekTypedDataEntry * CVekTypedDataReader::NewEntry(vek::TypedDataSource & source
     if (!source.Get(type))
         return nullptr;
     // A zero ends the name, wherever it stands.
-    size_t const length = wcsnlen(name, static_cast<size_t>(nameLength));
-    return CVekTypedDataEntry::Make(name, static_cast<int>(length), static_cast<VEK_DATATYPE>(type));
+    return MakeEntry(source.Memory(), name, LengthWithin(name, static_cast<size_t>(nameLength)),
+                     [type = static_cast<VEK_DATATYPE>(type)](void * place, CVekString<wchar_t> && text)
+                     { return ::new (place) CVekTypedDataEntry(std::move(text), type); });
 }
 
 // --- finding --------------------------------------------------------------------------------------------------------

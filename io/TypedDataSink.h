@@ -46,6 +46,13 @@ public:
         }
         return true;
     }
+    /// Whether PutBlock does the same as putting the values that so many bytes of the system's byte order are: a memory
+    /// stream that is too small for all of them takes some.
+    bool TakesAsStored(size_t count) const noexcept
+    {
+        return !m_reversed &&
+               (m_kind == Kind::File || (m_kind == Kind::Memory && static_cast<size_t>(m_end - m_at) >= count));
+    }
     /// Writes a block of one byte or more, which a memory stream takes whole or refuses.
     bool PutBlock(unsigned char const * bytes, size_t count) noexcept;
     /// Brings the stream up to date; false when a file refuses what was put.

@@ -5,6 +5,7 @@
 
 #include "base/Buffer.h"
 #include "io/StreamBits.h"
+#include "text/StringAccess.h"
 
 #include <stddef.h>
 #include <string.h>
@@ -37,10 +38,15 @@ public:
     {
         if (static_cast<size_t>(m_end - m_at) < sizeof(T) && !Fill(sizeof(T)))
             return ReadFromOther(value);
-        BitsOf<T> bits;
-        memcpy(&bits, m_at, sizeof(T));
+        if (m_reversed)
+        {
+            BitsOf<T> bits;
+            memcpy(&bits, m_at, sizeof(T));
+            value = FromBits<T>(bits, true);
+        }
+        else
+            memcpy(&value, m_at, sizeof(T)); // in one move, also of 8 bytes
         m_at += sizeof(T);
-        value = FromBits<T>(bits, m_reversed);
         return true;
     }
     template <class T>
@@ -49,7 +55,7 @@ public:
         bool const inOneCopy = count != 0 && (!m_reversed || sizeof(T) == 1);
         if (inOneCopy && static_cast<size_t>(m_end - m_at) / sizeof(T) >= count)
         {
-            memcpy(values, m_at, count * sizeof(T));
+            CopyShort(values, m_at, count * sizeof(T));
             m_at += count * sizeof(T);
             return true;
         }
@@ -62,7 +68,17 @@ public:
         }
         return true;
     }
+    /// The next bytes, where they are in memory and stand there as the system stores values; null otherwise.
+    unsigned char const * InPlace(size_t count) const noexcept
+    {
+        return !m_reversed && static_cast<size_t>(m_end - m_at) >= count ? m_at : nullptr;
+    }
+    /// Passes bytes that are in place.
+    void Skip(size_t count) noexcept { m_at += count; }
     bool GetBlock(unsigned char * bytes, size_t count) noexcept;
+
+    /// Memory for the objects that are read.
+    PoolSpares & Memory() noexcept { return m_memory; }
 
     /// Keeps what is wrong with the stream; always false.
     bool Fail(VEK_DATA_ERROR fault) noexcept
@@ -118,6 +134,7 @@ private:
     static constexpr size_t FILE_BLOCK = 16 * 1024;
 
     IVekIOStream & m_stream;
+    PoolSpares m_memory;
     Kind m_kind = Kind::OfKnownSize;
     int m_entry = -1;
     VEK_DATA_ERROR m_fault = VEK_DATA_ERROR_NONE;

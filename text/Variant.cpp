@@ -1,4 +1,5 @@
 #include "base/Nothing.h"
+#include "base/Pool.h"
 #include "text/DataTypes.h"
 #include "text/StringAccess.h"
 
@@ -8,7 +9,8 @@
 #include <new>
 #include <type_traits>
 
-// The blocks of plain values and buffers come from malloc: a host's own global allocator is the same runtime's.
+// A variant's own objects come from the pool, its buffers from malloc, as those that hosts give: a host's own global
+// allocator is the same runtime's.
 
 struct VEK_VARIANT::Layout
 {
@@ -54,14 +56,9 @@ T const & VEK_VARIANT::Object() const
 template <class T>
 void VEK_VARIANT::MakeObject()
 {
-    if constexpr (std::is_trivially_copyable_v<T>)
-    {
-        m_heap.any = malloc(sizeof(T));
-        if (m_heap.any)
-            new (m_heap.any) T();
-    }
-    else
-        m_heap.any = new (std::nothrow) T();
+    m_heap.any = vek::PoolAllocate(sizeof(T));
+    if (m_heap.any)
+        new (m_heap.any) T();
 }
 
 template <class T>
@@ -546,7 +543,7 @@ bool VEK_VARIANT::SetBuffer(unsigned char * buffer, int size)
     if (isObject && size <= 0)
     {
         // Nothing would tell the block from an object of the variant's own later.
-        free(buffer);
+        vek::PoolFreeAny(buffer);
         buffer = nullptr;
     }
     m_heap.buffer = buffer;
@@ -575,12 +572,13 @@ void VEK_VARIANT::DestroyBuffer()
     // Kept: a block that was set on a variant of any other type is not released.
     if (m_type != VEK_DT_BUFFER && !vek::IsObject(m_type))
         return;
+    if (!m_heap.any)
+        return;
     if (m_type == VEK_DT_MATRIX4X4_FLOAT && m_bufferSize == 0)
-        delete m_heap.matrix4x4Float;
+        m_heap.matrix4x4Float->~CVekMatrix4x4();
     else if (m_type == VEK_DT_MATRIX4X4_DOUBLE && m_bufferSize == 0)
-        delete m_heap.matrix4x4Double;
-    else
-        free(m_heap.any);
+        m_heap.matrix4x4Double->~CVekMatrix4x4();
+    vek::PoolFreeAny(m_heap.any);
     m_heap.any = nullptr;
     m_bufferSize = 0;
 }

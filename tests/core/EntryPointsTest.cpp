@@ -1,5 +1,6 @@
 #include "VekLib.h"
 
+#include "support/Files.h"
 #include "support/WarmUp.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,8 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
 namespace
 {
@@ -80,3 +83,45 @@ TEST(EntryPoints, WorkBeforeMainAndAProcessMayExitWithoutDeinit)
     EXPECT_EQ(StatusOfChild(), 1u) << "a timer was lost";
     SetEnvironmentVariableW(L"VEKLIB_LEAKS", nullptr);
 }
+
+#ifndef VEKLIB_GUARD // which is no DLL
+// A host may load and unload the library as often as it likes: what was freed doesn't stay behind.
+TEST(EntryPoints, UnloadingGivesMemoryBack)
+{
+    auto const privateBytes = []
+    {
+        std::size_t bytes = 0;
+        MEMORY_BASIC_INFORMATION area = {};
+        for (char * at = nullptr; VirtualQuery(at, &area, sizeof area) != 0;
+             at = static_cast<char *>(area.BaseAddress) + area.RegionSize)
+            bytes += area.State != MEM_FREE && area.Type == MEM_PRIVATE ? area.RegionSize : 0;
+        return bytes;
+    };
+    wchar_t own[MAX_PATH] = L"";
+    GetModuleFileNameW(GetModuleHandleW(L"VekLib.dll"), own, MAX_PATH);
+    std::wstring const copy = TemporaryPath(L"unloaded.dll");
+    ASSERT_TRUE(CopyFileW(own, copy.c_str(), FALSE));
+    std::size_t before = 0;
+    for (int round = 0; round < 8; ++round)
+    {
+        HMODULE const library = LoadLibraryW(copy.c_str());
+        void * entries[2] = {};
+        for (char const * const name : {"_Z14VekAllocMemoryjPKci", "_Z16VekDeallocMemoryPvPKci",
+                                        "?VekAllocMemory@@YAPAEIPBDH@Z", "?VekDeallocMemory@@YA_NPAXPBDH@Z",
+                                        "?VekAllocMemory@@YAPEAEIPEBDH@Z", "?VekDeallocMemory@@YA_NPEAXPEBDH@Z"})
+        {
+            void *& entry = entries[std::strstr(name, "Dealloc") ? 1 : 0];
+            entry = entry ? entry : reinterpret_cast<void *>(GetProcAddress(library, name));
+        }
+        ASSERT_TRUE(entries[0] && entries[1]);
+        std::vector<void *> blocks(20000);
+        for (void *& block : blocks)
+            block = reinterpret_cast<unsigned char * (*)(unsigned int, char const *, int)>(entries[0])(60, "", 0);
+        for (void * const block : blocks)
+            EXPECT_TRUE(reinterpret_cast<bool (*)(void *, char const *, int)>(entries[1])(block, "", 0));
+        ASSERT_TRUE(FreeLibrary(library));
+        before = round == 0 ? privateBytes() : before;
+    }
+    EXPECT_LT(privateBytes(), before + (8U << 20)) << "about 5 MB were used in each round";
+}
+#endif

@@ -178,6 +178,26 @@ TEST(TypedData, GoldenBytes)
     }
     CVekTypedDataWriter empty;
     EXPECT_EQ(Written(HOST, empty), "\0\0\0\0"s);
+    // So much that the writer holds it in many pieces, one of them larger than others are.
+    std::string const large(20000, 'b');
+    CVekTypedDataWriter much;
+    std::string all(4, '\0');
+    for (int i = 0; i < 40; ++i)
+    {
+        for (Golden const & row : GOLDEN)
+            all += row.write(much) ? "\x01\0\0\0n\0"s + row.value : "?";
+        if (i == 20 && much.WriteString(L"n", large.c_str()))
+            all += "\x01\0\0\0n\0\x0B\0\0\0\x20\x4E\0\0"s + large;
+    }
+    int const count = 40 * static_cast<int>(std::size(GOLDEN)) + 1;
+    std::memcpy(all.data(), &count, sizeof count);
+    for (int const kind : {HOST, MEMORY, BINARY_FILE})
+    {
+        EXPECT_TRUE(Written(kind, much) == all);
+        WithBytes(
+            kind, Written(kind, much, REVERSED),
+            [&](IVekIOStream & stream) { EXPECT_TRUE(Again(CVekTypedDataReader(&stream)) == all); }, REVERSED);
+    }
     CVekTypedDataWriter reversed;
     reversed.WriteInt32(L"\x20AC", 0x01020304);
     reversed.WriteWString(L"", L"a");

@@ -30,14 +30,16 @@ void Churn(unsigned seed, int rounds)
 {
     std::mt19937 random(seed);
     std::vector<Block> live;
+    vek::PoolSpares spares;
     for (int i = 0; i < rounds; ++i)
     {
         if (live.size() < 50 || (random() % 2 && live.size() < 2000))
         {
             std::size_t const size = random() % 10 ? random() % 200 : random() % 9000;
-            Block const block = {static_cast<unsigned char *>(vek::PoolAllocate(size)), size,
-                                 static_cast<unsigned char>(random())};
+            void * const place = random() % 2 ? vek::PoolAllocate(size) : spares.Allocate(size);
+            Block const block = {static_cast<unsigned char *>(place), size, static_cast<unsigned char>(random())};
             ASSERT_NE(block.place, nullptr);
+            ASSERT_EQ(vek::PoolHas(place), size - 1 < vek::POOL_LARGEST) << size;
             ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block.place) % 8, 0U) << size;
             std::memset(block.place, block.mark, size);
             live.push_back(block);
@@ -45,14 +47,22 @@ void Churn(unsigned seed, int rounds)
         }
         std::swap(live[random() % live.size()], live.back());
         Check(live.back());
-        vek::PoolFree(live.back().place, live.back().size);
+        if (random() % 2)
+            vek::PoolFree(live.back().place, live.back().size);
+        else
+            vek::PoolFreeAny(live.back().place);
         live.pop_back();
     }
+    std::vector<void *> rest;
     for (Block const & block : live)
     {
         Check(block);
-        vek::PoolFree(block.place, block.size);
+        if (block.size - 1 < vek::POOL_LARGEST)
+            rest.push_back(block.place);
+        else
+            vek::PoolFreeAny(block.place);
     }
+    vek::PoolFreeMany(rest.data(), rest.size());
 }
 
 TEST(PoolTest, KeepsBlocksApart)
