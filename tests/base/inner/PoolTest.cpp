@@ -1,4 +1,5 @@
 #include "base/Pool.h"
+#include "base/LargeBlocks.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 
 namespace
 {
+
+constexpr std::size_t LARGE = 65536;
 
 struct Block
 {
@@ -24,6 +27,12 @@ void Check(Block const & block)
         ASSERT_EQ(block.place[i], block.mark) << "byte " << i << " of " << block.size;
 }
 
+void Free(Block const & block)
+{
+    Check(block);
+    block.size == LARGE ? vek::LargeFree(block.place, block.size) : vek::PoolFree(block.place, block.size);
+}
+
 // Allocates and frees at random, every block filled with a mark of its own, and checks that no block ever touches
 // another.
 void Churn(unsigned seed, int rounds)
@@ -34,9 +43,9 @@ void Churn(unsigned seed, int rounds)
     {
         if (live.size() < 50 || (random() % 2 && live.size() < 2000))
         {
-            std::size_t const size = random() % 10 ? random() % 200 : random() % 9000;
-            Block const block = {static_cast<unsigned char *>(vek::PoolAllocate(size)), size,
-                                 static_cast<unsigned char>(random())};
+            std::size_t const size = random() % 10 ? random() % 200 : random() % 100 ? random() % 9000 : LARGE;
+            void * const place = size == LARGE ? vek::LargeAllocate(size) : vek::PoolAllocate(size);
+            Block const block = {static_cast<unsigned char *>(place), size, static_cast<unsigned char>(random())};
             ASSERT_NE(block.place, nullptr);
             ASSERT_EQ(reinterpret_cast<std::uintptr_t>(block.place) % 8, 0U) << size;
             std::memset(block.place, block.mark, size);
@@ -44,15 +53,11 @@ void Churn(unsigned seed, int rounds)
             continue;
         }
         std::swap(live[random() % live.size()], live.back());
-        Check(live.back());
-        vek::PoolFree(live.back().place, live.back().size);
+        Free(live.back());
         live.pop_back();
     }
     for (Block const & block : live)
-    {
-        Check(block);
-        vek::PoolFree(block.place, block.size);
-    }
+        Free(block);
 }
 
 TEST(PoolTest, KeepsBlocksApart)
