@@ -25,7 +25,7 @@ constinit std::atomic<CVekMemorySystem *> g_alive{nullptr};
 constinit vek::SpinLock g_guard;
 
 // The buckets outlive the system: a static object that ends later frees a block that is still known. Zeros are empty
-// ones, for what is freed before the system is made.
+// ones; they are made as such when their first block comes, so that loading the library does not touch a megabyte.
 alignas(CVekMemorySystem::Bucket) constinit unsigned char g_buckets[CVekMemorySystem::BUCKET_COUNT]
                                                                    [sizeof(CVekMemorySystem::Bucket)] = {};
 

@@ -167,7 +167,7 @@ public:
     void Append(CVekString const & other) noexcept
     {
         int const count = other.GetLength();
-        if (count <= 0 || count >= GetCapacity() - GetLength() || count > SHORT_PIECE)
+        if (count <= 0 || count > SHORT_PIECE || !TakeRoom(count))
             return AppendString(other);
         AppendHere(other.m_text, count);
     }
@@ -184,8 +184,15 @@ public:
     }
     CVekString & operator+=(T unit) noexcept
     {
+        if (unit && TakeRoom(1))
+        {
+            int const length = Header()[0]++;
+            m_text[length] = unit;
+            m_text[length + 1] = 0;
+            return *this;
+        }
         T const text[2] = {unit, 0};
-        Append(text, 0, 1);
+        AppendAny(text, 0, 1);
         return *this;
     }
     /// Appends formatted text (printf rules; "%s" is text of the string's own width). Nothing is appended when it can't
@@ -268,32 +275,20 @@ private:
     int * Header() const noexcept { return reinterpret_cast<int *>(m_text) - 3; }
     VEK_API static T const * NoText() noexcept;
 
-    // Appends up to count characters (0: all) of a short text that is not the string's own, if there is room.
+    // Appends up to count characters (0: all) of a short text, if there is room. It may be the string's own: that ends
+    // where the new characters begin.
     bool AppendShort(T const * text, int count) noexcept
     {
-        if (!m_text || !text || IsOwn(text))
+        if (!text)
             return false;
-        int * const header = Header();
-        int const length = header[0];
-        int const room = header[1] - length - 1;
-        int limit = room < SHORT_PIECE ? room : SHORT_PIECE;
-        if (count > 0 && count < limit)
-            limit = count;
-        T * const end = m_text + length;
         int added = 0;
-        for (; added < limit; ++added)
-        {
-            T const unit = text[added];
-            if (!unit)
-                break;
-            end[added] = unit;
-        }
-        // More than fits, or than is short: the terminator goes back to where the text ended.
-        bool const isAll = (count > 0 && added == count) || !text[added];
-        end[isAll ? added : 0] = 0;
-        if (isAll)
-            header[0] = length + added;
-        return isAll;
+        for (; (count == 0 || added < count) && text[added]; ++added)
+            if (added == SHORT_PIECE)
+                return false;
+        if (!TakeRoom(added))
+            return false;
+        AppendHere(text, added);
+        return true;
     }
     void AppendHere(T const * text, int count) noexcept
     {
@@ -304,10 +299,32 @@ private:
             end[i] = text[i];
         end[count] = 0;
     }
-    bool IsOwn(T const * text) const noexcept
+    // Whether so many more characters, some at least, fit into the block; then the capacity is raised for them, by just
+    // what AppendAny would ask for. Blocks are rounded up: to 8 bytes, and to an eighth of the power of two below
+    // their size or further. So a size is in the same block as the old one when they differ in the bits below that
+    // only. A string with a grow-by leaves it to AppendAny, and so does one in another object's block, which has a
+    // negative one.
+    bool TakeRoom(int count) noexcept
     {
-        return reinterpret_cast<size_t>(text) - reinterpret_cast<size_t>(m_text) <=
-               static_cast<size_t>(GetLength()) * sizeof(T);
+        if (!m_text || count <= 0)
+            return false;
+        int * const header = Header();
+        int const length = header[0] + count;
+        if (length < header[1])
+            return true;
+        size_t const size = BlockSize(header[1]);
+        size_t const differing = (size - 1) ^ (BlockSize(length + 1) - 1);
+        size_t const eighth = size / 8;
+        // The highest bit of one number is below that of another when both comparisons hold.
+        bool const fits = differing < 8 || (differing < eighth && differing < (differing ^ eighth));
+        if (!fits || header[2] != 0)
+            return false;
+        header[1] = length + 1;
+        return true;
+    }
+    static size_t BlockSize(int capacity) noexcept
+    {
+        return 3 * sizeof(int) + (static_cast<size_t>(capacity) + 1) * sizeof(T);
     }
     VEK_API void AppendAny(T const * text, int start, int count) noexcept;
     VEK_API void AppendString(CVekString const & other) noexcept;

@@ -1,6 +1,5 @@
 #include "lexer/KeywordTable.h"
 
-#include "lexer/WordScan.h"
 #include "text/Fold.h"
 #include "text/Scan.h"
 
@@ -39,6 +38,8 @@ bool KeywordTable::Add(wchar_t const * text, int id, bool caseSensitive) noexcep
         delete keyword;
         return false;
     }
+    if (length > 0)
+        m_lengths[LettersOf(text, length)] |= LengthBit(length);
     m_entries.Append({keyword, HashOf(text, length), NONE});
     Link(static_cast<int>(count - 1));
     return true;

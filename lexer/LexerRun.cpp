@@ -98,6 +98,32 @@ void LexerRun::AdvanceTo(wchar_t const * to) noexcept
         TakeLineFeed();
 }
 
+inline void LexerRun::ScanWord()
+{
+    Place const place = Here();
+    size_t const length = vek::ScanWord(m_at, Available(m_at, m_end, LONGEST_WORD), m_copy);
+    CVekLexer::Tables const * const tables = m_tables.Get();
+    CVekLexer::Keyword const * const keyword = tables ? tables->keywords.Find(m_copy, length) : nullptr;
+    m_at += length;
+    wchar_t const * const text = m_copy;
+    if (keyword)
+        Report(&IVekLexer::Callback::OnKeywordFound, text, keyword->m_id, place.position, place.line, place.column);
+    else
+        Report(&IVekLexer::Callback::OnIdentifierFound, text, place.position, place.line, place.column);
+}
+
+inline void LexerRun::ScanRun()
+{
+    CVekLexer::Tables const * const tables = m_tables.Get();
+    CVekLexer::Operator const * const single = tables ? tables->operators.FindSingle(m_at, m_end) : nullptr;
+    if (!single)
+        return ScanAnyRun();
+    Place const place = Here();
+    ++m_at;
+    wchar_t const * const text = single->m_text;
+    Report(&IVekLexer::Callback::OnOperatorFound, text, single->m_id, place.position, place.line, place.column);
+}
+
 inline void LexerRun::ScanToken()
 {
     switch (ClassOf(*m_at))
@@ -123,21 +149,6 @@ int LexerRun::Parse()
     return stop == Stop::EndOfComment ? static_cast<int>(m_end - m_text) : 0;
 }
 
-void LexerRun::ScanWord()
-{
-    Place const place = Here();
-    uint32_t hash = 0;
-    size_t const length = vek::ScanWord(m_at, Available(m_at, m_end, LONGEST_WORD), m_copy, hash);
-    CVekLexer::Tables const * const tables = m_tables.Get();
-    CVekLexer::Keyword const * const keyword = tables ? tables->keywords.Find(m_copy, length, hash) : nullptr;
-    m_at += length;
-    wchar_t const * const text = m_copy;
-    if (keyword)
-        Report(&IVekLexer::Callback::OnKeywordFound, text, keyword->m_id, place.position, place.line, place.column);
-    else
-        Report(&IVekLexer::Callback::OnIdentifierFound, text, place.position, place.line, place.column);
-}
-
 void LexerRun::ScanNumber()
 {
     Place const place = Here();
@@ -157,7 +168,7 @@ void LexerRun::ScanNumber()
            place.position, place.line, place.column);
 }
 
-void LexerRun::ScanRun()
+void LexerRun::ScanAnyRun()
 {
     Place const place = Here();
     CVekLexer::Tables const * const tables = m_tables.Get();

@@ -54,9 +54,10 @@ private:
     }
 
     VEK_ALWAYS_INLINE void ScanToken();
-    void ScanWord();
+    VEK_ALWAYS_INLINE void ScanWord();
     void ScanNumber();
-    void ScanRun();
+    VEK_ALWAYS_INLINE void ScanRun();
+    VEK_NEVER_INLINE void ScanAnyRun();
     void ReportInvalid(Place const & place);
     void ScanString();
     /// Copies a text to the buffer and terminates it.

@@ -8,7 +8,8 @@
 namespace vek
 {
 
-/// The operators as a tree of their characters: the longest beginning of a run is found in one walk along it.
+/// The operators as a tree of their characters: the longest beginning of a run is found in one walk along it. The steps
+/// of the walk are found by a hash, so that it doesn't matter how many operators there are.
 class OperatorTree
 {
 public:
@@ -18,7 +19,7 @@ public:
         size_t length;                     // of the run's part
     };
 
-    OperatorTree() noexcept;
+    OperatorTree() = default;
     OperatorTree(OperatorTree const &) = delete;
     OperatorTree & operator=(OperatorTree const &) = delete;
     ~OperatorTree();
@@ -27,30 +28,43 @@ public:
     bool Add(wchar_t const * text, int id) noexcept;
     /// Finds the operator for the run at the place, which is not the end.
     Match Find(wchar_t const * at, wchar_t const * end) const noexcept;
+    /// The same for a run of one character, or one of an operator that none goes on from, as most are: told without a
+    /// walk. Null for any other run.
+    CVekLexer::Operator const * FindSingle(wchar_t const * at, wchar_t const * end) const noexcept
+    {
+        wchar_t const unit = *at;
+        if (unit >= CLASSED_UNITS)
+            return nullptr;
+        Head const & head = m_heads[unit];
+        bool const isSingle = end - at == 1 || ClassOf(at[1]) & CLASS_ENDS_RUN || (!head.goesOn && at[1] != 0);
+        return isSingle ? head.first : nullptr;
+    }
 
 private:
     struct Node
     {
+        int parent;
         wchar_t unit;
-        int child;                         // the first of its children; NONE for none, and for the root
-        int sibling;                       // the next in the same list
         CVekLexer::Operator const * first; // the first registered that has this beginning
         CVekLexer::Operator const * whole; // the first registered whose text ends here
     };
+    /// What the tree has for a first character, once more.
+    struct Head
+    {
+        CVekLexer::Operator const * first;
+        bool goesOn; // some operator has another character behind it
+    };
     static constexpr int NONE = -1;
     static constexpr int ROOT = 0;
-    static constexpr size_t ROOTS = 256;
 
-    int FirstChild(int parent, wchar_t unit) const noexcept
-    {
-        return parent == ROOT ? m_roots[unit % ROOTS] : m_nodes[static_cast<size_t>(parent)].child;
-    }
-    int FindChild(int parent, wchar_t unit) const noexcept;
-    int AddChild(int parent, wchar_t unit, CVekLexer::Operator const * first) noexcept;
+    /// The slot of a node, or the empty one where it belongs.
+    size_t FindSlot(int parent, wchar_t unit) const noexcept;
+    bool MakeSlots(size_t nodes) noexcept;
 
     Buffer<CVekLexer::Operator *> m_operators;
     Buffer<Node> m_nodes;
-    int m_roots[ROOTS]; // the lists of the root's children, by the low byte of their characters
+    Buffer<int> m_slots; // a power of two, at least half of them empty, or none
+    Head m_heads[CLASSED_UNITS] = {};
 };
 
 } // namespace vek

@@ -34,12 +34,12 @@ int CVekToken::GetTextLength() const
 
 int CVekToken::GetID() const
 {
-    return m_kind & (IVekTokenizer::TOKEN_KEYWORD | IVekTokenizer::TOKEN_OPERATOR) ? m_number : 0;
+    return m_kind & (IVekTokenizer::TOKEN_KEYWORD | IVekTokenizer::TOKEN_OPERATOR) ? m_value[0] : 0;
 }
 
 int CVekToken::GetInteger() const
 {
-    return m_kind == IVekTokenizer::TOKEN_INTEGER ? m_number : 0;
+    return m_kind == IVekTokenizer::TOKEN_INTEGER ? m_value[0] : 0;
 }
 
 IVekLexer::NUM_FORMAT CVekToken::GetNumFormat() const
@@ -49,7 +49,11 @@ IVekLexer::NUM_FORMAT CVekToken::GetNumFormat() const
 
 double CVekToken::GetFloat() const
 {
-    return m_kind == IVekTokenizer::TOKEN_FLOAT ? m_real : GetInteger();
+    if (m_kind != IVekTokenizer::TOKEN_FLOAT)
+        return GetInteger();
+    double value;
+    memcpy(&value, m_value, sizeof value);
+    return value;
 }
 
 int CVekToken::GetPosition() const

@@ -2,6 +2,8 @@
 
 #include "VekLexer.h"
 
+#include <string.h>
+
 namespace vek
 {
 class TokenList;
@@ -11,7 +13,10 @@ class TokenList;
 class CVekToken final : public IVekTokenizer::IToken
 {
 public:
-    explicit CVekToken(vek::TokenList * list) : m_list(list) {}
+    CVekToken(vek::TokenList * list, wchar_t const * text, int textLength)
+        : m_list(list), m_text(text), m_textLength(textLength)
+    {
+    }
     CVekToken(CVekToken const &) = delete;
     CVekToken & operator=(CVekToken const &) = delete;
 
@@ -30,18 +35,17 @@ public:
     int GetLine() const override;
     int GetColumn() const override;
 
+    void SetReal(double value) { memcpy(m_value, &value, sizeof value); }
+
     vek::TokenList * const m_list;
-    wchar_t const * m_text = nullptr;
-    int m_textLength = 0;
+    wchar_t const * m_text;
+    int m_textLength;
     int m_position = 0;
     int m_length = 0;
     int m_line = 0;
     int m_column = 0;
     unsigned char m_kind = 0;
     unsigned char m_format = IVekLexer::NUM_DECIMAL;
-    union
-    {
-        int m_number = 0; // an identifier or an integer
-        double m_real;
-    };
+    int m_value[2] =
+        {}; // an identifier or an integer, or the two halves of a double, which would need an aligned place
 };

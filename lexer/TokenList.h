@@ -3,9 +3,11 @@
 #include "VekCore.h"
 
 #include "base/Buffer.h"
+#include "base/Pool.h"
 #include "lexer/Token.h"
+#include "lexer/TokenTexts.h"
 
-#include <bit>
+#include <new>
 
 namespace vek
 {
@@ -20,49 +22,47 @@ public:
     TokenList & operator=(TokenList const &) = delete;
     ~TokenList() override;
 
-    /// Adds a token with a terminated copy of its text; null, with nothing added, when memory is exhausted.
-    CVekToken * Add(wchar_t const * text, size_t length) noexcept;
+    /// Adds a token with a copy of its text; null, with nothing added, when memory is exhausted.
+    CVekToken * Add(wchar_t const * text, size_t length) noexcept
+    {
+        return NeedBlock() ? Place(m_texts.Copy(text, length), length) : nullptr;
+    }
+    /// Likewise with a terminated text.
+    CVekToken * Add(wchar_t const * text) noexcept
+    {
+        size_t length = 0;
+        wchar_t const * const copy = NeedBlock() ? m_texts.CopyTerminated(text, length) : nullptr;
+        return Place(copy, length);
+    }
 
     int Count() const noexcept { return m_count; }
     /// The index must be inside the list.
     CVekToken * At(int index) const noexcept
     {
         auto const at = static_cast<size_t>(index);
-        if (at >= LARGEST_BLOCK)
-            return m_blocks[LARGE_BLOCKS - 1 + at / LARGEST_BLOCK] + at % LARGEST_BLOCK;
-        size_t const block = BlockOf(at);
-        return m_blocks[block] + (at - BlockStart(block));
+        return m_blocks[at / BLOCK_TOKENS] + at % BLOCK_TOKENS;
     }
 
 private:
-    // The blocks of tokens double up to the largest size, and then have that: 64, 64, 128, ... 2,048, 4,096, 4,096, ...
-    static constexpr size_t SMALLEST_BLOCK = 64;
-    static constexpr size_t LARGEST_BLOCK = 4096;
-    static constexpr size_t LARGE_BLOCKS = 7; // the first of that size
-    static constexpr size_t BLOCK_UNITS = 16 * 1024;
-    // Texts that were added lately, to be shared by tokens that have the same.
-    static constexpr size_t RECENT_TEXTS = 512;
-    static constexpr size_t LONGEST_SHARED = 32;
-    struct RecentText
+    // The blocks are the pool's: a list that goes leaves them to the next one, as they are.
+    static constexpr size_t BLOCK_BYTES = 5120;
+    static constexpr size_t BLOCK_TOKENS = BLOCK_BYTES / sizeof(CVekToken);
+
+    bool NeedBlock() noexcept { return m_next != m_blockEnd || NewBlock(); }
+    bool NewBlock() noexcept;
+    CVekToken * Place(wchar_t const * text, size_t length) noexcept
     {
-        wchar_t const * text;
-        size_t length;
-    };
-
-    static size_t BlockOf(size_t index) noexcept { return static_cast<size_t>(std::bit_width(index / SMALLEST_BLOCK)); }
-    static size_t BlockStart(size_t block) noexcept { return block == 0 ? 0 : SMALLEST_BLOCK << (block - 1); }
-
-    bool NeedBlock() noexcept;
-    wchar_t const * ShareText(wchar_t const * text, size_t length) noexcept;
-    wchar_t * AddText(wchar_t const * text, size_t length) noexcept;
-    wchar_t * NewTextBlock(size_t units) noexcept;
+        if (!text)
+            return nullptr;
+        ++m_count;
+        return new (m_next++) CVekToken(this, text, static_cast<int>(length));
+    }
 
     int m_count = 0;
     Buffer<CVekToken *> m_blocks;
-    Buffer<wchar_t *> m_textBlocks;
-    wchar_t * m_room = nullptr; // of the block that is being filled
-    size_t m_roomUnits = 0;
-    RecentText m_recent[RECENT_TEXTS] = {};
+    CVekToken * m_next = nullptr; // of the last block
+    CVekToken * m_blockEnd = nullptr;
+    TokenTexts m_texts;
 };
 
 } // namespace vek

@@ -26,18 +26,20 @@ public:
     void OnError(wchar_t const * text, int position, int line, int column) override;
 
 private:
-    /// A piece of text: a token's own text and how far it reaches in the whole.
-    struct Piece
-    {
-        wchar_t const * text;
-        size_t length;
-        size_t reach;
-    };
-
     /// The place in the text, its end for a position outside.
     wchar_t const * At(int position) const;
-    static Piece WholeText(wchar_t const * reported, wchar_t const * place, size_t length, size_t reach);
-    CVekToken * Add(IVekTokenizer::TOKEN_KIND kind, Piece const & piece, int position, int line, int column);
+    /// The characters that are there from the place, at most that many.
+    int Reach(int position, int length) const;
+    /// Adds a token with the text that is told.
+    CVekToken * AddTold(IVekTokenizer::TOKEN_KIND kind, wchar_t const * text, int position, int line, int column);
+    /// Adds a token with a text of that length.
+    CVekToken * Add(IVekTokenizer::TOKEN_KIND kind, wchar_t const * text, size_t length, int position, int line,
+                    int column);
+    CVekToken * AddNumber(IVekTokenizer::TOKEN_KIND kind, int position, int line, int column);
+    /// Adds a token with the characters at the place, unless another text is told.
+    CVekToken * AddWhole(IVekTokenizer::TOKEN_KIND kind, wchar_t const * told, wchar_t const * place, size_t length,
+                         int position, int line, int column);
+    CVekToken * Finish(CVekToken * token, IVekTokenizer::TOKEN_KIND kind, int position, int line, int column);
 
     wchar_t const * m_text;
     wchar_t const * m_end;

@@ -12,6 +12,13 @@
 namespace vek
 {
 
+/// The first of 8 characters, and zeros.
+inline __m128i KeepFirst(__m128i units, size_t count) noexcept
+{
+    static uint16_t const keep[16] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
+    return _mm_and_si128(units, _mm_loadu_si128(reinterpret_cast<__m128i const *>(keep + 8 - count)));
+}
+
 /// Hashes texts without regard to the case of ASCII letters, 8 characters at a time. Each text is given in whole blocks
 /// and a last one, which may be empty.
 class WordHash
@@ -24,12 +31,7 @@ public:
         __m128i const turned = _mm_or_si128(_mm_slli_epi32(m_sums, 7), _mm_srli_epi32(m_sums, 25));
         m_sums = _mm_add_epi32(turned, _mm_madd_epi16(folded, weights));
     }
-    void AddLast(__m128i units, size_t count) noexcept
-    {
-        static uint16_t const keep[16] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
-        __m128i const mask = _mm_loadu_si128(reinterpret_cast<__m128i const *>(keep + 8 - count));
-        Add(_mm_and_si128(units, mask));
-    }
+    void AddLast(__m128i units, size_t count) noexcept { Add(KeepFirst(units, count)); }
     uint32_t Get() const noexcept
     {
         __m128i const halves = _mm_add_epi32(m_sums, _mm_shuffle_epi32(m_sums, _MM_SHUFFLE(1, 0, 3, 2)));
@@ -53,17 +55,27 @@ inline uint32_t HashOf(wchar_t const * text, size_t length) noexcept
     hash.AddLast(LoadPart(text, length), length);
     return hash.Get();
 }
+/// The same for a text that stands in whole blocks of 8 characters.
+inline uint32_t HashOfBlocks(wchar_t const * text, size_t length) noexcept
+{
+    WordHash hash;
+    for (; length >= 8; text += 8, length -= 8)
+        hash.Add(_mm_loadu_si128(reinterpret_cast<__m128i const *>(text)));
+    hash.AddLast(_mm_loadu_si128(reinterpret_cast<__m128i const *>(text)), length);
+    return hash.Get();
+}
 
 /// The leading letters, digits and underscores among 8 characters.
 inline size_t CountWordUnits(__m128i units) noexcept
 {
-    auto const isBetween = [](__m128i unit, char first, char last)
+    // The characters from first on are the lowest numbers when that is the lowest.
+    auto const isAmong = [](__m128i unit, char first, int count)
     {
-        return _mm_and_si128(_mm_cmpgt_epi16(unit, _mm_set1_epi16(static_cast<short>(first - 1))),
-                             _mm_cmplt_epi16(unit, _mm_set1_epi16(static_cast<short>(last + 1))));
+        __m128i const ranks = _mm_add_epi16(unit, _mm_set1_epi16(static_cast<short>(0x8000 - first)));
+        return _mm_cmplt_epi16(ranks, _mm_set1_epi16(static_cast<short>(-0x8000 + count)));
     };
-    __m128i const letters = isBetween(_mm_or_si128(units, _mm_set1_epi16(0x20)), 'a', 'z');
-    __m128i const digits = isBetween(units, '0', '9');
+    __m128i const letters = isAmong(_mm_or_si128(units, _mm_set1_epi16(0x20)), 'a', 26);
+    __m128i const digits = isAmong(units, '0', 10);
     __m128i const underscores = _mm_cmpeq_epi16(units, _mm_set1_epi16('_'));
     int const inWord = _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), underscores));
     unsigned int const others = ~static_cast<unsigned int>(inWord);
@@ -75,9 +87,8 @@ inline size_t CountWordUnits(__m128i units) noexcept
 constexpr size_t WORD_SLACK = 8;
 
 /// Copies the word at the place, at most that many characters of it, and terminates it. Returns its length.
-inline size_t ScanWord(wchar_t const * text, size_t available, wchar_t * copy, uint32_t & hash) noexcept
+inline size_t ScanWord(wchar_t const * text, size_t available, wchar_t * copy) noexcept
 {
-    WordHash sum;
     size_t length = 0;
     size_t units = 8;
     while (units == 8)
@@ -86,16 +97,11 @@ inline size_t ScanWord(wchar_t const * text, size_t available, wchar_t * copy, u
         bool const isWhole = rest >= 8;
         __m128i const block =
             isWhole ? _mm_loadu_si128(reinterpret_cast<__m128i const *>(text + length)) : LoadPart(text + length, rest);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(copy + length), block);
         units = CountWordUnits(block);
-        if (units == 8)
-            sum.Add(block);
-        else
-            sum.AddLast(block, units);
+        // The terminator goes with them: whoever loads the whole block next need not wait for two stores.
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(copy + length), KeepFirst(block, units));
         length += units;
     }
-    copy[length] = 0;
-    hash = sum.Get();
     return length;
 }
 

@@ -3,6 +3,7 @@
 #include "VekText.h"
 
 #include "base/QuietRuntime.h"
+#include "text/Fold.h"
 
 #include <emmintrin.h>
 #include <stdio.h>
@@ -52,6 +53,7 @@ struct CharTraits<char>
 
     static __m128i Splat(char unit) noexcept { return _mm_set1_epi8(unit); }
     static __m128i Equal(__m128i a, __m128i b) noexcept { return _mm_cmpeq_epi8(a, b); }
+    static __m128i Fold(__m128i units) noexcept { return FoldAsciiBytes(units); }
 };
 
 template <>
@@ -85,6 +87,7 @@ struct CharTraits<wchar_t>
 
     static __m128i Splat(wchar_t unit) noexcept { return _mm_set1_epi16(static_cast<short>(unit)); }
     static __m128i Equal(__m128i a, __m128i b) noexcept { return _mm_cmpeq_epi16(a, b); }
+    static __m128i Fold(__m128i units) noexcept { return FoldAscii(units); }
 };
 
 } // namespace vek

@@ -12,12 +12,18 @@ constexpr T FoldAscii(T unit) noexcept
     return unit >= T('a') && unit <= T('z') ? static_cast<T>(unit - ('a' - 'A')) : unit;
 }
 
-/// The same for 8 wide characters.
+/// The same for 8 wide or 16 narrow characters: the letters are the lowest numbers when their first one is the lowest.
 inline __m128i FoldAscii(__m128i units) noexcept
 {
-    __m128i const letters =
-        _mm_and_si128(_mm_cmpgt_epi16(units, _mm_set1_epi16('a' - 1)), _mm_cmplt_epi16(units, _mm_set1_epi16('z' + 1)));
+    __m128i const ranks = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(0x8000 - 'a')));
+    __m128i const letters = _mm_cmplt_epi16(ranks, _mm_set1_epi16(static_cast<short>(-0x8000 + 26)));
     return _mm_sub_epi16(units, _mm_and_si128(letters, _mm_set1_epi16('a' - 'A')));
+}
+inline __m128i FoldAsciiBytes(__m128i units) noexcept
+{
+    __m128i const ranks = _mm_add_epi8(units, _mm_set1_epi8(static_cast<char>(0x80 - 'a')));
+    __m128i const letters = _mm_cmplt_epi8(ranks, _mm_set1_epi8(static_cast<char>(-0x80 + 26)));
+    return _mm_sub_epi8(units, _mm_and_si128(letters, _mm_set1_epi8('a' - 'A')));
 }
 
 /// Whether two pieces of the same length are equal when the letters a-z are folded.

@@ -2,6 +2,7 @@
 
 #include "VekText.h"
 
+#include "base/LargeBlocks.h"
 #include "base/Pool.h"
 
 #include <limits.h>
@@ -63,12 +64,16 @@ struct StringAccess
 
     /// The size of the block for a capacity. Blocks are rounded up, so that a text that grows by small pieces is not
     /// copied each time, although its capacity grows by just what is asked for: to 8 or 16 bytes, from 128 bytes on by
-    /// up to an eighth, as the pool does anyway, from 8 KB by up to a half, from 1 MB by up to a quarter.
+    /// up to an eighth, as the pool does anyway, from 8 KB to the next power of two, from 64 MB by up to a quarter.
+    /// Kept: no less than that up to an eighth, the inline appending of programs relies on it.
     static size_t BlockBytes(int capacity) noexcept
     {
         size_t const bytes = sizeof(StringHeader) + (static_cast<size_t>(capacity) + 1) * sizeof(T);
-        size_t const parts = bytes <= 8 * 1024 ? 8 : bytes <= 1024 * 1024 ? 2 : 4;
-        size_t const step = bytes <= 64 ? 8 : bytes <= 128 ? 16 : std::bit_floor(bytes) / parts;
+        if (bytes > POOL_LARGEST && bytes <= LARGEST_DOUBLED)
+            return std::bit_ceil(bytes);
+        size_t const step = bytes <= 64    ? 8
+                            : bytes <= 128 ? 16
+                                           : std::bit_floor(bytes) / (bytes <= POOL_LARGEST ? 8 : 4);
         return (bytes + step - 1) & ~(step - 1);
     }
     /// Makes an empty text of that capacity; null when there is no memory for it.
@@ -77,7 +82,9 @@ struct StringAccess
         if (capacity > static_cast<size_t>(MAX_CAPACITY))
             return nullptr;
         int const units = static_cast<int>(capacity);
-        auto * const header = static_cast<StringHeader *>(PoolAllocate(BlockBytes(units)));
+        size_t const bytes = BlockBytes(units);
+        auto * const header =
+            static_cast<StringHeader *>(bytes <= POOL_LARGEST ? PoolAllocate(bytes) : LargeAllocate(bytes));
         if (!header)
             return nullptr;
         *header = {0, units, growBy};
@@ -98,8 +105,10 @@ struct StringAccess
     }
     static void Free(T * text) noexcept
     {
-        if (text && !IsEmbedded(text))
-            PoolFree(&Header(text), BlockBytes(Header(text).capacity));
+        if (!text || IsEmbedded(text))
+            return;
+        size_t const bytes = BlockBytes(Header(text).capacity);
+        bytes <= POOL_LARGEST ? PoolFree(&Header(text), bytes) : LargeFree(&Header(text), bytes);
     }
     static void SetLength(T * text, size_t length) noexcept
     {
@@ -144,6 +153,7 @@ struct StringAccess
     }
 
 private:
+    static constexpr size_t LARGEST_DOUBLED = 64 * 1024 * 1024;
     static constexpr int EMBEDDED = INT_MIN; // in place of the grow-by
 
     static bool IsEmbedded(T * text) noexcept { return Header(text).growBy == EMBEDDED; }

@@ -292,14 +292,18 @@ TEST_F(Tokenizer, ReadsStreams)
 TEST_F(Tokenizer, BearsAnOddLexerAndMillionsOfTokens)
 {
     OddLexer odd;
-    ASSERT_TRUE(tokenizer->Tokenize(&odd, L"a\"+1", 4));
-    EXPECT_EQ(tokenizer->GetNumTokens(), 42);
-    for (int i = 0; i < 42; ++i)
+    std::vector<wchar_t> const exact = {L'a', L'"', L'+', L'1'};
+    for (wchar_t const * const source : {static_cast<wchar_t const *>(nullptr), exact.data()})
     {
-        Token const & token = *tokenizer->GetToken(i);
-        EXPECT_EQ(token.GetText()[token.GetTextLength()], 0);
-        EXPECT_LE(token.GetLength(), 4);
-        tokenizer->FindTokenAt(token.GetPosition());
+        ASSERT_TRUE(tokenizer->Tokenize(&odd, source, 4));
+        EXPECT_EQ(tokenizer->GetNumTokens(), 42);
+        for (int i = 0; i < 42; ++i)
+        {
+            Token const & token = *tokenizer->GetToken(i);
+            EXPECT_EQ(token.GetText()[token.GetTextLength()], 0);
+            EXPECT_LE(token.GetLength(), 4);
+            tokenizer->FindTokenAt(token.GetPosition());
+        }
     }
     EXPECT_EQ(tokenizer->GetToken(3)->GetFloat(), 0.1);
     EXPECT_EQ(odd.GetCallback(), nullptr);

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdarg>
 #include <cstdlib>
+#include <random>
 #include <tuple>
 
 namespace
@@ -85,6 +86,36 @@ TYPED_TEST(StringFunctions, Compare)
     TypeParam const * const none = nullptr;
     CVekString<TypeParam> const empty, full(Text<TypeParam>("a").c_str());
     EXPECT_TRUE(empty.Compare(none) == 0 && full.Compare(none) == -1 && empty == none && full > none && none < full);
+}
+
+// Beside a walk of one character a step; now and then over borders of pages.
+TYPED_TEST(StringFunctions, CompareOfAnyLength)
+{
+    std::mt19937 random(3);
+    auto const unit = [&random] { return static_cast<TypeParam>("aAzZ@`[{\xE1\x7F"[random() % 10]); };
+    auto const flipped = [](TypeParam of)
+    { return (of | 32) >= 'a' && (of | 32) <= 'z' ? static_cast<TypeParam>(of ^ 32) : of; };
+    for (int round = 0; round < 4000; ++round)
+    {
+        bool const caseSensitive = random() % 2;
+        size_t const length = round % 100 ? random() % 80 : 6000;
+        std::vector<TypeParam> first(length + 1), second(random() % 4 ? length + 1 : random() % (length + 1) + 1);
+        for (size_t i = 0; i < length; ++i)
+            first[i] = unit();
+        for (size_t i = 0; i + 1 < second.size(); ++i)
+            second[i] = random() % (2 * length) == 0 ? unit() : caseSensitive ? first[i] : flipped(first[i]);
+        int const count = random() % 2 ? INT_MAX : static_cast<int>(random() % (length + 20));
+        auto const key = [caseSensitive](TypeParam of) {
+            return of == 0 ? INT_MIN : caseSensitive || of < 'a' || of > 'z' ? int(of) : of - 32;
+        };
+        size_t at = 0;
+        while (first[at] && key(first[at]) == key(second[at]))
+            ++at;
+        int const order = (key(first[at]) > key(second[at])) - (key(first[at]) < key(second[at]));
+        ASSERT_EQ(Api<TypeParam>::CompareCounted(first.data(), second.data(), count, caseSensitive),
+                  at < static_cast<size_t>(count) ? order : 0)
+            << "of " << length << ", different at " << at;
+    }
 }
 
 TEST(StringFunctionsWidth, KeptNarrowCharactersAreComparedSigned)

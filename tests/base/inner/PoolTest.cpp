@@ -1,4 +1,5 @@
 #include "base/Pool.h"
+#include "base/LargeBlocks.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 
 namespace
 {
+
+constexpr std::size_t LARGE = 65536;
 
 struct Block
 {
@@ -24,6 +27,17 @@ void Check(Block const & block)
         ASSERT_EQ(block.place[i], block.mark) << "byte " << i << " of " << block.size;
 }
 
+void Free(Block const & block, bool isSizeKnown)
+{
+    Check(block);
+    if (block.size == LARGE)
+        vek::LargeFree(block.place, block.size);
+    else if (isSizeKnown)
+        vek::PoolFree(block.place, block.size);
+    else
+        vek::PoolFreeAny(block.place);
+}
+
 // Allocates and frees at random, every block filled with a mark of its own, and checks that no block ever touches
 // another.
 void Churn(unsigned seed, int rounds)
@@ -35,8 +49,10 @@ void Churn(unsigned seed, int rounds)
     {
         if (live.size() < 50 || (random() % 2 && live.size() < 2000))
         {
-            std::size_t const size = random() % 10 ? random() % 200 : random() % 9000;
-            void * const place = random() % 2 ? vek::PoolAllocate(size) : spares.Allocate(size);
+            std::size_t const size = random() % 10 ? random() % 200 : random() % 100 ? random() % 9000 : LARGE;
+            void * const place = size == LARGE  ? vek::LargeAllocate(size)
+                                 : random() % 2 ? vek::PoolAllocate(size)
+                                                : spares.Allocate(size);
             Block const block = {static_cast<unsigned char *>(place), size, static_cast<unsigned char>(random())};
             ASSERT_NE(block.place, nullptr);
             ASSERT_EQ(vek::PoolHas(place), size - 1 < vek::POOL_LARGEST) << size;
@@ -46,21 +62,19 @@ void Churn(unsigned seed, int rounds)
             continue;
         }
         std::swap(live[random() % live.size()], live.back());
-        Check(live.back());
-        if (random() % 2)
-            vek::PoolFree(live.back().place, live.back().size);
-        else
-            vek::PoolFreeAny(live.back().place);
+        Free(live.back(), random() % 2);
         live.pop_back();
     }
     std::vector<void *> rest;
     for (Block const & block : live)
     {
-        Check(block);
-        if (block.size - 1 < vek::POOL_LARGEST)
-            rest.push_back(block.place);
+        if (block.size - 1 >= vek::POOL_LARGEST)
+            Free(block, random() % 2);
         else
-            vek::PoolFreeAny(block.place);
+        {
+            Check(block);
+            rest.push_back(block.place);
+        }
     }
     vek::PoolFreeMany(rest.data(), rest.size());
 }
