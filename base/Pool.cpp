@@ -8,6 +8,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <bit>
 #include <mutex>
 #include <new>
@@ -19,7 +20,7 @@ namespace
 
 // Chunks of one size class each, 64 KiB at an address that is a multiple of it, so that a block's chunk is found by
 // masking its address. Chunks are cut from regions that are given back to the system when all their chunks are free.
-constexpr size_t CHUNK_BYTES = 64 * 1024;
+constexpr size_t CHUNK_BYTES = POOL_STRETCH;
 constexpr size_t REGION_CHUNKS = 16;
 constexpr uint32_t ALL_CHUNKS_FREE = (1U << REGION_CHUNKS) - 1;
 constexpr size_t IDLE_REGIONS_KEPT = 64;
@@ -32,6 +33,7 @@ constexpr uint16_t CLASS_BYTES[] = {8,    16,   24,   32,   40,   48,   56,   64
 constexpr size_t CLASS_COUNT = sizeof CLASS_BYTES / sizeof CLASS_BYTES[0];
 constexpr size_t LARGEST = CLASS_BYTES[CLASS_COUNT - 1];
 static_assert(LARGEST == POOL_LARGEST);
+constexpr size_t ROW = CLASS_COUNT;
 
 struct Region
 {
@@ -52,8 +54,8 @@ struct Chunk
     FreeBlock * freeBlocks;
     uint32_t freshOffset; // where the never used rest begins
     uint32_t used;
-    Region * region; // in the region's first chunk the region's record follows this header
-    size_t classIndex;
+    Region * region;   // in the region's first chunk the region's record follows this header
+    size_t classIndex; // ROW: blocks of any size, which are only counted
 };
 
 // Blocks of 16 bytes and more that are a multiple of 16 stand at addresses that are one, too.
@@ -234,9 +236,34 @@ void * TakeBlock(size_t classIndex) noexcept
     return block;
 }
 
+Chunk * ChunkOf(void const * address) noexcept
+{
+    return reinterpret_cast<Chunk *>(reinterpret_cast<uintptr_t>(address) & ~(CHUNK_BYTES - 1));
+}
+
+// Counted among the blocks of a chunk that a row may still take blocks from, so that it is not given back meanwhile.
+constexpr uint32_t LEASED = 1U << 31;
+
+// The chunk that a row left, for the next one; null when it is taken.
+constinit std::atomic<Chunk *> g_openRow{nullptr};
+
+void GiveRowBlocks(Chunk * chunk, uint32_t count) noexcept
+{
+    if (std::atomic_ref(chunk->used).fetch_sub(count, std::memory_order_acq_rel) == count)
+        g_regions.GiveBack(chunk);
+}
+
+// No block of it is left but those that the next row will take.
+bool IsUnused(Chunk * chunk) noexcept
+{
+    return std::atomic_ref(chunk->used).load(std::memory_order_acquire) == LEASED;
+}
+
 void GiveBlock(void * block) noexcept
 {
-    auto * const chunk = reinterpret_cast<Chunk *>(reinterpret_cast<uintptr_t>(block) & ~(CHUNK_BYTES - 1));
+    Chunk * const chunk = ChunkOf(block);
+    if (chunk->classIndex == ROW)
+        return GiveRowBlocks(chunk, 1);
     SizeClass & sizeClass = g_classes[chunk->classIndex];
     std::lock_guard const guard(sizeClass.lock);
     bool const wasFull = IsFull(chunk, CLASS_BYTES[chunk->classIndex]);
@@ -273,6 +300,71 @@ void PoolFree(void * block, size_t size) noexcept
         GiveBlock(block); // its class is its chunk's
     else
         free(block);
+}
+
+bool PoolRow::FitAnew(size_t bytes) noexcept
+{
+    ++m_stretch;
+    if (LARGEST_POOLED == 0)
+        return true;
+    Chunk * chunk = nullptr;
+    if (m_place)
+    {
+        Chunk * const full = ChunkOf(m_place - 1);
+        // What was taken is counted now, all at once.
+        GiveRowBlocks(full, LEASED - m_taken);
+    }
+    else
+        chunk = g_openRow.exchange(nullptr, std::memory_order_acquire);
+    m_place = m_end = nullptr;
+    m_taken = 0;
+    if (chunk && chunk->freshOffset + bytes + ALIGNMENT > CHUNK_BYTES && !IsUnused(chunk))
+    {
+        GiveRowBlocks(chunk, LEASED);
+        chunk = nullptr;
+    }
+    if (!chunk)
+    {
+        chunk = g_regions.TakeChunk();
+        if (!chunk)
+            return false;
+        chunk->classIndex = ROW;
+        chunk->used = LEASED;
+    }
+    if (IsUnused(chunk))
+        chunk->freshOffset = HEADER_BYTES;
+    m_place = reinterpret_cast<char *>(chunk) + chunk->freshOffset;
+    m_end = reinterpret_cast<char *>(chunk) + CHUNK_BYTES;
+    return true;
+}
+
+void PoolRow::End() noexcept
+{
+    if (!m_place)
+        return;
+    Chunk * const chunk = ChunkOf(m_place - 1);
+    chunk->freshOffset = static_cast<uint32_t>(m_place - reinterpret_cast<char *>(chunk));
+    std::atomic_ref(chunk->used).fetch_add(m_taken, std::memory_order_relaxed);
+    if (Chunk * const other = g_openRow.exchange(chunk, std::memory_order_acq_rel))
+        GiveRowBlocks(other, LEASED);
+    m_place = m_end = nullptr;
+    m_taken = 0;
+}
+
+void PoolBatch::FreeAnother(void * block, size_t size) noexcept
+{
+    if (!block || size - 1 >= LARGEST_POOLED || ChunkOf(block)->classIndex != ROW)
+        return PoolFree(block, size);
+    Flush();
+    m_stretch = reinterpret_cast<uintptr_t>(block) / POOL_STRETCH;
+    m_count = 1;
+}
+
+void PoolBatch::Flush() noexcept
+{
+    if (m_count > 0)
+        GiveRowBlocks(reinterpret_cast<Chunk *>(m_stretch * POOL_STRETCH), m_count);
+    m_count = 0;
 }
 
 size_t PoolReservedBytes() noexcept

@@ -2,7 +2,6 @@
 
 #include "text/Names.h"
 #include "xml/ListIndex.h"
-#include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLVariantText.h"
@@ -140,21 +139,6 @@ bool CVekXMLElement::RemoveAttribute(int index)
 void CVekXMLElement::RemoveAllAttributes()
 {
     DestroyAttributes();
-}
-
-void CVekXMLElement::DestroyAttributes()
-{
-    vek::ListIndex::Drop(m_attributes);
-    for (int i = 0; i < m_attributes.GetCount(); ++i)
-    {
-        CVekXMLAttribute * const attribute = m_attributes[i];
-        if (!vek::DropReference(attribute->m_common))
-            continue;
-        // Attributes are made here and by the parser only, and never of a derived class: no table is needed to end one.
-        attribute->CVekXMLAttribute::~CVekXMLAttribute();
-        CVekPooled::operator delete(attribute, sizeof *attribute);
-    }
-    m_attributes.Free();
 }
 
 CVekString<wchar_t> const & CVekXMLElement::GetAttributeName(int index) const

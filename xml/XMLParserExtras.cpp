@@ -302,7 +302,7 @@ void CVekXMLParser::State::OnEndSection()
 
 void CVekXMLParser::State::OnComment(wchar_t const * text)
 {
-    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode({L"#comment", 8}, text, wcslen(text))))
+    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode(L"#comment", text, wcslen(text))))
         Abort();
 }
 
@@ -311,7 +311,7 @@ void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const *
     if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS) || !IsInside())
         return;
     size_t const length = wcslen(target);
-    CVekXMLElement * const node = Flush() ? AddNode({L"#processing-instruction", 23}, text, wcslen(text)) : nullptr;
+    CVekXMLElement * const node = Flush() ? AddNode(L"#processing-instruction", text, wcslen(text)) : nullptr;
     auto * const attribute = node && length < INT_MAX / sizeof(wchar_t)
                                  ? CVekXMLAttribute::Make(L"target", 6, target, static_cast<int>(length))
                                  : nullptr;
@@ -330,7 +330,7 @@ void CVekXMLParser::State::OnReferencePiece(wchar_t const * text, int length)
         return;
     bool const isWhole = text[length - 1] == L';';
     if (!reference.Append(text, static_cast<size_t>(length)) ||
-        (isWhole && (!Flush() || !AddNode({L"#entity-reference", 17}, reference.Data() + 1,
+        (isWhole && (!Flush() || !AddNode(L"#entity-reference", reference.Data() + 1,
                                           reference.Size() - 2)))) // without & and ;
         return Abort();
     if (isWhole)
@@ -345,14 +345,14 @@ bool CVekXMLParser::State::Flush()
 bool CVekXMLParser::State::FlushSection()
 {
     extras->hasSection = false;
-    return AddNode({L"#cdata-section", 14}, reinterpret_cast<wchar_t const *>(cdata.Data()),
+    return AddNode(L"#cdata-section", reinterpret_cast<wchar_t const *>(cdata.Data()),
                    cdata.Size() / sizeof(wchar_t)) != nullptr;
 }
 
 bool CVekXMLParser::State::FlushText()
 {
     bool const isKept = !extras->text.Empty() && Keeps(extras->isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT);
-    bool const isDone = !isKept || AddNode({L"#text", 5}, extras->text.Data(), extras->text.Size());
+    bool const isDone = !isKept || AddNode(L"#text", extras->text.Data(), extras->text.Size());
     extras->text.Clear();
     extras->isBlank = true;
     extras->isOneSection = false;
@@ -372,13 +372,13 @@ bool CVekXMLParser::State::FlushAtEnd()
     extras->text.Clear();
     extras->isBlank = true;
     extras->isOneSection = false;
-    return cdata.Size() <= INT_MAX && element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size()));
+    return AddSection(element);
 }
 
-CVekXMLElement * CVekXMLParser::State::AddNode(NodeName const & name, wchar_t const * text, size_t length)
+CVekXMLElement * CVekXMLParser::State::AddNode(wchar_t const * name, wchar_t const * text, size_t length)
 {
-    auto * const node = CVekXMLElement::MakeNode(name.text, name.length, text, length * sizeof(wchar_t));
+    auto * const node = m_maker.MakeNode(name, text, length * sizeof(wchar_t));
     if (!node)
-        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name.text);
+        VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name);
     return node && AddChild(node) ? node : nullptr;
 }

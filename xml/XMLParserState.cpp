@@ -207,6 +207,7 @@ bool CVekXMLParser::State::PushRoot(CVekXMLElement * element)
 
 void CVekXMLParser::State::LeaveElements()
 {
+    m_maker.End();
     stack.Free();
     m_hostChild.Reset();
     m_root.Reset();
@@ -247,8 +248,7 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
         return KnowExistingAttributes(stack.Back()) ? stack.Back() : nullptr;
     }
     m_names.BeginElement();
-    size_t const length = wcslen(name);
-    auto * const element = length <= INT_MAX ? CVekXMLManager::NewElement(name, static_cast<int>(length)) : nullptr;
+    CVekXMLElement * const element = CVekXMLManager::Made(m_maker.MakeElement(name));
     if (!element)
     {
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
@@ -269,7 +269,7 @@ bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
     }
     else
     {
-        isAdded = parent.m_children.Append(element);
+        isAdded = m_maker.AppendChild(parent, element);
         if (!isAdded)
             delete element;
     }
@@ -291,14 +291,14 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
     int count = 0;
     while (attributes[2 * count])
         ++count;
-    if (count && !element->m_attributes.Reserve(element->m_attributes.GetCount() + count))
+    if (count && !m_maker.ReserveAttributes(*element, count))
     {
         VekLogOutput(0, L"CVekXMLElement::AddAttribute --> Failed to add attribute");
         return false;
     }
     for (int i = 0; i < count; ++i)
     {
-        vek::XMLNameCache::Name const * const name = m_names.Find(attributes[2 * i]);
+        vek::XMLNameCache::Name * const name = m_names.Find(attributes[2 * i]);
         // Names that differ only in case are one name to an element: the first keeps its value.
         if (name && !m_names.MarkUsed(name->foldedId) && !keepsAll)
             continue;
@@ -315,12 +315,10 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
     return true;
 }
 
-CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value)
+CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name & name, wchar_t const * value)
 {
     bool const isMade = options.keep != VEK_XML_KEEP_NOTHING ? m_escaped.MakeExact(value) : m_escaped.Make(value);
-    return isMade
-               ? CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), m_escaped.Text(), m_escaped.Length())
-               : nullptr;
+    return isMade ? m_maker.MakeAttribute(name, m_escaped.Text(), m_escaped.Length()) : nullptr;
 }
 
 bool CVekXMLParser::State::KnowExistingAttributes(CVekXMLElement const * element)
@@ -342,6 +340,16 @@ void CVekXMLParser::State::OnEndElement()
         return;
     stack.PopBack();
     complete = stack.Empty();
+}
+
+// Stores what the CDATA buffer holds.
+bool CVekXMLParser::State::AddSection(CVekXMLElement & element)
+{
+    if (cdata.Size() > INT_MAX)
+        return false;
+    auto const size = static_cast<int>(cdata.Size());
+    return &element == m_hostRoot ? element.AddCDATASection(cdata.Data(), size)
+                                  : m_maker.AddSection(element, cdata.Data(), size);
 }
 
 void CVekXMLParser::State::OnStartCDATA()
@@ -370,7 +378,7 @@ void CVekXMLParser::State::OnEndCDATA()
     CVekXMLElement & element = *stack.Back();
     bool const isFirst = !element.HasCDATASection();
     // A second section in one element is refused there, with a message; only a first one that is lost ends the parse.
-    if (cdata.Size() > INT_MAX || (!element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size())) && isFirst))
+    if (cdata.Size() > INT_MAX || (!AddSection(element) && isFirst))
         Abort();
     cdata.Clear();
 }

@@ -7,6 +7,7 @@
 #include "base/Buffer.h"
 #include "xml/XMLEntityNames.h"
 #include "xml/XMLEscape.h"
+#include "xml/XMLMaker.h"
 #include "xml/XMLNameCache.h"
 #include "xml/XMLPositions.h"
 #include "xml/XMLSource.h"
@@ -105,8 +106,9 @@ private:
     void KeepPlace(bool hasMark);
     CVekXMLElement * BeginElement(wchar_t const * name);
     bool AddChild(CVekXMLElement * element);
+    bool AddSection(CVekXMLElement & element);
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
-    CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value);
+    CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name & name, wchar_t const * value);
     bool KnowExistingAttributes(CVekXMLElement const * element);
 
     bool EndDocument();
@@ -116,15 +118,11 @@ private:
     bool FlushAtEnd();
     bool FlushSection();
     bool FlushText();
-    struct NodeName
-    {
-        wchar_t const * text;
-        int length;
-    };
-    CVekXMLElement * AddNode(NodeName const & name, wchar_t const * text, size_t length);
+    CVekXMLElement * AddNode(wchar_t const * name, wchar_t const * text, size_t length);
     bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 
+    vek::XMLMaker m_maker;
     vek::XMLNameCache m_names;
     vek::EscapedText m_escaped;
     CVekRef<CVekXMLElement> m_root;

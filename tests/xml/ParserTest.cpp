@@ -99,6 +99,32 @@ TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
     }
 }
 
+// Elements of one file share what they can. None of it shows.
+TEST_F(ParserTest, NamesAreEachElementsOwn)
+{
+    std::string text = "<a>";
+    for (int i = 0; i < 2000; ++i)
+        text +=
+            "<part size='" + std::to_string(i) + "' other='x'><![CDATA[" + std::string(i % 9 * 700, 'c') + "]]></part>";
+    CVekRef<IVekXMLElement> kept;
+    {
+        auto const document = NewDocument();
+        ASSERT_TRUE(ParseBytes(text + "</a>", document));
+        IVekXMLElement & root = *document->GetRootElement();
+        IVekXMLElement & first = *root.GetChild(0);
+        first.SetName(L"p");
+        EXPECT_TRUE(first.RenameAttribute(L"size", L"s"));
+        EXPECT_TRUE(first.SetAttributeValue(L"other", VEK_VARIANT(L"longer than before"), false));
+        EXPECT_EQ(TreeText(first), L"p[s=0 other=longer than before]''");
+        EXPECT_STREQ(root.GetChild(1)->GetName(), L"part");
+        EXPECT_STREQ(root.GetChild(1)->GetAttributeName(0), L"size");
+        kept = CVekRef<IVekXMLElement>::Share(root.GetChild(1999));
+    }
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(ParseBytes(text + "</a>", NewDocument()));
+    EXPECT_EQ(TreeText(*kept), L"part[size=1999 other=x]'" + std::wstring(1999 % 9 * 700, L'c') + L"'");
+}
+
 TEST_F(ParserTest, MergesIntoAnExistingRoot)
 {
     auto const document = NewDocument();
