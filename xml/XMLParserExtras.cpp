@@ -146,7 +146,9 @@ bool CVekXMLParser::State::EndDocument()
     // With nothing more to come, what is cut behind the outermost element shows.
     if (complete && options.keep != VEK_XML_KEEP_NOTHING)
     {
-        complete = XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR;
+        XML_ParsingStatus status;
+        XML_GetParsingStatus(expat, &status);
+        complete = status.parsing == XML_FINISHED || XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR;
         if (!complete)
             Fail(VEK_XML_ERROR_ENDS_EARLY, L"ends within what follows its outermost element");
     }

@@ -2,6 +2,7 @@
 
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLErrorCode.h"
+#include "xml/XMLFeed.h"
 #include "xml/XMLManager.h"
 
 #include <limits.h>
@@ -151,9 +152,8 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
         extras->source.Begin(bytes, size);
     auto const * const text = static_cast<unsigned char const *>(bytes);
     bool const hasMark = size > 1 && ((text[0] == 0xEF && text[1] == 0xBB) || text[0] >= 0xFE);
-    // Kept: the piece is not marked as the last, so that a file that merely ends early is read without an error. Hosts
-    // read files that are still being written.
-    if (XML_Parse(expat, static_cast<char const *>(bytes), size, XML_FALSE) != XML_STATUS_ERROR)
+    // Kept: a file that merely ends early is read without an error. Hosts read files that are still being written.
+    if (vek::XMLFeed(expat, bytes, size).Run(firstElement))
     {
         if (extras && !EndDocument())
             return Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
@@ -162,7 +162,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
             error.isIncomplete = true;
             Fail(firstElement ? VEK_XML_ERROR_EMPTY : VEK_XML_ERROR_ENDS_EARLY,
                  firstElement ? L"no element found" : L"ends before its outermost element is closed");
-            KeepPlace(hasMark);
+            KeepPlace(hasMark, size);
         }
         return true;
     }
@@ -172,7 +172,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
     VekLogOutput(0, L"      at line %d, col %d\n", static_cast<int>(XML_GetCurrentLineNumber(expat)),
                  static_cast<int>(XML_GetCurrentColumnNumber(expat)));
     Fail(vek::ToErrorCode(code), code == XML_ERROR_ABORTED ? L"out of memory" : XML_ErrorString(code));
-    KeepPlace(hasMark);
+    KeepPlace(hasMark, 0);
     return false;
 }
 
@@ -187,7 +187,8 @@ bool CVekXMLParser::State::Fail(VEK_XML_ERROR code, wchar_t const * text, unsign
     return false;
 }
 
-void CVekXMLParser::State::KeepPlace(bool hasMark)
+// The tokenizer names no byte where nothing is left of the text: none is the number for that.
+void CVekXMLParser::State::KeepPlace(bool hasMark, int none)
 {
     XML_Index const offset = XML_GetCurrentByteIndex(expat);
     error.line = static_cast<unsigned int>(XML_GetCurrentLineNumber(expat));
@@ -195,7 +196,7 @@ void CVekXMLParser::State::KeepPlace(bool hasMark)
     error.column = static_cast<unsigned int>(XML_GetCurrentColumnNumber(expat));
     if (!hasMark || error.line != 1 || error.column == 0)
         ++error.column;
-    error.offset = offset < 0 ? 0 : static_cast<unsigned int>(offset);
+    error.offset = static_cast<unsigned int>(offset < 0 ? none : offset);
 }
 
 bool CVekXMLParser::State::PushRoot(CVekXMLElement * element)

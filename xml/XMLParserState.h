@@ -103,7 +103,7 @@ struct CVekXMLParser::State
     VekXMLError error;
 
 private:
-    void KeepPlace(bool hasMark);
+    void KeepPlace(bool hasMark, int none);
     CVekXMLElement * BeginElement(wchar_t const * name);
     bool AddChild(CVekXMLElement * element);
     bool AddSection(CVekXMLElement & element);

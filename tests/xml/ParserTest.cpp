@@ -99,6 +99,58 @@ TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
     }
 }
 
+// The larger part of a text is handed to the tokenizer in another way than its beginning.
+TEST_F(ParserTest, EndsAndFaultsAreTheSameWhereverTheyStand)
+{
+    std::tuple<std::string, bool, VEK_XML_ERROR, std::size_t> const rows[] = {
+        // behind <a>: whether it can be read, what GetError tells, and of which byte
+        {"</a>\n", true, VEK_XML_ERROR_NONE, 0},
+        {"<b>\n", true, VEK_XML_ERROR_ENDS_EARLY, 4},
+        {"<b v='>", true, VEK_XML_ERROR_ENDS_EARLY, 0},
+        {"<!-- >", true, VEK_XML_ERROR_ENDS_EARLY, 0},
+        {"<![CDATA[x>", true, VEK_XML_ERROR_ENDS_EARLY, 11},
+        {"text]]", true, VEK_XML_ERROR_ENDS_EARLY, 4},
+        {"text\r", true, VEK_XML_ERROR_ENDS_EARLY, 4},
+        {"</a><!-- >", true, VEK_XML_ERROR_NONE, 0},
+        {"&tag;>", false, VEK_XML_ERROR_SYNTAX, 0},
+        {"&section;>", false, VEK_XML_ERROR_SYNTAX, 0},
+        {"</b>", false, VEK_XML_ERROR_TAG_MISMATCH, 2},
+        {"</a> <b/>", false, VEK_XML_ERROR_BEHIND_ROOT, 5},
+        {"\x01>", false, VEK_XML_ERROR_TOKEN, 0},
+    };
+    std::string const type = "<!DOCTYPE a [<!ENTITY tag '<b'><!ENTITY section '<![CDATA[x'>]>\n";
+    std::string const filler(3000, '\n');
+    auto const widened = [](std::string const & text)
+    {
+        std::string wide = "\xFF\xFE";
+        for (char const unit : text)
+            (wide += unit) += '\0';
+        return wide;
+    };
+    for (auto const & [tail, isRead, code, place] : rows)
+        for (std::string const & lead :
+             {type + "<a>", type + filler + "<a>", type + "<!--" + filler + ">--><a>", type + "<a>" + filler})
+            for (bool const isWide : {false, true})
+            {
+                SCOPED_TRACE(tail + " behind " + std::to_string(lead.size()));
+                std::string const bytes = isWide ? widened(lead + tail) : lead + tail;
+                CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
+                EXPECT_EQ(
+                    parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), NewDocument().Get()),
+                    isRead);
+                VekXMLError const error = parser->GetError();
+                EXPECT_EQ(error.code, code);
+                EXPECT_EQ(error.isIncomplete, isRead && code != VEK_XML_ERROR_NONE);
+                EXPECT_EQ(error.offset, code == VEK_XML_ERROR_NONE ? 0
+                                        : isWide                   ? 2 + 2 * (lead.size() + place)
+                                                                   : lead.size() + place);
+                EXPECT_EQ(error.line, code == VEK_XML_ERROR_NONE
+                                          ? 0
+                                          : 1 + std::count(lead.begin(), lead.end(), '\n') + (tail == "<b>\n"));
+            }
+    m_log.Take();
+}
+
 // Elements of one file share what they can. None of it shows.
 TEST_F(ParserTest, NamesAreEachElementsOwn)
 {
