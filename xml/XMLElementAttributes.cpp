@@ -1,6 +1,7 @@
 #include "VekXML.h"
 
 #include "text/Names.h"
+#include "text/StringAccess.h"
 #include "xml/ListIndex.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLEscape.h"
@@ -75,7 +76,8 @@ bool CVekXMLElement::SetAttributeValue(wchar_t const * name, VEK_VARIANT const &
     if (index == -1)
         return add && AddAttribute(name, value, -1) != -1;
     vek::XMLVariantText text;
-    if (!text.Convert(value) || !vek::EscapeTo(text.Text(), m_attributes[index]->m_value))
+    CVekString<wchar_t> & stored = m_attributes[index]->m_value;
+    if (!text.Convert(value) || !vek::StringAccess<wchar_t>::MakeOwn(stored) || !vek::EscapeTo(text.Text(), stored))
     {
         VekLogOutput(0, L"CVekXMLElement::SetAttributeValue --> Failed to convert to string");
         return false;

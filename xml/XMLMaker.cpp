@@ -19,26 +19,25 @@ using Access = StringAccess<wchar_t>;
 
 } // namespace
 
-// The entry of the name; its text is not shared yet when the name is not known.
-XMLMaker::ElementName & XMLMaker::Remember(wchar_t const * name, size_t length) noexcept
+// The entry of the text, which is shared already when it is known.
+XMLMaker::Remembered & XMLMaker::Remember(wchar_t const * text, size_t length) noexcept
 {
-    // An empty name is none.
     size_t const spread =
-        length ? length * 5 + name[0] + name[length / 2] * size_t{3} + name[length - 1] * size_t{7} : 0;
-    ElementName & entry = m_names[spread % ELEMENT_NAMES];
+        length ? length * 5 + text[0] + text[length / 2] * size_t{3} + text[length - 1] * size_t{7} : 0;
+    Remembered & entry = m_texts[spread % REMEMBERED];
     if (entry.length != length || !IsKnown(entry.shared) ||
-        !IsSameShort(entry.shared.text, name, length * sizeof(wchar_t)))
+        !IsSameShort(entry.shared.text, text, length * sizeof(wchar_t)))
         entry = {{nullptr, 0}, length};
     return entry;
 }
 
-// A string of the name that others share, made at the place unless it is known.
-CVekString<wchar_t> XMLMaker::Share(XMLSharedText & shared, char * place, wchar_t const * name,
+// A string of the text that others share, made at the place unless it is known.
+CVekString<wchar_t> XMLMaker::Share(XMLSharedText & shared, char * place, wchar_t const * text,
                                     size_t length) const noexcept
 {
     if (IsKnown(shared))
         return Access::Share(shared.text);
-    CVekString<wchar_t> made = Access::EmbedShared(place, name, length);
+    CVekString<wchar_t> made = Access::EmbedShared(place, text, length);
     shared = {Access::Text(made), m_row.Stretch()};
     return made;
 }
@@ -142,12 +141,17 @@ CVekXMLAttribute * XMLMaker::MakeAttribute(XMLNameCache::Name & name, wchar_t co
         return CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), value, length);
     if (!m_row.Fit(sizeof(CVekXMLAttribute) + valueBytes + nameBytes))
         return nullptr;
-    size_t const bytes = sizeof(CVekXMLAttribute) + valueBytes;
+    auto const units = static_cast<size_t>(length);
+    XMLSharedText own = {nullptr, 0};
+    XMLSharedText & shared = units <= SHORT_VALUE ? Remember(value, units).shared : own;
+    size_t const bytes = sizeof(CVekXMLAttribute) + (IsKnown(shared) ? 0 : valueBytes);
     auto * const block = static_cast<char *>(m_row.Allocate(bytes + (IsKnown(name.shared) ? 0 : nameBytes)));
-    return block ? new (block) CVekXMLAttribute(
-                       Share(name.shared, block + bytes, name.text, name.length),
-                       Access::Embed(block + sizeof(CVekXMLAttribute), value, static_cast<size_t>(length)))
-                 : nullptr;
+    if (!block)
+        return nullptr;
+    char * const texts = block + sizeof(CVekXMLAttribute);
+    return new (block) CVekXMLAttribute(Share(name.shared, block + bytes, name.text, name.length),
+                                        units <= SHORT_VALUE ? Share(shared, texts, value, units)
+                                                             : Access::Embed(texts, value, units));
 }
 
 } // namespace vek

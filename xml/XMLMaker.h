@@ -11,8 +11,8 @@ namespace vek
 {
 
 /// Makes the elements of one parse and what belongs to them, one behind the other in a row of the pool. Objects of one
-/// stretch of it share the text of a name, which lasts as long as the last of them: a name in a file can't take memory
-/// for longer than what stands beside it. All operations give null or false when memory is exhausted.
+/// stretch of it share the text of a name or a short value, which lasts as long as the last of them: a name in a file
+/// can't take memory for longer than what stands beside it. All operations give null or false when memory is exhausted.
 class XMLMaker
 {
 public:
@@ -30,7 +30,7 @@ public:
     void End() noexcept { m_row.End(); }
 
 private:
-    struct ElementName
+    struct Remembered
     {
         XMLSharedText shared;
         size_t length;
@@ -41,13 +41,15 @@ private:
         size_t length;
         XMLSharedText shared;
     };
-    static constexpr size_t ELEMENT_NAMES = 128;
+    static constexpr size_t REMEMBERED = 256;
+    // Few values that are longer come again.
+    static constexpr size_t SHORT_VALUE = 16;
 
     template <class T>
     bool MakeRoom(CVekPointerArray<T> & array, int count) noexcept;
     static void Embed(CVekXMLElement & element, char * place, void const * section, size_t size) noexcept;
-    ElementName & Remember(wchar_t const * name, size_t length) noexcept;
-    CVekString<wchar_t> Share(XMLSharedText & shared, char * place, wchar_t const * name, size_t length) const noexcept;
+    Remembered & Remember(wchar_t const * text, size_t length) noexcept;
+    CVekString<wchar_t> Share(XMLSharedText & shared, char * place, wchar_t const * text, size_t length) const noexcept;
     bool IsKnown(XMLSharedText const & shared) const noexcept { return shared.stretch == m_row.Stretch(); }
 
     // The known text is null where it is to be looked up.
@@ -56,7 +58,7 @@ private:
 
     PoolRow m_row;
     NodeName m_node = {nullptr, 0, {nullptr, 0}}; // the last one's
-    ElementName m_names[ELEMENT_NAMES] = {};      // the last ones met, each at the place that its characters tell
+    Remembered m_texts[REMEMBERED] = {};          // the last ones met, each at the place that its characters tell
 };
 
 } // namespace vek
