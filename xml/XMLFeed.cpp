@@ -8,8 +8,8 @@ namespace vek
 namespace
 {
 
-// Most prologs are shorter; a longer one comes in pieces that double.
-constexpr int FIRST_PIECE = 1024;
+// Pieces of what stands in front of the outermost element double.
+constexpr int FIRST_PIECE = 64;
 
 } // namespace
 

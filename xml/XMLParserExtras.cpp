@@ -148,7 +148,8 @@ bool CVekXMLParser::State::EndDocument()
     {
         XML_ParsingStatus status;
         XML_GetParsingStatus(expat, &status);
-        complete = status.parsing == XML_FINISHED || XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR;
+        complete = status.parsing == XML_FINISHED ||
+                   (XML_GetErrorCode(expat) == XML_ERROR_NONE && XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR);
         if (!complete)
             Fail(VEK_XML_ERROR_ENDS_EARLY, L"ends within what follows its outermost element");
     }

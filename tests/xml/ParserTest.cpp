@@ -111,7 +111,7 @@ TEST_F(ParserTest, EndsAndFaultsAreTheSameWhereverTheyStand)
         {"<![CDATA[x>", true, VEK_XML_ERROR_ENDS_EARLY, 11},
         {"text]]", true, VEK_XML_ERROR_ENDS_EARLY, 4},
         {"text\r", true, VEK_XML_ERROR_ENDS_EARLY, 4},
-        {"</a><!-- >", true, VEK_XML_ERROR_NONE, 0},
+        {"</a>\r\n<!-- >", true, VEK_XML_ERROR_NONE, 0},
         {"&tag;>", false, VEK_XML_ERROR_SYNTAX, 0},
         {"&section;>", false, VEK_XML_ERROR_SYNTAX, 0},
         {"</b>", false, VEK_XML_ERROR_TAG_MISMATCH, 2},
@@ -127,14 +127,20 @@ TEST_F(ParserTest, EndsAndFaultsAreTheSameWhereverTheyStand)
             (wide += unit) += '\0';
         return wide;
     };
-    for (auto const & [tail, isRead, code, place] : rows)
+    for (auto const & [tail, isRead, plainCode, plainPlace] : rows)
         for (std::string const & lead :
              {type + "<a>", type + filler + "<a>", type + "<!--" + filler + ">--><a>", type + "<a>" + filler})
-            for (bool const isWide : {false, true})
+            for (int const way : {0, 1, 2, 3})
             {
-                SCOPED_TRACE(tail + " behind " + std::to_string(lead.size()));
+                SCOPED_TRACE(tail + " behind " + std::to_string(lead.size()) + ", way " + std::to_string(way));
+                bool const isWide = way % 2 != 0, keepsAll = way > 1;
+                // Who keeps all misses what is cut behind the outermost element.
+                bool const isCut = keepsAll && tail.ends_with("<!-- >") && tail != "<!-- >";
+                VEK_XML_ERROR const code = isCut ? VEK_XML_ERROR_ENDS_EARLY : plainCode;
+                std::size_t const place = isCut ? 6 : plainPlace;
                 std::string const bytes = isWide ? widened(lead + tail) : lead + tail;
                 CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
+                parser->SetKeepAll(keepsAll ? VEK_XML_KEEP_ALL : VEK_XML_KEEP_NOTHING);
                 EXPECT_EQ(
                     parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), NewDocument().Get()),
                     isRead);
@@ -144,9 +150,9 @@ TEST_F(ParserTest, EndsAndFaultsAreTheSameWhereverTheyStand)
                 EXPECT_EQ(error.offset, code == VEK_XML_ERROR_NONE ? 0
                                         : isWide                   ? 2 + 2 * (lead.size() + place)
                                                                    : lead.size() + place);
-                EXPECT_EQ(error.line, code == VEK_XML_ERROR_NONE
-                                          ? 0
-                                          : 1 + std::count(lead.begin(), lead.end(), '\n') + (tail == "<b>\n"));
+                EXPECT_EQ(error.line, code == VEK_XML_ERROR_NONE ? 0
+                                                                 : 1 + std::count(lead.begin(), lead.end(), '\n') +
+                                                                       (tail == "<b>\n" || isCut));
             }
     m_log.Take();
 }
