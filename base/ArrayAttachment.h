@@ -2,6 +2,8 @@
 
 #include "VekCore.h"
 
+#include "base/Pool.h"
+
 #include <stddef.h>
 
 #include <bit>
@@ -21,6 +23,23 @@ struct ArrayAttachment
     static size_t Slots(int capacity) noexcept
     {
         return std::bit_ceil(static_cast<size_t>(capacity) + (capacity > SMALL ? 1 : 0));
+    }
+    /// The size of that storage's block, which is the pool's.
+    static size_t BlockBytes(int capacity) noexcept { return Slots(capacity) * sizeof(void *); }
+    /// Gives an array without storage a block of that size.
+    static void Adopt(CVekPointerArrayBase & array, void * block, int capacity) noexcept
+    {
+        array.m_storage = static_cast<void **>(block);
+        array.m_capacity = capacity;
+    }
+    /// As the array's Free.
+    static void Free(CVekPointerArrayBase & array, PoolBatch & batch) noexcept
+    {
+        if (array.m_storage)
+            batch.Free(array.m_storage, BlockBytes(array.m_capacity));
+        array.m_storage = nullptr;
+        array.m_count = 0;
+        array.m_capacity = 0;
     }
     /// The place of the pointer: the last slot of large storage; null when the array has none.
     static void ** Place(CVekPointerArrayBase const & array) noexcept

@@ -6,16 +6,6 @@
 #include <limits.h>
 #include <string.h>
 
-namespace
-{
-
-size_t BlockBytes(int capacity)
-{
-    return vek::ArrayAttachment::Slots(capacity) * sizeof(void *);
-}
-
-} // namespace
-
 bool CVekPointerArrayBase::Grow() noexcept
 {
     int const doubled = m_capacity ? m_capacity : 1;
@@ -30,17 +20,17 @@ bool CVekPointerArrayBase::Reserve(int capacity) noexcept
         return true;
     if (capacity > LIMIT)
         return false;
-    if (!m_storage || BlockBytes(capacity) > BlockBytes(m_capacity))
+    if (!m_storage || vek::ArrayAttachment::BlockBytes(capacity) > vek::ArrayAttachment::BlockBytes(m_capacity))
     {
         void ** const attachment = vek::ArrayAttachment::Place(*this);
         void * const attached = attachment ? *attachment : nullptr;
-        auto * const storage = static_cast<void **>(vek::PoolAllocate(BlockBytes(capacity)));
+        auto * const storage = static_cast<void **>(vek::PoolAllocate(vek::ArrayAttachment::BlockBytes(capacity)));
         if (!storage)
             return false;
         if (m_storage)
         {
             memcpy(storage, m_storage, static_cast<size_t>(m_count) * sizeof(void *));
-            vek::PoolFree(m_storage, BlockBytes(m_capacity));
+            vek::PoolFree(m_storage, vek::ArrayAttachment::BlockBytes(m_capacity));
         }
         m_storage = storage;
         m_capacity = capacity;
@@ -71,7 +61,7 @@ void CVekPointerArrayBase::RemoveAt(int index) noexcept
 void CVekPointerArrayBase::Free() noexcept
 {
     if (m_storage)
-        vek::PoolFree(m_storage, BlockBytes(m_capacity));
+        vek::PoolFree(m_storage, vek::ArrayAttachment::BlockBytes(m_capacity));
     m_storage = nullptr;
     m_count = 0;
     m_capacity = 0;

@@ -21,7 +21,7 @@ namespace
 
 // Chunks of one size class each, 64 KiB at an address that is a multiple of it, so that a block's chunk is found by
 // masking its address. Chunks are cut from regions that are given back to the system when all their chunks are free.
-constexpr size_t CHUNK_BYTES = 64 * 1024;
+constexpr size_t CHUNK_BYTES = POOL_STRETCH;
 constexpr size_t REGION_CHUNKS = 16;
 constexpr uint32_t ALL_CHUNKS_FREE = (1U << REGION_CHUNKS) - 1;
 constexpr size_t GRAIN = 8;
@@ -270,6 +270,7 @@ private:
 constinit Regions g_regions;
 constexpr unsigned long SHARES = 32;
 constinit SizeClasses g_shares[SHARES];
+constinit SizeClass g_rows; // of the chunks that rows take from: blocks of any size, which are only counted
 constinit SizeClasses g_apart;
 
 // The class of a size by its number of grains, made by the compiler.
@@ -378,9 +379,34 @@ void GiveBlock(SizeClass & sizeClass, Chunk * chunk, void * block) noexcept
     }
 }
 
+// Counted among the blocks of a chunk that a row may still take blocks from, so that it is not given back meanwhile.
+constexpr uint32_t LEASED = 1U << 31;
+
+// The chunk that a row left, for the next one; null when it is taken.
+constinit std::atomic<Chunk *> g_openRow{nullptr};
+
+void GiveRowBlocks(Chunk * chunk, uint32_t count) noexcept
+{
+    if (std::atomic_ref(chunk->used).fetch_sub(count, std::memory_order_acq_rel) == count)
+        g_regions.GiveBack(chunk);
+}
+
+// No block of it is left but those that the next row will take.
+bool IsUnused(Chunk * chunk) noexcept
+{
+    return std::atomic_ref(chunk->used).load(std::memory_order_acquire) == LEASED;
+}
+
+bool IsOfRows(Chunk const * chunk) noexcept
+{
+    return chunk->sizeClass.load(std::memory_order_relaxed) == &g_rows;
+}
+
 void GiveToShared(void * block) noexcept
 {
     Chunk * const chunk = ChunkOf(block); // its class is the block's
+    if (IsOfRows(chunk))
+        return GiveRowBlocks(chunk, 1);
     SizeClass & sizeClass = *chunk->sizeClass.load(std::memory_order_relaxed);
     std::lock_guard const guard(sizeClass.lock);
     GiveBlock(sizeClass, chunk, block);
@@ -412,6 +438,8 @@ struct AtUnload
     {
         if (!g_regions.End())
             return;
+        if (Chunk * const open = g_openRow.exchange(nullptr))
+            GiveRowBlocks(open, LEASED);
         for (SizeClasses & share : g_shares)
             GiveIdleChunksBack(share);
         GiveIdleChunksBack(g_apart);
@@ -452,6 +480,11 @@ void PoolFreeMany(void * const * blocks, size_t count) noexcept
     for (size_t i = 0; i < count;)
     {
         SizeClass & sizeClass = *ChunkOf(blocks[i])->sizeClass.load(std::memory_order_relaxed);
+        if (&sizeClass == &g_rows)
+        {
+            GiveToShared(blocks[i++]);
+            continue;
+        }
         std::lock_guard const guard(sizeClass.lock);
         // A chunk of this class stays one as long as a block of it is in use.
         for (; i < count && ChunkOf(blocks[i])->sizeClass.load(std::memory_order_relaxed) == &sizeClass; ++i)
@@ -523,6 +556,71 @@ bool PoolApart::IsBlock(void const * address) noexcept
     auto const within = static_cast<uint64_t>(offset - HEADER_BYTES);
     uint64_t const index = within * sizeClass->reciprocal >> 32;
     return index * sizeClass->bytes == within;
+}
+
+bool PoolRow::FitAnew(size_t bytes) noexcept
+{
+    ++m_stretch;
+    if (POOL_LARGEST == 0)
+        return true;
+    Chunk * chunk = nullptr;
+    if (m_place)
+    {
+        Chunk * const full = ChunkOf(m_place - 1);
+        // What was taken is counted now, all at once.
+        GiveRowBlocks(full, LEASED - m_taken);
+    }
+    else
+        chunk = g_openRow.exchange(nullptr, std::memory_order_acquire);
+    m_place = m_end = nullptr;
+    m_taken = 0;
+    if (chunk && chunk->freshOffset + bytes + ALIGNMENT > CHUNK_BYTES && !IsUnused(chunk))
+    {
+        GiveRowBlocks(chunk, LEASED);
+        chunk = nullptr;
+    }
+    if (!chunk)
+    {
+        chunk = g_regions.TakeChunk();
+        if (!chunk)
+            return false;
+        chunk->sizeClass.store(&g_rows, std::memory_order_relaxed);
+        chunk->used = LEASED;
+    }
+    if (IsUnused(chunk))
+        chunk->freshOffset = HEADER_BYTES;
+    m_place = reinterpret_cast<char *>(chunk) + chunk->freshOffset;
+    m_end = reinterpret_cast<char *>(chunk) + CHUNK_BYTES;
+    return true;
+}
+
+void PoolRow::End() noexcept
+{
+    if (!m_place)
+        return;
+    Chunk * const chunk = ChunkOf(m_place - 1);
+    chunk->freshOffset = static_cast<uint32_t>(m_place - reinterpret_cast<char *>(chunk));
+    std::atomic_ref(chunk->used).fetch_add(m_taken, std::memory_order_relaxed);
+    if (Chunk * const other = g_openRow.exchange(chunk, std::memory_order_acq_rel))
+        GiveRowBlocks(other, LEASED);
+    m_place = m_end = nullptr;
+    m_taken = 0;
+}
+
+void PoolBatch::FreeAnother(void * block, size_t size) noexcept
+{
+    if (!block || size - 1 >= POOL_LARGEST || !IsOfRows(ChunkOf(block)))
+        return PoolFree(block, size);
+    Flush();
+    m_stretch = reinterpret_cast<uintptr_t>(block) / POOL_STRETCH;
+    m_count = 1;
+}
+
+void PoolBatch::Flush() noexcept
+{
+    if (m_count > 0)
+        GiveRowBlocks(reinterpret_cast<Chunk *>(m_stretch * POOL_STRETCH), m_count);
+    m_count = 0;
 }
 
 size_t PoolReservedBytes() noexcept

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stddef.h>
+#include <stdint.h>
 
 namespace vek
 {
@@ -65,6 +66,86 @@ struct PoolApart
     static void Free(void * block) noexcept;
     /// Whether a block begins at the address, which may be any: one that is in use, or one that was.
     static bool IsBlock(void const * address) noexcept;
+};
+
+/// The memory of a stretch: so large, at an address that is a multiple of it.
+constexpr size_t POOL_STRETCH = 64 * 1024;
+
+/// Blocks of any size, one behind the other without gaps, for many objects that are made at once and mostly end
+/// together. Each is freed by PoolFree, as any other; the memory of a stretch of them is used again when all are. Used
+/// by one thread at a time; the blocks are freed by any.
+class PoolRow
+{
+public:
+    PoolRow() noexcept = default;
+    PoolRow(PoolRow const &) = delete;
+    PoolRow & operator=(PoolRow const &) = delete;
+    ~PoolRow() { End(); }
+
+    /// The largest block.
+    static constexpr size_t LARGEST = 4096;
+
+    /// Makes room for the next block, of at most so many bytes; false when memory is exhausted.
+    bool Fit(size_t bytes) noexcept
+    {
+        return bytes + ALIGNMENT <= static_cast<size_t>(m_end - m_place) || FitAnew(bytes);
+    }
+    /// The block that room was made for, aligned as pointers are. Null only in the guarded build.
+    void * Allocate(size_t size) noexcept
+    {
+#if defined(VEKLIB_GUARD)
+        return PoolAllocate(size);
+#else
+        char * const block = m_place;
+        m_place += (size + ALIGNMENT - 1) & ~(ALIGNMENT - 1);
+        ++m_taken;
+        return block;
+#endif
+    }
+    /// The number of the stretch, never 0: a block's bytes, once written, stay until the last block of its stretch is
+    /// freed. In the guarded build, where each block ends on its own, every block is a stretch.
+    uint32_t Stretch() const noexcept
+    {
+        return m_stretch;
+    }
+    /// Hands over what is left to the next row.
+    void End() noexcept;
+
+private:
+    static constexpr size_t ALIGNMENT = sizeof(void *);
+
+    bool FitAnew(size_t bytes) noexcept;
+
+    char * m_place = nullptr;
+    char * m_end = nullptr;
+    uint32_t m_taken = 0; // blocks
+    uint32_t m_stretch = 0;
+};
+
+/// Frees many blocks: those that follow each other in a row, all at once.
+class PoolBatch
+{
+public:
+    PoolBatch() noexcept = default;
+    PoolBatch(PoolBatch const &) = delete;
+    PoolBatch & operator=(PoolBatch const &) = delete;
+    ~PoolBatch() { Flush(); }
+
+    /// As PoolFree, now or later.
+    void Free(void * block, size_t size) noexcept
+    {
+        if (size - 1 < POOL_LARGEST && m_count > 0 && reinterpret_cast<uintptr_t>(block) / POOL_STRETCH == m_stretch)
+            ++m_count;
+        else
+            FreeAnother(block, size);
+    }
+
+private:
+    void FreeAnother(void * block, size_t size) noexcept;
+    void Flush() noexcept;
+
+    uintptr_t m_stretch = 0; // its address in units of its size
+    uint32_t m_count = 0;    // its blocks that are still to be freed
 };
 
 /// The bytes that the pool holds from the system, free blocks included; blocks above the largest class are not counted.

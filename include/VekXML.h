@@ -18,7 +18,8 @@ VEK_HEADER_BEGIN
 namespace vek
 {
 struct XMLEdit;
-}
+class XMLMaker;
+} // namespace vek
 
 /// A node of an XML document: a name, ordered children, ordered attributes whose values are kept as escaped text, and
 /// at most one CDATA section. The library's implementation is CVekXMLElement; IVekXMLManager::CreateXMLElement makes
@@ -368,6 +369,7 @@ private:
     friend class CVekXMLElement;
     friend class CVekXMLParser;
     friend struct vek::XMLEdit;
+    friend class vek::XMLMaker;
 
     CVekXMLAttribute(CVekString<wchar_t> && name, CVekString<wchar_t> && value);
     static CVekXMLAttribute * Make(wchar_t const * name, int nameLength, wchar_t const * value, int valueLength);
@@ -463,13 +465,13 @@ private:
     friend class CVekXMLManager;
     friend class CVekXMLParser;
     friend struct vek::XMLEdit;
+    friend class vek::XMLMaker;
 
     struct ChildNames;
     struct Tree;
 
     explicit CVekXMLElement(CVekString<wchar_t> && name);
     static CVekXMLElement * Make(wchar_t const * name, int nameLength);
-    static CVekXMLElement * MakeNode(wchar_t const * name, int nameLength, void const * section, size_t size);
     static CVekXMLAttribute * NewAttribute(wchar_t const * name, wchar_t const * text);
     void DestrotyChildren(); // Kept: spelled so.
     void DestroyAttributes();

@@ -6,6 +6,7 @@
 #include "base/Pool.h"
 
 #include <limits.h>
+#include <stdint.h>
 #include <string.h>
 
 #include <bit>
@@ -137,6 +138,32 @@ struct StringAccess
         return CVekString<T>(typename CVekString<T>::Block{text});
     }
 
+    /// The same with a text that others use as well, by Share: it lasts longer than all of them, and is never written
+    /// again. Such a string is changed behind MakeOwn only.
+    static CVekString<T> EmbedShared(void * place, T const * source, size_t length) noexcept
+    {
+        CVekString<T> string = Embed(place, source, length);
+        Header(string.m_text).growBy = SHARED;
+        return string;
+    }
+    static CVekString<T> Share(T * text) noexcept { return CVekString<T>(typename CVekString<T>::Block{text}); }
+    /// Gives a string whose text is shared one of its own; false when memory is exhausted.
+    static bool MakeOwn(CVekString<T> & string) noexcept
+    {
+        if (!string.m_text || Header(string.m_text).growBy != SHARED)
+            return true;
+        CVekString<T> copy(string);
+        if (copy.GetLength() != string.GetLength())
+            return false;
+        string.Swap(copy);
+        return true;
+    }
+    /// Whether the string's end frees nothing.
+    static bool HoldsNoBlock(CVekString<T> const & string) noexcept
+    {
+        return !string.m_text || IsEmbedded(string.m_text);
+    }
+
     static T *& Text(CVekString<T> & string) noexcept { return string.m_text; }
     /// An empty string that has no block until a text is assigned, as a string that was moved from.
     static CVekString<T> Blockless() noexcept { return CVekString<T>(typename CVekString<T>::Block{nullptr}); }
@@ -154,10 +181,33 @@ struct StringAccess
 
 private:
     static constexpr size_t LARGEST_DOUBLED = 64 * 1024 * 1024;
-    static constexpr int EMBEDDED = INT_MIN; // in place of the grow-by
+    // In place of the grow-by.
+    static constexpr int EMBEDDED = INT_MIN;
+    static constexpr int SHARED = INT_MIN + 1;
 
-    static bool IsEmbedded(T * text) noexcept { return Header(text).growBy == EMBEDDED; }
+    static bool IsEmbedded(T * text) noexcept { return Header(text).growBy <= SHARED; }
 };
+
+/// Whether two pieces of memory that are usually short are equal.
+inline bool IsSameShort(void const * left, void const * right, size_t bytes) noexcept
+{
+    auto const * const a = static_cast<char const *>(left);
+    auto const * const b = static_cast<char const *>(right);
+    auto const isSame = [&](auto word, size_t at)
+    {
+        auto other = word;
+        memcpy(&word, a + at, sizeof word);
+        memcpy(&other, b + at, sizeof other);
+        return word == other;
+    };
+    if (bytes > 16)
+        return memcmp(a, b, bytes) == 0;
+    if (bytes >= 8)
+        return isSame(uint64_t{}, 0) && isSame(uint64_t{}, bytes - 8);
+    if (bytes >= 4)
+        return isSame(uint32_t{}, 0) && isSame(uint32_t{}, bytes - 4);
+    return bytes == 0 || (isSame(uint8_t{}, 0) && isSame(uint8_t{}, bytes / 2) && isSame(uint8_t{}, bytes - 1));
+}
 
 /// A text of known length.
 struct TextPiece

@@ -2,6 +2,8 @@
 
 #include "VekCore.h"
 
+#include "base/Pool.h"
+
 #include <limits.h>
 
 #include <atomic>
@@ -37,8 +39,9 @@ bool MoveEntries(CVekPointerArray<Node> & from, CVekPointerArray<Node> & to) noe
 /// recursion and without memory: a node that waits for the end of its children is linked through a field of its own.
 ///
 /// Tree tells how to reach a node's parts: Children(node) and Link(node), each a reference to the field.
-/// Drop(node, list) gives a node's reference back and is true when the node is to be destroyed here; what a node that
-/// destroys itself held may join the list, in which it stood itself.
+/// End(node, batch) ends a node that has no children left and frees its blocks. Drop(node, list) gives a node's
+/// reference back and is true when the node is to be destroyed here; what a node that destroys itself held may join the
+/// list, in which it stood itself.
 template <class Node, class Tree>
 void ReleaseTree(CVekPointerArray<Node> & nodes) noexcept
 {
@@ -48,6 +51,7 @@ void ReleaseTree(CVekPointerArray<Node> & nodes) noexcept
     CVekPointerArray<Node> taken;
     taken.Swap(nodes);
     nodes.SetGrowthStep(taken.GetGrowthStep());
+    PoolBatch batch;
     while (taken.GetCount() > 0)
     {
         Node * node = taken.TakeLast();
@@ -60,7 +64,7 @@ void ReleaseTree(CVekPointerArray<Node> & nodes) noexcept
             {
                 Node * const above = Tree::Link(*node);
                 Tree::Link(*node) = nullptr;
-                delete node;
+                Tree::End(*node, batch);
                 node = above;
                 continue;
             }

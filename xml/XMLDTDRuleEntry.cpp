@@ -9,6 +9,7 @@ struct CVekXMLDTDRuleEntry::Tree
     {
         return vek::DropReference(entry.m_common);
     }
+    static void End(CVekXMLDTDRuleEntry & entry, vek::PoolBatch &) { delete &entry; }
     static CVekPointerArray<CVekXMLDTDRuleEntry> & Children(CVekXMLDTDRuleEntry & entry)
     {
         return entry.m_children.Entries();

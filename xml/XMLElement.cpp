@@ -1,5 +1,6 @@
 #include "VekXML.h"
 
+#include "base/ArrayAttachment.h"
 #include "base/LiveObjects.h"
 #include "base/Pool.h"
 #include "text/Names.h"
@@ -43,6 +44,40 @@ struct CVekXMLElement::Tree
         element.Release();
         return false;
     }
+    static void End(CVekXMLElement & element, vek::PoolBatch & batch)
+    {
+        vek::ListIndex::Drop(element.m_children);
+        vek::ArrayAttachment::Free(element.m_children, batch);
+        EndAttributes(element.m_attributes, batch);
+        if (element.m_cdata && !element.m_isCDATAEmbedded)
+        {
+            batch.Free(element.m_cdata, CDATABlockSize(element.m_cdataSize));
+            element.m_cdata = nullptr;
+        }
+        // The destructor finds nothing more to do, but for a name of its own.
+        if (vek::StringAccess<wchar_t>::HoldsNoBlock(element.m_name))
+            vek::CountEnd(vek::LiveClass::XMLElement);
+        else
+            element.CVekXMLElement::~CVekXMLElement();
+        batch.Free(&element, sizeof element);
+    }
+    static void EndAttributes(CVekPointerArray<CVekXMLAttribute> & attributes, vek::PoolBatch & batch)
+    {
+        using Access = vek::StringAccess<wchar_t>;
+        vek::ListIndex::Drop(attributes);
+        for (int i = 0; i < attributes.GetCount(); ++i)
+        {
+            CVekXMLAttribute * const attribute = attributes[i];
+            if (!vek::DropReference(attribute->m_common))
+                continue;
+            // Attributes are made here and by the parser only, and never of a derived class: no table is needed to end
+            // one, and nothing at all where its texts lie in its block.
+            if (!Access::HoldsNoBlock(attribute->m_name) || !Access::HoldsNoBlock(attribute->m_value))
+                attribute->CVekXMLAttribute::~CVekXMLAttribute();
+            batch.Free(attribute, sizeof *attribute);
+        }
+        vek::ArrayAttachment::Free(attributes, batch);
+    }
 };
 
 // A host's class may tell another name at any time.
@@ -83,33 +118,6 @@ CVekXMLElement * CVekXMLElement::Make(wchar_t const * name, int nameLength)
                                                vek::TextPiece{name, nameLength});
 }
 
-// With its section, which shares its block when it is short; null when memory is exhausted.
-CVekXMLElement * CVekXMLElement::MakeNode(wchar_t const * name, int nameLength, void const * section, size_t size)
-{
-    using Access = vek::StringAccess<wchar_t>;
-    constexpr size_t EMBEDDED_BYTES = 256;
-    if (size > EMBEDDED_BYTES)
-    {
-        CVekXMLElement * const node = size <= INT_MAX ? Make(name, nameLength) : nullptr;
-        if (!node || node->AddCDATASection(static_cast<unsigned char const *>(section), static_cast<int>(size)))
-            return node;
-        node->Release();
-        return nullptr;
-    }
-    size_t const nameBytes = Access::EmbeddedBytes(static_cast<size_t>(nameLength));
-    auto * const block = static_cast<char *>(vek::PoolAllocate(sizeof(CVekXMLElement) + nameBytes + size));
-    if (!block)
-        return nullptr;
-    char * const place = block + sizeof(CVekXMLElement);
-    auto * const node = new (block) CVekXMLElement(Access::Embed(place, name, static_cast<size_t>(nameLength)));
-    vek::CopyShort(place + nameBytes, section, size);
-    node->m_cdata = reinterpret_cast<unsigned char *>(place + nameBytes);
-    node->m_cdataSize = static_cast<int>(size);
-    node->m_hasCDATA = true;
-    node->m_isCDATAEmbedded = true;
-    return node;
-}
-
 CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) : CVekXMLElement()
 {
     *this = other;
@@ -119,7 +127,8 @@ CVekXMLElement::CVekXMLElement(CVekXMLElement const & other) : CVekXMLElement()
 CVekXMLElement & CVekXMLElement::operator=(CVekXMLElement const & other)
 {
     CVekRefCounted::operator=(other); // kept: the count, too
-    m_name = other.m_name;
+    if (vek::StringAccess<wchar_t>::MakeOwn(m_name))
+        m_name = other.m_name;
     Renamed();
     m_parent = other.m_parent;
     m_children = other.m_children;
@@ -144,6 +153,12 @@ CVekXMLElement::~CVekXMLElement()
     DestroyAttributes();
 }
 
+void CVekXMLElement::DestroyAttributes()
+{
+    vek::PoolBatch batch;
+    Tree::EndAttributes(m_attributes, batch);
+}
+
 void CVekXMLElement::SetParent(CVekXMLElement * parent)
 {
     if (m_parent)
@@ -164,7 +179,8 @@ IVekXMLElement const * CVekXMLElement::GetParent() const
 
 void CVekXMLElement::SetName(wchar_t const * name)
 {
-    m_name.Assign(name);
+    if (vek::StringAccess<wchar_t>::MakeOwn(m_name))
+        m_name.Assign(name);
     Renamed();
 }
 

@@ -1,8 +1,8 @@
 #include "VekXML.h"
 
 #include "text/Names.h"
+#include "text/StringAccess.h"
 #include "xml/ListIndex.h"
-#include "xml/ReleaseTree.h"
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLEscape.h"
 #include "xml/XMLVariantText.h"
@@ -76,7 +76,8 @@ bool CVekXMLElement::SetAttributeValue(wchar_t const * name, VEK_VARIANT const &
     if (index == -1)
         return add && AddAttribute(name, value, -1) != -1;
     vek::XMLVariantText text;
-    if (!text.Convert(value) || !vek::EscapeTo(text.Text(), m_attributes[index]->m_value))
+    CVekString<wchar_t> & stored = m_attributes[index]->m_value;
+    if (!text.Convert(value) || !vek::StringAccess<wchar_t>::MakeOwn(stored) || !vek::EscapeTo(text.Text(), stored))
     {
         VekLogOutput(0, L"CVekXMLElement::SetAttributeValue --> Failed to convert to string");
         return false;
@@ -140,21 +141,6 @@ bool CVekXMLElement::RemoveAttribute(int index)
 void CVekXMLElement::RemoveAllAttributes()
 {
     DestroyAttributes();
-}
-
-void CVekXMLElement::DestroyAttributes()
-{
-    vek::ListIndex::Drop(m_attributes);
-    for (int i = 0; i < m_attributes.GetCount(); ++i)
-    {
-        CVekXMLAttribute * const attribute = m_attributes[i];
-        if (!vek::DropReference(attribute->m_common))
-            continue;
-        // Attributes are made here and by the parser only, and never of a derived class: no table is needed to end one.
-        attribute->CVekXMLAttribute::~CVekXMLAttribute();
-        CVekPooled::operator delete(attribute, sizeof *attribute);
-    }
-    m_attributes.Free();
 }
 
 CVekString<wchar_t> const & CVekXMLElement::GetAttributeName(int index) const

@@ -19,8 +19,12 @@ T * Created(T * object, wchar_t const * failure)
 
 CVekXMLElement * CVekXMLManager::NewElement(wchar_t const * name, int nameLength) noexcept
 {
-    return Created(CVekXMLElement::Make(name, nameLength),
-                   L"CVekXMLManager::CreateXMLElement --> Failed to create Element object");
+    return Made(CVekXMLElement::Make(name, nameLength));
+}
+
+CVekXMLElement * CVekXMLManager::Made(CVekXMLElement * element) noexcept
+{
+    return Created(element, L"CVekXMLManager::CreateXMLElement --> Failed to create Element object");
 }
 
 IVekXMLElement * CVekXMLManager::CreateXMLElement()

@@ -9,6 +9,9 @@ public:
     /// A new element of that name, with the message of CreateXMLElement when memory is exhausted.
     static CVekXMLElement * NewElement(wchar_t const * name, int nameLength) noexcept;
 
+    /// Passes an element on, with that message for null.
+    static CVekXMLElement * Made(CVekXMLElement * element) noexcept;
+
     IVekXMLElement * CreateXMLElement() override;
     IVekXMLDocument * CreateXMLDocument() override;
     IVekXMLParser * CreateXMLParser() override;

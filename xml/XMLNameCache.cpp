@@ -30,7 +30,7 @@ size_t XMLNameCache::PointerSlot(wchar_t const * text) const noexcept
     return (address * 0x9E3779B1U >> 8) & (m_names.Size() - 1);
 }
 
-XMLNameCache::Name const * XMLNameCache::Find(wchar_t const * text) noexcept
+XMLNameCache::Name * XMLNameCache::Find(wchar_t const * text) noexcept
 {
     if ((m_nameCount + 1) * 2 > m_names.Size() && !GrowPointers())
         return nullptr;
@@ -45,7 +45,7 @@ XMLNameCache::Name const * XMLNameCache::Find(wchar_t const * text) noexcept
     if (!Add(text, length, foldedId))
         return nullptr;
     ++m_nameCount;
-    m_names[slot] = {text, static_cast<uint32_t>(length), foldedId};
+    m_names[slot] = {text, static_cast<uint32_t>(length), foldedId, {nullptr, 0}};
     return &m_names[slot];
 }
 

@@ -9,6 +9,13 @@
 namespace vek
 {
 
+/// A text that objects of one stretch of a pool's row share.
+struct XMLSharedText
+{
+    wchar_t * text;
+    uint32_t stretch; // 0 for none
+};
+
 /// The attribute names of one parse. The tokenizer hands out the same pointer for each known name, so that a name's
 /// length and its identity without regard to case are found by address; an element that repeats a name is seen in one
 /// step, however many attributes it has.
@@ -21,11 +28,12 @@ public:
         wchar_t const * text;
         uint32_t length;
         uint32_t foldedId;
+        XMLSharedText shared;
     };
 
     /// The name at that address, measured on first sight; the text must stay where it is. Null when memory is
     /// exhausted.
-    Name const * Find(wchar_t const * text) noexcept;
+    Name * Find(wchar_t const * text) noexcept;
     /// The identity of a name that does not come from the tokenizer; false when memory is exhausted.
     bool Add(wchar_t const * text, size_t length, uint32_t & foldedId) noexcept;
 

@@ -7,6 +7,12 @@
 
 namespace vek
 {
+namespace
+{
+
+constexpr size_t PAGE_BYTES = 4096;
+
+} // namespace
 
 XMLOutput::XMLOutput(IVekIOStream & stream, XMLEncoding encoding, NewLines newLines) noexcept
     : m_stream(stream), m_encoding(encoding), m_plainLimit(encoding == XMLEncoding::UTF8 ? 0x80 : 0x100),
@@ -23,7 +29,7 @@ void XMLOutput::Text(wchar_t const * text, size_t length) noexcept
         if (!place)
             return;
         size_t const slice = std::min(length, SLICE);
-        m_used += static_cast<size_t>(Encode(text, slice, place) - place);
+        m_place = Encode(text, slice, place);
         text += slice;
         length -= slice;
     }
@@ -33,8 +39,24 @@ void XMLOutput::Spaces(uint64_t count) noexcept
 {
     static constexpr wchar_t SPACES[] = L"                                                                ";
     constexpr uint64_t SPACES_LENGTH = sizeof SPACES / sizeof SPACES[0] - 1;
-    for (; count > 0 && !m_failed; count -= std::min(count, SPACES_LENGTH))
-        Text(SPACES, static_cast<size_t>(std::min(count, SPACES_LENGTH)));
+    if (m_encoding == XMLEncoding::UTF16)
+    {
+        for (; count > 0 && !m_failed; count -= std::min(count, SPACES_LENGTH))
+            Text(SPACES, static_cast<size_t>(std::min(count, SPACES_LENGTH)));
+        return;
+    }
+    while (count > 0)
+    {
+        char * const place = Room();
+        if (!place)
+            return;
+        auto const slice = static_cast<size_t>(std::min(count, uint64_t{SLICE}));
+        memset(place, ' ', PIECE);
+        if (slice > PIECE)
+            memset(place, ' ', slice);
+        m_place += slice;
+        count -= slice;
+    }
 }
 
 void XMLOutput::Bytes(void const * bytes, size_t count) noexcept
@@ -47,7 +69,7 @@ void XMLOutput::Bytes(void const * bytes, size_t count) noexcept
             return;
         size_t const slice = std::min(count, SLICE);
         memcpy(place, source, slice);
-        m_used += slice;
+        m_place += slice;
         source += slice;
         count -= slice;
     }
@@ -55,30 +77,36 @@ void XMLOutput::Bytes(void const * bytes, size_t count) noexcept
 
 bool XMLOutput::Flush() noexcept
 {
-    if (m_used > 0 && !m_failed && !m_stream.Write(m_block.Data(), static_cast<unsigned int>(m_used), true))
-        m_failed = true;
-    m_used = 0;
+    size_t const used = static_cast<size_t>(m_place - m_block.Data());
+    if (used > 0 && !m_failed && !m_stream.Write(m_block.Data(), static_cast<unsigned int>(used), true))
+        Fail();
+    m_place = m_block.Data();
     return !m_failed;
 }
 
 bool XMLOutput::Finish() noexcept
 {
-    if (m_used == 0)
+    if (m_place == m_block.Data())
         return !m_failed;
     // A memory stream refuses a block that reaches its last byte, but takes a single byte there.
-    char const last = m_block[--m_used];
+    char const last = *--m_place;
     if (Flush() && !m_stream.WriteChar(last, true))
-        m_failed = true;
+        Fail();
     return !m_failed;
 }
 
-char * XMLOutput::Room() noexcept
+char * XMLOutput::RoomAnew() noexcept
 {
-    if (m_block.Empty() && !m_block.Extend(BLOCK_BYTES))
-        m_failed = true;
-    else if (BLOCK_BYTES - m_used < SLICE * UNIT_BYTES)
-        Flush();
-    return m_failed ? nullptr : m_block.Data() + m_used;
+    if (m_failed)
+        return nullptr;
+    if (!m_block.Empty())
+        return Flush() ? m_place : nullptr;
+    m_place = m_block.Extend(BLOCK_BYTES + PIECE);
+    if (m_place)
+        m_limit = m_place + BLOCK_BYTES - SLICE * UNIT_BYTES + 1;
+    else
+        Fail();
+    return m_place;
 }
 
 char * XMLOutput::EncodeUnit(wchar_t unit, char * place) const noexcept
@@ -118,6 +146,11 @@ char * XMLOutput::Encode(wchar_t const * text, size_t length, char * place) cons
     }
     __m128i const limit = _mm_set1_epi16(static_cast<short>(~(m_plainLimit - 1)));
     __m128i const newLine = _mm_set1_epi16(m_carriageReturns ? L'\n' : -1);
+    auto const isPlain = [&](__m128i units)
+    {
+        __m128i const high = _mm_cmpeq_epi16(_mm_and_si128(units, limit), _mm_setzero_si128());
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_andnot_si128(_mm_cmpeq_epi16(units, newLine), high)));
+    };
     bool const packs = m_encoding != XMLEncoding::UTF16;
     size_t i = 0;
     while (i < length)
@@ -126,10 +159,21 @@ char * XMLOutput::Encode(wchar_t const * text, size_t length, char * place) cons
         for (; packs && length - i >= 8; i += 8, place += 8)
         {
             __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(text + i));
-            __m128i const high = _mm_cmpeq_epi16(_mm_and_si128(units, limit), _mm_setzero_si128());
-            if (_mm_movemask_epi8(_mm_andnot_si128(_mm_cmpeq_epi16(units, newLine), high)) != 0xFFFF)
+            if (isPlain(units) != 0xFFFF)
                 break;
             _mm_storel_epi64(reinterpret_cast<__m128i *>(place), _mm_packus_epi16(units, units));
+        }
+        // So do fewer at the end, with what stands behind them, which the next bytes overwrite: within a page of memory
+        // any byte can be read where another is.
+        size_t const rest = length - i;
+        if (packs && rest > 0 && rest < 8 &&
+            (reinterpret_cast<uintptr_t>(text + i) & (PAGE_BYTES - 1)) <= PAGE_BYTES - 16)
+        {
+            __m128i const units = _mm_loadu_si128(reinterpret_cast<__m128i const *>(text + i));
+            unsigned const others = ~isPlain(units);
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(place), _mm_packus_epi16(units, units));
+            if (!(others & ((1U << (2 * rest)) - 1)))
+                return place + rest;
         }
         for (size_t const end = std::min(length, i + 8); i < end; ++i)
             place = EncodeUnit(text[i], place);

@@ -157,7 +157,10 @@ bool CVekXMLParser::State::EndDocument()
     // With nothing more to come, what is cut behind the outermost element shows.
     if (complete && options.keep != VEK_XML_KEEP_NOTHING)
     {
-        complete = XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR;
+        XML_ParsingStatus status;
+        XML_GetParsingStatus(expat, &status);
+        complete = status.parsing == XML_FINISHED ||
+                   (XML_GetErrorCode(expat) == XML_ERROR_NONE && XML_Parse(expat, "", 0, XML_TRUE) != XML_STATUS_ERROR);
         if (!complete)
             Fail(VEK_XML_ERROR_ENDS_EARLY, L"ends within what follows its outermost element");
     }
@@ -413,12 +416,12 @@ bool CVekXMLParser::State::FlushAtEnd()
         return Flush();
     extras->hasSection = false;
     ForgetText();
-    return cdata.Size() <= INT_MAX && element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size()));
+    return AddSection(element);
 }
 
 CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length)
 {
-    auto * const node = CVekXMLElement::MakeNode(name.text, name.length, text, length * sizeof(wchar_t));
+    auto * const node = m_maker.MakeNode(name.text, text, length * sizeof(wchar_t));
     if (!node)
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name.text);
     return node && AddChild(node) ? node : nullptr;

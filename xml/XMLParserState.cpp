@@ -2,6 +2,7 @@
 
 #include "xml/XMLElementSupport.h"
 #include "xml/XMLErrorCode.h"
+#include "xml/XMLFeed.h"
 #include "xml/XMLManager.h"
 
 #include <limits.h>
@@ -151,9 +152,8 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
         extras->source.Begin(bytes, size);
     auto const * const text = static_cast<unsigned char const *>(bytes);
     m_hasMark = size > 1 && ((text[0] == 0xEF && text[1] == 0xBB) || text[0] >= 0xFE);
-    // Kept: the piece is not marked as the last, so that a file that merely ends early is read without an error. Hosts
-    // read files that are still being written.
-    if (XML_Parse(expat, static_cast<char const *>(bytes), size, XML_FALSE) != XML_STATUS_ERROR)
+    // Kept: a file that merely ends early is read without an error. Hosts read files that are still being written.
+    if (vek::XMLFeed(expat, bytes, size).Run(firstElement))
     {
         if (extras && !EndDocument())
             return Fail(VEK_XML_ERROR_MEMORY, L"out of memory");
@@ -162,7 +162,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
             error.isIncomplete = true;
             Fail(firstElement ? VEK_XML_ERROR_EMPTY : VEK_XML_ERROR_ENDS_EARLY,
                  firstElement ? L"no element found" : L"ends before its outermost element is closed");
-            KeepPlace();
+            KeepPlace(size);
         }
         return true;
     }
@@ -172,7 +172,7 @@ bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
     VekLogOutput(0, L"      at line %d, col %d\n", static_cast<int>(XML_GetCurrentLineNumber(expat)),
                  static_cast<int>(XML_GetCurrentColumnNumber(expat)));
     Fail(vek::ToErrorCode(code), code == XML_ERROR_ABORTED ? L"out of memory" : XML_ErrorString(code));
-    KeepPlace();
+    KeepPlace(0);
     return false;
 }
 
@@ -187,12 +187,13 @@ bool CVekXMLParser::State::Fail(VEK_XML_ERROR code, wchar_t const * text, unsign
     return false;
 }
 
-void CVekXMLParser::State::KeepPlace()
+// The tokenizer names no byte where nothing is left of the text: none is the number for that.
+void CVekXMLParser::State::KeepPlace(int none)
 {
     XML_Index const offset = XML_GetCurrentByteIndex(expat);
     error.line = Line();
     error.column = Column();
-    error.offset = offset < 0 ? 0 : static_cast<unsigned int>(offset);
+    error.offset = static_cast<unsigned int>(offset < 0 ? none : offset);
 }
 
 unsigned int CVekXMLParser::State::Line() const noexcept
@@ -216,6 +217,7 @@ bool CVekXMLParser::State::PushRoot(CVekXMLElement * element)
 
 void CVekXMLParser::State::LeaveElements()
 {
+    m_maker.End();
     stack.Free();
     m_hostChild.Reset();
     m_root.Reset();
@@ -256,8 +258,7 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
         return KnowExistingAttributes(stack.Back()) ? stack.Back() : nullptr;
     }
     m_names.BeginElement();
-    size_t const length = wcslen(name);
-    auto * const element = length <= INT_MAX ? CVekXMLManager::NewElement(name, static_cast<int>(length)) : nullptr;
+    CVekXMLElement * const element = CVekXMLManager::Made(m_maker.MakeElement(name));
     if (!element)
     {
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
@@ -278,7 +279,7 @@ bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
     }
     else
     {
-        isAdded = parent.m_children.Append(element);
+        isAdded = m_maker.AppendChild(parent, element);
         if (!isAdded)
             delete element;
     }
@@ -300,14 +301,14 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
     int count = 0;
     while (attributes[2 * count])
         ++count;
-    if (count && !element->m_attributes.Reserve(element->m_attributes.GetCount() + count))
+    if (count && !m_maker.ReserveAttributes(*element, count))
     {
         VekLogOutput(0, L"CVekXMLElement::AddAttribute --> Failed to add attribute");
         return false;
     }
     for (int i = 0; i < count; ++i)
     {
-        vek::XMLNameCache::Name const * const name = m_names.Find(attributes[2 * i]);
+        vek::XMLNameCache::Name * const name = m_names.Find(attributes[2 * i]);
         // Names that differ only in case are one name to an element: the first keeps its value.
         if (name && !m_names.MarkUsed(name->foldedId) && !keepsAll)
             continue;
@@ -324,12 +325,10 @@ bool CVekXMLParser::State::AddAttributes(CVekXMLElement * element, wchar_t const
     return true;
 }
 
-CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value)
+CVekXMLAttribute * CVekXMLParser::State::MakeAttribute(vek::XMLNameCache::Name & name, wchar_t const * value)
 {
     bool const isMade = options.keep != VEK_XML_KEEP_NOTHING ? m_escaped.MakeExact(value) : m_escaped.Make(value);
-    return isMade
-               ? CVekXMLAttribute::Make(name.text, static_cast<int>(name.length), m_escaped.Text(), m_escaped.Length())
-               : nullptr;
+    return isMade ? m_maker.MakeAttribute(name, m_escaped.Text(), m_escaped.Length()) : nullptr;
 }
 
 bool CVekXMLParser::State::KnowExistingAttributes(CVekXMLElement const * element)
@@ -351,6 +350,16 @@ void CVekXMLParser::State::OnEndElement()
         return;
     stack.PopBack();
     complete = stack.Empty();
+}
+
+// Stores what the CDATA buffer holds.
+bool CVekXMLParser::State::AddSection(CVekXMLElement & element)
+{
+    if (cdata.Size() > INT_MAX)
+        return false;
+    auto const size = static_cast<int>(cdata.Size());
+    return &element == m_hostRoot ? element.AddCDATASection(cdata.Data(), size)
+                                  : m_maker.AddSection(element, cdata.Data(), size);
 }
 
 void CVekXMLParser::State::OnStartCDATA()
@@ -379,7 +388,7 @@ void CVekXMLParser::State::OnEndCDATA()
     CVekXMLElement & element = *stack.Back();
     bool const isFirst = !element.HasCDATASection();
     // A second section in one element is refused there, with a message; only a first one that is lost ends the parse.
-    if (cdata.Size() > INT_MAX || (!element.AddCDATASection(cdata.Data(), static_cast<int>(cdata.Size())) && isFirst))
+    if (cdata.Size() > INT_MAX || (!AddSection(element) && isFirst))
         Abort();
     cdata.Clear();
 }

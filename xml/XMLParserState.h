@@ -7,6 +7,7 @@
 #include "base/Buffer.h"
 #include "xml/XMLEntityNames.h"
 #include "xml/XMLEscape.h"
+#include "xml/XMLMaker.h"
 #include "xml/XMLNameCache.h"
 #include "xml/XMLNodeNames.h"
 #include "xml/XMLPositions.h"
@@ -106,14 +107,15 @@ struct CVekXMLParser::State
     VekXMLError error;
 
 private:
-    void KeepPlace();
+    void KeepPlace(int none);
     /// Of the tokenizer's place, both from 1; a byte order mark is no column.
     unsigned int Line() const noexcept;
     unsigned int Column() const noexcept;
     CVekXMLElement * BeginElement(wchar_t const * name);
     bool AddChild(CVekXMLElement * element);
+    bool AddSection(CVekXMLElement & element);
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
-    CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name const & name, wchar_t const * value);
+    CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name & name, wchar_t const * value);
     bool KnowExistingAttributes(CVekXMLElement const * element);
 
     bool EndDocument();
@@ -131,6 +133,7 @@ private:
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 
     bool m_hasMark = false;
+    vek::XMLMaker m_maker;
     vek::XMLNameCache m_names;
     vek::EscapedText m_escaped;
     CVekRef<CVekXMLElement> m_root;

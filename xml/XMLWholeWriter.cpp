@@ -151,7 +151,7 @@ bool XMLWholeWriter::Write(IVekIOStream & stream) noexcept
     if (m_encoding == VEK_XML_ENCODING_UTF8_MARK)
         output.Bytes("\xEF\xBB\xBF", 3);
     else if (isWide)
-        output.Text(L"\xFEFF");
+        output.Text(L"\xFEFF", 1);
     m_output = &output;
     bool const isWritten = Document() && output.Finish();
     m_output = nullptr;

@@ -99,6 +99,91 @@ TEST_F(ParserTest, ReportsMalformedTextWithItsPlace)
     }
 }
 
+// The larger part of a text is handed to the tokenizer in another way than its beginning.
+TEST_F(ParserTest, EndsAndFaultsAreTheSameWhereverTheyStand)
+{
+    std::tuple<std::string, bool, VEK_XML_ERROR, std::size_t> const rows[] = {
+        // behind <a>: whether it can be read, what GetError tells, and of which byte
+        {"</a>\n", true, VEK_XML_ERROR_NONE, 0},
+        {"<b>\n", true, VEK_XML_ERROR_ENDS_EARLY, 4},
+        {"<b v='>", true, VEK_XML_ERROR_ENDS_EARLY, 0},
+        {"<!-- >", true, VEK_XML_ERROR_ENDS_EARLY, 0},
+        {"<![CDATA[x>", true, VEK_XML_ERROR_ENDS_EARLY, 11},
+        {"text]]", true, VEK_XML_ERROR_ENDS_EARLY, 4},
+        {"text\r", true, VEK_XML_ERROR_ENDS_EARLY, 4},
+        {"</a>\r\n<!-- >", true, VEK_XML_ERROR_NONE, 0},
+        {"&tag;>", false, VEK_XML_ERROR_SYNTAX, 0},
+        {"&section;>", false, VEK_XML_ERROR_SYNTAX, 0},
+        {"</b>", false, VEK_XML_ERROR_TAG_MISMATCH, 2},
+        {"</a> <b/>", false, VEK_XML_ERROR_BEHIND_ROOT, 5},
+        {"\x01>", false, VEK_XML_ERROR_TOKEN, 0},
+    };
+    std::string const type = "<!DOCTYPE a [<!ENTITY tag '<b'><!ENTITY section '<![CDATA[x'>]>\n";
+    std::string const filler(3000, '\n');
+    auto const widened = [](std::string const & text)
+    {
+        std::string wide = "\xFF\xFE";
+        for (char const unit : text)
+            (wide += unit) += '\0';
+        return wide;
+    };
+    for (auto const & [tail, isRead, plainCode, plainPlace] : rows)
+        for (std::string const & lead :
+             {type + "<a>", type + filler + "<a>", type + "<!--" + filler + ">--><a>", type + "<a>" + filler})
+            for (int const way : {0, 1, 2, 3})
+            {
+                SCOPED_TRACE(tail + " behind " + std::to_string(lead.size()) + ", way " + std::to_string(way));
+                bool const isWide = way % 2 != 0, keepsAll = way > 1;
+                // Who keeps all misses what is cut behind the outermost element.
+                bool const isCut = keepsAll && tail.ends_with("<!-- >") && tail != "<!-- >";
+                VEK_XML_ERROR const code = isCut ? VEK_XML_ERROR_ENDS_EARLY : plainCode;
+                std::size_t const place = isCut ? 6 : plainPlace;
+                std::string const bytes = isWide ? widened(lead + tail) : lead + tail;
+                CVekRef<CVekXMLParser> const parser(new CVekXMLParser);
+                parser->SetKeepAll(keepsAll ? VEK_XML_KEEP_ALL : VEK_XML_KEEP_NOTHING);
+                EXPECT_EQ(
+                    parser->ParseXMLMemory(bytes.data(), static_cast<unsigned int>(bytes.size()), NewDocument().Get()),
+                    isRead);
+                VekXMLError const error = parser->GetError();
+                EXPECT_EQ(error.code, code);
+                EXPECT_EQ(error.isIncomplete, isRead && code != VEK_XML_ERROR_NONE);
+                EXPECT_EQ(error.offset, code == VEK_XML_ERROR_NONE ? 0
+                                        : isWide                   ? 2 + 2 * (lead.size() + place)
+                                                                   : lead.size() + place);
+                EXPECT_EQ(error.line, code == VEK_XML_ERROR_NONE ? 0
+                                                                 : 1 + std::count(lead.begin(), lead.end(), '\n') +
+                                                                       (tail == "<b>\n" || isCut));
+            }
+    m_log.Take();
+}
+
+// Elements of one file share what they can. None of it shows.
+TEST_F(ParserTest, NamesAreEachElementsOwn)
+{
+    std::string text = "<a>";
+    for (int i = 0; i < 2000; ++i)
+        text += "<part size='" + std::to_string(i) + "' other='value'><![CDATA[" + std::string(i % 9 * 700, 'c') +
+                "]]></part>";
+    CVekRef<IVekXMLElement> kept;
+    {
+        auto const document = NewDocument();
+        ASSERT_TRUE(ParseBytes(text + "</a>", document));
+        IVekXMLElement & root = *document->GetRootElement();
+        IVekXMLElement & first = *root.GetChild(0);
+        first.SetName(L"p");
+        EXPECT_TRUE(first.RenameAttribute(L"size", L"s"));
+        EXPECT_TRUE(first.SetAttributeValue(L"other", VEK_VARIANT(L"n"), false));
+        EXPECT_EQ(TreeText(first), L"p[s=0 other=n]''");
+        EXPECT_STREQ(root.GetChild(1)->GetName(), L"part");
+        EXPECT_STREQ(root.GetChild(1)->GetAttributeName(0), L"size");
+        EXPECT_STREQ(root.GetChild(1)->GetAttributeValue(1), L"value");
+        kept = CVekRef<IVekXMLElement>::Share(root.GetChild(1999));
+    }
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(ParseBytes(text + "</a>", NewDocument()));
+    EXPECT_EQ(TreeText(*kept), L"part[size=1999 other=value]'" + std::wstring(1999 % 9 * 700, L'c') + L"'");
+}
+
 TEST_F(ParserTest, MergesIntoAnExistingRoot)
 {
     auto const document = NewDocument();

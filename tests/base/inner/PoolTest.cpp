@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -103,5 +104,43 @@ TEST(PoolTest, GivesMemoryBackToTheSystem)
     EXPECT_LE(vek::PoolReservedBytes(), before + (65U << 20));
 }
 #endif
+
+// Blocks of several rows, freed one by one and in batches while others are made.
+TEST(PoolTest, RowsKeepTheirBlocksApart)
+{
+    std::mt19937 random(3);
+    std::vector<Block> live;
+    vek::PoolRow rows[3];
+    std::size_t const before = vek::PoolReservedBytes();
+    for (int i = 0; i < 60'000; ++i)
+    {
+        vek::PoolRow & row = rows[random() % 3];
+        std::size_t const size = 1 + (random() % 10 ? random() % 100 : random() % vek::PoolRow::LARGEST);
+        ASSERT_TRUE(row.Fit(size));
+        Block const block = {static_cast<unsigned char *>(row.Allocate(size)), size,
+                             static_cast<unsigned char>(random())};
+        std::memset(block.place, block.mark, size);
+        live.push_back(block);
+        if (random() % 5000 == 0)
+            row.End();
+        if (live.size() < 2000)
+            continue;
+        vek::PoolBatch batch;
+        std::shuffle(live.begin(), live.begin() + (random() % 2 ? 1500 : 0), random);
+        for (int end = 0; end < 1500; ++end, live.pop_back())
+        {
+            Check(live.back());
+            end % 7 ? batch.Free(live.back().place, live.back().size)
+                    : vek::PoolFree(live.back().place, live.back().size);
+        }
+    }
+    for (Block const & block : live)
+    {
+        Check(block);
+        vek::PoolFree(block.place, block.size);
+    }
+    // What was freed was used again: more than 15 MB went through.
+    EXPECT_LE(vek::PoolReservedBytes(), before + (3U << 20));
+}
 
 } // namespace

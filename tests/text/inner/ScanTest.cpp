@@ -4,38 +4,15 @@
 #include "text/Fold.h"
 #include "text/StringAccess.h"
 
+#include "support/FencedPage.h"
 #include "support/GuardHeap.h"
 
 #include <gtest/gtest.h>
-
-#include <windows.h>
 
 #include <string>
 
 namespace
 {
-
-// Two pages, of which the second can't be touched.
-class FencedPage
-{
-public:
-    FencedPage() : m_base(static_cast<char *>(VirtualAlloc(nullptr, 2 * PAGE, MEM_RESERVE, PAGE_NOACCESS)))
-    {
-        VirtualAlloc(m_base, PAGE, MEM_COMMIT, PAGE_READWRITE);
-    }
-    ~FencedPage() { VirtualFree(m_base, 0, MEM_RELEASE); }
-    FencedPage(FencedPage const &) = delete;
-    FencedPage & operator=(FencedPage const &) = delete;
-    template <class T>
-    T * Last(size_t count) const
-    {
-        return reinterpret_cast<T *>(m_base + PAGE) - count;
-    }
-
-private:
-    static constexpr size_t PAGE = 4096;
-    char * m_base;
-};
 
 template <class T>
 class Scan : public testing::Test
