@@ -150,7 +150,8 @@ bool RunWorker()
     CVekRef<IVekThread> const thread(Kernel().CreateThread(L"worker", nullptr, false, 0, 0));
     if (!thread)
         return false;
-    thread->Start();
+    if (thread->Start() == 0xFFFFFFFF)
+        return false; // a command would wait for another start
     auto * const command = new (std::nothrow) Command;
     bool succeeded = command != nullptr;
     if (command)
