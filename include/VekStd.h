@@ -203,6 +203,27 @@ inline bool VekSetCDATAText(IVekXMLElement & element, std::wstring_view text)
     return element.AddCDATASection(reinterpret_cast<unsigned char const *>(copy.data()), size);
 }
 
+/// All bytes of a file; nothing, with a message, when it can't be read whole.
+inline std::optional<std::string> VekReadFile(wchar_t const * path)
+{
+    CVekFileIOStream file;
+    if (!file.Open(path, VEK_IO_READ | VEK_IO_BINARY, 0))
+        return std::nullopt;
+    unsigned int const size = file.GetSize();
+    std::string bytes(size, '\0');
+    if (size > 0 && !file.Read(bytes.data(), size, true))
+        return std::nullopt;
+    return bytes;
+}
+
+/// Makes a file of the bytes, in place of one that is there; false, with a message, when they can't be written whole.
+inline bool VekWriteFile(wchar_t const * path, std::string_view bytes)
+{
+    CVekFileIOStream file;
+    return bytes.size() < 0xFFFFFFFF && file.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) &&
+           (bytes.empty() || file.Write(bytes.data(), static_cast<unsigned int>(bytes.size()), true)) && file.Flush();
+}
+
 #if defined(__cpp_lib_span)
 /// The block of a memory stream, valid until it is closed; empty for a closed one.
 inline std::span<std::byte> VekBytes(IVekMemoryIOStream & stream) noexcept

@@ -41,15 +41,14 @@ std::vector<Asset> FindAssets(fs::path const & folder)
 
 void Read(Asset & asset)
 {
-    CVekFileIOStream file;
-    if (!file.Open(asset.path.c_str(), VEK_IO_READ | VEK_IO_BINARY, 0))
+    auto const bytes = VekReadFile(asset.path.c_str());
+    if (!bytes)
         return;
-    std::vector<unsigned char> bytes(file.GetSize());
-    asset.isRead = bytes.empty() || file.Read(bytes.data(), file.GetSize(), true);
-    asset.size = bytes.size();
+    asset.isRead = true;
+    asset.size = bytes->size();
     asset.sum = 14695981039346656037ULL;
-    for (unsigned char const byte : bytes)
-        asset.sum = (asset.sum ^ byte) * 1099511628211ULL;
+    for (char const byte : *bytes)
+        asset.sum = (asset.sum ^ static_cast<unsigned char>(byte)) * 1099511628211ULL;
 }
 
 /// One for each worker; they share the list of what is to be done.

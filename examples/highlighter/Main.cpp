@@ -14,21 +14,14 @@ namespace
 /// The text of a UTF-8 file; nothing when it can't be read or isn't UTF-8.
 std::optional<std::wstring> ReadText(wchar_t const * path)
 {
-    CVekFileIOStream file;
-    if (!file.Open(path, VEK_IO_READ | VEK_IO_BINARY, 0))
-        return std::nullopt;
-    std::string bytes(file.GetSize(), ' ');
-    if (!bytes.empty() && !file.Read(bytes.data(), file.GetSize(), true))
-        return std::nullopt;
-    return VekWideFromUtf8(bytes);
+    auto const bytes = VekReadFile(path);
+    return bytes ? VekWideFromUtf8(*bytes) : std::nullopt;
 }
 
 bool WriteText(wchar_t const * path, std::wstring_view text)
 {
     auto const bytes = VekUtf8FromWide(text);
-    CVekFileIOStream file;
-    return bytes && file.Open(path, VEK_IO_WRITE | VEK_IO_BINARY, 0) &&
-           file.Write(bytes->data(), static_cast<unsigned int>(bytes->size()), true);
+    return bytes && VekWriteFile(path, *bytes);
 }
 
 constexpr wchar_t MINUS = L'\uE000';

@@ -2,6 +2,7 @@
 
 #include "Process.h"
 
+#include "support/Files.h"
 #include "support/GuardHeap.h"
 
 #include <gmock/gmock.h>
@@ -111,6 +112,10 @@ TEST(Examples, HighlighterShowsCommentsNumbersAndACurve)
 TEST(Examples, ColladaMeasuresMeshes)
 {
     std::wstring const ship = SceneFile().replace(SceneFile().rfind(L"scene.xml"), 9, L"ship.dae");
-    EXPECT_EQ(RunBeside(L"example_collada.exe", {ship}).out, "hull: from -2.5, -6, 0 to 2.5, 6.5, 1.25\r\n");
+    std::wstring const scene = TemporaryPath(L"ship.xml");
+    EXPECT_EQ(RunBeside(L"example_collada.exe", {ship, scene}).out, "hull: from -2.5, -6, 0 to 2.5, 6.5, 1.25\r\n");
+    EXPECT_NE(FileBytes(scene).find("<triangle a=\"-2, -6, 0\" b=\"2, 6.5, 0\""), std::string::npos)
+        << FileBytes(scene);
+    EXPECT_EQ(RunBeside(L"vekview.exe", {scene, L"--snapshot", TemporaryPath(L"ship.png")}).code, 0);
     EXPECT_EQ(RunBeside(L"example_collada.exe", {SceneFile()}).code, 1);
 }

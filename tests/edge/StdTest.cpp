@@ -3,6 +3,7 @@
 #include "VekLib.h"
 #include "VekStd.h"
 
+#include "support/Files.h"
 #include "support/GuardHeap.h"
 
 #include <gtest/gtest.h>
@@ -262,6 +263,18 @@ TEST(VekStd, Bytes)
     EXPECT_EQ(VekCDATAText(element), L"");
     EXPECT_TRUE(VekSetCDATAText(element, L"first text") && VekSetCDATAText(element, VekCDATAText(element).substr(6)));
     EXPECT_EQ(VekCDATAText(element), L"text");
+}
+
+TEST(VekStd, WholeFiles)
+{
+    std::wstring const path = TemporaryPath(L"whole.bin");
+    for (std::string const & bytes : {std::string(), std::string("a\r\n\x1A\0b", 6), std::string(300'000, 'c')})
+    {
+        EXPECT_TRUE(VekWriteFile(path.c_str(), bytes)) << bytes.size();
+        EXPECT_EQ(VekReadFile(path.c_str()), bytes) << bytes.size();
+    }
+    EXPECT_FALSE(VekReadFile(TemporaryPath(L"none/whole.bin").c_str()));
+    EXPECT_FALSE(VekWriteFile(TemporaryPath(L"none/whole.bin").c_str(), "bytes"));
 }
 
 } // namespace
