@@ -15,33 +15,11 @@ if [ $# = 0 ]; then
     checks=$!
     trap 'kill -- -$checks 2> /dev/null' EXIT
 fi
-end_checks() {
+checks_end() {
     wait "$checks"
     local code=$?
     cat build/check-static.txt
     return $code
-}
-
-run_tests() { # preset
-    local begin=$SECONDS
-    if ctest --preset "$1" -j $(($(nproc) + 2)) > "build/test-$1.log" 2>&1 < /dev/null; then
-        printf '%-28s ok %4d s\n' "test $1" $((SECONDS - begin))
-        grep 'tests passed' "build/test-$1.log"
-    else
-        printf '%-28s FAILED after %d s\n' "test $1" $((SECONDS - begin))
-        tail -n 200 "build/test-$1.log"
-        return 1
-    fi
-}
-
-# Many tests wait rather than work: the next preset is built while the tests of the last one run.
-status=0
-running= # whose tests
-end_tests() {
-    [ -n "$running" ] || return
-    wait "$tests" || status=1
-    cat "build/tested-$running.txt"
-    running=
 }
 
 presets=("$@")
@@ -49,13 +27,19 @@ if [ ${#presets[@]} = 0 ]; then
     presets=(win32 win64 msvc32 msvc64 win32-guard) # hosts of the third and fourth run with the DLLs of the first two
     export VEK_TEST_ALL=1
 fi
+status=0
 for preset in "${presets[@]}"; do
     step "build $preset" "build-$preset" configure_and_build "$preset"
-    end_tests
-    running=$preset
-    run_tests "$preset" > "build/tested-$preset.txt" &
-    tests=$!
+    begin=$SECONDS
+    # Many tests wait rather than work.
+    if ctest --preset "$preset" -j $(($(nproc) + 2)) > "build/test-$preset.log" 2>&1 < /dev/null; then
+        printf '%-28s ok %4d s\n' "test $preset" $((SECONDS - begin))
+        grep 'tests passed' "build/test-$preset.log"
+    else
+        printf '%-28s FAILED after %d s\n' "test $preset" $((SECONDS - begin))
+        tail -n 200 "build/test-$preset.log"
+        status=1
+    fi
 done
-end_tests
-[ -z "$checks" ] || step "static checks" check-static end_checks
+[ -z "$checks" ] || step "static checks" check-static checks_end
 exit $status
