@@ -86,7 +86,7 @@ edit() {
         echo "unedited $1: ${message//[$'\r\n']/ }"
     else
         more=$(($(stat -c %s "$new") - $(stat -Lc %s "$1")))
-        at=$(cmp "$1" "$new" 2>&1 | sed -n 's/.* byte \([0-9]*\).*/\1/p')
+        at=$(cmp "$1" "$new" 2>&1 | sed -nE 's/.* (byte|char) ([0-9]+),.*/\2/p') # it says "char" where no locale is set
         if { [ $more = 14 ] || [ $more = 28 ]; } && cmp -s <(tail -c +"$at" "$1") <(tail -c +$((at + more)) "$new") &&
             "$3" "$2" xml remove "Z:$new" / vek-check 2> /dev/null && cmp -s "$1" "$new"; then
             echo "edited $1"
