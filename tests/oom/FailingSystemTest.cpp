@@ -2,6 +2,7 @@
 // ones.
 
 #include "oom/Scenarios.h"
+#include "support/Files.h"
 #include "support/GuardHeap.h"
 #include "support/SystemCalls.h"
 
@@ -15,23 +16,15 @@
 namespace
 {
 
-wchar_t const * InFolder(wchar_t const * name)
-{
-    static wchar_t path[300];
-    wchar_t const * const folder = _wgetenv(L"VEK_TEST_TMP");
-    VekStrPrintfW(path, 300, L"%s/%s", folder ? folder : L".", name);
-    return path;
-}
-
 // A file that can't be deleted stays; there are only so many names for others beside it.
 void RemoveLeftovers()
 {
     WIN32_FIND_DATAW found;
-    HANDLE const search = FindFirstFileW(InFolder(L"*.new"), &found);
+    HANDLE const search = FindFirstFileW(TemporaryPath(L"*.new").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE)
         return;
     do
-        DeleteFileW(InFolder(found.cFileName));
+        DeleteFileW(TemporaryPath(found.cFileName).c_str());
     while (FindNextFileW(search, &found));
     FindClose(search);
 }
@@ -42,14 +35,14 @@ bool SaveOver()
     CVekRef<CVekXMLElement> const root{new CVekXMLElement};
     root->SetName(L"root");
     document->SetRootElement(root.Get());
-    return VekSaveXMLDocument(InFolder(L"saved.xml"), document.Get());
+    return VekSaveXMLDocument(TemporaryPath(L"saved.xml").c_str(), document.Get());
 }
 
 bool ReadAFile()
 {
     CVekRef<IVekXMLDocument> const document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
     CVekXMLParser parser;
-    return parser.ParseXMLFile(InFolder(L"saved.xml"), document.Get()) && parser.IsComplete();
+    return parser.ParseXMLFile(TemporaryPath(L"saved.xml").c_str(), document.Get()) && parser.IsComplete();
 }
 
 bool UseLocks()

@@ -135,7 +135,6 @@ Row const g_rows[] = {
     VEK_CALL(GetProcessTimes, 0, OPENS),
     VEK_CALL(GetSystemTimes, 0, OPENS),
     VEK_CALL(GlobalMemoryStatusEx, 0, OPENS),
-    VEK_CALL(CoInitialize, E_FAIL, OPENS),
     VEK_CALL(MultiByteToWideChar, 0, OPENS),
     VEK_CALL(WideCharToMultiByte, 0, OPENS),
     VEK_CALL(FormatMessageW, 0, OPENS),

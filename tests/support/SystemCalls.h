@@ -8,7 +8,7 @@
 namespace VekTest
 {
 
-// Calls for events, mutexes, semaphores, threads, handles, files, folders, COM, times, memory status and code pages
+// Calls for events, mutexes, semaphores, threads, handles, files, folders, times, memory status and code pages
 // fail from now on, if the calling thread makes them: only the n-th (1 is the next one), or the n-th and all after it.
 void FailSystemCall(std::size_t n) noexcept;
 void FailSystemFrom(std::size_t n) noexcept;

@@ -49,12 +49,7 @@ struct Counted : Base
     std::vector<int> touched = std::vector<int>(4); // seen by the guard heap when its owner is gone
 };
 
-struct TickBase : CVekRefCounted<IVekThread::TickCallback>
-{
-    virtual ~TickBase() = default;
-};
-
-struct Tick final : Counted<TickBase>
+struct Tick final : Counted<CVekRefCounted<IVekThread::TickCallback>>
 {
     void OnTick() override { ++touched[0]; }
 };
@@ -86,12 +81,7 @@ struct Handler final : Counted<CVekEventHandler>
     }
 };
 
-struct CatcherBase : CVekRefCounted<IVekCatchLogOutput>
-{
-    virtual ~CatcherBase() = default;
-};
-
-struct Catcher final : Counted<CatcherBase>
+struct Catcher final : Counted<CVekRefCounted<IVekCatchLogOutput>>
 {
     void OnLogOutput(int, wchar_t const *) override
     {
