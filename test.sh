@@ -6,20 +6,49 @@ cd "$(dirname "${BASH_SOURCE[0]}")" || exit 1
 
 tools/setup.sh --msvc < /dev/null || exit 1
 
+# What runs beside the rest: in a process group of its own, which ends with this script.
+beside() {
+    set -m
+    "$@" &
+    set +m
+}
+trap 'for job in $(jobs -p); do kill -- "-$job" 2> /dev/null; done' EXIT
+
 # Of the sources, whatever they are built for, in the time that builds and tests leave.
 checks=
+check() { nice -n 19 tools/check-static.sh > build/check-static.txt 2>&1 < /dev/null; }
 if [ $# = 0 ]; then
-    set -m # a process group of its own, to end it as one
-    nice -n 19 tools/check-static.sh > build/check-static.txt 2>&1 < /dev/null &
-    set +m
+    beside check
     checks=$!
-    trap 'kill -- -$checks 2> /dev/null' EXIT
 fi
-checks_end() {
+end_checks() {
     wait "$checks"
     local code=$?
     cat build/check-static.txt
     return $code
+}
+
+run_tests() { # preset
+    local begin=$SECONDS
+    exec > "build/tested-$1.txt"
+    if ctest --preset "$1" -j $(($(nproc) + 2)) > "build/test-$1.log" 2>&1 < /dev/null; then
+        printf '%-28s ok %4d s\n' "test $1" $((SECONDS - begin))
+        grep 'tests passed' "build/test-$1.log"
+    else
+        printf '%-28s FAILED after %d s\n' "test $1" $((SECONDS - begin))
+        tail -n 200 "build/test-$1.log"
+        return 1
+    fi
+}
+
+# Many tests wait rather than work: the next preset is built while the tests of the last one run.
+status=0
+running= # whose tests
+end_tests() {
+    [ -n "$running" ] || return
+    wait "$tests" || status=1
+    cat "build/tested-$running.txt"
+    running=
 }
 
 presets=("$@")
@@ -27,19 +56,13 @@ if [ ${#presets[@]} = 0 ]; then
     presets=(win32 win64 msvc32 msvc64 win32-guard) # hosts of the third and fourth run with the DLLs of the first two
     export VEK_TEST_ALL=1
 fi
-status=0
 for preset in "${presets[@]}"; do
     step "build $preset" "build-$preset" configure_and_build "$preset"
-    begin=$SECONDS
-    # Many tests wait rather than work.
-    if ctest --preset "$preset" -j $(($(nproc) + 2)) > "build/test-$preset.log" 2>&1 < /dev/null; then
-        printf '%-28s ok %4d s\n' "test $preset" $((SECONDS - begin))
-        grep 'tests passed' "build/test-$preset.log"
-    else
-        printf '%-28s FAILED after %d s\n' "test $preset" $((SECONDS - begin))
-        tail -n 200 "build/test-$preset.log"
-        status=1
-    fi
+    end_tests
+    running=$preset
+    beside run_tests "$preset"
+    tests=$!
 done
-[ -z "$checks" ] || step "static checks" check-static checks_end
+end_tests
+[ -z "$checks" ] || step "static checks" check-static end_checks
 exit $status

@@ -64,7 +64,7 @@ private:
 
     CVekMutex m_mutex; // kept: no operation takes it
     CVekCriticalSection m_lock;
-    unsigned int m_bucketCount = BUCKET_COUNT;
+    [[maybe_unused]] unsigned int m_bucketCount = BUCKET_COUNT; // kept beside the constant that is used
     unsigned int m_nextNumber = 0;
     unsigned int m_currentBytes = 0;
     unsigned int m_peakBytes = 0;
