@@ -296,9 +296,14 @@ size_t ClassIndex(size_t size) noexcept
     return CLASS_OF.index[(size + GRAIN - 1) / GRAIN];
 }
 
+SizeClasses & OwnShare() noexcept
+{
+    return g_shares[GetCurrentThreadId() / 4 % SHARES]; // the system counts threads in fours
+}
+
 SizeClass & OwnClass(size_t index) noexcept
 {
-    return g_shares[GetCurrentThreadId() / 4 % SHARES].all[index]; // the system counts threads in fours
+    return OwnShare().all[index];
 }
 
 Chunk * ChunkOf(void const * address) noexcept
@@ -621,6 +626,11 @@ void PoolBatch::Flush() noexcept
     if (m_count > 0)
         GiveRowBlocks(reinterpret_cast<Chunk *>(m_stretch * POOL_STRETCH), m_count);
     m_count = 0;
+}
+
+void PoolLeaveThread() noexcept
+{
+    GiveIdleChunksBack(OwnShare());
 }
 
 size_t PoolReservedBytes() noexcept

@@ -144,3 +144,21 @@ TEST(PoolTest, RowsKeepTheirBlocksApart)
 }
 
 } // namespace
+
+// Each thread has blocks of its own; a program that makes one after the other keeps no more than for a few.
+TEST(Pool, KeepsNothingForThreadsThatHaveEnded)
+{
+    if (vek::POOL_LARGEST == 0)
+        GTEST_SKIP() << "the guarded build has no pool";
+    auto const useAllSizes = []
+    {
+        for (std::size_t size = 1; size < vek::POOL_LARGEST; size += 8)
+            vek::PoolFree(vek::PoolAllocate(size), size);
+        vek::PoolLeaveThread(); // as the DLL does
+    };
+    std::thread(useAllSizes).join();
+    std::size_t const before = vek::PoolReservedBytes();
+    for (int i = 0; i < 40; ++i)
+        std::thread(useAllSizes).join();
+    EXPECT_LE(vek::PoolReservedBytes(), before);
+}
