@@ -4,6 +4,7 @@
 #include "oom/Scenarios.h"
 #include "support/Files.h"
 #include "support/GuardHeap.h"
+#include "support/Handles.h"
 #include "support/SystemCalls.h"
 
 #include <gtest/gtest.h>
@@ -64,19 +65,12 @@ std::vector<Scenario> AllScenarios()
     return all;
 }
 
-DWORD Handles()
-{
-    DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
-    return count;
-}
-
 // Threads that end give theirs back a little later.
-bool HandlesComeDownTo(DWORD count)
+bool HandlesComeDownTo(int count)
 {
-    for (int i = 0; i < 200 && Handles() > count; ++i)
+    for (int i = 0; i < 200 && CountHandles() > count; ++i)
         Sleep(10);
-    return Handles() <= count;
+    return CountHandles() <= count;
 }
 
 class FailingSystem : public testing::TestWithParam<Scenario>
@@ -89,7 +83,7 @@ void FailEachCall(bool (*run)(), void (*fail)(std::size_t), bool mustTell)
     for (std::size_t n = 1;; ++n)
     {
         std::size_t const blocks = VekGuard::LiveBlocks();
-        DWORD const handles = Handles();
+        int const handles = CountHandles();
         fail(n);
         bool const succeeded = run();
         char const * const name = VekTest::SystemReset();
