@@ -5,6 +5,7 @@
 #define VEK_EDIT_H
 
 #include "VekMath.h"
+#include "VekRef.h"
 #include "VekText.h"
 #include "VekXML.h"
 
@@ -25,6 +26,18 @@ VEK_API bool VekRemoveXMLAttribute(IVekXMLElement * element, wchar_t const * nam
 /// element of a foreign implementation, and, with a message, when memory is exhausted.
 VEK_API bool VekReplaceXMLAttribute(IVekXMLElement * element, wchar_t const * name, wchar_t const * newName,
                                     VEK_VARIANT const & value);
+
+/// Appends a new, empty element of that name, which belongs to the parent: no reference is added. Null when memory is
+/// exhausted.
+inline IVekXMLElement * VekAddXMLChild(IVekXMLElement & parent, wchar_t const * name)
+{
+    CVekRef<CVekXMLElement> const child{new CVekXMLElement};
+    int const count = parent.GetNumChildren();
+    if (!child)
+        return nullptr;
+    child->SetName(name);
+    return child->GetName() == name && parent.AddChild(child.Get(), -1) == count ? child.Get() : nullptr;
+}
 
 // --- files ----------------------------------------------------------------------------------------------------------
 
