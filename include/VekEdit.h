@@ -31,12 +31,18 @@ VEK_API bool VekReplaceXMLAttribute(IVekXMLElement * element, wchar_t const * na
 /// exhausted.
 inline IVekXMLElement * VekAddXMLChild(IVekXMLElement & parent, wchar_t const * name)
 {
-    CVekRef<CVekXMLElement> const child{new CVekXMLElement};
-    int const count = parent.GetNumChildren();
+    CVekRef<IVekXMLElement> const child{new CVekXMLElement};
     if (!child)
         return nullptr;
     child->SetName(name);
-    return child->GetName() == name && parent.AddChild(child.Get(), -1) == count ? child.Get() : nullptr;
+    int const count = parent.GetNumChildren();
+    if (child->GetName() != name)
+        return nullptr;
+    if (parent.AddChild(child.Get(), -1) == count)
+        return child.Get();
+    if (parent.GetNumChildren() == count) // the reference that was added stays with what can't be stored
+        CVekRef<IVekXMLElement>::Adopt(child.Get());
+    return nullptr;
 }
 
 // --- files ----------------------------------------------------------------------------------------------------------
