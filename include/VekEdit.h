@@ -5,6 +5,7 @@
 #define VEK_EDIT_H
 
 #include "VekMath.h"
+#include "VekRef.h"
 #include "VekText.h"
 #include "VekXML.h"
 
@@ -25,6 +26,24 @@ VEK_API bool VekRemoveXMLAttribute(IVekXMLElement * element, wchar_t const * nam
 /// element of a foreign implementation, and, with a message, when memory is exhausted.
 VEK_API bool VekReplaceXMLAttribute(IVekXMLElement * element, wchar_t const * name, wchar_t const * newName,
                                     VEK_VARIANT const & value);
+
+/// Appends a new, empty element of that name, which belongs to the parent: no reference is added. Null when memory is
+/// exhausted.
+inline IVekXMLElement * VekAddXMLChild(IVekXMLElement & parent, wchar_t const * name)
+{
+    CVekRef<IVekXMLElement> const child{new CVekXMLElement};
+    if (!child)
+        return nullptr;
+    child->SetName(name);
+    int const count = parent.GetNumChildren();
+    if (child->GetName() != name)
+        return nullptr;
+    if (parent.AddChild(child.Get(), -1) == count)
+        return child.Get();
+    if (parent.GetNumChildren() == count) // the reference that was added stays with what can't be stored
+        CVekRef<IVekXMLElement>::Adopt(child.Get());
+    return nullptr;
+}
 
 // --- files ----------------------------------------------------------------------------------------------------------
 

@@ -93,4 +93,31 @@ protected:
     ~IVekKernel() = default;
 };
 
+/// A new document whose root is an empty element of that name; null when memory is exhausted.
+inline CVekRef<IVekXMLDocument> VekNewXMLDocument(wchar_t const * rootName)
+{
+    IVekXMLManager * const manager = getVekLibKernel()->GetXMLManager();
+    CVekRef<IVekXMLDocument> document{manager ? manager->CreateXMLDocument() : nullptr};
+    CVekRef<IVekXMLElement> const root{manager ? manager->CreateXMLElement() : nullptr};
+    if (!document || !root)
+        return nullptr;
+    root->SetName(rootName);
+    document->SetRootElement(root.Get());
+    return root->GetName() == rootName ? document : nullptr;
+}
+
+/// A new document with all of an XML file; null when the file can't be read, is malformed or ends early, or memory is
+/// exhausted. The error, which may be null, tells which.
+inline CVekRef<IVekXMLDocument> VekLoadXMLDocument(wchar_t const * path, VekXMLError * error = nullptr)
+{
+    IVekXMLManager * const manager = getVekLibKernel()->GetXMLManager();
+    CVekRef<IVekXMLDocument> document{manager ? manager->CreateXMLDocument() : nullptr};
+    CVekXMLParser parser;
+    if (document && !(parser.ParseXMLFile(path, document.Get()) && parser.IsComplete()))
+        document.Reset();
+    if (error)
+        *error = parser.GetError();
+    return document;
+}
+
 #endif

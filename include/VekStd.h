@@ -1,22 +1,23 @@
 /// @file
-/// The library's texts, references and bytes beside the standard library's. VekLib.h does not bring this header: a host
-/// that uses the standard library includes it. The functions may throw std::bad_alloc, where they make something of the
-/// standard library's.
+/// The library's texts, references, bytes, source texts, curves and workers beside the standard library's. VekLib.h
+/// does not bring this header: a host that uses the standard library includes it. The functions may throw
+/// std::bad_alloc, where they make something of the standard library's.
 #ifndef VEK_STD_H
 #define VEK_STD_H
 
-#include "VekIO.h"
-#include "VekRef.h"
-#include "VekText.h"
-#include "VekVariant.h"
-#include "VekXML.h"
+#include "VekLib.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #if __cplusplus >= 202002L || (defined(_MSVC_LANG) && _MSVC_LANG >= 202002L)
 #if __has_include(<span>)
@@ -185,6 +186,15 @@ inline std::optional<std::string> VekUtf8FromWide(CVekString<wchar_t> const & wi
 
 // --- bytes ----------------------------------------------------------------------------------------------------------
 
+/// An attribute's text, with its escaping undone; nothing when there is none of that name.
+inline std::optional<std::wstring> VekAttributeText(IVekXMLElement const & element, wchar_t const * name)
+{
+    CVekString<wchar_t> text;
+    if (!element.GetAttributeValue(name, text, nullptr))
+        return std::nullopt;
+    return VekToStd(text);
+}
+
 /// The text of an element's CDATA section, valid until the section is removed; empty without one.
 inline std::wstring_view VekCDATAText(IVekXMLElement const & element) noexcept
 {
@@ -224,6 +234,22 @@ inline bool VekWriteFile(wchar_t const * path, std::string_view bytes)
            (bytes.empty() || file.Write(bytes.data(), static_cast<unsigned int>(bytes.size()), true)) && file.Flush();
 }
 
+/// The text of a UTF-8 file; nothing when it can't be read whole, with a message, or is not well formed, as
+/// VekWideFromUtf8 has it.
+inline std::optional<std::wstring> VekReadTextFile(wchar_t const * path)
+{
+    std::optional<std::string> const bytes = VekReadFile(path);
+    return bytes ? VekWideFromUtf8(*bytes) : std::nullopt;
+}
+
+/// Makes a UTF-8 file of the text, in place of one that is there; false when it can't be written whole, with a message,
+/// or holds half of a surrogate pair, with the old file untouched.
+inline bool VekWriteTextFile(wchar_t const * path, std::wstring_view text)
+{
+    std::optional<std::string> const bytes = VekUtf8FromWide(text);
+    return bytes && VekWriteFile(path, *bytes);
+}
+
 #if defined(__cpp_lib_span)
 /// The block of a memory stream, valid until it is closed; empty for a closed one.
 inline std::span<std::byte> VekBytes(IVekMemoryIOStream & stream) noexcept
@@ -247,5 +273,282 @@ inline bool VekOpenBytes(IVekMemoryIOStream & stream, std::span<std::byte const>
     return true;
 }
 #endif
+
+// --- source texts ---------------------------------------------------------------------------------------------------
+
+/// @cond internal
+namespace vek
+{
+/// Stands for a minus sign, which would begin a number for the lexer.
+constexpr wchar_t MINUS = L'\xE000';
+
+/// Calls add(word, id) for each of the words between blanks, until one is false.
+template <class Add>
+bool AddWords(std::wstring_view words, int id, Add add)
+{
+    constexpr wchar_t const * BLANKS = L" \t\n";
+    for (std::size_t begin = words.find_first_not_of(BLANKS); begin != words.npos; ++id)
+    {
+        std::size_t const end = std::min(words.find_first_of(BLANKS, begin), words.size());
+        if (!add(std::wstring(words.substr(begin, end - begin)).c_str(), id))
+            return false;
+        begin = words.find_first_not_of(BLANKS, end);
+    }
+    return true;
+}
+} // namespace vek
+/// @endcond
+
+/// Adds the words between the blanks as keywords, which count with their case; their identifiers are firstId and the
+/// numbers from there on. False when memory is exhausted.
+inline bool VekAddKeywords(IVekLexer & lexer, std::wstring_view words, int firstId = 0)
+{
+    return vek::AddWords(words, firstId,
+                         [&](wchar_t const * word, int id) { return lexer.AddKeyword(word, id, true); });
+}
+
+/// Adds what stands between the blanks as operators, numbered alike, such as L"+ - -> =": of those that share their
+/// beginning the shorter ones come first. Those with a minus sign are for VekTokenizeSource. False when memory is
+/// exhausted.
+inline bool VekAddOperators(IVekLexer & lexer, std::wstring_view operators, int firstId = 0)
+{
+    std::wstring prepared(operators);
+    std::replace(prepared.begin(), prepared.end(), L'-', vek::MINUS);
+    return vek::AddWords(prepared, firstId, [&](wchar_t const * text, int id) { return lexer.AddOperator(text, id); });
+}
+
+/// Tokenizes a text in which a minus sign is an operator and a carriage return a blank; the lexer alone takes the one
+/// for the beginning of a number and the other for part of an operator. Places are those in the text, but in the texts
+/// of tokens U+E000 stands for each minus sign: see VekPieces. False as IVekTokenizer::Tokenize, and for a text of 2 GB
+/// and more.
+inline bool VekTokenizeSource(IVekTokenizer & tokenizer, IVekLexer & lexer, std::wstring_view source)
+{
+    std::wstring prepared(source);
+    std::replace(prepared.begin(), prepared.end(), L'-', vek::MINUS);
+    std::replace(prepared.begin(), prepared.end(), L'\r', L' ');
+    return prepared.size() <= 0x7FFFFFFF &&
+           tokenizer.Tokenize(&lexer, prepared.c_str(), static_cast<int>(prepared.size()));
+}
+
+/// A piece of a text in a loop: a token as it stands there, or with null what stands between two of them: blanks,
+/// comments, and tokens that don't pass the filter.
+struct VekPiece
+{
+    std::wstring_view text;
+    IVekTokenizer::IToken const * token;
+};
+
+/// A text in pieces, which make up the whole of it; the tokenizer has been given the text, which must last as long as
+/// the loop. The number behind an error, which stands at the same place, is left out.
+///
+///     for (auto const & [text, token] : VekPieces(tokenizer, source))
+class VekPieces
+{
+public:
+    class Iterator
+    {
+    public:
+        Iterator(IVekTokenizer const & tokenizer, std::wstring_view text) noexcept
+            : m_tokenizer(&tokenizer), m_rest(text)
+        {
+            Settle();
+        }
+        VekPiece const & operator*() const noexcept { return m_piece; }
+        Iterator & operator++() noexcept
+        {
+            m_position += m_piece.text.size();
+            m_rest.remove_prefix(m_piece.text.size());
+            Settle();
+            return *this;
+        }
+        bool operator!=(vek::WalkEnd) const noexcept { return !m_rest.empty(); }
+
+    private:
+        void Settle() noexcept
+        {
+            IVekTokenizer::IToken const * token = m_tokenizer->GetToken(m_index);
+            while (token && (PositionOf(*token) < m_position || token->GetLength() <= 0))
+                token = m_tokenizer->GetToken(++m_index);
+            std::size_t const before = token ? PositionOf(*token) - m_position : m_rest.size();
+            if (before == 0 && token)
+                m_piece = {m_rest.substr(0, static_cast<std::size_t>(token->GetLength())), token};
+            else
+                m_piece = {m_rest.substr(0, before), nullptr};
+        }
+        static std::size_t PositionOf(IVekTokenizer::IToken const & token) noexcept
+        {
+            return static_cast<std::size_t>(token.GetPosition());
+        }
+
+        IVekTokenizer const * m_tokenizer;
+        std::wstring_view m_rest;
+        std::size_t m_position = 0;
+        int m_index = 0;
+        VekPiece m_piece{};
+    };
+
+    VekPieces(IVekTokenizer const & tokenizer, std::wstring_view text) noexcept : m_tokenizer(tokenizer), m_text(text)
+    {
+    }
+    Iterator begin() const noexcept { return {m_tokenizer, m_text}; }
+    static vek::WalkEnd end() noexcept { return {}; }
+
+private:
+    IVekTokenizer const & m_tokenizer;
+    std::wstring_view m_text;
+};
+
+// --- curves ---------------------------------------------------------------------------------------------------------
+
+/// The curve through the points, as CVekNurbsCurve::CreateInterpolation makes it; an empty one, with a message, when
+/// that fails.
+template <class T>
+CVekNurbsCurve<T> VekInterpolate(unsigned int degree, std::vector<CVekVector3D<T>> const & points)
+{
+    // One too many is refused as any larger number is.
+    std::size_t const count = std::min<std::size_t>(points.size(), CVekNurbsCurve<T>::MAX_POINTS + 1);
+    CVekNurbsCurve<T> curve;
+    curve.CreateInterpolation(degree, points.data(), static_cast<unsigned int>(count));
+    return curve;
+}
+
+/// The points of CVekNurbsCurve::Tessellate; none for an empty curve, or without a tolerance.
+template <class T>
+std::vector<CVekVector3D<T>> VekTessellate(CVekNurbsCurve<T> const & curve, T tolerance)
+{
+    constexpr unsigned int MOSTLY_ENOUGH = 256;
+    std::vector<CVekVector3D<T>> points(MOSTLY_ENOUGH);
+    unsigned int const count = curve.Tessellate(tolerance, points.data(), nullptr, MOSTLY_ENOUGH);
+    points.resize(count);
+    if (count > MOSTLY_ENOUGH)
+        curve.Tessellate(tolerance, points.data(), nullptr, count);
+    return points;
+}
+
+// --- workers --------------------------------------------------------------------------------------------------------
+
+/// Gives the controller a callback that shows the current task's progress, in percent, and name, as
+/// IVekProgressController::Callback does: false asks the working code to stop, and no exception may leave it.
+inline void VekSetProgressCallback(IVekProgressController & controller,
+                                   std::function<bool(double percent, wchar_t const * task)> show)
+{
+    class Callback final : public CVekRefCounted<IVekProgressController::Callback>
+    {
+    public:
+        explicit Callback(std::function<bool(double, wchar_t const *)> function) : m_show(std::move(function)) {}
+        bool OnProgress(double taskProgress, double, wchar_t const * taskName, int) override
+        {
+            return m_show(taskProgress, taskName);
+        }
+
+    private:
+        std::function<bool(double, wchar_t const *)> m_show;
+    };
+    CVekRef<Callback> const callback{new Callback(std::move(show))};
+    controller.SetCallback(callback.Get());
+}
+
+/// @cond internal
+namespace vek
+{
+/// What the workers of one run share. A worker may look at it after its caller has gone on.
+struct WorkerRun
+{
+    std::function<void(std::size_t)> work;
+    std::size_t count = 0;
+    bool tellsEach = false;
+    std::atomic<std::size_t> next{0}, done{0};
+    std::atomic<unsigned int> working{0};
+    std::atomic<bool> isStopped{false};
+    CVekSignal change;
+};
+
+/// One for each worker; also where one is never run, its end counts.
+class WorkerCommand final : public CVekThreadCommand
+{
+public:
+    explicit WorkerCommand(std::shared_ptr<WorkerRun> run) : m_run(std::move(run)) { ++m_run->working; }
+    WorkerCommand(WorkerCommand const &) = delete;
+    WorkerCommand & operator=(WorkerCommand const &) = delete;
+    ~WorkerCommand() override
+    {
+        --m_run->working;
+        m_run->change.SetSignal();
+    }
+    void Execute() override
+    {
+        for (std::size_t i = m_run->next++; i < m_run->count && !m_run->isStopped; i = m_run->next++)
+        {
+            m_run->work(i);
+            ++m_run->done;
+            if (m_run->tellsEach)
+                m_run->change.SetSignal();
+        }
+    }
+
+private:
+    std::shared_ptr<WorkerRun> m_run;
+};
+
+/// The workers of one run; its end stops them, and waits for what they are at.
+class Workers
+{
+public:
+    explicit Workers(std::shared_ptr<WorkerRun> run) : m_run(std::move(run)) {}
+    Workers(Workers const &) = delete;
+    Workers & operator=(Workers const &) = delete;
+    ~Workers()
+    {
+        m_run->isStopped = true;
+        while (m_run->working > 0)
+            m_run->change.Lock();
+    }
+    void Add()
+    {
+        CVekRef<IVekThread> thread{getVekLibKernel()->CreateThread(L"worker", nullptr, false, 0, 0)};
+        if (!thread)
+            return;
+        thread->Start();
+        if (!thread->GetHandle())
+            return;
+        m_threads.push_back(std::move(thread));
+        m_threads.back()->AddCommand(new WorkerCommand(m_run));
+    }
+
+private:
+    std::shared_ptr<WorkerRun> m_run;
+    std::vector<CVekRef<IVekThread>> m_threads;
+};
+} // namespace vek
+/// @endcond
+
+/// Calls work for each index below count, on so many worker threads, and returns when all is done: true then. The
+/// progress controller, which may be null, hears of it on the calling thread, whenever one is done: its current task
+/// goes on by 100 percent in all. When that cancels it, the workers end with what they are at, and the result is false;
+/// also when no worker can be started. An exception that leaves work ends the process.
+inline bool VekRunOnWorkers(std::size_t count, unsigned int workers, std::function<void(std::size_t)> work,
+                            IVekProgressController * progress = nullptr)
+{
+    auto const run = std::make_shared<vek::WorkerRun>();
+    run->work = std::move(work);
+    run->count = count;
+    run->tellsEach = progress != nullptr;
+    vek::Workers crew(run);
+    for (std::size_t i = 0; i < workers && i < count; ++i)
+        crew.Add();
+    std::size_t told = 0;
+    for (bool isOver = false; !isOver;)
+    {
+        isOver = run->working == 0;
+        if (!isOver)
+            run->change.Lock();
+        std::size_t const done = run->done;
+        if (progress && done > told)
+            progress->Progress(100.0 * static_cast<double>(done - told) / static_cast<double>(count));
+        run->isStopped = progress && progress->IsCancelled();
+        told = done;
+    }
+    return run->done == count;
+}
 
 #endif

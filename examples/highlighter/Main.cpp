@@ -5,48 +5,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <string>
-#include <vector>
 
 namespace
 {
-
-/// The text of a UTF-8 file; nothing when it can't be read or isn't UTF-8.
-std::optional<std::wstring> ReadText(wchar_t const * path)
-{
-    auto const bytes = VekReadFile(path);
-    return bytes ? VekWideFromUtf8(*bytes) : std::nullopt;
-}
-
-bool WriteText(wchar_t const * path, std::wstring_view text)
-{
-    auto const bytes = VekUtf8FromWide(text);
-    return bytes && VekWriteFile(path, *bytes);
-}
-
-constexpr wchar_t MINUS = L'\uE000';
-
-/// The text as the lexer wants it, position for position: a minus sign would begin a number, and a carriage return is
-/// no blank.
-std::wstring Prepared(std::wstring text)
-{
-    std::replace(text.begin(), text.end(), L'-', MINUS);
-    std::replace(text.begin(), text.end(), L'\r', L' ');
-    return text;
-}
-
-void SetUp(IVekLexer & lexer)
-{
-    for (wchar_t const * const word :
-         {L"if",      L"else",   L"for",   L"while", L"do",   L"return",  L"break",    L"continue",
-          L"discard", L"struct", L"const", L"in",    L"out",  L"uniform", L"void",     L"bool",
-          L"int",     L"float",  L"vec2",  L"vec3",  L"vec4", L"mat4",    L"sampler2D"})
-        lexer.AddKeyword(word, 0, true);
-    for (wchar_t const unit : std::wstring(L"+*/%=<>!&|^~?:;,.()[]{}#") + MINUS)
-        lexer.AddOperator(std::wstring(1, unit).c_str(), unit);
-    lexer.AddComment(L"//", L"\n");
-    lexer.AddComment(L"/*", L"*/");
-}
 
 std::wstring Escaped(std::wstring_view text)
 {
@@ -56,46 +17,29 @@ std::wstring Escaped(std::wstring_view text)
     return escaped;
 }
 
-wchar_t const * ClassOf(IVekTokenizer::TOKEN_KIND kind)
+/// The tag that a piece stands in, and its attributes; null for none. What is no token is blank, or a comment.
+wchar_t const * TagOf(VekPiece const & piece)
 {
-    switch (kind)
-    {
-    case IVekTokenizer::TOKEN_KEYWORD:
-        return L"keyword";
-    case IVekTokenizer::TOKEN_INTEGER:
-    case IVekTokenizer::TOKEN_FLOAT:
-    case IVekTokenizer::TOKEN_ERROR: // such as 0xFF
-        return L"number";
-    case IVekTokenizer::TOKEN_STRING:
-        return L"string";
-    default:
-        return nullptr;
-    }
-}
-
-/// What stands between tokens is blank, or a comment.
-std::wstring Between(std::wstring_view text)
-{
-    bool const isComment = text.find_first_not_of(L" \t\r\n") != text.npos;
-    return isComment ? L"<i>" + Escaped(text) + L"</i>" : Escaped(text);
+    if (!piece.token)
+        return piece.text.find_first_not_of(L" \t\r\n") != piece.text.npos ? L"i" : nullptr;
+    auto const kind = piece.token->GetKind();
+    if (kind & (IVekTokenizer::TOKEN_INTEGER | IVekTokenizer::TOKEN_FLOAT | IVekTokenizer::TOKEN_ERROR)) // such as 0xFF
+        return L"b class=number";
+    if (kind == IVekTokenizer::TOKEN_KEYWORD)
+        return L"b class=keyword";
+    return kind == IVekTokenizer::TOKEN_STRING ? L"b class=string" : nullptr;
 }
 
 std::wstring Coloured(std::wstring_view text, IVekTokenizer const & tokens)
 {
     std::wstring page;
-    std::size_t end = 0;
-    for (IVekTokenizer::IToken const & token : VekTokens(tokens))
+    for (VekPiece const & piece : VekPieces(tokens, text))
     {
-        auto const begin = static_cast<std::size_t>(token.GetPosition());
-        if (begin < end) // the number of an error
-            continue;
-        page += Between(text.substr(end, begin - end));
-        end = begin + static_cast<std::size_t>(token.GetLength());
-        std::wstring const shown = Escaped(text.substr(begin, end - begin));
-        wchar_t const * const style = ClassOf(token.GetKind());
-        page += style ? std::wstring(L"<b class=") + style + L">" + shown + L"</b>" : shown;
+        std::wstring const shown = Escaped(piece.text);
+        wchar_t const * const tag = TagOf(piece);
+        page += tag ? std::wstring(L"<") + tag + L">" + shown + L"</" + *tag + L">" : shown;
     }
-    return page + Between(text.substr(end));
+    return page;
 }
 
 /// A smooth curve through the number of tokens in each line, as the points of an SVG polyline.
@@ -104,19 +48,14 @@ std::wstring Curve(IVekTokenizer const & tokens)
     std::vector<CVekVector3D<double>> counts{{0, 0, 0}};
     for (IVekTokenizer::IToken const & token : VekTokens(tokens))
     {
-        while (counts.size() <= static_cast<std::size_t>(token.GetLine()))
-            counts.emplace_back(0, 16.0 * double(counts.size()), 0);
-        counts[static_cast<std::size_t>(token.GetLine())].x += 4;
+        while (counts.back().y < 16 * token.GetLine())
+            counts.emplace_back(0, counts.back().y + 16, 0);
+        counts.back().x += 4;
     }
-    CVekNurbsCurve<double> curve;
-    if (!curve.CreateInterpolation(3, counts.data(), static_cast<unsigned int>(counts.size())))
-        return {};
-    std::vector<CVekVector3D<double>> points(curve.Tessellate(0.25, nullptr, nullptr, 0));
-    curve.Tessellate(0.25, points.data(), nullptr, static_cast<unsigned int>(points.size()));
-    std::wstring text;
-    for (CVekVector3D<double> const & point : points)
-        text.append(VekView(VekToText(CVekVector2D<float>(float(point.x), float(point.y))))).append(L" ");
-    return text;
+    std::wstring points;
+    for (CVekVector3D<double> const & point : VekTessellate(VekInterpolate(3, counts), 0.25))
+        points += VekToStd(VekToText(CVekVector2D<float>(CVekVector2D(point.x, point.y)))) + L" ";
+    return points;
 }
 
 } // namespace
@@ -126,11 +65,15 @@ int wmain(int count, wchar_t ** arguments)
     CVekLibrary const library;
     if (count != 3 || !library)
         return 2;
-    auto const text = ReadText(arguments[1]);
     CVekLexer lexer;
+    VekAddKeywords(lexer, L"if else for while do return break continue discard struct const in out uniform void bool "
+                          L"int float vec2 vec3 vec4 mat4 sampler2D");
+    VekAddOperators(lexer, L"+ - * / % = < > ! & | ^ ~ ? : ; , . ( ) [ ] { } #");
+    lexer.AddComment(L"//", L"\n");
+    lexer.AddComment(L"/*", L"*/");
     CVekTokenizer tokens;
-    SetUp(lexer);
-    if (!text || !tokens.Tokenize(&lexer, Prepared(*text).c_str(), static_cast<int>(text->size())))
+    auto const text = VekReadTextFile(arguments[1]);
+    if (!text || !VekTokenizeSource(tokens, lexer, *text))
     {
         std::puts("the source can't be read, or isn't UTF-8");
         return 1;
@@ -142,5 +85,5 @@ int wmain(int count, wchar_t ** arguments)
                               L"><polyline fill=none stroke=#9cf points=\"" + Curve(tokens) + L"\"/></svg><pre>" +
                               Coloured(*text, tokens) + L"</pre>\n";
     std::printf("%d tokens\n", tokens.GetNumTokens());
-    return WriteText(arguments[2], page) ? 0 : 1;
+    return VekWriteTextFile(arguments[2], page) ? 0 : 1;
 }

@@ -14,11 +14,8 @@
 class SceneDocument
 {
 public:
-    bool Open(wchar_t const * path)
-    {
-        CVekXMLParser parser;
-        return m_document && parser.ParseXMLFile(path, m_document.Get()) && parser.IsComplete();
-    }
+    explicit SceneDocument(wchar_t const * path) : m_document(VekLoadXMLDocument(path)) {}
+    bool IsOpen() const { return m_document != nullptr; }
     bool Save(wchar_t const * path) const { return VekSaveXMLDocument(path, m_document.Get()); }
 
     IVekXMLElement & Root() const { return *m_document->GetRootElement(); }
@@ -31,13 +28,15 @@ public:
         auto walk = VekDescendants(Root());
         for (IVekXMLElement & element : walk)
         {
-            CVekString<wchar_t> found;
-            if (!before || !element.GetAttributeValue(L"name", found, L"") || found != name)
+            if (!before || VekAttributeText(element, L"name") != name)
                 continue;
             // What the change removes lives until it is done.
             auto const kept = Snapshot::Share(&element);
             if (!change(element, walk.GetParent()))
-                return m_document->SetRootElement(before.Get()) && false;
+            {
+                m_document->SetRootElement(before.Get());
+                return false;
+            }
             m_undo.push_back(std::move(before));
             m_redo.clear();
             return true;
@@ -60,7 +59,7 @@ private:
         return isSet;
     }
 
-    CVekRef<IVekXMLDocument> const m_document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
+    CVekRef<IVekXMLDocument> const m_document; // null when it can't be read whole
     std::vector<Snapshot> m_undo, m_redo;
 };
 
@@ -70,7 +69,7 @@ static bool Move(IVekXMLElement & element, wchar_t const * by)
     CVekVector3D<double> offset;
     if (!VekReadXMLAttribute(element, L"origin", origin) || !VekFromText(by, offset))
         return false;
-    origin += CVekVector4D<double>(offset.x, offset.y, offset.z, 0);
+    origin += CVekVector4D<double>(offset, 0);
     return element.SetAttributeValue(L"origin", VekToText(origin), false); // exact, and as short as can be
 }
 
@@ -85,7 +84,7 @@ static bool List(SceneDocument const & scene)
     auto walk = VekDescendants(scene.Root());
     for (IVekXMLElement const & element : walk)
     {
-        std::wstring line(static_cast<std::size_t>(2 * walk.GetDepth()), L' ');
+        std::wstring line(2 * walk.GetDepth(), L' ');
         line += VekView(element.GetName());
         for (auto const & [name, value, index] : VekAttributes(element))
             line.append(L" ").append(VekView(name)).append(L"=").append(VekView(value));
@@ -134,8 +133,8 @@ int wmain(int count, wchar_t ** arguments)
     CVekLibrary const library;
     if (count < 2 || !library)
         return 2;
-    SceneDocument scene;
-    if (!scene.Open(arguments[1]))
+    SceneDocument scene(arguments[1]);
+    if (!scene.IsOpen())
     {
         std::puts("the scene can't be read");
         return 1;

@@ -8,14 +8,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cfloat>
+#include <chrono>
 #include <climits>
 #include <clocale>
 #include <cmath>
 #include <limits>
 #include <map>
+#include <numeric>
 #include <random>
+#include <thread>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -275,6 +280,96 @@ TEST(VekStd, WholeFiles)
     }
     EXPECT_FALSE(VekReadFile(TemporaryPath(L"none/whole.bin").c_str()));
     EXPECT_FALSE(VekWriteFile(TemporaryPath(L"none/whole.bin").c_str(), "bytes"));
+    EXPECT_TRUE(VekWriteTextFile(path.c_str(), L"\x20AC\r\n"));
+    EXPECT_EQ(VekReadFile(path.c_str()), "\xE2\x82\xAC\r\n");
+    EXPECT_FALSE(VekWriteTextFile(path.c_str(), L"half \xD83D"));
+    EXPECT_EQ(VekReadTextFile(path.c_str()), L"\x20AC\r\n");
+    VekWriteFile(path.c_str(), "\xC3(");
+    EXPECT_FALSE(VekReadTextFile(path.c_str()) || VekReadTextFile(TemporaryPath(L"none").c_str()));
+}
+
+// --- source texts, curves, workers ----------------------------------------------------------------------------------
+
+TEST(VekStd, SourceTextsInPieces)
+{
+    CVekLexer lexer;
+    ASSERT_TRUE(VekAddKeywords(lexer, L" if\telse\n", 5) && VekAddOperators(lexer, L"- -> +") &&
+                VekAddOperators(lexer, L"", 9) && lexer.AddComment(L"//", L"\n"));
+    // A token as its kind (a keyword or an operator with its identifier) and text, what is between in brackets.
+    std::pair<std::wstring, std::wstring> const rows[] = {
+        {L"", L""},
+        {L" \r\n", L"[ \r\n]"},
+        {L"else If", L"1.6 else|[ ]4.0 If|"},
+        {L"a-1", L"4.0 a|2.0 -|8.0 1|"},
+        {L"a->b+-c", L"4.0 a|2.1 ->|4.0 b|2.2 +|2.0 -|4.0 c|"},
+        {L"\r0xF // -if\n\"a-b\"", L"[\r]128.0 0x|4.0 F|[ // -if\n]32.0 \"a-b\"|"},
+    };
+    for (auto const & [source, expected] : rows)
+    {
+        CVekTokenizer tokenizer;
+        ASSERT_TRUE(VekTokenizeSource(tokenizer, lexer, source));
+        std::wstring pieces;
+        for (auto const & [text, token] : VekPieces(tokenizer, source))
+            if (token)
+                pieces += std::to_wstring(token->GetKind()) + L"." + std::to_wstring(token->GetID()) + L" " +
+                          std::wstring(text) + L"|";
+            else
+                pieces += L"[" + std::wstring(text) + L"]";
+        EXPECT_EQ(pieces, expected) << testing::PrintToString(source);
+    }
+}
+
+TEST(VekStd, CurvesOfVectors)
+{
+    std::vector<CVekVector3D<double>> points;
+    EXPECT_TRUE(VekTessellate(VekInterpolate(3, points), 0.1).empty());
+    for (int i = 0; i < 50; ++i)
+        points.emplace_back(i, i % 3, 0);
+    auto const curve = VekInterpolate(3, points);
+    for (double const tolerance : {0.1, 1e-6, 0.0}) // less and more points than are tried first, and none
+    {
+        auto const found = VekTessellate(curve, tolerance);
+        std::vector<CVekVector3D<double>> expected(curve.Tessellate(tolerance, nullptr, nullptr, 0));
+        curve.Tessellate(tolerance, expected.data(), nullptr, static_cast<unsigned int>(expected.size()));
+        EXPECT_TRUE(found == expected) << tolerance << ": " << found.size();
+    }
+}
+
+TEST(VekStd, RunsOnWorkers)
+{
+    CVekLibrary const library;
+    struct
+    {
+        std::size_t count;
+        unsigned int workers;
+        bool isCancelled, isDone;
+    } const rows[] = {
+        {0, 3, false, true}, {1, 5, false, true}, {40, 3, false, true}, {40, 0, false, false}, {500, 2, true, false}};
+    for (auto const & row : rows)
+    {
+        std::vector<std::atomic<int>> calls(row.count);
+        double shown = -1;
+        CVekProgressController progress;
+        VekSetProgressCallback(progress,
+                               [&](double percent, wchar_t const * task)
+                               {
+                                   shown = std::wstring(task) == L"all" ? percent : -1;
+                                   return percent == 0 || !row.isCancelled;
+                               });
+        CVekProgressBegin const task(&progress, L"all", 100, 1, 0);
+        auto const work = [&](std::size_t i)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            ++calls[i];
+        };
+        EXPECT_EQ(VekRunOnWorkers(row.count, row.workers, work, &progress), row.isDone) << row.count;
+        EXPECT_TRUE(std::all_of(calls.begin(), calls.end(), [](int times) { return times <= 1; })) << row.count;
+        int const done = std::accumulate(calls.begin(), calls.end(), 0);
+        EXPECT_EQ(row.isDone, done == static_cast<int>(row.count)) << done;
+        EXPECT_TRUE(std::abs(shown - 100) < 1e-6 || !row.isDone || done == 0) << shown;
+    }
+    std::atomic<std::size_t> sum{0};
+    EXPECT_TRUE(VekRunOnWorkers(101, 4, [&](std::size_t i) { sum += i; }) && sum == 5050);
 }
 
 } // namespace

@@ -272,4 +272,28 @@ TEST_F(Edge, SavesWholeFilesOrNone)
     EXPECT_EQ(filesThere(), 1);
 }
 
+TEST_F(Edge, MakesAndLoadsDocuments)
+{
+    auto const document = VekNewXMLDocument(L"r");
+    IVekXMLElement * const child = VekAddXMLChild(*document->GetRootElement(), L"a");
+    ASSERT_TRUE(child && VekAddXMLChild(*child, L"b") && VekAddXMLChild(*document->GetRootElement(), L"a"));
+    EXPECT_EQ(Names(VekDescendants(*document->GetRootElement())), L"a b a ");
+    EXPECT_EQ(child->GetRefCount(), 1U);
+    child->AddAttribute(L"n", L"1 < 2", -1);
+    EXPECT_EQ(VekAttributeText(*child, L"N"), L"1 < 2");
+    EXPECT_EQ(VekAttributeText(*child, L"m"), std::nullopt);
+    std::pair<std::string, VEK_XML_ERROR> const rows[] = {{"<r><a/></r>", VEK_XML_ERROR_NONE},
+                                                          {"<r><a/>", VEK_XML_ERROR_ENDS_EARLY},
+                                                          {"", VEK_XML_ERROR_EMPTY},
+                                                          {"<r></s>", VEK_XML_ERROR_TAG_MISMATCH}};
+    for (auto const & [text, code] : rows)
+    {
+        VekXMLError error;
+        auto const loaded = VekLoadXMLDocument(WriteFileBytes(L"load.xml", text).c_str(), &error);
+        EXPECT_EQ(error.code, code) << text;
+        EXPECT_EQ(loaded != nullptr, code == VEK_XML_ERROR_NONE) << text;
+    }
+    EXPECT_FALSE(VekLoadXMLDocument(TemporaryPath(L"none/load.xml").c_str()));
+}
+
 } // namespace

@@ -58,6 +58,15 @@ bool AddAChild()
     return isStored;
 }
 
+bool Make()
+{
+    auto const document = VekNewXMLDocument(L"index");
+    IVekXMLElement * const child = document ? VekAddXMLChild(*document->GetRootElement(), L"asset") : nullptr;
+    isSound =
+        !document || (document->GetRootElement()->GetName() == L"index" && (!child || child->GetName() == L"asset"));
+    return child != nullptr;
+}
+
 // Of a wide element everything is found, with an index or without.
 bool SearchAWideElement()
 {
@@ -157,6 +166,7 @@ bool KeepAll()
 std::vector<Scenario> const xmlScenarios = {
     {"Build", Build, {L"CVekXML"}},
     {"AddChild", AddAChild, {L"CVekXML"}},
+    {"Make", Make, {L"CVekXML"}},
     {"Wide", SearchAWideElement, {L"CVekXML"}},
     {"Parse", Parse, {L"CVekXML", L"   "}},
     {"Edit", Edit, {L"CVekXML", L"   ", L"VekCloneXML", L"VekReplaceXML"}},

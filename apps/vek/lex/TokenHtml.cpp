@@ -1,5 +1,7 @@
 #include "lex/TokenHtml.h"
 
+#include "VekStd.h"
+
 #include "Utf8.h"
 
 namespace tool
@@ -109,19 +111,13 @@ std::string MakeHtml(std::wstring const & title, std::wstring const & text, Lang
     page.AddMarkup("</title>\n");
     page.AddMarkup(STYLE);
     page.AddMarkup("\n</head>\n<body>\n<pre>\n");
-    std::size_t done = 0;
-    for (int i = 0; i < tokens.GetNumTokens(); ++i)
+    for (VekPiece const & piece : VekPieces(tokens, text))
     {
-        IVekTokenizer::IToken const & token = *tokens.GetToken(i);
-        std::size_t const begin = static_cast<std::size_t>(token.GetPosition());
-        std::size_t const end = begin + static_cast<std::size_t>(token.GetLength());
-        if (begin < done) // the number of an error
-            continue;
-        page.AddGap(std::wstring_view(text).substr(done, begin - done));
-        page.Add(std::wstring_view(text).substr(begin, end - begin), ClassOf(token));
-        done = end;
+        if (piece.token)
+            page.Add(piece.text, ClassOf(*piece.token));
+        else
+            page.AddGap(piece.text);
     }
-    page.AddGap(std::wstring_view(text).substr(done));
     page.AddMarkup("</pre>\n</body>\n</html>\n");
     return page.Take();
 }
