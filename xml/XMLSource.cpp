@@ -4,6 +4,7 @@
 
 #include "xml/XMLCodePages.h"
 #include "xml/XMLMarkup.h"
+#include "xml/XMLRawText.h"
 
 #include <string.h>
 #include <windows.h>
@@ -54,6 +55,7 @@ void XMLSource::Begin(void const * bytes, int size) noexcept
     m_markLength = 0;
     m_codePage = CP_UTF8;
     m_isPlatform = false;
+    m_isUtf8 = size > 1 && m_bytes[0] != 0 && m_bytes[1] != 0 && m_bytes[0] < 0xFE;
     for (Mark const & mark : MARKS)
     {
         if (size < mark.length || memcmp(bytes, mark.bytes, static_cast<size_t>(mark.length)) != 0)
@@ -66,6 +68,8 @@ void XMLSource::Begin(void const * bytes, int size) noexcept
 
 void XMLSource::Declare(wchar_t const * name) noexcept
 {
+    if (name && VekStrCompareW(name, L"UTF-8", false) != 0)
+        m_isUtf8 = false;
     if (!name || m_markLength > 0 || IsWide() || m_isPlatform)
         return;
     if (VekStrCompareW(name, L"ISO-8859-1", false) == 0)
@@ -136,6 +140,17 @@ bool XMLSource::Decode(int begin, int end, CVekString<wchar_t> & text) const noe
     return true;
 }
 
+bool XMLSource::ReadText(int begin, int end, bool hasReferences, Buffer<wchar_t> & text) const noexcept
+{
+    size_t const before = text.Size();
+    auto const length = static_cast<size_t>(end - begin);
+    wchar_t * const place = text.Extend(length + RAW_TEXT_ROOM);
+    if (place)
+        text.Shrink(before +
+                    ReadRawText({m_bytes + begin, length, static_cast<size_t>(m_size - begin)}, hasReferences, place));
+    return place != nullptr;
+}
+
 bool XMLSource::DecodeWide(int begin, int end, Buffer<wchar_t> & text) const noexcept
 {
     if (!text.Reserve(static_cast<size_t>(end - begin) / 2 + 1))
@@ -182,9 +197,9 @@ bool XMLSource::DecodePlatform(int begin, int end, Buffer<wchar_t> & text) const
     return true;
 }
 
-bool XMLSource::MayHoldReference(XMLRange piece) const noexcept
+bool XMLSource::Has(char byte, XMLRange piece) const noexcept
 {
-    return memchr(m_bytes + piece.offset, '&', piece.length) != nullptr;
+    return memchr(m_bytes + piece.offset, byte, piece.length) != nullptr;
 }
 
 int XMLSource::SkipBlanks(int at, int end) const noexcept

@@ -1,0 +1,134 @@
+#include "xml/XMLRawText.h"
+
+#include "xml/XMLMarkup.h"
+
+#include <emmintrin.h>
+#include <string.h>
+
+#include <algorithm>
+#include <bit>
+
+namespace vek
+{
+namespace
+{
+
+constexpr size_t BLOCK = sizeof(__m128i);
+static_assert(BLOCK == RAW_TEXT_ROOM);
+
+wchar_t * WriteCharacter(wchar_t * place, unsigned int character) noexcept
+{
+    if (character >= 0x10000)
+    {
+        *place++ = static_cast<wchar_t>(0xD7C0 + (character >> 10));
+        character = 0xDC00 + (character & 0x3FF);
+    }
+    *place++ = static_cast<wchar_t>(character);
+    return place;
+}
+
+class Reader
+{
+public:
+    Reader(XMLRawText const & raw, wchar_t * place) noexcept
+        : m_at(raw.bytes), m_end(raw.bytes + raw.length), m_readableEnd(raw.bytes + raw.readable), m_place(place)
+    {
+    }
+
+    wchar_t * Run(bool hasReferences) noexcept
+    {
+        // Within a section an ampersand is looked at, too.
+        for (SkipPlain(); m_at < m_end; SkipPlain())
+        {
+            if (*m_at >= 0x80)
+                ReadLong();
+            else if (*m_at == '\r')
+                ReadLineEnd();
+            else if (hasReferences)
+                ReadReference();
+            else
+                *m_place++ = *m_at++;
+        }
+        return m_place;
+    }
+
+private:
+    // Whole blocks are written; what follows is written over them.
+    void SkipPlain() noexcept
+    {
+        while (m_at < m_end)
+        {
+            auto const left = static_cast<size_t>(m_end - m_at);
+            __m128i const bytes = Load(left);
+            __m128i const stops = _mm_or_si128(_mm_or_si128(bytes, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r'))),
+                                               _mm_cmpeq_epi8(bytes, _mm_set1_epi8('&'))); // the highest bits
+            unsigned const mask = static_cast<unsigned>(_mm_movemask_epi8(stops)) | 1U << BLOCK;
+            size_t const plain = std::min(left, static_cast<size_t>(std::countr_zero(mask)));
+            auto * const target = reinterpret_cast<__m128i *>(m_place);
+            _mm_storeu_si128(target, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+            _mm_storeu_si128(target + 1, _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
+            m_at += plain;
+            m_place += plain;
+            if (plain < BLOCK)
+                return;
+        }
+    }
+
+    __m128i Load(size_t left) const noexcept
+    {
+        if (static_cast<size_t>(m_readableEnd - m_at) >= BLOCK)
+            return _mm_loadu_si128(reinterpret_cast<__m128i const *>(m_at));
+        alignas(BLOCK) unsigned char last[BLOCK] = {};
+        memcpy(last, m_at, std::min(left, BLOCK));
+        return _mm_load_si128(reinterpret_cast<__m128i const *>(last));
+    }
+
+    // Characters beyond ASCII, as many as follow each other.
+    void ReadLong() noexcept
+    {
+        while (m_at < m_end && *m_at >= 0x80)
+        {
+            unsigned const first = *m_at++;
+            int const more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
+            unsigned character = first & (0x3FU >> more);
+            for (int i = 0; i < more && m_at < m_end; ++i)
+                character = character << 6 | (*m_at++ & 0x3FU);
+            m_place = WriteCharacter(m_place, character);
+        }
+    }
+
+    void ReadLineEnd() noexcept
+    {
+        ++m_at;
+        if (m_at == m_end || *m_at != '\n')
+            *m_place++ = L'\n';
+    }
+
+    void ReadReference() noexcept
+    {
+        // Where its text will not need them, the reference's own characters stand.
+        size_t length = 0;
+        do
+            m_place[length++] = *m_at++;
+        while (m_at < m_end && m_at[-1] != ';');
+        unsigned int character = 0;
+        if (vek::ReadReference(m_place, length, character))
+            m_place = WriteCharacter(m_place, character);
+        else
+            m_place += length;
+    }
+
+    unsigned char const * m_at;
+    unsigned char const * m_end;
+    unsigned char const * m_readableEnd;
+    wchar_t * m_place;
+};
+
+} // namespace
+
+size_t ReadRawText(XMLRawText const & raw, bool hasReferences, wchar_t * place) noexcept
+{
+    return static_cast<size_t>(Reader(raw, place).Run(hasReferences) - place);
+}
+
+} // namespace vek
