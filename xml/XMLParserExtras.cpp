@@ -6,6 +6,7 @@
 #include "xml/XMLManager.h"
 #include "xml/XMLMarkup.h"
 #include "xml/XMLParserState.h"
+#include "xml/XMLRawText.h"
 
 #include <limits.h>
 #include <wchar.h>
@@ -17,6 +18,9 @@ namespace
 {
 
 using State = CVekXMLParser::State;
+
+// Of what is read without a buffer, in bytes.
+constexpr int SHORT_TEXT = 128;
 
 State & StateOf(void * userData)
 {
@@ -189,7 +193,7 @@ void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t con
         return;
     if (firstElement)
         BeginRoot();
-    if (!TakeText() || (!firstElement && !Flush()))
+    if (!EndText())
         return Abort();
     if (extras->hasEntities && Keeps(VEK_XML_KEEP_PROLOG) && !AreValuesWhole())
         return Abort();
@@ -265,14 +269,14 @@ void CVekXMLParser::State::OnEndElementExtra()
 {
     if (stack.Empty())
         return;
-    if (!TakeText() || !FlushAtEnd())
+    bool const mayBeOneSection = extras->hasSection || extras->isOneSection;
+    if (mayBeOneSection ? !TakeText() || !FlushAtEnd() : !EndText())
         return Abort();
-    int const end = static_cast<int>(XML_GetCurrentByteIndex(expat)) + XML_GetCurrentByteCount(expat);
     if (options.positions)
-        extras->positions.End(static_cast<unsigned int>(end));
+        extras->positions.End(static_cast<unsigned int>(extras->textBegin));
     OnEndElement();
     if (stack.Empty())
-        extras->rootEnd = end;
+        extras->rootEnd = extras->textBegin;
 }
 
 bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int attributesBefore)
@@ -321,12 +325,32 @@ void CVekXMLParser::State::OnText(wchar_t const * text, int length)
 // To be called at each tag, comment and the like, before anything else.
 bool CVekXMLParser::State::TakeText()
 {
-    if (!extras->readsSource)
-        return true;
     auto const end = static_cast<int>(XML_GetCurrentByteIndex(expat));
-    bool const isTaken = TakeTextUntil(end);
+    bool const isTaken = !extras->readsSource || TakeTextUntil(end);
     extras->textBegin = end + XML_GetCurrentByteCount(expat);
     return isTaken;
+}
+
+// The same at one that ends the text in front of it. Nearly always that is one short piece, and all there is.
+bool CVekXMLParser::State::EndText()
+{
+    vek::XMLParserExtras & more = *extras;
+    bool const isSimple = more.readsSource && more.text.Empty() && !more.hasSection && !more.isOneSection;
+    int const begin = more.textBegin;
+    auto const end = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    if (!isSimple || end - begin > SHORT_TEXT)
+        return TakeText() && Flush();
+    more.textBegin = end + XML_GetCurrentByteCount(expat);
+    return begin >= end || AddShortText(begin, end);
+}
+
+bool CVekXMLParser::State::AddShortText(int begin, int end)
+{
+    wchar_t text[SHORT_TEXT + vek::RAW_TEXT_ROOM];
+    size_t const length = source.ReadText(begin, end, true, text);
+    bool const isBlank = IsBlank(text, static_cast<int>(length));
+    return !Keeps(isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT) ||
+           AddNode(vek::TEXT_NODE, text, length, isBlank ? BETWEEN_BLANKS : 1);
 }
 
 bool CVekXMLParser::State::TakeTextUntil(int end)
@@ -466,10 +490,11 @@ bool CVekXMLParser::State::FlushAtEnd()
     return AddSection(element);
 }
 
-CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length)
+CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length,
+                                               int expected)
 {
     auto * const node = m_maker.MakeNode(name.text, text, length * sizeof(wchar_t));
     if (!node)
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name.text);
-    return node && AddChild(node) ? node : nullptr;
+    return node && AddChild(node, expected) ? node : nullptr;
 }

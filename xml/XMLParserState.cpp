@@ -270,11 +270,11 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
         return nullptr;
     }
-    return AddChild(element) && PushElement(element) ? element : nullptr;
+    return AddChild(element, FEW_CHILDREN) && PushElement(element) ? element : nullptr;
 }
 
 // Hands the new element to the one on top of the stack.
-bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
+bool CVekXMLParser::State::AddChild(CVekXMLElement * element, int expected)
 {
     CVekXMLElement & parent = *stack.Back();
     bool isAdded = false;
@@ -285,7 +285,7 @@ bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
     }
     else
     {
-        isAdded = m_maker.AppendChild(parent, element);
+        isAdded = m_maker.AppendChild(parent, element, expected);
         if (!isAdded)
             delete element;
     }

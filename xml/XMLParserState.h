@@ -116,12 +116,16 @@ struct CVekXMLParser::State
     VekXMLError error;
 
 private:
+    // What the first child of an element makes room for: most that hold white space have elements in between.
+    static constexpr int FEW_CHILDREN = 2;
+    static constexpr int BETWEEN_BLANKS = 4;
+
     void KeepPlace(int none);
     /// Of the tokenizer's place, both from 1; a byte order mark is no column.
     unsigned int Line() const noexcept;
     unsigned int Column() const noexcept;
     CVekXMLElement * BeginElement(wchar_t const * name);
-    bool AddChild(CVekXMLElement * element);
+    bool AddChild(CVekXMLElement * element, int expected);
     bool AddSection(CVekXMLElement & element);
     bool ReadSection();
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
@@ -139,10 +143,13 @@ private:
     bool KeepsText() const noexcept;
     void BeginRoot();
     bool TakeText();
+    bool EndText();
+    bool AddShortText(int begin, int end);
     bool TakeTextUntil(int end);
     bool TakeLastText();
     void ForgetText() noexcept;
-    CVekXMLElement * AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length);
+    CVekXMLElement * AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length,
+                             int expected = FEW_CHILDREN);
     bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 

@@ -86,15 +86,28 @@ private:
     // Characters beyond ASCII, as many as follow each other.
     void ReadLong() noexcept
     {
-        while (m_at < m_end && *m_at >= 0x80)
+        do
         {
-            unsigned const first = *m_at++;
-            int const more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
-            unsigned character = first & (0x3FU >> more);
-            for (int i = 0; i < more && m_at < m_end; ++i)
-                character = character << 6 | (*m_at++ & 0x3FU);
-            m_place = WriteCharacter(m_place, character);
-        }
+            unsigned const first = m_at[0];
+            int const length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+            if (m_end - m_at < length)
+            {
+                m_at = m_end; // not well-formed
+                return;
+            }
+            unsigned const two = m_at[1] & 0x3FU;
+            if (length == 2)
+                *m_place++ = static_cast<wchar_t>((first & 0x1F) << 6 | two);
+            else if (length == 3)
+                *m_place++ = static_cast<wchar_t>((first & 0xF) << 12 | two << 6 | (m_at[2] & 0x3FU));
+            else
+                m_place =
+                    WriteCharacter(m_place, (first & 7) << 18 | two << 12 | (m_at[2] & 0x3FU) << 6 | (m_at[3] & 0x3FU));
+            m_at += length;
+            // Words end in single blanks.
+            if (m_end - m_at >= 2 && *m_at == ' ' && m_at[1] >= 0x80)
+                *m_place++ = *m_at++;
+        } while (m_at < m_end && *m_at >= 0x80);
     }
 
     void ReadLineEnd() noexcept

@@ -4,7 +4,6 @@
 
 #include "xml/XMLCodePages.h"
 #include "xml/XMLMarkup.h"
-#include "xml/XMLRawText.h"
 
 #include <string.h>
 #include <windows.h>
@@ -143,11 +142,9 @@ bool XMLSource::Decode(int begin, int end, CVekString<wchar_t> & text) const noe
 bool XMLSource::ReadText(int begin, int end, bool hasReferences, Buffer<wchar_t> & text) const noexcept
 {
     size_t const before = text.Size();
-    auto const length = static_cast<size_t>(end - begin);
-    wchar_t * const place = text.Extend(length + RAW_TEXT_ROOM);
+    wchar_t * const place = text.Extend(static_cast<size_t>(end - begin) + RAW_TEXT_ROOM);
     if (place)
-        text.Shrink(before +
-                    ReadRawText({m_bytes + begin, length, static_cast<size_t>(m_size - begin)}, hasReferences, place));
+        text.Shrink(before + ReadText(begin, end, hasReferences, place));
     return place != nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include "VekText.h"
 
 #include "base/Buffer.h"
+#include "xml/XMLRawText.h"
 
 #include <expat.h>
 
@@ -43,6 +44,13 @@ public:
     /// Adds a piece of a text of UTF-8 that the tokenizer has read as text, as it would hand that out; what has no
     /// references is the inside of a CDATA section. False when memory is exhausted.
     bool ReadText(int begin, int end, bool hasReferences, Buffer<wchar_t> & text) const noexcept;
+    /// The same, written to a place with room for RAW_TEXT_ROOM units more than the piece has bytes; returns its
+    /// length.
+    size_t ReadText(int begin, int end, bool hasReferences, wchar_t * place) const noexcept
+    {
+        return ReadRawText({m_bytes + begin, static_cast<size_t>(end - begin), static_cast<size_t>(m_size - begin)},
+                           hasReferences, place);
+    }
     /// The text of a piece, line ends as newlines; false when memory is exhausted.
     bool Decode(int begin, int end, CVekString<wchar_t> & text) const noexcept;
     /// Whether a tag begins there, rather than a reference to an entity.
