@@ -119,7 +119,7 @@ private:
 
     void ReadReference() noexcept
     {
-        // Where its text will not need them, the reference's own characters stand.
+        // Its own characters stand where the one that it tells goes: there is room for all of them.
         size_t length = 0;
         do
             m_place[length++] = *m_at++;
