@@ -213,8 +213,8 @@ void CVekXMLParser::State::BeginRoot()
     extras->hasEntities = extras->hasDocumentType && (extras->hasEntities || mayRefer);
     if (!TakesAllText() || extras->hasEntities || !source.IsUtf8())
         return;
-    // All text stands where tags leave room for it: it is read there, piece by piece, as soon as the tokenizer has
-    // gone over it. To hand it out takes that longer.
+    // All text stands between the tags of the source: it is read there, a piece at a time, once the tokenizer has gone
+    // over it. To have it handed out, converted, takes longer.
     extras->readsSource = true;
     XML_SetCharacterDataHandler(expat, nullptr);
     XML_SetDefaultHandlerExpand(expat, nullptr);
