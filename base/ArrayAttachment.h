@@ -24,6 +24,12 @@ struct ArrayAttachment
     {
         return std::bit_ceil(static_cast<size_t>(capacity) + (capacity > SMALL ? 1 : 0));
     }
+    /// The capacity that the storage behind the next one up has room for.
+    static int NextCapacity(int capacity) noexcept
+    {
+        size_t const slots = Slots(capacity + 1);
+        return static_cast<int>(slots) - (slots > SMALL ? 1 : 0);
+    }
     /// The size of that storage's block, which is the pool's.
     static size_t BlockBytes(int capacity) noexcept { return Slots(capacity) * sizeof(void *); }
     /// Gives an array without storage a block of that size.

@@ -43,14 +43,17 @@ Replacement const * FindReplacement(wchar_t character) noexcept
     return nullptr;
 }
 
-// One bit pair for each of the eight units that is the terminator or needs escaping.
-unsigned StopMask(__m128i units) noexcept
+// One bit for each of the sixteen units that is the terminator or needs escaping.
+unsigned StopMask(__m128i const * block) noexcept
 {
-    __m128i hits = _mm_cmpeq_epi16(units, _mm_setzero_si128());
-    hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, _mm_set1_epi16('\n')));
-    for (Replacement const & entity : ENTITIES)
-        hits = _mm_or_si128(hits, _mm_cmpeq_epi16(units, _mm_set1_epi16(static_cast<short>(entity.character))));
-    return static_cast<unsigned>(_mm_movemask_epi8(hits));
+    // Units beyond ASCII become bytes that are no ASCII, or the last of it.
+    __m128i const units = _mm_packs_epi16(_mm_load_si128(block), _mm_load_si128(block + 1));
+    auto const are = [](__m128i bytes, char what) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(what)); };
+    // Pairs that differ in one bit: & and ', < and >.
+    __m128i hits = _mm_or_si128(are(_mm_or_si128(units, _mm_set1_epi8('&' ^ '\'')), '\''),
+                                are(_mm_or_si128(units, _mm_set1_epi8('<' ^ '>')), '>'));
+    hits = _mm_or_si128(hits, _mm_or_si128(are(units, '"'), are(units, '\n')));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(hits, are(units, 0))));
 }
 
 // One unit of a text at any address, odd ones included.
@@ -114,17 +117,16 @@ EscapeMeasure MeasureEscape(wchar_t const * text) noexcept
     auto const address = reinterpret_cast<uintptr_t>(text);
     if (address % sizeof(wchar_t) != 0)
         return MeasureUnaligned(text);
-    // Aligned blocks of 16 bytes never cross into a page that the text does not touch; what lies before the text is
+    // Aligned blocks of 32 bytes never cross into a page that the text does not touch; what lies before the text is
     // masked out.
-    auto const * block = reinterpret_cast<__m128i const *>(address & ~static_cast<uintptr_t>(15));
-    unsigned mask = StopMask(_mm_load_si128(block)) & (0xFFFFU << (address % 16));
+    auto const * block = reinterpret_cast<__m128i const *>(address & ~static_cast<uintptr_t>(31));
+    unsigned mask = StopMask(block) & (0xFFFFU << (address % 32 / sizeof(wchar_t)));
     size_t extra = 0;
-    for (;; mask = StopMask(_mm_load_si128(++block)))
+    for (;; mask = StopMask(block += 2))
     {
-        for (; mask; mask &= mask - 1, mask &= mask - 1)
+        for (; mask; mask &= mask - 1)
         {
-            auto const * const stop =
-                reinterpret_cast<wchar_t const *>(reinterpret_cast<char const *>(block) + std::countr_zero(mask));
+            wchar_t const * const stop = reinterpret_cast<wchar_t const *>(block) + std::countr_zero(mask);
             if (!*stop)
             {
                 auto const length = static_cast<size_t>(stop - text);

@@ -51,7 +51,17 @@ CVekXMLElement * XMLMaker::MakeNode(wchar_t const * name, void const * section, 
 {
     if (name != m_node.literal)
         m_node = {name, TextLength(name), {nullptr, 0}};
-    return Make(name, m_node.length, &m_node.shared, section, size);
+    bool const isInRow = size <= PoolRow::LARGEST - sizeof(CVekXMLElement);
+    if (!isInRow || !m_row.Fit(sizeof(CVekXMLElement) + size) || !IsKnown(m_node.shared))
+        return Make(name, m_node.length, &m_node.shared, section, size);
+    // Most nodes: the name is there, and the section goes behind the element.
+    auto * const block = static_cast<char *>(m_row.Allocate(sizeof(CVekXMLElement) + size));
+    if (!block)
+        return nullptr;
+    Access::Text(m_name) = m_node.shared.text;
+    auto * const element = new (block) CVekXMLElement(std::move(m_name));
+    Embed(*element, block + sizeof(CVekXMLElement), section, size);
+    return element;
 }
 
 CVekXMLElement * XMLMaker::Make(wchar_t const * name, size_t length, XMLSharedText * known, void const * section,
@@ -118,11 +128,10 @@ bool XMLMaker::MakeRoom(CVekPointerArray<T> & array, int count) noexcept
     return block != nullptr;
 }
 
-bool XMLMaker::AppendChild(CVekXMLElement & parent, CVekXMLElement * child) noexcept
+bool XMLMaker::MakeRoomForChild(CVekPointerArray<CVekXMLElement> & children, int expected) noexcept
 {
-    constexpr int FEW_CHILDREN = 2;
-    return (parent.m_children.GetCapacity() > 0 || MakeRoom(parent.m_children, FEW_CHILDREN)) &&
-           parent.m_children.Append(child);
+    int const capacity = children.GetCapacity();
+    return capacity == 0 ? MakeRoom(children, expected) : children.Reserve(ArrayAttachment::NextCapacity(capacity));
 }
 
 bool XMLMaker::ReserveAttributes(CVekXMLElement & element, int count) noexcept

@@ -3,6 +3,7 @@
 #include "VekXML.h"
 
 #include "base/Pool.h"
+#include "text/StringAccess.h"
 #include "xml/XMLNameCache.h"
 
 #include <stddef.h>
@@ -20,8 +21,13 @@ public:
     /// With a section of those bytes. The name is a literal, whose address tells that it is the same again.
     CVekXMLElement * MakeNode(wchar_t const * name, void const * section, size_t size) noexcept;
     CVekXMLAttribute * MakeAttribute(XMLNameCache::Name & name, wchar_t const * value, int length) noexcept;
-    /// Appends a child, whose reference goes to the parent.
-    bool AppendChild(CVekXMLElement & parent, CVekXMLElement * child) noexcept;
+    /// Appends a child, whose reference goes to the parent. The first one makes room for so many.
+    bool AppendChild(CVekXMLElement & parent, CVekXMLElement * child, int expected) noexcept
+    {
+        CVekPointerArray<CVekXMLElement> & children = parent.m_children;
+        return (children.GetCount() < children.GetCapacity() || MakeRoomForChild(children, expected)) &&
+               children.Append(child);
+    }
     /// Makes room for so many more.
     bool ReserveAttributes(CVekXMLElement & element, int count) noexcept;
     /// As the element's AddCDATASection.
@@ -47,6 +53,7 @@ private:
 
     template <class T>
     bool MakeRoom(CVekPointerArray<T> & array, int count) noexcept;
+    bool MakeRoomForChild(CVekPointerArray<CVekXMLElement> & children, int expected) noexcept;
     static void Embed(CVekXMLElement & element, char * place, void const * section, size_t size) noexcept;
     Remembered & Remember(wchar_t const * text, size_t length) noexcept;
     CVekString<wchar_t> Share(XMLSharedText & shared, char * place, wchar_t const * text, size_t length) const noexcept;
@@ -57,8 +64,9 @@ private:
                           size_t size) noexcept;
 
     PoolRow m_row;
-    NodeName m_node = {nullptr, 0, {nullptr, 0}}; // the last one's
-    Remembered m_texts[REMEMBERED] = {};          // the last ones met, each at the place that its characters tell
+    CVekString<wchar_t> m_name = StringAccess<wchar_t>::Blockless(); // of the next node, empty in between
+    NodeName m_node = {nullptr, 0, {nullptr, 0}};                    // the last one's
+    Remembered m_texts[REMEMBERED] = {}; // the last ones met, each at the place that its characters tell
 };
 
 } // namespace vek

@@ -81,7 +81,7 @@ public:
         m_state.LeaveElements();
         m_state.document = nullptr;
         if (m_state.extras)
-            m_state.extras->source.End();
+            m_state.source.End();
         if (m_state.expat)
             XML_ParserFree(m_state.expat);
         m_state.expat = nullptr;
@@ -179,7 +179,7 @@ bool CVekXMLParser::GetAttributePosition(IVekXMLElement const * element, int ind
 
 unsigned int CVekXMLParser::GetSourceCodePage() const
 {
-    return m_state && m_state->extras ? m_state->extras->source.CodePage() : 0;
+    return m_state && m_state->extras ? m_state->source.CodePage() : 0;
 }
 
 bool CVekXMLParser::ParseXMLFile(wchar_t const * path, IVekXMLDocument * document)

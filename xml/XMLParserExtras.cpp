@@ -6,6 +6,7 @@
 #include "xml/XMLManager.h"
 #include "xml/XMLMarkup.h"
 #include "xml/XMLParserState.h"
+#include "xml/XMLRawText.h"
 
 #include <limits.h>
 #include <wchar.h>
@@ -17,6 +18,9 @@ namespace
 {
 
 using State = CVekXMLParser::State;
+
+// Of what is read without a buffer, in bytes.
+constexpr int SHORT_TEXT = 128;
 
 State & StateOf(void * userData)
 {
@@ -70,20 +74,17 @@ void XMLCALL OnDefaultCB(void * userData, XML_Char const * text, int length)
     StateOf(userData).OnReferencePiece(text, length);
 }
 
-void XMLCALL OnDeclarationCB(void * userData, XML_Char const *, XML_Char const * encoding, int)
-{
-    StateOf(userData).extras->source.Declare(encoding);
-}
-
-void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Char const *, XML_Char const *, int)
+void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Char const * file, XML_Char const *, int)
 {
     StateOf(userData).extras->hasDocumentType = true;
+    StateOf(userData).extras->hasEntities = file != nullptr;
     StateOf(userData).document->SetDocumentType(name);
 }
 
 void XMLCALL OnEntityDeclCB(void * userData, XML_Char const * name, int isParameter, XML_Char const * value, int length,
                             XML_Char const *, XML_Char const *, XML_Char const *, XML_Char const *)
 {
+    StateOf(userData).extras->hasEntities = true;
     vek::XMLEntityNames & entities = StateOf(userData).extras->entities;
     auto const size = static_cast<size_t>(length);
     if (value && !(isParameter ? entities.AddParameter(value, size) : entities.Add(name, value, size)))
@@ -100,7 +101,7 @@ void XMLCALL OnAttlistDeclCB(void * userData, XML_Char const * element, XML_Char
 
 int XMLCALL OnUnknownEncodingCB(void * userData, XML_Char const * name, XML_Encoding * encoding)
 {
-    return StateOf(userData).extras->source.UsePlatform(name, *encoding) ? XML_STATUS_OK : XML_STATUS_ERROR;
+    return StateOf(userData).source.UsePlatform(name, *encoding) ? XML_STATUS_OK : XML_STATUS_ERROR;
 }
 
 bool IsBlank(wchar_t const * text, int length)
@@ -128,7 +129,6 @@ VEK_XML_ENCODING EncodingOf(vek::XMLSource const & source)
 void vek::InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * state) noexcept
 {
     XML_SetElementHandler(expat, OnStartElementCB, OnEndElementCB);
-    XML_SetXmlDeclHandler(expat, OnDeclarationCB);
     XML_SetUnknownEncodingHandler(expat, OnUnknownEncodingCB, state);
     if (state->options.keep == VEK_XML_KEEP_NOTHING)
         return;
@@ -138,7 +138,7 @@ void vek::InstallExtraXMLCallbacks(XML_Parser expat, CVekXMLParser::State * stat
     XML_SetCommentHandler(expat, OnCommentCB);
     XML_SetProcessingInstructionHandler(expat, OnInstructionCB);
     XML_SetDefaultHandlerExpand(expat, OnDefaultCB);
-    if (!state->Keeps(VEK_XML_KEEP_TEXT | VEK_XML_KEEP_WHITE_SPACE | VEK_XML_KEEP_CDATA))
+    if (!state->TakesAllText())
         return;
     XML_SetCharacterDataHandler(expat, OnCharacterDataCB);
     XML_SetCdataSectionHandler(expat, OnStartCdataSectionCB, OnEndCdataSectionCB);
@@ -164,7 +164,7 @@ bool CVekXMLParser::State::EndDocument()
         if (!complete)
             Fail(VEK_XML_ERROR_ENDS_EARLY, L"ends within what follows its outermost element");
     }
-    if ((!IsInside() || Flush()) && (!Keeps(VEK_XML_KEEP_PROLOG) || StoreProlog()))
+    if ((!IsInside() || (TakeLastText() && Flush())) && (!Keeps(VEK_XML_KEEP_PROLOG) || StoreProlog()))
         return true;
     VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep the prolog");
     return false;
@@ -177,7 +177,6 @@ bool CVekXMLParser::State::StoreProlog()
     if (!kept)
         return own ? Fail(VEK_XML_ERROR_MEMORY, L"out of memory")
                    : Fail(VEK_XML_ERROR_NO_DOCUMENT, L"the document's class can't hold a prolog");
-    vek::XMLSource const & source = extras->source;
     int const begin = extras->rootBegin >= 0 ? extras->rootBegin : source.Size();
     int const end = extras->rootEnd >= 0 ? extras->rootEnd : source.Size();
     kept->encoding = EncodingOf(source);
@@ -193,10 +192,10 @@ void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t con
     if (stack.Empty())
         return;
     if (firstElement)
-        extras->rootBegin = static_cast<int>(XML_GetCurrentByteIndex(expat));
-    else if (!Flush())
+        BeginRoot();
+    if (!EndText())
         return Abort();
-    if (extras->hasDocumentType && Keeps(VEK_XML_KEEP_PROLOG) && !AreValuesWhole())
+    if (extras->hasEntities && Keeps(VEK_XML_KEEP_PROLOG) && !AreValuesWhole())
         return Abort();
     int const before = firstElement ? stack.Back()->GetNumAttributes() : 0;
     size_t const depth = firstElement ? 0 : stack.Size();
@@ -206,17 +205,31 @@ void CVekXMLParser::State::OnStartElementExtra(wchar_t const * name, wchar_t con
         Abort();
 }
 
+void CVekXMLParser::State::BeginRoot()
+{
+    extras->rootBegin = extras->textBegin = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    // Those of parameters may declare some, or be declared where the tokenizer doesn't read.
+    bool const mayRefer = source.Has('%', {0, static_cast<unsigned int>(extras->rootBegin)});
+    extras->hasEntities = extras->hasDocumentType && (extras->hasEntities || mayRefer);
+    if (!TakesAllText() || extras->hasEntities || !source.IsUtf8())
+        return;
+    // All text stands between the tags of the source: it is read there, a piece at a time, once the tokenizer has gone
+    // over it. To have it handed out, converted, takes longer.
+    extras->readsSource = true;
+    XML_SetCharacterDataHandler(expat, nullptr);
+    XML_SetDefaultHandlerExpand(expat, nullptr);
+}
+
 // The tokenizer drops references in values to entities that are declared where it doesn't read.
 bool CVekXMLParser::State::AreValuesWhole()
 {
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
     int const length = XML_GetCurrentByteCount(expat);
-    if (extras->source.IsTagAt(offset))
+    if (source.IsTagAt(offset))
     {
         CVekString<wchar_t> tag;
-        return !extras->source.MayHoldReference(
-                   {static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}) ||
-               (extras->source.Decode(offset, offset + length, tag) &&
+        return !source.MayHoldReference({static_cast<unsigned int>(offset), static_cast<unsigned int>(length)}) ||
+               (source.Decode(offset, offset + length, tag) &&
                 CheckLost(extras->entities.FindLost(tag, static_cast<size_t>(tag.GetLength()))));
     }
     // One that stands in an entity's text. Of the source's own tags the tokenizer would lose the place.
@@ -232,10 +245,10 @@ void CVekXMLParser::State::OnDefaultValue()
 {
     if (!Keeps(VEK_XML_KEEP_PROLOG))
         return;
-    vek::XMLRange const value = extras->source.LiteralAt(static_cast<int>(XML_GetCurrentByteIndex(expat)));
+    vek::XMLRange const value = source.LiteralAt(static_cast<int>(XML_GetCurrentByteIndex(expat)));
     auto const begin = static_cast<int>(value.offset);
     CVekString<wchar_t> text;
-    if (begin && !extras->source.Decode(begin, begin + static_cast<int>(value.length), text))
+    if (begin && !source.Decode(begin, begin + static_cast<int>(value.length), text))
         return Abort();
     // One that stands in the text of a parameter entity can't be looked at by itself.
     if (!CheckLost(begin ? extras->entities.FindLost(text, static_cast<size_t>(text.GetLength()))
@@ -256,14 +269,14 @@ void CVekXMLParser::State::OnEndElementExtra()
 {
     if (stack.Empty())
         return;
-    if (!FlushAtEnd())
+    bool const mayBeOneSection = extras->hasSection || extras->isOneSection;
+    if (mayBeOneSection ? !TakeText() || !FlushAtEnd() : !EndText())
         return Abort();
-    int const end = static_cast<int>(XML_GetCurrentByteIndex(expat)) + XML_GetCurrentByteCount(expat);
     if (options.positions)
-        extras->positions.End(static_cast<unsigned int>(end));
+        extras->positions.End(static_cast<unsigned int>(extras->textBegin));
     OnEndElement();
     if (stack.Empty())
-        extras->rootEnd = end;
+        extras->rootEnd = extras->textBegin;
 }
 
 bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int attributesBefore)
@@ -271,7 +284,7 @@ bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int at
     auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
     VekXMLPosition const position = {static_cast<unsigned int>(offset),
                                      static_cast<unsigned int>(XML_GetCurrentByteCount(expat)), 0, Line(), Column()};
-    if (!extras->source.IsTagAt(offset))
+    if (!source.IsTagAt(offset))
         return extras->positions.Begin(nullptr, position);
     return extras->positions.Begin(element, position) &&
            (extras->stored.Empty() || RecordValues({position.offset, position.length}, attributesBefore));
@@ -280,7 +293,7 @@ bool CVekXMLParser::State::RecordPosition(CVekXMLElement const * element, int at
 bool CVekXMLParser::State::RecordValues(vek::XMLRange tag, int attributesBefore)
 {
     extras->values.Clear();
-    if (!extras->source.FindValues(tag, extras->values))
+    if (!source.FindValues(tag, extras->values))
         return false;
     for (size_t i = 0; i < extras->stored.Size(); ++i)
     {
@@ -309,18 +322,71 @@ void CVekXMLParser::State::OnText(wchar_t const * text, int length)
     vek::CopyShort(place, text, static_cast<size_t>(length) * sizeof *text);
 }
 
+// To be called at each tag, comment and the like, before anything else.
+bool CVekXMLParser::State::TakeText()
+{
+    auto const end = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    bool const isTaken = !extras->readsSource || TakeTextUntil(end);
+    extras->textBegin = end + XML_GetCurrentByteCount(expat);
+    return isTaken;
+}
+
+// The same at one that ends the text in front of it. Nearly always that is one short piece, and all there is.
+bool CVekXMLParser::State::EndText()
+{
+    vek::XMLParserExtras & more = *extras;
+    bool const isSimple = more.readsSource && more.text.Empty() && !more.hasSection && !more.isOneSection;
+    int const begin = more.textBegin;
+    auto const end = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    if (!isSimple || end - begin > SHORT_TEXT)
+        return TakeText() && Flush();
+    more.textBegin = end + XML_GetCurrentByteCount(expat);
+    return begin >= end || AddShortText(begin, end);
+}
+
+bool CVekXMLParser::State::AddShortText(int begin, int end)
+{
+    wchar_t text[SHORT_TEXT + vek::RAW_TEXT_ROOM];
+    size_t const length = source.ReadText(begin, end, true, text);
+    bool const isBlank = IsBlank(text, static_cast<int>(length));
+    return !Keeps(isBlank ? VEK_XML_KEEP_WHITE_SPACE : VEK_XML_KEEP_TEXT) ||
+           AddNode(vek::TEXT_NODE, text, length, isBlank ? BETWEEN_BLANKS : 1);
+}
+
+bool CVekXMLParser::State::TakeTextUntil(int end)
+{
+    if (end <= extras->textBegin)
+        return true;
+    vek::Buffer<wchar_t> & text = extras->text;
+    size_t const before = text.Size();
+    if (!source.ReadText(extras->textBegin, end, true, text))
+        return false;
+    extras->isOneSection = false;
+    extras->isBlank = extras->isBlank && IsBlank(text.Data() + before, static_cast<int>(text.Size() - before));
+    return true;
+}
+
+// What the document ends in, although its outermost element is not closed.
+bool CVekXMLParser::State::TakeLastText()
+{
+    auto const end = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    return !extras->readsSource || inCDATA || TakeTextUntil(end < 0 ? source.Size() : end);
+}
+
 void CVekXMLParser::State::OnStartSection()
 {
-    if (Keeps(VEK_XML_KEEP_CDATA) && !stack.Empty() && !Flush())
+    if (!TakeText() || (Keeps(VEK_XML_KEEP_CDATA) && !stack.Empty() && !Flush()))
         return Abort();
     OnStartCDATA();
 }
 
 void CVekXMLParser::State::OnEndSection()
 {
+    extras->textBegin = static_cast<int>(XML_GetCurrentByteIndex(expat)) + XML_GetCurrentByteCount(expat);
     if (!Keeps(VEK_XML_KEEP_CDATA) && !Keeps(VEK_XML_KEEP_TEXT))
         return OnEndCDATA();
-    inCDATA = false;
+    if (!ReadSection())
+        return;
     if (Keeps(VEK_XML_KEEP_CDATA))
     {
         extras->hasSection = true;
@@ -328,19 +394,25 @@ void CVekXMLParser::State::OnEndSection()
     }
     extras->isOneSection = extras->text.Empty();
     extras->isBlank = false;
-    if (!extras->text.Append(reinterpret_cast<wchar_t const *>(cdata.Data()), cdata.Size() / sizeof(wchar_t)))
+    if (!extras->text.Append(cdata.Data(), cdata.Size()))
         Abort();
 }
 
 void CVekXMLParser::State::OnComment(wchar_t const * text)
 {
-    if (Keeps(VEK_XML_KEEP_COMMENTS) && IsInside() && (!Flush() || !AddNode(vek::COMMENT_NODE, text, wcslen(text))))
+    if (!IsInside())
+        return;
+    if (!TakeText() || (Keeps(VEK_XML_KEEP_COMMENTS) && (!Flush() || !AddNode(vek::COMMENT_NODE, text, wcslen(text)))))
         Abort();
 }
 
 void CVekXMLParser::State::OnInstruction(wchar_t const * target, wchar_t const * text)
 {
-    if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS) || !IsInside())
+    if (!IsInside())
+        return;
+    if (!TakeText())
+        return Abort();
+    if (!Keeps(VEK_XML_KEEP_INSTRUCTIONS))
         return;
     size_t const length = wcslen(target);
     CVekXMLElement * const node = Flush() ? AddNode(vek::INSTRUCTION_NODE, text, wcslen(text)) : nullptr;
@@ -383,8 +455,7 @@ bool CVekXMLParser::State::Flush()
 bool CVekXMLParser::State::FlushSection()
 {
     extras->hasSection = false;
-    return AddNode(vek::SECTION_NODE, reinterpret_cast<wchar_t const *>(cdata.Data()),
-                   cdata.Size() / sizeof(wchar_t)) != nullptr;
+    return AddNode(vek::SECTION_NODE, cdata.Data(), cdata.Size()) != nullptr;
 }
 
 bool CVekXMLParser::State::FlushText()
@@ -419,10 +490,11 @@ bool CVekXMLParser::State::FlushAtEnd()
     return AddSection(element);
 }
 
-CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length)
+CVekXMLElement * CVekXMLParser::State::AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length,
+                                               int expected)
 {
     auto * const node = m_maker.MakeNode(name.text, text, length * sizeof(wchar_t));
     if (!node)
         VekLogOutput(0, L"CVekXMLParser::Parse --> Failed to keep %s", name.text);
-    return node && AddChild(node) ? node : nullptr;
+    return node && AddChild(node, expected) ? node : nullptr;
 }

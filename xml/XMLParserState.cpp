@@ -13,8 +13,8 @@
 namespace
 {
 
-// The CDATA buffer's first size and its smallest growth, in bytes.
-constexpr size_t CDATA_RESERVED = 1024;
+// The CDATA buffer's first size and its smallest growth.
+constexpr size_t CDATA_RESERVED = 512;
 
 void XMLCALL OnCharacterDataCB(void * userData, XML_Char const * text, int length);
 
@@ -44,7 +44,7 @@ void XMLCALL OnStartCdataSectionCB(void * userData)
         return;
     state->OnStartCDATA();
     // Text outside CDATA sections is dropped: the tokenizer need not even convert it.
-    if (state->inCDATA)
+    if (state->inCDATA && !state->sectionBegin)
         XML_SetCharacterDataHandler(state->expat, OnCharacterDataCB);
 }
 
@@ -62,6 +62,12 @@ void XMLCALL OnEndCdataSectionCB(void * userData)
         return;
     XML_SetCharacterDataHandler(state->expat, nullptr);
     state->OnEndCDATA();
+}
+
+void XMLCALL OnDeclarationCB(void * userData, XML_Char const *, XML_Char const * encoding, int)
+{
+    if (auto * const state = StateOf(userData, L"OnDeclarationCB"))
+        state->source.Declare(encoding);
 }
 
 void XMLCALL OnStartDoctypeDeclCB(void * userData, XML_Char const * name, XML_Char const *, XML_Char const *, int)
@@ -115,6 +121,7 @@ void vek::InstallXMLCallbacks(XML_Parser expat, void * userData) noexcept
     XML_SetUserData(expat, userData);
     XML_SetElementHandler(expat, OnStartElementCB, OnEndElementCB);
     XML_SetCdataSectionHandler(expat, OnStartCdataSectionCB, OnEndCdataSectionCB);
+    XML_SetXmlDeclHandler(expat, OnDeclarationCB);
     XML_SetDoctypeDeclHandler(expat, OnStartDoctypeDeclCB, OnEndDoctypeDeclCB);
     XML_SetElementDeclHandler(expat, OnElementDeclCB);
     XML_SetAttlistDeclHandler(expat, OnAttlistDeclCB);
@@ -148,8 +155,7 @@ void CVekXMLParser::State::Forget()
 bool CVekXMLParser::State::ParseBytes(void const * bytes, int size)
 {
     inCDATA = false;
-    if (extras)
-        extras->source.Begin(bytes, size);
+    source.Begin(bytes, size);
     auto const * const text = static_cast<unsigned char const *>(bytes);
     m_hasMark = size > 1 && ((text[0] == 0xEF && text[1] == 0xBB) || text[0] >= 0xFE);
     // Kept: a file that merely ends early is read without an error. Hosts read files that are still being written.
@@ -264,11 +270,11 @@ CVekXMLElement * CVekXMLParser::State::BeginElement(wchar_t const * name)
         VekLogOutput(0, L"CVekXMLParser::OnStartElement --> Failed to create new Element");
         return nullptr;
     }
-    return AddChild(element) && PushElement(element) ? element : nullptr;
+    return AddChild(element, FEW_CHILDREN) && PushElement(element) ? element : nullptr;
 }
 
 // Hands the new element to the one on top of the stack.
-bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
+bool CVekXMLParser::State::AddChild(CVekXMLElement * element, int expected)
 {
     CVekXMLElement & parent = *stack.Back();
     bool isAdded = false;
@@ -279,7 +285,7 @@ bool CVekXMLParser::State::AddChild(CVekXMLElement * element)
     }
     else
     {
-        isAdded = m_maker.AppendChild(parent, element);
+        isAdded = m_maker.AppendChild(parent, element, expected);
         if (!isAdded)
             delete element;
     }
@@ -355,11 +361,11 @@ void CVekXMLParser::State::OnEndElement()
 // Stores what the CDATA buffer holds.
 bool CVekXMLParser::State::AddSection(CVekXMLElement & element)
 {
-    if (cdata.Size() > INT_MAX)
+    if (cdata.Size() > INT_MAX / sizeof(wchar_t))
         return false;
-    auto const size = static_cast<int>(cdata.Size());
-    return &element == m_hostRoot ? element.AddCDATASection(cdata.Data(), size)
-                                  : m_maker.AddSection(element, cdata.Data(), size);
+    auto const size = static_cast<int>(cdata.Size() * sizeof(wchar_t));
+    auto const * const bytes = reinterpret_cast<unsigned char const *>(cdata.Data());
+    return &element == m_hostRoot ? element.AddCDATASection(bytes, size) : m_maker.AddSection(element, bytes, size);
 }
 
 void CVekXMLParser::State::OnStartCDATA()
@@ -368,27 +374,41 @@ void CVekXMLParser::State::OnStartCDATA()
         return;
     inCDATA = true;
     cdata.Clear();
+    auto const offset = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    // One that comes out of an entity's text stands nowhere in the source.
+    bool const isThere = !TakesAllText() && source.IsUtf8() && source.IsTagAt(offset);
+    sectionBegin = isThere ? offset + XML_GetCurrentByteCount(expat) : 0;
 }
 
 void CVekXMLParser::State::OnCDATA(wchar_t const * text, int length)
 {
-    if (inCDATA &&
-        !cdata.Append(reinterpret_cast<unsigned char const *>(text), static_cast<size_t>(length) * sizeof *text))
+    if (inCDATA && !cdata.Append(text, static_cast<size_t>(length)))
     {
         VekLogOutput(0, L"CVekXMLElement::AddCDATASection --> Failed to allocate memory for CDATA");
         Abort();
     }
 }
 
+// The section ends: what the tokenizer has not handed out is read where it stands, in one go.
+bool CVekXMLParser::State::ReadSection()
+{
+    inCDATA = false;
+    auto const end = static_cast<int>(XML_GetCurrentByteIndex(expat));
+    if (!sectionBegin || source.ReadText(sectionBegin, end, false, cdata))
+        return true;
+    VekLogOutput(0, L"CVekXMLElement::AddCDATASection --> Failed to allocate memory for CDATA");
+    Abort();
+    return false;
+}
+
 void CVekXMLParser::State::OnEndCDATA()
 {
-    if (!inCDATA)
+    if (!inCDATA || !ReadSection())
         return;
-    inCDATA = false;
     CVekXMLElement & element = *stack.Back();
     bool const isFirst = !element.HasCDATASection();
     // A second section in one element is refused there, with a message; only a first one that is lost ends the parse.
-    if (cdata.Size() > INT_MAX || (!AddSection(element) && isFirst))
+    if (cdata.Size() > INT_MAX / sizeof(wchar_t) || (!AddSection(element) && isFirst))
         Abort();
     cdata.Clear();
 }

@@ -31,7 +31,6 @@ namespace vek
 /// The part of a parse that only those have who ask for more than the plain model.
 struct XMLParserExtras
 {
-    XMLSource source;
     XMLPositions positions;
     XMLEntityNames entities;
     bool hasDocumentType = false;
@@ -44,6 +43,9 @@ struct XMLParserExtras
     bool isBlank = true;       // the text is white space alone
     bool hasSection = false;   // the CDATA buffer holds a section that comes before the text
     bool isOneSection = false; // the text is one CDATA section, and nothing else
+    bool readsSource = false;  // text is taken from there, the tokenizer hands none out
+    bool hasEntities = false;  // some are declared, or may be where the tokenizer doesn't read
+    int textBegin = 0;         // of what follows the last tag or other markup
     int rootBegin = -1;
     int rootEnd = -1;
 };
@@ -94,26 +96,38 @@ struct CVekXMLParser::State
     void OnDefaultValue();
     bool Keeps(VEK_XML_KEEP what) const noexcept { return (options.keep & what) != 0; }
     bool IsInside() const noexcept { return !firstElement && !stack.Empty(); }
+    /// Whether the tokenizer hands out text wherever it stands.
+    bool TakesAllText() const noexcept
+    {
+        return Keeps(VEK_XML_KEEP_TEXT | VEK_XML_KEEP_WHITE_SPACE | VEK_XML_KEEP_CDATA) && !extras->readsSource;
+    }
 
     Options options;
     vek::XMLParserExtras * extras = nullptr;
+    vek::XMLSource source;
     XML_Parser expat = nullptr;
     IVekXMLDocument * document = nullptr;
     bool inCDATA = false;
-    vek::Buffer<unsigned char> cdata;
+    int sectionBegin = 0; // in the source; 0 when the tokenizer hands the section out
+    vek::Buffer<wchar_t> cdata;
     vek::Buffer<CVekXMLElement *> stack; // no references; the top is the last
     bool firstElement = false;
     bool complete = false;
     VekXMLError error;
 
 private:
+    // What the first child of an element makes room for: most that hold white space have elements in between.
+    static constexpr int FEW_CHILDREN = 2;
+    static constexpr int BETWEEN_BLANKS = 4;
+
     void KeepPlace(int none);
     /// Of the tokenizer's place, both from 1; a byte order mark is no column.
     unsigned int Line() const noexcept;
     unsigned int Column() const noexcept;
     CVekXMLElement * BeginElement(wchar_t const * name);
-    bool AddChild(CVekXMLElement * element);
+    bool AddChild(CVekXMLElement * element, int expected);
     bool AddSection(CVekXMLElement & element);
+    bool ReadSection();
     bool AddAttributes(CVekXMLElement * element, wchar_t const ** attributes);
     CVekXMLAttribute * MakeAttribute(vek::XMLNameCache::Name & name, wchar_t const * value);
     bool KnowExistingAttributes(CVekXMLElement const * element);
@@ -127,8 +141,15 @@ private:
     bool FlushSection();
     bool FlushText();
     bool KeepsText() const noexcept;
+    void BeginRoot();
+    bool TakeText();
+    bool EndText();
+    bool AddShortText(int begin, int end);
+    bool TakeTextUntil(int end);
+    bool TakeLastText();
     void ForgetText() noexcept;
-    CVekXMLElement * AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length);
+    CVekXMLElement * AddNode(vek::XMLNodeName const & name, wchar_t const * text, size_t length,
+                             int expected = FEW_CHILDREN);
     bool RecordPosition(CVekXMLElement const * element, int attributesBefore);
     bool RecordValues(vek::XMLRange tag, int attributesBefore);
 

@@ -54,6 +54,7 @@ void XMLSource::Begin(void const * bytes, int size) noexcept
     m_markLength = 0;
     m_codePage = CP_UTF8;
     m_isPlatform = false;
+    m_isUtf8 = size > 1 && m_bytes[0] != 0 && m_bytes[1] != 0 && m_bytes[0] < 0xFE;
     for (Mark const & mark : MARKS)
     {
         if (size < mark.length || memcmp(bytes, mark.bytes, static_cast<size_t>(mark.length)) != 0)
@@ -66,6 +67,8 @@ void XMLSource::Begin(void const * bytes, int size) noexcept
 
 void XMLSource::Declare(wchar_t const * name) noexcept
 {
+    if (name && VekStrCompareW(name, L"UTF-8", false) != 0)
+        m_isUtf8 = false;
     if (!name || m_markLength > 0 || IsWide() || m_isPlatform)
         return;
     if (VekStrCompareW(name, L"ISO-8859-1", false) == 0)
@@ -136,6 +139,15 @@ bool XMLSource::Decode(int begin, int end, CVekString<wchar_t> & text) const noe
     return true;
 }
 
+bool XMLSource::ReadText(int begin, int end, bool hasReferences, Buffer<wchar_t> & text) const noexcept
+{
+    size_t const before = text.Size();
+    wchar_t * const place = text.Extend(static_cast<size_t>(end - begin) + RAW_TEXT_ROOM);
+    if (place)
+        text.Shrink(before + ReadText(begin, end, hasReferences, place));
+    return place != nullptr;
+}
+
 bool XMLSource::DecodeWide(int begin, int end, Buffer<wchar_t> & text) const noexcept
 {
     if (!text.Reserve(static_cast<size_t>(end - begin) / 2 + 1))
@@ -182,9 +194,9 @@ bool XMLSource::DecodePlatform(int begin, int end, Buffer<wchar_t> & text) const
     return true;
 }
 
-bool XMLSource::MayHoldReference(XMLRange piece) const noexcept
+bool XMLSource::Has(char byte, XMLRange piece) const noexcept
 {
-    return memchr(m_bytes + piece.offset, '&', piece.length) != nullptr;
+    return memchr(m_bytes + piece.offset, byte, piece.length) != nullptr;
 }
 
 int XMLSource::SkipBlanks(int at, int end) const noexcept

@@ -3,6 +3,7 @@
 #include "VekText.h"
 
 #include "base/Buffer.h"
+#include "xml/XMLRawText.h"
 
 #include <expat.h>
 
@@ -38,12 +39,26 @@ public:
     int MarkLength() const noexcept { return m_markLength; }
     /// Whether the first line ends in a carriage return and a newline.
     bool HasCarriageReturns() const noexcept;
+    /// Whether the tokenizer reads what stands behind the declaration as UTF-8, for certain.
+    bool IsUtf8() const noexcept { return m_isUtf8; }
+    /// Adds a piece of a text of UTF-8 that the tokenizer has read as text, as it would hand that out; what has no
+    /// references is the inside of a CDATA section. False when memory is exhausted.
+    bool ReadText(int begin, int end, bool hasReferences, Buffer<wchar_t> & text) const noexcept;
+    /// The same, written to a place with room for RAW_TEXT_ROOM units more than the piece has bytes; returns its
+    /// length.
+    size_t ReadText(int begin, int end, bool hasReferences, wchar_t * place) const noexcept
+    {
+        return ReadRawText({m_bytes + begin, static_cast<size_t>(end - begin), static_cast<size_t>(m_size - begin)},
+                           hasReferences, place);
+    }
     /// The text of a piece, line ends as newlines; false when memory is exhausted.
     bool Decode(int begin, int end, CVekString<wchar_t> & text) const noexcept;
     /// Whether a tag begins there, rather than a reference to an entity.
     bool IsTagAt(int offset) const noexcept { return UnitAt(offset) == L'<'; }
     /// False when no reference can stand in the piece.
-    bool MayHoldReference(XMLRange piece) const noexcept;
+    bool MayHoldReference(XMLRange piece) const noexcept { return Has('&', piece); }
+    /// Whether one of the bytes is this.
+    bool Has(char byte, XMLRange piece) const noexcept;
     /// Between the quotes of the literal that begins there, if one does; else empty, at 0.
     XMLRange LiteralAt(int offset) const noexcept;
     /// Adds where the values of a start tag stand, in order; false when memory is exhausted.
@@ -66,6 +81,7 @@ private:
     int m_markLength = 0;
     unsigned int m_codePage = 0;
     bool m_isPlatform = false;
+    bool m_isUtf8 = false;
     int m_map[256] = {}; // of the system's encoding, as the tokenizer has it
 };
 

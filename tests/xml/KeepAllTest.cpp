@@ -68,6 +68,8 @@ TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
         {"entities are text", "<!DOCTYPE a [<!ENTITY e 'x<b/>y'>]><a>1&e;2</a>", ALL, L"a{#text'1x' b #text'y2'}"},
         {"entities that are not read", "<!DOCTYPE a SYSTEM 'd' [<!ENTITY e SYSTEM 'f'>]><a>1&e;&u;</a>", ALL,
          L"a{#text'1' #entity-reference'e' #entity-reference'u'}"},
+        {"entities that are not known to be there", "<!DOCTYPE a [%u;]><a>1&v;</a>", ALL,
+         L"a{#text'1' #entity-reference'v'}"},
         {"values", "<a x='&#10;&#9;&lt;EOL>&quot;' X='&amp;lt;'/>", ALL, L"a[x=\n\t&lt;EOL&#62;&quot; X=&amp;lt;]"},
         {"cut", "<a>x<b>y", ALL, L"a{#text'x' b{#text'y'}}"},
     };
@@ -81,6 +83,41 @@ TEST_F(KeepAllTest, ModelHoldsWhatIsKept)
     auto const document = NewDocument();
     EXPECT_TRUE(Parse("<a/><!-- cut", *document.Get()));
     EXPECT_FALSE(m_parser.IsComplete()) << "it would be written as it is";
+}
+
+// Text is read in the source, or comes from the tokenizer where an entity is declared: nobody can tell.
+TEST_F(KeepAllTest, TextIsTheSameWhoeverReadsIt)
+{
+    std::string together, apart;
+    for (int i = 0; i < 40; ++i)
+    {
+        std::string const text =
+            std::string(static_cast<std::size_t>(i), 'x') + "\xC3\xA9 \xD0\x94 \xEF\xBC\xA1\xF0\x9F\x98\x80&gt;\r\n";
+        together += text;
+        apart += "<b>" + text + "</b>";
+    }
+    std::pair<char const *, std::string> const rows[] = {
+        {"white space", "\n  <b/>\r\n\t<b/>\r<b> </b>&#32;\n</a>"},
+        {"references", "&lt;&amp;&quot;&apos;&#13;&#x1F600;<b/>&#65;</a>"},
+        {"characters", together + apart + "</a>"},
+        {"markup", "x<!--c--> <?p?>z<![CDATA[<&lt;\r\n\xC3\xA9]]]><b>\n<![CDATA[]]></b>]&gt;<![CDATA[s]]></a>"},
+        {"sections alone", "<b><![CDATA[ \r]]></b><b><!--c--><![CDATA[s]]></b></a>"},
+        {"cut", "x<b> y<c/>\n"},
+        {"cut in a tag", "x<b>]]<c v='>"},
+        {"cut in a section", "x<b>y<![CDATA[z>"},
+        {"cut in a character", "x<b>y\xE2\x82"},
+        {"cut in brackets", "x<b>y]]"},
+    };
+    for (auto const & [name, content] : rows)
+    {
+        for (unsigned keep = 0; keep <= VEK_XML_KEEP_ALL; ++keep)
+        {
+            SCOPED_TRACE(name + (" " + std::to_string(keep)));
+            EXPECT_EQ(Model("<a>" + content, static_cast<VEK_XML_KEEP>(keep)),
+                      Model("<!DOCTYPE a [<!ENTITY e ''>]><a>" + content, static_cast<VEK_XML_KEEP>(keep)));
+        }
+    }
+    m_log.Take(); // of second sections
 }
 
 TEST_F(KeepAllTest, NoReferenceIsLost)

@@ -12,7 +12,7 @@ TEST_F(ParserTest, BuildsTheTree)
     std::tuple<char const *, std::string, wchar_t const *, bool> const rows[] = {
         {"attributes in order", "<a x='1' y=\"2\"/>", L"a[x=1 y=2]", true},
         {"text outside CDATA is dropped", "<a>text<b>in<c/></b>more<d/></a>", L"a{b{c} d}", true},
-        {"CDATA beside children", "<a><b/><![CDATA[x<y&z]]><c/></a>", L"a'x<y&z'{b c}", true},
+        {"CDATA beside children", "<a><b/><![CDATA[x<y&z\r\n\xC3\xA9]]><c/></a>", L"a'x<y&z\n\u00E9'{b c}", true},
         {"empty CDATA", "<a><![CDATA[]]></a>", L"a''", true},
         {"values are stored escaped", "<a v='&lt;&#38;&gt;&quot;&apos;&#10;'/>",
          L"a[v=&lt;&amp;&gt;&quot;&apos;&lt;EOL&gt;]", true},

@@ -35,7 +35,7 @@ TEST(EscapeTest, EqualsTheSixPasses)
     for (int round = 0; round < (VekGuard::Active ? 2000 : 20000); ++round)
     {
         // The offset moves the text over all alignments of the blocks that are scanned.
-        std::size_t const offset = random() % 9;
+        std::size_t const offset = random() % 17;
         std::wstring text(offset + random() % 40, L'&');
         for (std::size_t i = offset; i < text.size(); ++i)
             text[i] = characters[random() % (sizeof characters / sizeof characters[0] - 1)];
