@@ -204,8 +204,8 @@ public:
     virtual bool IsRunning() = 0;
     /// True while there are more calls of Suspend than of Resume.
     virtual bool IsSuspended() = 0;
-    /// Starts the worker; returns the system's result of resuming the new thread (its earlier suspend count). GetHandle is
-    /// null afterwards when the system made none.
+    /// Starts the worker; returns the system's result of resuming the new thread (its earlier suspend count). GetHandle
+    /// is null afterwards when the system made none.
     virtual unsigned int Start() = 0;
     /// Suspends the worker and waits until it has met the suspension, or has ended; or counts one more suspension.
     /// Returns the new count. On the worker itself it takes effect once the loop is reached again; before the start,
