@@ -148,8 +148,8 @@ private:
     uint32_t m_count = 0;    // its blocks that are still to be freed
 };
 
-/// Keeps none of the chunks that the calling thread's blocks came from, as far as they are free. A program whose threads
-/// come and go would have kept some for each of them.
+/// Keeps none of the chunks that the calling thread's blocks came from, as far as they are free: a program whose
+/// threads come and go would have kept some for each of them.
 void PoolLeaveThread() noexcept;
 
 /// The bytes that the pool holds from the system, free blocks included; blocks above the largest class are not counted.
