@@ -95,6 +95,7 @@ std::size_t g_failIn;
 bool g_failOn, g_failOnce, g_failed;
 DWORD g_uncountedThread;
 std::size_t g_uncountedDepth;
+VekGuard::FrontHeap * g_front;
 
 class Locked
 {
@@ -243,6 +244,8 @@ void * AllocateOrdinary(std::size_t size, bool counted)
 
 void * Allocate(std::size_t size)
 {
+    if (void * const block = g_front ? g_front->Allocate(size) : nullptr)
+        return block;
     DWORD const thread = GetCurrentThreadId();
     Locked const lock;
     if (g_failOn && g_failThread == thread && g_failIn != 0)
@@ -357,6 +360,8 @@ Function * Runtime(char const * name)
 
 void Free(void * block)
 {
+    if (g_front && g_front->Owns(block))
+        return g_front->Free(block);
     {
         Locked const lock;
         Found const found = Find(block);
@@ -425,6 +430,8 @@ extern "C"
 
     std::size_t __cdecl _msize(void * block)
     {
+        if (g_front && g_front->Owns(block))
+            return g_front->Size(block);
         {
             Locked const lock;
             Found const found = Find(block);
@@ -495,6 +502,11 @@ bool FailReset() noexcept
     return g_failed;
 }
 
+void SetFrontHeap(FrontHeap * heap) noexcept
+{
+    g_front = heap;
+}
+
 Uncounted::Uncounted() noexcept
 {
     Locked const lock;
@@ -529,6 +541,7 @@ bool FailReset() noexcept
 {
     return false;
 }
+void SetFrontHeap(FrontHeap *) noexcept {}
 Uncounted::Uncounted() noexcept = default;
 Uncounted::~Uncounted() = default;
 
