@@ -96,6 +96,7 @@ bool g_failOn, g_failOnce, g_failed;
 DWORD g_uncountedThread;
 std::size_t g_uncountedDepth;
 VekGuard::FrontHeap * g_front;
+bool g_guards = true;
 
 class Locked
 {
@@ -269,7 +270,7 @@ void * Allocate(std::size_t size)
     void * block = nullptr;
     if (room >= OWN_RESERVATION)
         block = AllocateLarge(room, counted);
-    else if (g_guarded < MOST_GUARDED)
+    else if (g_guards && g_guarded < MOST_GUARDED)
         block = AllocateGuarded(room, counted);
     if (!block)
         block = AllocateOrdinary(room, counted);
@@ -507,6 +508,11 @@ void SetFrontHeap(FrontHeap * heap) noexcept
     g_front = heap;
 }
 
+void SetGuarding(bool guards) noexcept
+{
+    g_guards = guards;
+}
+
 Uncounted::Uncounted() noexcept
 {
     Locked const lock;
@@ -542,6 +548,7 @@ bool FailReset() noexcept
     return false;
 }
 void SetFrontHeap(FrontHeap *) noexcept {}
+void SetGuarding(bool) noexcept {}
 Uncounted::Uncounted() noexcept = default;
 Uncounted::~Uncounted() = default;
 

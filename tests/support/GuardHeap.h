@@ -46,5 +46,7 @@ protected:
     ~FrontHeap() = default;
 };
 void SetFrontHeap(FrontHeap * heap) noexcept;
+// Whether blocks are guarded from now on; others cost little. At first they are.
+void SetGuarding(bool guards) noexcept;
 
 } // namespace VekGuard

@@ -14,7 +14,7 @@ public:
 
     // What is allocated from now on comes from here.
     void Begin();
-    // Goes back to the guard heap. What is wrong with the blocks of the run; null if nothing is. What is still in use
+    // Goes back to the guard heap. What does not hold of its blocks; null if all does. What is still in use
     // stays where it is, for good.
     char const * End();
     // Blocks in use, those of runs before counted in.
@@ -27,8 +27,6 @@ public:
 
 private:
     struct Block;
-
-    Block * Find(void * block);
 
     unsigned char * m_arena;
     unsigned char * m_end;

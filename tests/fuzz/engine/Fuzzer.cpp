@@ -25,7 +25,7 @@ namespace
 namespace fs = std::filesystem;
 
 using fuzz::LONGEST_INPUT;
-constexpr std::size_t SHORT_INPUT = 400; // most are no longer: they say as much in less time
+constexpr std::size_t SHORT_INPUT = 400;        // most are no longer: they say as much in less time
 constexpr unsigned int RUNS_BETWEEN_LOOKS = 64; // at the clock
 
 void Store(fs::path const & folder, std::string const & input)

@@ -39,16 +39,17 @@ DWORD WINAPI Watch(void *)
 
 struct Runner::Current
 {
-    std::uint32_t size;
+    std::uint32_t size, executions;
     char bytes[LONGEST_INPUT];
 };
 
-Runner::Runner(Target const & target) : m_target(target)
+Runner::Runner(Target const & target) : m_target(target), m_heap(*new ArenaHeap)
 {
     auto * const page =
         static_cast<std::uint8_t *>(VirtualAlloc(nullptr, 2 * LONGEST_INPUT, MEM_RESERVE, PAGE_NOACCESS));
     VirtualAlloc(page, LONGEST_INPUT, MEM_COMMIT, PAGE_READWRITE);
     m_end = page + LONGEST_INPUT;
+    VekGuard::SetGuarding(false);
 }
 
 void Runner::KeepInput(std::filesystem::path const & folder)
@@ -66,6 +67,7 @@ void Runner::Run(std::string const & input)
     if (m_current)
     {
         m_current->size = static_cast<std::uint32_t>(size);
+        m_current->executions = g_executions;
         std::memcpy(m_current->bytes, input.data(), size);
     }
     if (++g_executions % GUARDED_ONE_OF == 0)
@@ -92,6 +94,7 @@ void Runner::Run(std::string const & input)
 
 void Runner::RunGuarded(std::string const & input)
 {
+    VekGuard::SetGuarding(true);
     // In a block of its own size, so that the guard behind it counts.
     auto * const copy = static_cast<std::uint8_t *>(std::malloc(input.size()));
     std::memcpy(copy, input.data(), input.size());
@@ -104,6 +107,7 @@ void Runner::RunGuarded(std::string const & input)
     }
     Check(!more, "nothing leaks");
     std::free(copy);
+    VekGuard::SetGuarding(false);
 }
 
 unsigned int Executions()

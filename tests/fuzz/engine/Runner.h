@@ -16,8 +16,8 @@ class Runner
 public:
     explicit Runner(Target const & target);
 
-    // From now on the input that runs stands in FOLDER/current, its length first, whatever happens to the process; and
-    // a run that takes too long ends it.
+    // From now on the input that runs stands in FOLDER/current, behind its length and the number of executions,
+    // whatever happens to the process; and a run that takes too long ends it.
     void KeepInput(std::filesystem::path const & folder);
     // On the heap of zones. An input that looks odd, and one of a thousand, runs on the guard heap, too.
     void Run(std::string const & input);
@@ -28,7 +28,7 @@ private:
     struct Current;
 
     Target const & m_target;
-    ArenaHeap m_heap;
+    ArenaHeap & m_heap;   // for good: what the library keeps lies in it
     std::uint8_t * m_end; // of a page that has none behind it
     Current * m_current = nullptr;
 };

@@ -59,8 +59,8 @@ char const * const packetWords[] = {"VKPF", "FLDR", "BLOB", "NUMB", nullptr};
 } // namespace
 
 constinit Target const all[] = {
-    {"xml", RunXml, xmlWords, xmlSeeds, false, 4096},           {"paths", RunPaths, nullptr, nullptr, true, 1000},
-    {"lexer", RunLexer, lexerWords, lexerSeeds, true, 4096},    {"data", RunData, nullptr, nullptr, false, 4096},
+    {"xml", RunXml, xmlWords, xmlSeeds, false, 4096},           {"paths", RunPaths, nullptr, nullptr, true, 300},
+    {"lexer", RunLexer, lexerWords, lexerSeeds, true, 1000},    {"data", RunData, nullptr, nullptr, false, 4096},
     {"packets", RunPackets, packetWords, nullptr, false, 4096},
 };
 std::span<Target const> const targets(all);

@@ -14,11 +14,14 @@ namespace fuzz
 namespace
 {
 
-// A parser turns tabs and returns of a value into blanks, and so loses those that came from character references.
+// A parser turns tabs and returns of a value into blanks, and so loses those that came from character references. Kept:
+// a section without characters is not written.
 std::wstring Blanked(std::wstring text)
 {
     std::replace_if(
         text.begin(), text.end(), [](wchar_t unit) { return unit == L'\t' || unit == L'\r'; }, L' ');
+    for (std::size_t at = 0; (at = text.find(L"''", at)) != text.npos;)
+        text.erase(at, 2);
     return text;
 }
 
