@@ -13,6 +13,14 @@ namespace fuzz
 
 using Bytes = std::span<std::uint8_t const>;
 
+// What a sensible change looks like.
+enum class Grammar
+{
+    None,
+    Xml,
+    Data
+};
+
 struct Target
 {
     char const * name;
@@ -23,12 +31,18 @@ struct Target
     char const * const * seeds;
     // Whether any bytes are a sequence of operations, for the test against a model.
     bool isModel;
+    Grammar grammar;
     // How long an input gets in the fuzzer. Short sequences say as much as long ones, and in less time.
     std::size_t longest;
 };
 
 extern std::span<Target const> const targets;
 void RunXml(Bytes input);
+void RunLossless(Bytes input);
+void RunEncodings(Bytes input);
+void RunSet(Bytes input);
+void RunScene(Bytes input);
+void RunScan(Bytes input);
 void RunPaths(Bytes input);
 void RunLexer(Bytes input);
 void RunData(Bytes input);

@@ -99,7 +99,7 @@ int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count
     char const * const given = std::getenv("VEK_FUZZ_SEED");
     unsigned const seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
                                 : static_cast<unsigned>(begin.time_since_epoch().count());
-    fuzz::Mutator mutator(target.words, seed);
+    fuzz::Mutator mutator(target, seed);
     std::printf("fuzz %s: seed %u, %u inputs at the start, %u edges\n", target.name, seed,
                 static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
     for (unsigned run = 0; run % RUNS_BETWEEN_LOOKS || Clock::now() - begin < std::chrono::seconds(seconds); ++run)
