@@ -9,8 +9,8 @@
 namespace fuzz
 {
 
-// False when the document can't be written, for a good reason only. Kept: of UTF-16 the tokenizer takes any two halves of
-// pairs for a character; they are refused by the writer.
+// False when the document can't be written, for a good reason only. Kept: of UTF-16 the tokenizer takes any two halves
+// of pairs for a character; they are refused by the writer.
 inline bool WriteWhole(TestStream & stream, IVekXMLDocument * document, CVekXMLParser const & parser)
 {
     CVekXMLWriter writer;

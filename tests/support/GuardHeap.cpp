@@ -97,6 +97,7 @@ DWORD g_uncountedThread;
 std::size_t g_uncountedDepth;
 VekGuard::FrontHeap * g_front;
 bool g_guards = true;
+bool g_isExact;
 
 class Locked
 {
@@ -163,9 +164,15 @@ std::ptrdiff_t TakeRun(std::size_t sizeClass)
     return static_cast<std::ptrdiff_t>(PageNumber(g_arenaCount - 1, first));
 }
 
+// What a block takes. Without a byte more a read behind it shows, but what it holds may not be aligned.
+std::size_t Room(std::size_t size)
+{
+    return g_isExact ? size : (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+}
+
 void * PlaceAtEnd(Byte * end, std::size_t size)
 {
-    Byte * const block = end - (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    Byte * const block = end - Room(size);
     std::size_t const inPage = reinterpret_cast<std::uintptr_t>(block) % PAGE_BYTES;
     std::size_t const lead = inPage < LEAD ? inPage : LEAD;
     std::memset(block - lead, SLACK, lead);
@@ -315,7 +322,7 @@ Found Find(void * block)
         Byte const * const end = arena.base + (static_cast<std::size_t>(&record - arena.pages) - record.runStartBack +
                                                ClassPages(record.sizeClass)) *
                                                   PAGE_BYTES;
-        if (record.state != State::Live || end - (record.size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT != at)
+        if (record.state != State::Live || at > end - record.size || at + ALIGNMENT <= end - record.size)
             Fault("not the start of a block", block);
         return {Found::Kind::Guarded, record.size, record.counted, &arena, &record, nullptr};
     }
@@ -510,7 +517,7 @@ void SetFrontHeap(FrontHeap * heap) noexcept
 
 void SetGuarding(bool guards) noexcept
 {
-    g_guards = guards;
+    g_guards = g_isExact = guards;
 }
 
 Uncounted::Uncounted() noexcept

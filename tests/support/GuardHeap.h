@@ -46,7 +46,8 @@ protected:
     ~FrontHeap() = default;
 };
 void SetFrontHeap(FrontHeap * heap) noexcept;
-// Whether blocks are guarded from now on; others cost little. At first they are.
+// Whether blocks are guarded from now on; others cost little. At first they are, and have the usual alignment; from the
+// first call on each ends right at its page's end.
 void SetGuarding(bool guards) noexcept;
 
 } // namespace VekGuard
