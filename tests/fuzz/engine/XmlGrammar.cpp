@@ -16,7 +16,7 @@ struct Range
 
 constexpr char const * NAMES[] = {"a", "b", "c", "A", "x:y", "\xC3\xA4"};
 constexpr char const * VALUES[] = {"",      "1",     "a b",   "&lt;", "&#10;", "&e;",    "&#x1F600;", "\xE2\x82\xAC",
-                                   "0 1 2", "<EOL>", "&#38;", "'\"'", "\t",    "&quot;", "1e9",       "urn:u"};
+                                   "0 1 2", "<EOL>", "&#38;", "'",    "\t",    "&quot;", "1e9",       "urn:u"};
 constexpr char const * PIECES[] = {
     "text",   "&e;",   "&amp;", "<!-- c -->", "<?p q?>",          "<![CDATA[d]]>", "<![CDATA[]]>",      "]]",
     "\r\n  ", "&#13;", "<b/>",  "<a></a>",    "\xF0\x9F\x98\x80", "&#60;",         "<x:y xmlns:x='u'/>"};
@@ -97,7 +97,9 @@ std::vector<Range> FindElements(std::string const & text)
 
 std::string MakeAttribute(Dice & dice)
 {
-    return std::string(" ") + dice.Of(NAMES) + "=\"" + dice.Of(VALUES) + "\"";
+    static constexpr char const *blanks[] = {" ", " ", " ", "\n  ", "\t"}, *equals[] = {"=", "=", "=", " = ", "=\r\n "};
+    std::string const value = dice.Of(VALUES), quote = value != "'" && dice.Below(3) == 0 ? "'" : "\"";
+    return std::string(dice.Of(blanks)) + dice.Of(NAMES) + dice.Of(equals) + quote + value + quote;
 }
 
 std::string MakeElement(Dice & dice)

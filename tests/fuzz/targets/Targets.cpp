@@ -56,10 +56,23 @@ char const * const lexerSeeds[] = {"\1\2\3\4\5\6\7if (x == 10.5) // c\n y = \"te
 
 char const * const packetWords[] = {"VKPF", "FLDR", "BLOB", "NUMB", nullptr};
 
+char const * const encodingsWords[] = {"\x80\x81\x82\x83\x84\x85\x86\x87\x88\x89\x8A\x8B\x8C\x8D\x8E\x8F",
+                                       "\x90\x91\x92\x93\x94\x95\x96\x97\x98\x99\x9A\x9B\x9C\x9D\x9E\x9F",
+                                       "\xA0\xA1\xA2\xA3\xA4\xA5\xA6\xA7\xA8\xA9\xAA\xAB\xAC\xAD\xAE\xAF",
+                                       "\xB0\xB1\xB2\xB3\xB4\xB5\xB6\xB7\xB8\xB9\xBA\xBB\xBC\xBD\xBE\xBF",
+                                       "\xC0\xC1\xC2\xC3\xC4\xC5\xC6\xC7\xC8\xC9\xCA\xCB\xCC\xCD\xCE\xCF",
+                                       "\xD0\xD1\xD2\xD3\xD4\xD5\xD6\xD7\xD8\xD9\xDA\xDB\xDC\xDD\xDE\xDF",
+                                       "\xE0\xE1\xE2\xE3\xE4\xE5\xE6\xE7\xE8\xE9\xEA\xEB\xEC\xED\xEE\xEF",
+                                       "\xF0\xF1\xF2\xF3\xF4\xF5\xF6\xF7\xF8\xF9\xFA\xFB\xFC\xFD\xFE\xFF",
+                                       "<\xE4>",
+                                       "\xB0\xA1",
+                                       "\x81\x40",
+                                       "\xA4\xA2\xA4\xA4",
+                                       "&#8364;",
+                                       nullptr};
 char const * const encodingsSeeds[] = {"\3<a b='\x83\x41'><c>\xB1&#177;</c></a>", "\4<a>\xA4\xA2\x8E\xB1</a>",
                                        "\13<!DOCTYPE a [<!ENTITY e '\xE4'>]><\xE4 \xF6='&e;'/>", nullptr};
-char const * const setSeeds[] = {
-    "\1\0\1\5\1\2\3\4\5\6\7\10\11\12\13\14\15\16\17\20<a x='1'>\n <b a=\"2\" A = '&lt;'/>\n <b>t</b></a>", nullptr};
+char const * const setSeeds[] = {"\1\1\1\5abcdefghijklmnop<a x='1'>\n <b a=\"2\" A = '&lt;'/>\n <b>t</b></a>", nullptr};
 char const * const sceneWords[] = {" color='1,2,3'",
                                    " min='0 0 0'",
                                    " max='1 2 3'",
@@ -103,7 +116,7 @@ char const * const sceneSeeds[] = {
 constinit Target const all[] = {
     {"xml", RunXml, xmlWords, xmlSeeds, false, Grammar::Xml, 4096},
     {"lossless", RunLossless, xmlWords, xmlSeeds, false, Grammar::Xml, 4096},
-    {"encodings", RunEncodings, xmlWords, encodingsSeeds, false, Grammar::Xml, 1000},
+    {"encodings", RunEncodings, encodingsWords, encodingsSeeds, false, Grammar::Xml, 1000},
     {"set", RunSet, xmlWords, setSeeds, false, Grammar::Xml, 1000},
     {"scene", RunScene, sceneWords, sceneSeeds, false, Grammar::Xml, 1000},
     {"data", RunData, nullptr, nullptr, false, Grammar::Data, 4096},
