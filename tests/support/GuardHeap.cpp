@@ -86,6 +86,7 @@ Arena g_arenas[ARENAS];
 std::size_t g_arenaCount;
 Queue g_waiting[CLASSES];
 Large g_large[LARGE_BLOCKS];
+std::size_t g_largeBlocks;
 HANDLE g_heap;
 std::size_t g_guarded, g_liveBlocks, g_liveBytes;
 
@@ -232,6 +233,7 @@ void * AllocateLarge(std::size_t size, bool counted)
             return nullptr;
         }
         entry = {base, static_cast<Byte *>(PlaceAtEnd(base + bytes, size)), size, counted};
+        ++g_largeBlocks;
         return entry.block;
     }
     return nullptr;
@@ -326,8 +328,8 @@ Found Find(void * block)
             Fault("not the start of a block", block);
         return {Found::Kind::Guarded, record.size, record.counted, &arena, &record, nullptr};
     }
-    for (Large & entry : g_large)
-        if (entry.block == at)
+    for (std::size_t i = 0; i < LARGE_BLOCKS && g_largeBlocks; ++i)
+        if (Large & entry = g_large[i]; entry.block == at)
             return {Found::Kind::Large, entry.size, entry.counted, nullptr, nullptr, &entry};
     // The runtime's own blocks (from functions that allocate inside msvcrt.dll) are told by the missing header.
     Header header;
@@ -388,6 +390,7 @@ void Free(void * block)
                        found.large->base + (found.size + PAGE_BYTES - 1) / PAGE_BYTES * PAGE_BYTES);
             VirtualFree(found.large->base, 0, MEM_RELEASE);
             *found.large = {};
+            --g_largeBlocks;
             return;
         case Found::Kind::Ordinary:
         {

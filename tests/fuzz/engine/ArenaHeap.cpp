@@ -20,6 +20,7 @@ constexpr std::size_t ARENA_BYTES = 256 << 20;
 constexpr std::size_t LARGEST = 8 << 20;      // larger ones are the guard heap's
 constexpr std::size_t STEP = sizeof(__m128i); // all is rounded up to it
 constexpr std::size_t ZONE = STEP;            // behind a block, and more up to the next step
+constexpr std::size_t LARGE = 2048, END = 512;
 constexpr std::uint32_t LIVE = 0xA11C0DE1, FREED = 0xF4EEDBAD;
 constexpr Byte ZONE_BYTE = 0xA5, FRESH_BYTE = 0xCD, FREED_BYTE = 0xDD;
 
@@ -45,10 +46,17 @@ bool ForAll(Byte * at, Byte * end, One one, Step step)
     return true;
 }
 
-void Fill(Byte * at, Byte * end, Byte byte)
+// Of a large block only its ends.
+template <class Part>
+bool ForEnds(Byte * at, std::size_t size, Part part)
+{
+    return size <= LARGE ? part(at, at + size) : part(at, at + END) && part(at + size - END, at + size);
+}
+
+bool Fill(Byte * at, Byte * end, Byte byte)
 {
     __m128i const bytes = _mm_set1_epi8(static_cast<char>(byte));
-    ForAll(
+    return ForAll(
         at, end, [=](Byte & one) { return one = byte, true; },
         [=](__m128i * step) { return _mm_store_si128(step, bytes), true; });
 }
@@ -100,7 +108,9 @@ char const * ArenaHeap::End()
         Block & block = *reinterpret_cast<Block *>(at);
         if (!block.HasZones())
             m_damage = "nothing writes around a block";
-        else if (block.state == FREED && !IsFilled(block.Bytes(), block.Bytes() + block.size, FREED_BYTE))
+        else if (block.state == FREED &&
+                 !ForEnds(block.Bytes(), block.size,
+                          [](Byte * from, Byte * end) { return IsFilled(from, end, FREED_BYTE); }))
             m_damage = "nothing writes to a freed block";
         isInUse = isInUse || block.state == LIVE;
         at = block.Bytes() + Rounded(block.size);
@@ -123,7 +133,7 @@ void * ArenaHeap::Allocate(std::size_t size)
     block.state = LIVE;
     Fill(block.zone, block.zone + sizeof block.zone, ZONE_BYTE);
     Byte * const bytes = block.Bytes();
-    Fill(bytes, bytes + size, FRESH_BYTE);
+    ForEnds(bytes, size, [](Byte * from, Byte * end) { return Fill(from, end, FRESH_BYTE); });
     Fill(bytes + size, bytes + rounded, ZONE_BYTE);
     m_at = bytes + rounded;
     ++m_live;
@@ -140,7 +150,7 @@ void ArenaHeap::Free(void * bytes)
         return;
     }
     block.state = FREED;
-    Fill(block.Bytes(), block.Bytes() + block.size, FREED_BYTE);
+    ForEnds(block.Bytes(), block.size, [](Byte * from, Byte * end) { return Fill(from, end, FREED_BYTE); });
     --m_live;
 }
 

@@ -25,7 +25,6 @@ namespace
 namespace fs = std::filesystem;
 
 using fuzz::LONGEST_INPUT;
-constexpr std::size_t SHORT_INPUT = 400;        // most are no longer: they say as much in less time
 constexpr unsigned int RUNS_BETWEEN_LOOKS = 64; // at the clock
 
 void Store(fs::path const & folder, std::string const & input)
@@ -77,7 +76,7 @@ std::size_t Choose(fuzz::Mutator & mutator, std::vector<std::string> const & cor
     {
         std::size_t const recent = mutator.Below(2) ? corpus.size() - corpus.size() / 4 : 0;
         index = std::min(recent + mutator.Below(corpus.size() - recent), corpus.size() - 1);
-        if (corpus[index].size() <= SHORT_INPUT)
+        if (corpus[index].size() <= fuzz::SHORT_INPUT)
             break;
     }
     return index;

@@ -9,6 +9,8 @@
 namespace fuzz
 {
 
+constexpr std::size_t SHORT_INPUT = 250;
+
 class Mutator
 {
 public:

@@ -114,12 +114,12 @@ char const * const sceneSeeds[] = {
 } // namespace
 
 constinit Target const all[] = {
-    {"xml", RunXml, xmlWords, xmlSeeds, false, Grammar::Xml, 4096},
-    {"lossless", RunLossless, xmlWords, xmlSeeds, false, Grammar::Xml, 4096},
+    {"xml", RunXml, xmlWords, xmlSeeds, false, Grammar::Xml, 2000},
+    {"lossless", RunLossless, xmlWords, xmlSeeds, false, Grammar::Xml, 2000},
     {"encodings", RunEncodings, encodingsWords, encodingsSeeds, false, Grammar::Xml, 1000},
     {"set", RunSet, xmlWords, setSeeds, false, Grammar::Xml, 1000},
     {"scene", RunScene, sceneWords, sceneSeeds, false, Grammar::Xml, 1000},
-    {"data", RunData, nullptr, nullptr, false, Grammar::Data, 4096},
+    {"data", RunData, nullptr, nullptr, false, Grammar::Data, 1000},
     {"packets", RunPackets, packetWords, nullptr, false, Grammar::None, 4096},
     {"lexer", RunLexer, lexerWords, lexerSeeds, true, Grammar::None, 1000},
     {"paths", RunPaths, nullptr, nullptr, true, Grammar::None, 300},
