@@ -1,5 +1,5 @@
 // What is fed with arbitrary bytes: by the fuzzer of tools/fuzz.sh, and by the tests that replay the corpus and run
-// long random sequences. A target takes its input apart as it likes and checks every answer.
+// random sequences. A target takes its input apart as it likes and checks every answer.
 #pragma once
 
 #include <cstddef>

@@ -27,10 +27,10 @@ std::wstring MakeValue(Reader & reader)
     return value;
 }
 
-// An element of the root's, found by going down a few steps, and the path to it.
+// The path to an element that is found by going down a few steps from the root.
 std::wstring MakePath(Reader & reader, IVekXMLElement * at)
 {
-    std::wstring path = L"*";
+    std::wstring path;
     for (unsigned steps = reader.Below(4); steps > 0; --steps)
     {
         int const wanted = static_cast<int>(reader.Byte());
