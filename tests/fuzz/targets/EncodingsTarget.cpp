@@ -71,7 +71,8 @@ void RunEncodings(Bytes input)
     Check(!isWide || codePage == (encoding ? UTF16_BIG : UTF16), "a mark tells the encoding");
     std::wstring const all = AllOf(document);
     TestStream stream;
-    if (!WriteWhole(stream, document.Get(), parser))
+    if (!WriteWhole(stream, document.Get(), parser,
+                    {reinterpret_cast<std::uint8_t const *>(bytes.data()), bytes.size()}))
         return;
     auto const again = NewDocument();
     Check(parser.ParseXMLMemory(stream.bytes.data(), static_cast<unsigned>(stream.bytes.size()), again.Get()) &&

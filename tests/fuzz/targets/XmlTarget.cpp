@@ -75,7 +75,7 @@ void RunLossless(Bytes input)
     if (!parsed || !parser.IsComplete())
         return;
     TestStream stream;
-    if (!WriteWhole(stream, document.Get(), parser))
+    if (!WriteWhole(stream, document.Get(), parser, input))
         return;
     auto const again = NewDocument();
     Check(parser.ParseXMLMemory(stream.bytes.data(), static_cast<unsigned int>(stream.bytes.size()), again.Get()) &&
@@ -84,7 +84,7 @@ void RunLossless(Bytes input)
     Check(TreeText(*again) == TreeText(*document) && DTDText(*again) == DTDText(*document), "nothing is lost");
     // Once more: the declaration's encoding may have changed before.
     TestStream second;
-    Check(WriteWhole(second, again.Get(), parser) && second.bytes == stream.bytes, "the same bytes again");
+    Check(WriteWhole(second, again.Get(), parser, {}) && second.bytes == stream.bytes, "the same bytes again");
 }
 
 } // namespace fuzz
