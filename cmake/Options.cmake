@@ -39,6 +39,10 @@ if(VEKLIB_GUARD)
     if(NOT VEKLIB_COVERAGE)
         target_compile_options(veklib_options INTERFACE
             $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined -fno-sanitize=vptr -fsanitize-undefined-trap-on-error>)
+        # The fuzzer puts a block of any size right in front of a page that can't be read.
+        if(VEKLIB_FUZZ)
+            target_compile_options(veklib_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-sanitize=alignment>)
+        endif()
     endif()
     target_compile_definitions(veklib_options INTERFACE VEKLIB_GUARD)
 endif()

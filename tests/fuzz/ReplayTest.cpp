@@ -1,4 +1,4 @@
-// The targets of the fuzzer on what it has found so far, and on long random sequences.
+// The targets of the fuzzer on what it has found so far, and on random sequences.
 
 #include "VekLib.h"
 
@@ -55,13 +55,13 @@ TEST_P(Fuzz, CorpusHolds)
         Run(entry.path().string(), FileBytes(entry.path().wstring()));
 }
 
-TEST_P(Fuzz, LongRandomSequencesHold)
+TEST_P(Fuzz, RandomSequencesHold)
 {
     if (!GetParam().isModel)
         return;
     std::mt19937 random(7);
-    // More than 100,000 operations, or as many as the guard heap's speed allows.
-    for (int part = 0; part < (VekGuard::Active ? 20 : 1500); ++part)
+    // As the library is released; the fuzzer has them by the million.
+    for (int part = 0; part < (VekGuard::Active ? 2 : 100); ++part)
     {
         std::string input(2000, '\0');
         for (char & byte : input)

@@ -1,5 +1,5 @@
 // What is fed with arbitrary bytes: by the fuzzer of tools/fuzz.sh, and by the tests that replay the corpus and run
-// long random sequences. A target takes its input apart as it likes and checks every answer.
+// random sequences. A target takes its input apart as it likes and checks every answer.
 #pragma once
 
 #include <cstddef>
@@ -13,6 +13,14 @@ namespace fuzz
 
 using Bytes = std::span<std::uint8_t const>;
 
+// What a sensible change looks like.
+enum class Grammar
+{
+    None,
+    Xml,
+    Data
+};
+
 struct Target
 {
     char const * name;
@@ -23,12 +31,18 @@ struct Target
     char const * const * seeds;
     // Whether any bytes are a sequence of operations, for the test against a model.
     bool isModel;
+    Grammar grammar;
     // How long an input gets in the fuzzer. Short sequences say as much as long ones, and in less time.
     std::size_t longest;
 };
 
 extern std::span<Target const> const targets;
 void RunXml(Bytes input);
+void RunLossless(Bytes input);
+void RunEncodings(Bytes input);
+void RunSet(Bytes input);
+void RunScene(Bytes input);
+void RunScan(Bytes input);
 void RunPaths(Bytes input);
 void RunLexer(Bytes input);
 void RunData(Bytes input);

@@ -4,7 +4,7 @@
 // What stands there for the functions that are called next.
 [[gnu::noinline]] inline void FillStack(wchar_t unit)
 {
-    wchar_t volatile places[4000];
-    for (wchar_t volatile & place : places)
-        place = unit;
+    unsigned long long volatile places[1000];
+    for (unsigned long long volatile & place : places)
+        place = unit * 0x0001'0001'0001'0001u;
 }

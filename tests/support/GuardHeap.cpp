@@ -86,6 +86,7 @@ Arena g_arenas[ARENAS];
 std::size_t g_arenaCount;
 Queue g_waiting[CLASSES];
 Large g_large[LARGE_BLOCKS];
+std::size_t g_largeBlocks;
 HANDLE g_heap;
 std::size_t g_guarded, g_liveBlocks, g_liveBytes;
 
@@ -95,6 +96,9 @@ std::size_t g_failIn;
 bool g_failOn, g_failOnce, g_failed;
 DWORD g_uncountedThread;
 std::size_t g_uncountedDepth;
+VekGuard::FrontHeap * g_front;
+bool g_guards = true;
+bool g_isExact;
 
 class Locked
 {
@@ -161,9 +165,15 @@ std::ptrdiff_t TakeRun(std::size_t sizeClass)
     return static_cast<std::ptrdiff_t>(PageNumber(g_arenaCount - 1, first));
 }
 
+// What a block takes. Without a byte more a read behind it shows, but what it holds may not be aligned.
+std::size_t Room(std::size_t size)
+{
+    return g_isExact ? size : (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+}
+
 void * PlaceAtEnd(Byte * end, std::size_t size)
 {
-    Byte * const block = end - (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    Byte * const block = end - Room(size);
     std::size_t const inPage = reinterpret_cast<std::uintptr_t>(block) % PAGE_BYTES;
     std::size_t const lead = inPage < LEAD ? inPage : LEAD;
     std::memset(block - lead, SLACK, lead);
@@ -223,6 +233,7 @@ void * AllocateLarge(std::size_t size, bool counted)
             return nullptr;
         }
         entry = {base, static_cast<Byte *>(PlaceAtEnd(base + bytes, size)), size, counted};
+        ++g_largeBlocks;
         return entry.block;
     }
     return nullptr;
@@ -243,6 +254,8 @@ void * AllocateOrdinary(std::size_t size, bool counted)
 
 void * Allocate(std::size_t size)
 {
+    if (void * const block = g_front ? g_front->Allocate(size) : nullptr)
+        return block;
     DWORD const thread = GetCurrentThreadId();
     Locked const lock;
     if (g_failOn && g_failThread == thread && g_failIn != 0)
@@ -266,7 +279,7 @@ void * Allocate(std::size_t size)
     void * block = nullptr;
     if (room >= OWN_RESERVATION)
         block = AllocateLarge(room, counted);
-    else if (g_guarded < MOST_GUARDED)
+    else if (g_guards && g_guarded < MOST_GUARDED)
         block = AllocateGuarded(room, counted);
     if (!block)
         block = AllocateOrdinary(room, counted);
@@ -311,12 +324,12 @@ Found Find(void * block)
         Byte const * const end = arena.base + (static_cast<std::size_t>(&record - arena.pages) - record.runStartBack +
                                                ClassPages(record.sizeClass)) *
                                                   PAGE_BYTES;
-        if (record.state != State::Live || end - (record.size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT != at)
+        if (record.state != State::Live || at > end - record.size || at + ALIGNMENT <= end - record.size)
             Fault("not the start of a block", block);
         return {Found::Kind::Guarded, record.size, record.counted, &arena, &record, nullptr};
     }
-    for (Large & entry : g_large)
-        if (entry.block == at)
+    for (std::size_t i = 0; i < LARGE_BLOCKS && g_largeBlocks; ++i)
+        if (Large & entry = g_large[i]; entry.block == at)
             return {Found::Kind::Large, entry.size, entry.counted, nullptr, nullptr, &entry};
     // The runtime's own blocks (from functions that allocate inside msvcrt.dll) are told by the missing header.
     Header header;
@@ -357,6 +370,8 @@ Function * Runtime(char const * name)
 
 void Free(void * block)
 {
+    if (g_front && g_front->Owns(block))
+        return g_front->Free(block);
     {
         Locked const lock;
         Found const found = Find(block);
@@ -375,6 +390,7 @@ void Free(void * block)
                        found.large->base + (found.size + PAGE_BYTES - 1) / PAGE_BYTES * PAGE_BYTES);
             VirtualFree(found.large->base, 0, MEM_RELEASE);
             *found.large = {};
+            --g_largeBlocks;
             return;
         case Found::Kind::Ordinary:
         {
@@ -425,6 +441,8 @@ extern "C"
 
     std::size_t __cdecl _msize(void * block)
     {
+        if (g_front && g_front->Owns(block))
+            return g_front->Size(block);
         {
             Locked const lock;
             Found const found = Find(block);
@@ -495,6 +513,16 @@ bool FailReset() noexcept
     return g_failed;
 }
 
+void SetFrontHeap(FrontHeap * heap) noexcept
+{
+    g_front = heap;
+}
+
+void SetGuarding(bool guards) noexcept
+{
+    g_guards = g_isExact = guards;
+}
+
 Uncounted::Uncounted() noexcept
 {
     Locked const lock;
@@ -529,6 +557,8 @@ bool FailReset() noexcept
 {
     return false;
 }
+void SetFrontHeap(FrontHeap *) noexcept {}
+void SetGuarding(bool) noexcept {}
 Uncounted::Uncounted() noexcept = default;
 Uncounted::~Uncounted() = default;
 

@@ -33,4 +33,21 @@ public:
     Uncounted & operator=(Uncounted const &) = delete;
 };
 
+// Another heap in front of this one, for which speed counts more; what it does not allocate comes from here.
+class FrontHeap
+{
+public:
+    virtual void * Allocate(std::size_t size) = 0; // null when it leaves the block to the guard heap
+    virtual bool Owns(void const * block) const = 0;
+    virtual void Free(void * block) = 0;
+    virtual std::size_t Size(void const * block) const = 0;
+
+protected:
+    ~FrontHeap() = default;
+};
+void SetFrontHeap(FrontHeap * heap) noexcept;
+// Whether blocks are guarded from now on; others cost little. At first they are, and have the usual alignment; from the
+// first call on each ends right at its page's end.
+void SetGuarding(bool guards) noexcept;
+
 } // namespace VekGuard

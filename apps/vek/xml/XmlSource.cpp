@@ -23,9 +23,13 @@ CVekRef<IVekXMLDocument> ReadAll(CVekXMLParser & parser, std::string const & byt
 
 std::unique_ptr<XmlSource> XmlSource::Load(std::wstring const & path)
 {
-    std::unique_ptr<XmlSource> source(new XmlSource(path));
-    if (!ReadBytes(path, source->m_bytes))
-        return nullptr;
+    std::string bytes;
+    return ReadBytes(path, bytes) ? Read(path, std::move(bytes)) : nullptr;
+}
+
+std::unique_ptr<XmlSource> XmlSource::Read(std::wstring const & path, std::string bytes)
+{
+    std::unique_ptr<XmlSource> source(new XmlSource(path, std::move(bytes)));
     source->m_document = ReadAll(source->m_parser, source->m_bytes, true);
     if (source->m_document)
         return source;

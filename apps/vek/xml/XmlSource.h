@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace tool
 {
@@ -17,6 +18,8 @@ class XmlSource
 public:
     /// Null after telling the user why there is none.
     static std::unique_ptr<XmlSource> Load(std::wstring const & path);
+    /// That of a file's bytes.
+    static std::unique_ptr<XmlSource> Read(std::wstring const & path, std::string bytes);
     XmlSource(XmlSource const &) = delete;
     XmlSource & operator=(XmlSource const &) = delete;
 
@@ -30,7 +33,7 @@ public:
     XmlEncoding Encoding() const { return XmlEncoding(m_parser.GetSourceCodePage()); }
 
 private:
-    explicit XmlSource(std::wstring const & path) : m_path(path) {}
+    XmlSource(std::wstring const & path, std::string bytes) : m_path(path), m_bytes(std::move(bytes)) {}
 
     std::wstring m_path;
     std::string m_bytes;

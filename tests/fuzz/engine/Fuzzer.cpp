@@ -1,8 +1,8 @@
 // veklib_fuzz TARGET SECONDS GROWN-FOLDER FROM...: runs a target with inputs made of those in the folders, files and
-// packs, keeps in the first folder what shows a new way through the library, and stops at the first fault. The input
-// that runs stands in GROWN-FOLDER/current, its length first, whatever happens to the process. veklib_fuzz --minimise
-// TARGET BYTES PACK FROM...: packs the smallest inputs that show all known ways. veklib_fuzz --pack PACK FROM...: packs
-// all inputs. veklib_fuzz --unpack FOLDER FROM...: stores each input in a file, named by its content.
+// packs, keeps in the first folder what shows a new way through the library, and stops at the first fault. veklib_fuzz
+// --replay TARGET FROM...: runs them on both heaps. veklib_fuzz --minimise TARGET BYTES PACK FROM...: packs the
+// smallest inputs that show all known ways. veklib_fuzz --pack PACK FROM...: packs all inputs. veklib_fuzz --unpack
+// FOLDER FROM...: stores each input in a file, named by its content.
 
 #include "VekLib.h"
 
@@ -10,16 +10,10 @@
 #include "fuzz/Target.h"
 #include "fuzz/engine/Coverage.h"
 #include "fuzz/engine/Mutator.h"
+#include "fuzz/engine/Runner.h"
 #include "support/FaultReport.h"
-#include "support/GuardHeap.h"
-
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -30,16 +24,8 @@ namespace
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t LONGEST_INPUT = 4096;
-constexpr int HANG_SECONDS = 20;
-
-struct Current
-{
-    std::uint32_t size;
-    char bytes[LONGEST_INPUT];
-};
-Current * g_current;
-std::atomic<unsigned long long> g_executions;
+using fuzz::LONGEST_INPUT;
+constexpr unsigned int RUNS_BETWEEN_LOOKS = 64; // at the clock
 
 void Store(fs::path const & folder, std::string const & input)
 {
@@ -82,60 +68,28 @@ std::vector<std::string> LoadFor(fuzz::Target const & target, wchar_t ** from, i
     return inputs;
 }
 
-void MapCurrent(fs::path const & folder)
+// Half of them from the latest quarter, which shows what is least known.
+std::size_t Choose(fuzz::Mutator & mutator, std::vector<std::string> const & corpus)
 {
-    HANDLE const file = CreateFileW((folder / "current").c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
-                                    nullptr, CREATE_ALWAYS, 0, nullptr);
-    HANDLE const mapping = CreateFileMappingW(file, nullptr, PAGE_READWRITE, 0, sizeof(Current), nullptr);
-    g_current = static_cast<Current *>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
-}
-
-DWORD WINAPI Watch(void *)
-{
-    for (unsigned long long last = ~0ull;; last = g_executions)
+    std::size_t index = 0;
+    for (int tries = 3; tries > 0; --tries)
     {
-        Sleep(HANG_SECONDS * 1000);
-        if (g_executions == last)
-        {
-            std::fprintf(stderr, "fuzz: hangs\n");
-            TerminateProcess(GetCurrentProcess(), 97);
-        }
+        std::size_t const recent = mutator.Below(2) ? corpus.size() - corpus.size() / 4 : 0;
+        index = std::min(recent + mutator.Below(corpus.size() - recent), corpus.size() - 1);
+        if (corpus[index].size() <= fuzz::SHORT_INPUT)
+            break;
     }
-}
-
-void Run(fuzz::Target const & target, std::string const & input)
-{
-    // In a block of its own size, so that the guard behind it counts.
-    std::size_t const size = input.size();
-    if (g_current)
-    {
-        g_current->size = static_cast<std::uint32_t>(size);
-        std::memcpy(g_current->bytes, input.data(), size);
-    }
-    auto * const copy = static_cast<std::uint8_t *>(std::malloc(size));
-    std::memcpy(copy, input.data(), size);
-    std::size_t const blocks = VekGuard::LiveBlocks();
-    fuzz::ResetCoverage();
-    target.run(fuzz::Bytes(copy, size));
-    if (VekGuard::LiveBlocks() != blocks)
-    {
-        // What is made at first use and kept does not come twice.
-        std::size_t const more = VekGuard::LiveBlocks();
-        target.run(fuzz::Bytes(copy, size));
-        fuzz::Check(VekGuard::LiveBlocks() == more, "nothing leaks");
-    }
-    std::free(copy);
-    ++g_executions;
+    return index;
 }
 
 int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count)
 {
-    MapCurrent(folders[0]);
-    CloseHandle(CreateThread(nullptr, 0, Watch, nullptr, 0, nullptr));
+    fuzz::Runner runner(target);
+    runner.KeepInput(folders[0]);
     std::vector<std::string> corpus;
     for (std::string const & input : LoadFor(target, folders, count))
     {
-        Run(target, input);
+        runner.Run(input);
         if (fuzz::NewCoverage() || corpus.empty())
             corpus.push_back(input);
     }
@@ -144,39 +98,52 @@ int Fuzz(fuzz::Target const & target, int seconds, wchar_t ** folders, int count
     char const * const given = std::getenv("VEK_FUZZ_SEED");
     unsigned const seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
                                 : static_cast<unsigned>(begin.time_since_epoch().count());
-    fuzz::Mutator mutator(target.words, seed);
+    fuzz::Mutator mutator(target, seed);
     std::printf("fuzz %s: seed %u, %u inputs at the start, %u edges\n", target.name, seed,
                 static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
-    while (Clock::now() - begin < std::chrono::seconds(seconds))
+    for (unsigned run = 0; run % RUNS_BETWEEN_LOOKS || Clock::now() - begin < std::chrono::seconds(seconds); ++run)
     {
-        // Half of them from the latest quarter, which shows what is least known.
-        std::size_t const recent = mutator.Below(2) ? corpus.size() - corpus.size() / 4 : 0;
-        std::size_t const index = std::min(recent + mutator.Below(corpus.size() - recent), corpus.size() - 1);
-        std::string input = mutator.Change(corpus[index], corpus, std::min(target.longest, LONGEST_INPUT));
-        Run(target, input);
+        std::string input =
+            mutator.Change(corpus[Choose(mutator, corpus)], corpus, std::min(target.longest, LONGEST_INPUT));
+        runner.Run(input);
         if (!fuzz::NewCoverage())
             continue;
+        runner.RunGuarded(input);
         Store(folders[0], input);
         corpus.push_back(std::move(input));
     }
-    std::printf("fuzz %s: %llu executions in %d s (%llu a second), corpus %u, %u edges, no fault\n", target.name,
-                g_executions.load(), seconds, g_executions.load() / static_cast<unsigned>(std::max(seconds, 1)),
+    std::printf("fuzz %s: %u executions in %d s (%u a second), corpus %u, %u edges, no fault\n", target.name,
+                fuzz::Executions(), seconds, fuzz::Executions() / static_cast<unsigned>(std::max(seconds, 1)),
                 static_cast<unsigned>(corpus.size()), static_cast<unsigned>(fuzz::KnownEdges()));
+    return 0;
+}
+
+int Replay(fuzz::Target const & target, wchar_t ** from, int count)
+{
+    fuzz::Runner runner(target);
+    std::vector<std::string> const inputs = LoadAll(from, count);
+    for (std::string const & input : inputs)
+    {
+        runner.RunGuarded(input);
+        runner.Run(input);
+    }
+    std::printf("fuzz %s: %u inputs on both heaps, no fault\n", target.name, static_cast<unsigned>(inputs.size()));
     return 0;
 }
 
 int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders, int count)
 {
+    fuzz::Runner runner(target);
     std::vector<std::string> inputs = LoadFor(target, folders + 1, count - 1), kept;
     // Once without looking: the ways that are made at first use are gone through. Then those come first that show
     // new edges, before those that only take known ones more often.
     for (std::string const & input : inputs)
-        Run(target, input);
+        runner.Run(input);
     fuzz::ForgetCoverage();
     auto const showsEdges = [&](std::string const & input)
     {
         std::size_t const before = fuzz::KnownEdges();
-        Run(target, input);
+        runner.Run(input);
         return fuzz::NewCoverage() != 0 && fuzz::KnownEdges() > before;
     };
     std::stable_partition(inputs.begin(), inputs.end(), showsEdges);
@@ -185,7 +152,7 @@ int Minimise(fuzz::Target const & target, std::size_t bytes, wchar_t ** folders,
     {
         if (input.size() > bytes)
             continue;
-        Run(target, input);
+        runner.Run(input);
         if (!fuzz::NewCoverage())
             continue;
         bytes -= input.size();
@@ -238,14 +205,20 @@ int wmain(int count, wchar_t ** arguments)
     std::wstring_view const option = count > 3 ? arguments[1] : L"";
     if (option == L"--pack" || option == L"--unpack")
         return Repack(option == L"--pack", arguments + 2, count - 2);
-    bool const minimise = option == L"--minimise";
-    int const first = minimise ? 2 : 1;
-    fuzz::Target const * const target = count > first + 2 ? Find(arguments[first]) : nullptr;
+    bool const minimise = option == L"--minimise", replay = option == L"--replay";
+    int const first = minimise || replay ? 2 : 1;
+    fuzz::Target const * const target = count > first + 1 ? Find(arguments[first]) : nullptr;
     if (!target || !VekLibInit())
         return 2;
     // Messages of what is refused would only cost time.
     getVekLibKernel()->SetDebugOutputLevel(-1);
-    int const number = static_cast<int>(std::wcstol(arguments[first + 1], nullptr, 10));
-    return minimise ? Minimise(*target, static_cast<std::size_t>(number), arguments + first + 2, count - first - 2)
-                    : Fuzz(*target, number, arguments + first + 2, count - first - 2);
+    wchar_t ** const rest = arguments + first + 1;
+    count -= first + 1;
+    if (replay)
+        return Replay(*target, rest, count);
+    int const number = static_cast<int>(std::wcstol(rest[0], nullptr, 10));
+    if (count < 2)
+        return 2;
+    return minimise ? Minimise(*target, static_cast<std::size_t>(number), rest + 1, count - 1)
+                    : Fuzz(*target, number, rest + 1, count - 1);
 }
