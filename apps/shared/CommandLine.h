@@ -15,7 +15,7 @@ class App; // the parser's own header takes seconds to compile: CommandLine.cpp 
 namespace tool
 {
 
-// What each program's Main.cpp defines; the rest of wmain stands here.
+// What each program's Main.cpp defines; WideMain.cpp has the rest.
 
 /// The program's name, as its messages give it.
 extern wchar_t const * const PROGRAM_NAME;
