@@ -11,18 +11,7 @@
 
 #include <cstdio>
 #include <cwchar>
-#include <ostream>
 #include <utility>
-
-void PrintTo(Scenario const & scenario, std::ostream * out)
-{
-    *out << scenario.name;
-}
-
-void PrintTo(StreamScenario const & scenario, std::ostream * out)
-{
-    *out << scenario.name;
-}
 
 namespace
 {

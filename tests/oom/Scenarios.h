@@ -5,7 +5,7 @@
 #include "VekLib.h"
 #include "VekRef.h"
 
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -31,8 +31,14 @@ struct StreamScenario
     bool tells;               // whether every failure is seen: single values of a host's stream are 0 without a word
 };
 
-void PrintTo(Scenario const & scenario, std::ostream * out);
-void PrintTo(StreamScenario const & scenario, std::ostream * out);
+inline void PrintTo(Scenario const & scenario, std::ostream * out)
+{
+    *out << scenario.name;
+}
+inline void PrintTo(StreamScenario const & scenario, std::ostream * out)
+{
+    *out << scenario.name;
+}
 
 extern std::vector<Scenario> const coreScenarios; // kernel, memory, text, matrices, events, progress and workers
 extern std::vector<Scenario> const dataScenarios; // streams, typed data, packets, curves, lexer
