@@ -1,11 +1,13 @@
 // Every subsystem with its n-th call of the system failing, for n = 1, 2, 3, ..., then with that one and all later
 // ones.
 
+#include "Console.h"
 #include "oom/Scenarios.h"
 #include "support/Files.h"
 #include "support/GuardHeap.h"
 #include "support/Handles.h"
 #include "support/SystemCalls.h"
+#include "xml/XmlSet.h"
 
 #include <gtest/gtest.h>
 
@@ -41,9 +43,24 @@ bool SaveOver()
 
 bool ReadAFile()
 {
-    CVekRef<IVekXMLDocument> const document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
-    CVekXMLParser parser;
-    return parser.ParseXMLFile(TemporaryPath(L"saved.xml").c_str(), document.Get()) && parser.IsComplete();
+    return VekLoadXMLDocument(TemporaryPath(L"saved.xml").c_str()) != nullptr;
+}
+
+// As `vek xml set` does on a drive that may fail, or be gone, at any moment.
+bool EditAFile()
+{
+    static int number = 0;
+    tool::EditRequest request;
+    request.path = request.target = TemporaryPath(L"saved.xml");
+    request.edits = {{tool::XmlEdit::Kind::Set, L"", L"a", std::to_wstring(++number)}};
+    try
+    {
+        return tool::RunXmlEdits(request) == tool::EXIT_DONE;
+    }
+    catch (std::bad_alloc const &)
+    {
+        return false;
+    }
 }
 
 bool UseLocks()
@@ -59,7 +76,10 @@ bool UseLocks()
 
 std::vector<Scenario> AllScenarios()
 {
-    std::vector<Scenario> all = {{"SaveOver", SaveOver, {}}, {"ReadAFile", ReadAFile, {}}, {"UseLocks", UseLocks, {}}};
+    std::vector<Scenario> all = {{"SaveOver", SaveOver, {}},
+                                 {"ReadAFile", ReadAFile, {}},
+                                 {"EditAFile", EditAFile, {}},
+                                 {"UseLocks", UseLocks, {}}};
     for (auto const & scenarios : {coreScenarios, dataScenarios, xmlScenarios})
         all.insert(all.end(), scenarios.begin(), scenarios.end());
     return all;
@@ -104,7 +124,7 @@ TEST_P(FailingSystem, LeavesTheLibraryUsable)
 {
     CVekLibrary const library;
     ASSERT_TRUE(SaveOver() && GetParam().run());
-    bool const isOfFiles = GetParam().run == SaveOver || GetParam().run == ReadAFile;
+    bool const isOfFiles = GetParam().run == SaveOver || GetParam().run == ReadAFile || GetParam().run == EditAFile;
     FailEachCall(GetParam().run, VekTest::FailSystemCall, false);
     FailEachCall(GetParam().run, VekTest::FailSystemFrom, isOfFiles);
     isSound = true; // other bytes may say the same

@@ -6,11 +6,8 @@
 #include "XmlFile.h"
 
 #include "fuzz/Target.h"
-#include "support/QuietTools.h"
 
 #include <cmath>
-
-wchar_t const * const tool::PROGRAM_NAME = L"fuzz";
 
 namespace fuzz
 {

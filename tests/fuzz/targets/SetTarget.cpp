@@ -6,7 +6,6 @@
 #include "xml/XmlValue.h"
 
 #include "fuzz/Target.h"
-#include "support/QuietTools.h"
 
 #include <algorithm>
 

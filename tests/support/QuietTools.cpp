@@ -1,10 +1,11 @@
-// For tests that call the inner functions of the programs: their messages go nowhere.
-#pragma once
-
+// For tests that call the inner functions of the programs: what Main.cpp has of them; their messages go nowhere.
+#include "CommandLine.h"
 #include "Console.h"
 #include "Platform.h"
 
-inline bool const toolsAreQuiet = []
+wchar_t const * const tool::PROGRAM_NAME = L"test";
+
+static bool const g_areQuiet = []
 {
     for (DWORD const id : {STD_ERROR_HANDLE, STD_OUTPUT_HANDLE})
     {
