@@ -1,5 +1,7 @@
 #include "xml/XMLFeed.h"
 
+#include <string.h>
+
 #include <algorithm>
 
 namespace vek
@@ -28,17 +30,21 @@ bool XMLFeed::Run(bool const & isBeforeElement) noexcept
     return true;
 }
 
-// Behind a tag, where there is one: of what is left of a token, and all that follows, the tokenizer makes a copy.
+// Behind a tag: of what is left of a token, and all that follows, the tokenizer makes a copy, and begins it anew.
 int XMLFeed::NextPiece() const noexcept
 {
-    int const most = std::max(FIRST_PIECE, m_given);
-    if (most >= m_size - m_given)
-        return m_size - m_given;
     int const step = UnitBytes();
-    int count = most;
-    while (count > 0 && !IsUnit(m_given + count - step, '>'))
-        count -= step;
-    return count > 0 ? count : most;
+    int count = std::min(std::max(FIRST_PIECE, m_given), m_size - m_given);
+    if (step == 1)
+    {
+        void const * const end =
+            memchr(m_bytes + m_given + count - 1, '>', static_cast<size_t>(m_size - m_given - count + 1));
+        return end ? static_cast<int>(static_cast<unsigned char const *>(end) - m_bytes) + 1 - m_given
+                   : m_size - m_given;
+    }
+    while (count < m_size - m_given && !IsUnit(m_given + count - step, '>'))
+        count += step;
+    return std::min(count, m_size - m_given);
 }
 
 // Texts of 16-bit units begin with a byte order mark or a character below 256.
