@@ -122,7 +122,7 @@ public:
 
     /// True for a curve without points.
     bool IsEmpty() const noexcept { return m_points == nullptr; }
-    /// What the curve was made with; 0 when it is empty.
+    /// Degree, control points and knots as they are now; 0 for an empty curve.
     unsigned int GetDegree() const noexcept { return m_degree; }
     unsigned int GetPointCount() const noexcept { return m_pointCount; }
     unsigned int GetKnotCount() const noexcept { return m_points ? m_pointCount + m_degree + 1 : 0; }

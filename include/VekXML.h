@@ -61,7 +61,7 @@ public:
     /// implementation, means the first null entry.
     VEK_OVERLOADS3(virtual void RemoveChild(IVekXMLElement * child) = 0,
                    virtual void RemoveChild(wchar_t const * name) = 0, virtual void RemoveChild(int index) = 0)
-    /// Releases all children.
+    /// Removes and releases all children.
     virtual void RemoveAllChildren() = 0;
 
     /// The child at an index, no reference added; null, with a message, for a bad index.
