@@ -5,8 +5,7 @@
 /// @code
 /// CVekMatrix4x4<float> const turn = CVekMatrix4x4<float>::RotationZ(0.5f);
 /// CVekMatrix4x4<float> const place = CVekMatrix4x4<float>::Translation(CVekVector3D<float>(10, 0, 0));
-/// CVekVector4D<float> const corner(CVekVector3D<float>(1, 1, 0), 1);
-/// CVekVector4D<float> const moved = corner * (turn * place); // turned first
+/// CVekVector3D<float> const corner = (turn * place).TransformPoint(CVekVector3D<float>(1, 1, 0)); // turned first
 /// @endcode
 #ifndef VEK_MATH_H
 #define VEK_MATH_H
