@@ -4,8 +4,10 @@
 ///
 /// @code
 /// CVekRef<IVekXMLDocument> const document = VekNewXMLDocument(L"scene");
-/// IVekXMLElement * const light = VekAddXMLChild(*document->GetRootElement(), L"light");
-/// light->AddAttribute(L"position", VekToText(CVekVector3D<double>(0.1, 2, 50)), -1);
+/// if (!document)
+///     return; // no memory
+/// if (IVekXMLElement * const light = VekAddXMLChild(*document->GetRootElement(), L"light"))
+///     light->AddAttribute(L"position", VekToText(CVekVector3D<double>(0.1, 2, 50)), -1);
 /// bool const isSaved = VekSaveXMLDocument(L"scene.xml", document.Get()); // wholly, or not at all
 /// @endcode
 #ifndef VEK_EDIT_H

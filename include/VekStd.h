@@ -8,7 +8,7 @@
 /// {
 ///     std::wstring_view const firstLine = std::wstring_view(*text).substr(0, text->find(L'\n'));
 ///     CVekString<wchar_t> const name = VekToString(firstLine);
-///     VekWriteFile(L"first.txt", *VekUtf8FromWide(name));
+///     VekWriteTextFile(L"first.txt", VekView(name));
 /// }
 /// @endcode
 #ifndef VEK_STD_H
@@ -165,6 +165,7 @@ inline std::optional<std::wstring> VekWideFromUtf8(std::string_view bytes)
     return wide;
 }
 #if defined(__cpp_lib_char8_t)
+/// The same for bytes that are UTF-8 by their type.
 inline std::optional<std::wstring> VekWideFromUtf8(std::u8string_view bytes)
 {
     return VekWideFromUtf8(std::string_view(reinterpret_cast<char const *>(bytes.data()), bytes.size()));

@@ -2,12 +2,15 @@
 /// Trees and lists for range-based loops.
 ///
 /// @code
-/// CVekRef<IVekXMLDocument> const document = VekLoadXMLDocument(L"scene.xml");
-/// for (IVekXMLElement & child : VekChildren(*document->GetRootElement()))
-///     for (auto const & [name, value, index] : VekAttributes(child))
-///         fputws(value, stdout);
-/// for (IVekXMLElement & mesh : VekFindAll(*document->GetRootElement(), L"mesh")) // at any depth
-///     mesh.SetName(L"surface");
+/// if (CVekRef<IVekXMLDocument> const document = VekLoadXMLDocument(L"scene.xml"))
+/// {
+///     IVekXMLElement & root = *document->GetRootElement();
+///     for (IVekXMLElement & child : VekChildren(root))
+///         for (auto const & [name, value, index] : VekAttributes(child))
+///             fputws(value, stdout);
+///     for (IVekXMLElement & mesh : VekFindAll(root, L"mesh")) // at any depth
+///         mesh.SetAttributeValue(L"visible", true, true);
+/// }
 /// @endcode
 ///
 /// Elements and packets of resource files have children alike, and so have the entries of a document type's rules;
