@@ -80,7 +80,7 @@ public:
     bool WriteString(wchar_t const * name, char const * value);
     bool WriteWString(wchar_t const * name, wchar_t const * value);
     bool WriteBuffer(wchar_t const * name, unsigned char const * value, int size);
-    bool WriteGUID(wchar_t const * name, GUID const & value); ///< Only name and type reach the stream.
+    bool WriteGUID(wchar_t const * name, GUID const & value); ///< As the others; only name and type reach the stream.
     bool WriteColor(wchar_t const * name, CVekRGBA<unsigned char> const & value);
     bool WriteColor(wchar_t const * name, CVekRGBA<float> const & value);
     bool WriteVector(wchar_t const * name, CVekVector4D<int> const & value);

@@ -102,7 +102,7 @@ public:
     virtual bool WriteTChar(wchar_t value, bool advance) = 0;
     virtual bool WriteInt16(short value, bool advance) = 0;
     virtual bool WriteInt32(int value, bool advance) = 0;
-    virtual bool WriteInt64(int value, bool advance) = 0; ///< Writes 8 bytes, the sign extended.
+    virtual bool WriteInt64(int value, bool advance) = 0; ///< As the others: 8 bytes, the sign extended.
     virtual bool WriteByte(unsigned char value, bool advance) = 0;
     virtual bool WriteWord(unsigned short value, bool advance) = 0;
     virtual bool WriteDWord(unsigned int value, bool advance) = 0;
