@@ -1,5 +1,17 @@
 /// @file
 /// The view volume with its projection, and the controller that turns pointer movements into camera movements.
+///
+/// @code
+/// // A drag of the left button turns the scene about the pivot.
+/// CVekRef<IVekCameraUIController> const controller{getVekLibKernel()->CreateCameraUIController()};
+/// VEK_CAMERASTATE state;
+/// state.screenRight = 800;
+/// state.screenBottom = 600;
+/// state.pointerStart = CVekVector2D<float>(100, 100);
+/// state.SavePrevious();
+/// state.pointerCurrent = CVekVector2D<float>(140, 90);
+/// controller->Manipulate(VEK_CAMERAMODE_ORBIT, &state);
+/// @endcode
 #ifndef VEK_CAMERA_H
 #define VEK_CAMERA_H
 
@@ -49,6 +61,7 @@ public:
     bool SetFrustum(VEK_PROJECTIONMODE mode, float left, float right, float top, float bottom, float nearPlane,
                     float farPlane) noexcept;
 
+    /// The edges of the near plane, the distances of both planes and the mode, as they were stored.
     float GetLeft() const noexcept { return m_left; }
     float GetRight() const noexcept { return m_right; }
     float GetTop() const noexcept { return m_top; }
@@ -56,6 +69,7 @@ public:
     float GetNear() const noexcept { return m_near; }
     float GetFar() const noexcept { return m_far; }
     VEK_PROJECTIONMODE GetProjectionMode() const noexcept { return m_mode; }
+    /// Store the value as it is.
     void SetLeft(float value) noexcept { m_left = value; }
     void SetRight(float value) noexcept { m_right = value; }
     void SetTop(float value) noexcept { m_top = value; }
@@ -122,10 +136,12 @@ struct VEK_CAMERASTATE
     CVekFrustum frustum;
     /// From the world to camera coordinates, for row vectors. A point is drawn at p * matrix * the copy's projection.
     CVekMatrix4x4<float> matrix = CVekMatrix4x4<float>::Identity();
-    VEK_COORDSYSTEM coordSystem = VEK_COORDSYSTEM_LEFTHANDED;
+    VEK_COORDSYSTEM coordSystem = VEK_COORDSYSTEM_LEFTHANDED; ///< Which way the camera looks along its z axis.
     /// Where the picture is, in pixels with y downwards, or any other unit that the pointer has too.
     float screenLeft = 0, screenTop = 0, screenRight = 0, screenBottom = 0;
+    /// Where the button went down, in the same units.
     CVekVector2D<float> pointerStart;
+    /// Where the pointer is now.
     CVekVector2D<float> pointerCurrent;
     /// The point in the world about which the camera orbits, and whose depth the other modes work at. A pivot that is
     /// not in front of the near plane of a perspective view counts as being on that plane there.
@@ -139,6 +155,7 @@ struct VEK_CAMERASTATE
     /// The default frustum and the identity, left-handed, an empty screen, the pivot in the origin, y up.
     VEK_CAMERASTATE() noexcept = default;
 
+    /// Remembers frustum and matrix: a drag begins.
     void SavePrevious() noexcept
     {
         previousFrustum = frustum;

@@ -1,6 +1,17 @@
 /// @file
 /// The base of every reference-counted object, the pointer array and the linked list, log output and error reporting,
 /// tracked memory, events, progress, randomizer, CPU usage and timer.
+///
+/// @code
+/// // What the library has to tell goes to a host's own log.
+/// struct Catcher final : CVekRefCounted<IVekCatchLogOutput>
+/// {
+///     void OnLogOutput(int, wchar_t const * text) override { fputws(text, stderr); }
+/// };
+/// CVekRef<Catcher> const catcher{new Catcher};
+/// getVekLibKernel()->AddCatchLogOutput(catcher.Get());
+/// VekLogOutput(0, L"%d files are loaded", 3);
+/// @endcode
 #ifndef VEK_CORE_H
 #define VEK_CORE_H
 
@@ -49,7 +60,7 @@ inline unsigned int VekInterlockedDecrement(unsigned int & count) noexcept
 /// object is made by hosts that set the count themselves).
 struct VekObjectCommonData
 {
-    unsigned int refCount = 1;
+    unsigned int refCount = 1; ///< The number itself.
 };
 
 /// The base of every service object. An object is born with count 1, which its creator owns and gives back with
@@ -80,6 +91,7 @@ public:
     CVekRefCounted(CVekRefCounted const &) = default;
     CVekRefCounted & operator=(CVekRefCounted const &) = default;
 
+    /// As in IVekObject. The last Release deletes the object.
     unsigned int AddRef() override { return VekInterlockedIncrement(m_common.refCount); }
     unsigned int Release() override
     {
@@ -101,9 +113,11 @@ protected:
 class VEK_API CVekPooled
 {
 public:
+    /// A block of the pool, or the given place; null when memory is exhausted.
     static void * operator new(size_t size) noexcept;
     static void * operator new(size_t size, std::nothrow_t const &) noexcept;
     static void * operator new(size_t, void * place) noexcept { return place; }
+    /// Gives the block back to the pool.
     static void operator delete(void * block, size_t size) noexcept;
 };
 
@@ -120,8 +134,11 @@ public:
     CVekPointerArrayBase(CVekPointerArrayBase const &) = default;
     CVekPointerArrayBase & operator=(CVekPointerArrayBase const &) = default;
 
+    /// The pointers that are stored.
     int GetCount() const noexcept { return m_count; }
+    /// Those that there is room for.
     int GetCapacity() const noexcept { return m_capacity; }
+    /// What the capacity grows by when there is no more room: GROW_DOUBLING doubles it.
     int GetGrowthStep() const noexcept { return m_growthStep; }
     /// A step below 1 counts as 1.
     void SetGrowthStep(int step) noexcept { m_growthStep = step; }
@@ -166,12 +183,15 @@ public:
     T * operator[](int index) const noexcept { return static_cast<T *>(m_storage[index]); }
     /// The pointer at an index, or null for one outside the array.
     T * At(int index) const noexcept { return Has(index) ? (*this)[index] : nullptr; }
+    /// Whether the index is inside the array.
     bool Has(int index) const noexcept { return index >= 0 && index < m_count; }
     /// Replaces the pointer at an index, which must be inside the array.
     void Set(int index, T * pointer) noexcept { m_storage[index] = pointer; }
     /// Removes the last pointer, which must exist, and returns it.
     T * TakeLast() noexcept { return static_cast<T *>(m_storage[--m_count]); }
+    /// As CVekPointerArrayBase::Append.
     bool Append(T * pointer) noexcept { return CVekPointerArrayBase::Append(pointer); }
+    /// As CVekPointerArrayBase::Insert.
     bool Insert(int index, T * pointer) noexcept { return CVekPointerArrayBase::Insert(index, pointer); }
 };
 
@@ -217,6 +237,7 @@ VEK_API void VekWindowsError() noexcept;
 class VEK_API CVekSetDebugOutputLevel
 {
 public:
+    /// Messages above this level are not shown from here on.
     explicit CVekSetDebugOutputLevel(int level);
     ~CVekSetDebugOutputLevel();
     CVekSetDebugOutputLevel(CVekSetDebugOutputLevel const &) = default;
@@ -231,6 +252,7 @@ class VEK_API CVekException
 {
 public:
     CVekException();
+    /// There is nothing to copy.
     CVekException(CVekException const &);
     CVekException & operator=(CVekException const &);
     virtual ~CVekException();
@@ -245,6 +267,7 @@ public:
 template <class T>
 struct VekDirectLinkedListPtr
 {
+    /// The neighbours in the list; null at its ends, and in no list.
     T * previous = nullptr;
     T * next = nullptr;
 };
@@ -267,8 +290,10 @@ public:
     /// Destroys one element that is in no list; null is ignored.
     virtual void DeleteElement(T * element) { delete element; }
 
+    /// The first and the last element; null in an empty list.
     T * GetHead() const { return m_head; }
     T * GetTail() const { return m_tail; }
+    /// The elements that were added and not removed.
     unsigned int GetCount() const { return m_count; }
 
     /// Appends an element that is in no list. Its next link is left as it is (kept): it should be null, or what it
@@ -403,6 +428,7 @@ public:
 
     /// Makes the container its own, not counted. Null forgets it and unsubscribes the handler from its event.
     void SetContainer(CVekEventHandlerContainer * container);
+    /// The container that it was put into, no reference added; null for none.
     CVekEventHandlerContainer * GetContainer() const { return m_container; }
     /// The event that it is subscribed to; {00000000-0000-0000-C000-000000000046} when to none.
     GUID const & GetEvent() const;
@@ -523,6 +549,7 @@ private:
 class VEK_API CVekProgressBegin
 {
 public:
+    /// Begins the task as IVekProgressController::BeginTask does.
     CVekProgressBegin(IVekProgressController * controller, wchar_t const * name, double share, double step, int param);
     CVekProgressBegin(CVekProgressBegin const &) = delete;
     CVekProgressBegin & operator=(CVekProgressBegin const &) = delete;
@@ -567,6 +594,7 @@ public:
     virtual bool Start() = 0;
     /// Clears the running flag; the elapsed time goes on growing.
     virtual void Stop() = 0;
+    /// True from Start to Stop.
     virtual bool IsRunning() = 0;
     /// The time since Start in seconds; the library must be initialised.
     virtual double GetElapsedSeconds() = 0;

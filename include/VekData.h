@@ -1,5 +1,14 @@
 /// @file
 /// Typed data: named values of the library's types, written to a stream and read back by name.
+///
+/// @code
+/// CVekFileIOStream file;
+/// CVekTypedDataWriter settings;
+/// settings.WriteInt32(L"width", 800);
+/// settings.WriteWString(L"title", L"Untitled");
+/// if (!file.Open(L"settings.dat", VEK_IO_WRITE | VEK_IO_BINARY, 0) || !settings.Write(&file))
+///     VekLogOutput(0, L"The settings are not saved.");
+/// @endcode
 #ifndef VEK_DATA_H
 #define VEK_DATA_H
 
@@ -25,11 +34,14 @@ class VEK_API CVekTypedDataEntry : public CVekPooled
 public:
     /// An entry without a value; the types 13 to 19 get an object.
     CVekTypedDataEntry(wchar_t const * name, VEK_DATATYPE type);
+    /// Shares the value's object or buffer.
     CVekTypedDataEntry(CVekTypedDataEntry const & other);
     CVekTypedDataEntry & operator=(CVekTypedDataEntry const & other);
     ~CVekTypedDataEntry();
 
+    /// The name, which stays the entry's.
     CVekString<wchar_t> const & GetName() const { return m_name; }
+    /// The value, which stays the entry's.
     VEK_VARIANT & Val() { return m_value; }
     VEK_VARIANT const & Val() const { return m_value; }
 
@@ -68,8 +80,7 @@ public:
     bool WriteString(wchar_t const * name, char const * value);
     bool WriteWString(wchar_t const * name, wchar_t const * value);
     bool WriteBuffer(wchar_t const * name, unsigned char const * value, int size);
-    /// Of a GUID only the name and the type reach the stream.
-    bool WriteGUID(wchar_t const * name, GUID const & value);
+    bool WriteGUID(wchar_t const * name, GUID const & value); ///< As the others; only name and type reach the stream.
     bool WriteColor(wchar_t const * name, CVekRGBA<unsigned char> const & value);
     bool WriteColor(wchar_t const * name, CVekRGBA<float> const & value);
     bool WriteVector(wchar_t const * name, CVekVector4D<int> const & value);
@@ -101,6 +112,7 @@ enum VEK_DATA_ERROR : unsigned int
 /// What CVekTypedDataReader::Read tells.
 struct VekDataError
 {
+    /// What was wrong.
     VEK_DATA_ERROR code = VEK_DATA_ERROR_NONE;
     /// The entry that could not be read, from 0 and among those of this call; -1 for their number.
     int entry = -1;
@@ -131,6 +143,7 @@ public:
     /// Deletes the entries.
     void Clear();
 
+    /// The entries that have been read, of all calls since Clear.
     int GetNumEntries() const { return m_entries.GetCount(); }
     /// The entry at an index, in the order of the stream; null for a bad index. It stays the reader's.
     CVekTypedDataEntry const * GetEntry(int index) const { return m_entries.At(index); }
@@ -150,8 +163,7 @@ public:
     bool ReadDouble(wchar_t const * name, double & value, double defaultValue) const;
     bool ReadString(wchar_t const * name, CVekString<char> & value, char const * defaultValue) const;
     bool ReadWString(wchar_t const * name, CVekString<wchar_t> & value, wchar_t const * defaultValue) const;
-    /// Streams hold no value of a GUID: what was read from one is all zeros.
-    bool ReadGUID(wchar_t const * name, GUID & value, GUID const & defaultValue) const;
+    bool ReadGUID(wchar_t const * name, GUID & value, GUID const & defaultValue) const; ///< From a stream all zeros.
     bool ReadColor(wchar_t const * name, CVekRGBA<unsigned char> & value,
                    CVekRGBA<unsigned char> const & defaultValue) const;
     bool ReadColor(wchar_t const * name, CVekRGBA<float> & value, CVekRGBA<float> const & defaultValue) const;

@@ -1,6 +1,15 @@
 /// @file
 /// What hosts do with XML documents beside the object model: copies of whole elements, single attributes taken out or
 /// replaced, exact numbers and vectors as attribute text, and files that are replaced as a whole or not at all.
+///
+/// @code
+/// CVekRef<IVekXMLDocument> const document = VekNewXMLDocument(L"scene");
+/// if (!document)
+///     return; // no memory
+/// if (IVekXMLElement * const light = VekAddXMLChild(*document->GetRootElement(), L"light"))
+///     light->AddAttribute(L"position", VekToText(CVekVector3D<double>(0.1, 2, 50)), -1);
+/// bool const isSaved = VekSaveXMLDocument(L"scene.xml", document.Get()); // wholly, or not at all
+/// @endcode
 #ifndef VEK_EDIT_H
 #define VEK_EDIT_H
 

@@ -1,5 +1,14 @@
 /// @file
 /// Export macros, the overload-group macro, and the forward declarations that the other headers share.
+///
+/// @code
+/// // Enough to name the library's types where none of them is used.
+/// struct SceneWindow
+/// {
+///     IVekXMLDocument * document;
+///     CVekThreadCommand * loading;
+/// };
+/// @endcode
 #ifndef VEK_EXPORT_H
 #define VEK_EXPORT_H
 
@@ -29,6 +38,7 @@
 /// Linkage and calling convention of the three entry points, so that GetProcAddress finds them by their plain names.
 #define VEK_ENTRY extern "C" VEK_API
 
+/// @cond internal
 /// Declare a group of virtual operations that share a name, 2, 3 or 21 of them, each without its semicolon, in slot
 /// order. The Itanium C++ ABI lays such a group out in the order of declaration, the Microsoft C++ ABI in reverse: the
 /// macros declare it the right way round for either, so that both see the same vtable.
@@ -59,6 +69,7 @@
 #define VEK_HEADER_BEGIN
 #define VEK_HEADER_END
 #endif
+/// @endcond
 
 struct _GUID;
 /// An event or value identifier of 16 bytes; include the platform's own header where one is made or read.

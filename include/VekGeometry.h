@@ -1,5 +1,14 @@
 /// @file
 /// Linear systems, barycentric coordinates, and the intersections of rays, in both precisions.
+///
+/// @code
+/// CVekVector3D<double> const eye(0, 0, -5), behindPointer(0.2, 0.1, -4);
+/// CVekVector3D<double> const a(-1, -1, 0), b(1, -1, 0), c(0, 1, 0);
+/// CVekVector3D<double> hit;
+/// double t = 0;
+/// bool const isHit = CVekMath64::RayTriangleIntersection(eye, behindPointer, a, b, c, (b - a).Cross(c - a),
+///                                                        VEK_RT_BOTH_FACES, t, hit, nullptr);
+/// @endcode
 #ifndef VEK_GEOMETRY_H
 #define VEK_GEOMETRY_H
 
@@ -66,6 +75,7 @@ public:
     /// Of a float matrix only the determinant is accumulated in double precision, the elements are worked as floats.
     static double LUDecompose(CVekMatrix<float> & a, unsigned int * order) noexcept;
     static double LUDecompose(CVekMatrix<double> & a, unsigned int * order) noexcept;
+    /// As in CVekMath32.
     static void LUSubstitution(CVekMatrix<float> const & a, unsigned int const * order, double const * src,
                                double * result) noexcept;
     static void LUSubstitution(CVekMatrix<double> const & a, unsigned int const * order, double const * src,
@@ -84,6 +94,7 @@ public:
                                         unsigned int flags, double & t, CVekVector3D<double> & hit,
                                         CVekVector3D<double> * weights) noexcept;
 
+    /// As in CVekMath32, a tolerance of its own.
     static void SetErrorThreshold(double threshold) noexcept;
     static double GetErrorThreshold() noexcept;
 };
@@ -92,6 +103,7 @@ public:
 class CVekSetMath32ErrorThreshHold
 {
 public:
+    /// Remembers the earlier threshold and sets this one.
     explicit CVekSetMath32ErrorThreshHold(float threshold) noexcept
         : m_previousThreshold(CVekMath32::GetErrorThreshold())
     {
@@ -109,6 +121,7 @@ private:
 class CVekSetMath64ErrorThreshHold
 {
 public:
+    /// Remembers the earlier threshold and sets this one.
     explicit CVekSetMath64ErrorThreshHold(double threshold) noexcept
         : m_previousThreshold(CVekMath64::GetErrorThreshold())
     {

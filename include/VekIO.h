@@ -1,5 +1,15 @@
 /// @file
 /// Byte streams over files and memory.
+///
+/// @code
+/// CVekFileIOStream file;
+/// if (file.Open(L"mesh.bin", VEK_IO_READ | VEK_IO_BINARY, 0))
+/// {
+///     file.SetSystemByteOrder(VEK_BYTEORDER_LITTLE); // the file is big-endian
+///     unsigned int const count = file.ReadDWord(true);
+///     float const firstX = file.ReadFloat(true);
+/// }
+/// @endcode
 #ifndef VEK_IO_H
 #define VEK_IO_H
 
@@ -51,7 +61,9 @@ public:
     virtual void SetStreamByteOrder(VEK_BYTEORDER order) = 0;
     /// The order of the values that are handed in and out.
     virtual void SetSystemByteOrder(VEK_BYTEORDER order) = 0;
+    /// The order of the values in the stream.
     virtual VEK_BYTEORDER GetStreamByteOrder() = 0;
+    /// The order of the values that are handed in and out.
     virtual VEK_BYTEORDER GetSystemByteOrder() = 0;
     /// The offset of the next access from the start, at most 0x7FFFFFFF; 0 with a message for a file stream that is not
     /// open.
@@ -90,8 +102,7 @@ public:
     virtual bool WriteTChar(wchar_t value, bool advance) = 0;
     virtual bool WriteInt16(short value, bool advance) = 0;
     virtual bool WriteInt32(int value, bool advance) = 0;
-    /// Writes 8 bytes: the 32-bit value with its sign extended.
-    virtual bool WriteInt64(int value, bool advance) = 0;
+    virtual bool WriteInt64(int value, bool advance) = 0; ///< As the others: 8 bytes, the sign extended.
     virtual bool WriteByte(unsigned char value, bool advance) = 0;
     virtual bool WriteWord(unsigned short value, bool advance) = 0;
     virtual bool WriteDWord(unsigned int value, bool advance) = 0;
@@ -351,6 +362,7 @@ enum VEK_IO_OPERATION : unsigned int
 /// What CVekFileIOStream::GetError tells.
 struct VekFileError
 {
+    /// What was tried.
     VEK_IO_OPERATION operation = VEK_IO_OPERATION_NONE;
     /// The system's number, as GetLastError gives it; 0 when the system had nothing against it: the file's end, a place
     /// before its start, a stream that is not open, or not for that.

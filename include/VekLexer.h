@@ -1,6 +1,17 @@
 /// @file
 /// The lexer, whose keywords, operators and comments are registered at run time, and the tokenizer that collects what a
 /// lexer finds into a list.
+///
+/// @code
+/// CVekLexer lexer;
+/// CVekTokenizer tokenizer;
+/// lexer.AddKeyword(L"while", 1, true);
+/// lexer.AddOperator(L"<=", 2);
+/// lexer.AddComment(L"/*", L"*/");
+/// if (tokenizer.Tokenize(&lexer, L"while count <= 10", -1))
+///     for (IVekTokenizer::IToken & token : VekTokens(tokenizer))
+///         fputws(token.GetText(), stdout);
+/// @endcode
 #ifndef VEK_LEXER_H
 #define VEK_LEXER_H
 
@@ -108,6 +119,7 @@ public:
     class IToken : public IVekObject
     {
     public:
+        /// What it is.
         virtual TOKEN_KIND GetKind() const = 0;
         /// The text as the lexer reports it, terminated: of a string without the quotes, of an operator as registered.
         /// Of a number its characters, of an error the message.
@@ -149,7 +161,9 @@ public:
     /// Sets which kinds of tokens are there, now and after each Tokenize; all at the start. Indices count these tokens
     /// only. False with a message, and the earlier filter, when memory is exhausted.
     virtual bool SetFilter(unsigned int kinds) = 0;
+    /// The kinds that are there.
     virtual unsigned int GetFilter() const = 0;
+    /// The tokens that are there: those that pass the filter.
     virtual int GetNumTokens() const = 0;
     /// The token at an index, no reference added; null outside the list.
     VEK_OVERLOADS2(virtual IToken * GetToken(int index) = 0, virtual IToken const * GetToken(int index) const = 0)

@@ -1,5 +1,14 @@
 /// @file
 /// The library's entry points and its kernel, and with them everything else.
+///
+/// @code
+/// CVekLibrary const library; // started here, stopped at the end of the scope
+/// if (!library)
+///     return;
+/// CVekRef<IVekXMLDocument> const document = VekLoadXMLDocument(L"scene.xml");
+/// if (document)
+///     fputws(document->GetRootElement()->GetName(), stdout);
+/// @endcode
 #ifndef VEK_LIB_H
 #define VEK_LIB_H
 
@@ -44,6 +53,7 @@ public:
     virtual unsigned long long GetPerformanceFrequency() = 0;
     /// That frequency in units of 1,048,576 counts per second. It does not measure the processor's clock.
     virtual double GetCPUSpeed() = 0;
+    /// Each creates an object with one reference, which the caller owns; null when memory is exhausted.
     virtual IVekTimer * CreateTimer() = 0;
     virtual IVekMemoryIOStream * CreateMemoryIOStream() = 0;
     virtual IVekFileIOStream * CreateFileIOStream() = 0;

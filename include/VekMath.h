@@ -1,6 +1,12 @@
 /// @file
 /// Vectors, planes, matrices, boxes and colours. Points are row vectors multiplied from the left, p' = p x M; angles
 /// are in radians; a positive rotation turns x into y, y into z, or z into x.
+///
+/// @code
+/// CVekMatrix4x4<float> const turn = CVekMatrix4x4<float>::RotationZ(0.5f);
+/// CVekMatrix4x4<float> const place = CVekMatrix4x4<float>::Translation(CVekVector3D<float>(10, 0, 0));
+/// CVekVector3D<float> const corner = (turn * place).TransformPoint(CVekVector3D<float>(1, 1, 0)); // turned first
+/// @endcode
 #ifndef VEK_MATH_H
 #define VEK_MATH_H
 
@@ -156,6 +162,7 @@ public:
     friend constexpr V operator*(V a, T factor) noexcept { return a *= factor; }
     friend constexpr V operator*(T factor, V a) noexcept { return a *= factor; }
     friend constexpr V operator/(V a, T divisor) noexcept { return a /= divisor; }
+    /// By component; returns this vector.
     constexpr V & operator+=(V const & other) noexcept
     {
         for (unsigned int i = 0; i < N; ++i)
@@ -189,6 +196,7 @@ public:
             sum += Self()[i] * other[i];
         return sum;
     }
+    /// The scalar product with itself.
     constexpr T LengthSquared() const noexcept { return Dot(Self()); }
     /// The Euclidean length, without overflow or loss of digits in between. Not for whole numbers, as all that follows
     /// from it: Normalised and DistanceTo.
@@ -219,6 +227,7 @@ public:
         V const scaled = Self() / largest;
         return scaled / SquareRoot(scaled.LengthSquared());
     }
+    /// The length of the difference.
     T DistanceTo(V const & other) const noexcept { return (Self() - other).Length(); }
     /// This vector at t = 0, the other at t = 1, both exactly; t may lie outside.
     constexpr V Lerp(V const & other, T t) const noexcept { return Self() * (T(1) - t) + other * t; }
@@ -272,10 +281,12 @@ template <class T>
 class CVekVector2D : public vek::VectorOf<CVekVector2D<T>, T, 2>
 {
 public:
+    /// The components.
     T x, y;
 
     /// All components are 0.
     constexpr CVekVector2D() noexcept : x(), y() {}
+    /// Takes components, or converts those of another precision.
     constexpr CVekVector2D(T x_, T y_) noexcept : x(x_), y(y_) {}
     template <class U>
     constexpr explicit CVekVector2D(CVekVector2D<U> const & other) noexcept
@@ -296,10 +307,12 @@ template <class T>
 class CVekVector3D : public vek::VectorOf<CVekVector3D<T>, T, 3>
 {
 public:
+    /// The components.
     T x, y, z;
 
     /// All components are 0.
     constexpr CVekVector3D() noexcept : x(), y(), z() {}
+    /// Takes components, or converts those of another precision.
     constexpr CVekVector3D(T x_, T y_, T z_) noexcept : x(x_), y(y_), z(z_) {}
     template <class U>
     constexpr explicit CVekVector3D(CVekVector3D<U> const & other) noexcept
@@ -323,13 +336,16 @@ template <class T>
 class CVekVector4D : public vek::VectorOf<CVekVector4D<T>, T, 4>
 {
 public:
+    /// The components.
     T x, y, z, w;
 
     /// All components are 0.
     constexpr CVekVector4D() noexcept : x(), y(), z(), w() {}
+    /// Takes the components.
     constexpr CVekVector4D(T x_, T y_, T z_, T w_) noexcept : x(x_), y(y_), z(z_), w(w_) {}
     /// A point with w = 1 or a direction with w = 0.
     constexpr CVekVector4D(CVekVector3D<T> const & v, T w_) noexcept : x(v.x), y(v.y), z(v.z), w(w_) {}
+    /// Converts the components of another precision.
     template <class U>
     constexpr explicit CVekVector4D(CVekVector4D<U> const & other) noexcept
         : x(static_cast<T>(other.x)), y(static_cast<T>(other.y)), z(static_cast<T>(other.z)), w(static_cast<T>(other.w))
@@ -355,10 +371,12 @@ template <class T>
 class CVekRGBA
 {
 public:
+    /// The components.
     T red, green, blue, alpha;
 
     /// All components are 0.
     constexpr CVekRGBA() noexcept : red(), green(), blue(), alpha() {}
+    /// Takes the components.
     constexpr CVekRGBA(T r, T g, T b, T a) noexcept : red(r), green(g), blue(b), alpha(a) {}
 
     friend constexpr bool operator==(CVekRGBA const & a, CVekRGBA const & b) noexcept
@@ -389,10 +407,12 @@ template <class T>
 class CVekPlane
 {
 public:
+    /// The plane is where a x + b y + c z + d = 0.
     T a, b, c, d;
 
     /// All coefficients are 0: no plane at all.
     constexpr CVekPlane() noexcept : a(), b(), c(), d() {}
+    /// Takes the coefficients.
     constexpr CVekPlane(T a_, T b_, T c_, T d_) noexcept : a(a_), b(b_), c(c_), d(d_) {}
     /// The plane with that normal, taken as it is, through a point.
     constexpr CVekPlane(CVekVector3D<T> const & normal, CVekVector3D<T> const & point) noexcept
@@ -405,6 +425,7 @@ public:
         : CVekPlane((q - p).Cross(r - p), p)
     {
     }
+    /// Converts the coefficients of another precision.
     template <class U>
     constexpr explicit CVekPlane(CVekPlane<U> const & other) noexcept
         : a(static_cast<T>(other.a)), b(static_cast<T>(other.b)), c(static_cast<T>(other.c)), d(static_cast<T>(other.d))
@@ -419,6 +440,7 @@ public:
     /// The same points with front and back exchanged.
     constexpr CVekPlane operator-() const noexcept { return CVekPlane(-a, -b, -c, -d); }
 
+    /// (a, b, c), of whatever length.
     constexpr CVekVector3D<T> Normal() const noexcept { return CVekVector3D<T>(a, b, c); }
     /// The plane's expression at a point: 0 on it, positive in front. It is the distance when the normal's length is 1.
     constexpr T Evaluate(CVekVector3D<T> const & point) const noexcept { return Normal().Dot(point) + d; }
@@ -441,6 +463,7 @@ public:
     VEK_API CVekMatrix() noexcept;
     /// A matrix of that size, its elements not initialised; after a failed allocation it is empty.
     VEK_API CVekMatrix(unsigned int rows, unsigned int columns) noexcept;
+    /// Copies size and elements; empty after a failed allocation.
     VEK_API CVekMatrix(CVekMatrix const & other) noexcept;
     /// Takes over size and elements through Create; a matrix of fixed size keeps its size and takes the elements that
     /// both have. Without elements in the source this matrix is destroyed (as Destroy does).
@@ -454,6 +477,7 @@ public:
     /// Frees the elements; the sizes stay.
     VEK_API virtual void Destroy();
 
+    /// The size.
     unsigned int GetRows() const noexcept { return m_rows; }
     unsigned int GetColumns() const noexcept { return m_columns; }
     /// The first element of row 0, or null without elements; the matrix keeps ownership.
@@ -521,6 +545,7 @@ class CVekMatrixMxN : public CVekMatrix<T>
 public:
     /// All elements are 0.
     CVekMatrixMxN() noexcept : CVekMatrix<T>(M, N, nullptr), m_inline() { this->m_elements = m_inline.at; }
+    /// Copies the elements.
     CVekMatrixMxN(CVekMatrixMxN const & other) noexcept : CVekMatrix<T>(M, N, nullptr), m_inline(other.m_inline)
     {
         this->m_elements = m_inline.at;
@@ -595,6 +620,7 @@ public:
     using CVekMatrix<T>::operator*=;
     /// The same bits as operator*= gives.
     VEK_API_INLINE CVekMatrix4x4 operator*(CVekMatrix4x4 const & other) const noexcept;
+    /// By value.
     bool operator==(CVekMatrix4x4 const & other) const noexcept
     {
         return Row(0) == other.Row(0) && Row(1) == other.Row(1) && Row(2) == other.Row(2) && Row(3) == other.Row(3);
@@ -625,6 +651,7 @@ public:
         SetRow(3, CVekVector4D<T>(offset, this->m_elements[15]));
     }
 
+    /// The matrix with rows and columns exchanged; this one stays.
     VEK_API CVekMatrix4x4 Transposed() const noexcept;
     /// By 2 x 2 minors of the upper and the lower half, in double precision.
     VEK_API T Determinant() const noexcept;
@@ -702,11 +729,13 @@ template <class T>
 class CVekBoundBox
 {
 public:
+    /// The corners with the smallest and the largest coordinates.
     CVekVector3D<T> minimum, maximum;
     /// True for no box: its corners don't count.
     bool empty;
 
     constexpr CVekBoundBox() noexcept : minimum(), maximum(), empty(true) {}
+    /// Takes the corners as they are.
     constexpr CVekBoundBox(CVekVector3D<T> const & minimum_, CVekVector3D<T> const & maximum_) noexcept
         : minimum(minimum_), maximum(maximum_), empty(false)
     {

@@ -1,5 +1,15 @@
 /// @file
 /// NURBS curves: rational B-spline curves of any degree up to 32.
+///
+/// @code
+/// CVekVector3D<double> const points[] = {{0, 0, 0}, {1, 2, 0}, {3, 2, 0}, {4, 0, 0}};
+/// CVekNurbsCurve<double> curve;
+/// if (curve.CreateInterpolation(3, points, 4))
+/// {
+///     CVekVector3D<double> const middle = curve.GetPoint(curve.GetParameterAtLength(curve.GetLength() / 2));
+///     VekLogOutput(0, L"The middle is at %g, %g.", middle.x, middle.y);
+/// }
+/// @endcode
 #ifndef VEK_NURBS_H
 #define VEK_NURBS_H
 
@@ -26,6 +36,7 @@ enum VEK_NURBS_ERROR : unsigned int
 /// What CVekNurbsCurve::Check tells.
 struct VekNurbsError
 {
+    /// What was wrong.
     VEK_NURBS_ERROR code = VEK_NURBS_ERROR_NONE;
     /// The first point, weight or knot that breaks the rule, where one does.
     unsigned int index = 0;
@@ -46,7 +57,7 @@ template <class T>
 class CVekNurbsCurve
 {
 public:
-    static constexpr unsigned int MAX_DEGREE = 32;
+    static constexpr unsigned int MAX_DEGREE = 32; ///< The highest degree.
     /// Control points of one curve.
     static constexpr unsigned int MAX_POINTS = 1u << 20;
     /// Segments of one tessellation.
@@ -66,6 +77,7 @@ public:
         return *this;
     }
     VEK_API ~CVekNurbsCurve();
+    /// Exchanges the two curves; nothing is copied.
     void Swap(CVekNurbsCurve & other) noexcept
     {
         Exchange(m_degree, other.m_degree);
@@ -108,7 +120,9 @@ public:
     /// Makes the curve empty.
     VEK_API void Destroy() noexcept;
 
+    /// True for a curve without points.
     bool IsEmpty() const noexcept { return m_points == nullptr; }
+    /// Degree, control points and knots as they are now; 0 for an empty curve.
     unsigned int GetDegree() const noexcept { return m_degree; }
     unsigned int GetPointCount() const noexcept { return m_pointCount; }
     unsigned int GetKnotCount() const noexcept { return m_points ? m_pointCount + m_degree + 1 : 0; }

@@ -1,5 +1,17 @@
 /// @file
 /// Resource files as trees of packets: the packets, and the interfaces of what stores and creates them.
+///
+/// @code
+/// // A packet that holds one number. A handler creates it, registered under the type's number.
+/// class NumberPacket final : public CVekResourceFilePacket
+/// {
+/// public:
+///     using CVekResourceFilePacket::CVekResourceFilePacket;
+///     bool Read(IVekIOStream * stream) override { return stream->Read(&m_number, sizeof m_number, true); }
+///     bool Write(IVekIOStream * stream) override { return stream->Write(&m_number, sizeof m_number, true); }
+///     int m_number = 0;
+/// };
+/// @endcode
 #ifndef VEK_PACKETS_H
 #define VEK_PACKETS_H
 
@@ -33,6 +45,7 @@ public:
     virtual wchar_t const * GetFilePath() const = 0;
     /// True when the tree differs from its file, as far as the manager was told.
     virtual bool IsModified() const = 0;
+    /// Tells the manager that the tree differs from its file, or doesn't.
     virtual void SetModified(bool modified) = 0;
     /// The packet that holds all others, no reference added; null only when there is no memory for one.
     virtual CVekResourceFilePacket * GetRoot() = 0;
@@ -110,7 +123,9 @@ public:
     /// The child at an index, no reference added; null, with a message, for a bad index.
     CVekResourceFilePacket * GetChild(int index);
     CVekResourceFilePacket const * GetChild(int index) const;
+    /// The places in the list of children, null entries included.
     int GetNumChildren() const;
+    /// The manager that it was created with, no reference added.
     IVekResourceFileManager * GetManager();
     IVekResourceFileManager const * GetManager() const;
 
@@ -124,6 +139,7 @@ private:
 class VEK_API CVekResourceFileFolderPacket : public CVekResourceFilePacket
 {
 public:
+    /// A folder without children.
     explicit CVekResourceFileFolderPacket(IVekResourceFileManager * manager);
     /// Shallow as the base's.
     CVekResourceFileFolderPacket(CVekResourceFileFolderPacket const &) = default;

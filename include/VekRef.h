@@ -1,5 +1,12 @@
 /// @file
 /// The library's entry points, its start and stop as a scope, and the owner of one reference to an object of it.
+///
+/// @code
+/// CVekRef<IVekTimer> const timer{getVekLibKernel()->CreateTimer()}; // takes the creator's reference over
+/// CVekRef<IVekTimer> const second = timer;                           // adds one
+/// timer->Start();
+/// VekLogOutput(0, L"%g seconds", second->GetElapsedSeconds());
+/// @endcode
 #ifndef VEK_REF_H
 #define VEK_REF_H
 
@@ -70,11 +77,13 @@ public:
     {
     }
     ~CVekRef() { Drop(m_object); }
+    /// Adds a reference to the other's object, then gives back the old one.
     CVekRef & operator=(CVekRef const & other) noexcept
     {
         Reset(AddTo(other.m_object));
         return *this;
     }
+    /// Takes the other's reference over and leaves it null, then gives back the old one.
     CVekRef & operator=(CVekRef && other) noexcept
     {
         Reset(other.Detach());
@@ -113,6 +122,7 @@ public:
     T * Get() const noexcept { return m_object; }
     T * operator->() const noexcept { return m_object; }
     T & operator*() const noexcept { return *m_object; }
+    /// Whether there is an object.
     explicit operator bool() const noexcept { return m_object != nullptr; }
 
     /// Whether both mean the same object.

@@ -2,6 +2,15 @@
 /// The library's texts, references, bytes, source texts, curves and workers beside the standard library's. VekLib.h
 /// does not bring this header: a host that uses the standard library includes it. The functions may throw
 /// std::bad_alloc, where they make something of the standard library's.
+///
+/// @code
+/// if (std::optional<std::wstring> const text = VekReadTextFile(L"names.txt"))
+/// {
+///     std::wstring_view const firstLine = std::wstring_view(*text).substr(0, text->find(L'\n'));
+///     CVekString<wchar_t> const name = VekToString(firstLine);
+///     VekWriteTextFile(L"first.txt", VekView(name));
+/// }
+/// @endcode
 #ifndef VEK_STD_H
 #define VEK_STD_H
 
@@ -78,6 +87,7 @@ inline VEK_VARIANT VekToVariant(std::string_view text)
 template <class T>
 struct std::hash<CVekString<T>>
 {
+    /// The hash of the characters.
     std::size_t operator()(CVekString<T> const & string) const noexcept
     {
         return std::hash<std::basic_string_view<T>>()(VekView(string));
@@ -88,6 +98,7 @@ struct std::hash<CVekString<T>>
 template <class T>
 struct std::hash<CVekRef<T>>
 {
+    /// The hash of the address.
     std::size_t operator()(CVekRef<T> const & reference) const noexcept
     {
         return std::hash<T const *>()(reference.Get());
@@ -154,6 +165,7 @@ inline std::optional<std::wstring> VekWideFromUtf8(std::string_view bytes)
     return wide;
 }
 #if defined(__cpp_lib_char8_t)
+/// The same for bytes that are UTF-8 by their type.
 inline std::optional<std::wstring> VekWideFromUtf8(std::u8string_view bytes)
 {
     return VekWideFromUtf8(std::string_view(reinterpret_cast<char const *>(bytes.data()), bytes.size()));
@@ -334,7 +346,9 @@ inline bool VekTokenizeSource(IVekTokenizer & tokenizer, IVekLexer & lexer, std:
 /// comments, and tokens that don't pass the filter.
 struct VekPiece
 {
+    /// As it stands in the source.
     std::wstring_view text;
+    /// Null between two tokens. It stays the tokenizer's.
     IVekTokenizer::IToken const * token;
 };
 
@@ -345,6 +359,7 @@ struct VekPiece
 class VekPieces
 {
 public:
+    /// @cond internal
     class Iterator
     {
     public:
@@ -386,10 +401,13 @@ public:
         int m_index = 0;
         VekPiece m_piece{};
     };
+    /// @endcond
 
+    /// Both must last as long as the pieces are used.
     VekPieces(IVekTokenizer const & tokenizer, std::wstring_view text) noexcept : m_tokenizer(tokenizer), m_text(text)
     {
     }
+    /// For range-based loops.
     Iterator begin() const noexcept { return {m_tokenizer, m_text}; }
     static vek::WalkEnd end() noexcept { return {}; }
 

@@ -4,6 +4,15 @@
 /// Text is zero-terminated. The A functions take char, their W twins wchar_t; the library's text type, the T of some
 /// names, is wchar_t. Widening sign-extends each byte, narrowing keeps the low byte: no code pages are involved.
 /// Pointers must not be null unless a comment says so.
+///
+/// @code
+/// CVekString<wchar_t> title(L"Scene");
+/// title.AppendFormat(L" %d", 7);
+/// wchar_t name[260];
+/// VekGetFileNameFromPathW(L"C:\\scenes\\hall.xml", name, 260);
+/// title += L" - ";
+/// title += name; // "Scene 7 - hall.xml"
+/// @endcode
 #ifndef VEK_TEXT_H
 #define VEK_TEXT_H
 
@@ -121,6 +130,7 @@ public:
     VEK_API explicit CVekString(T const * text) noexcept;
     /// A copy of exactly length characters, which need no terminator and hold none.
     VEK_API CVekString(T const * text, int length) noexcept;
+    /// A copy; empty when memory is exhausted.
     VEK_API CVekString(CVekString const & other) noexcept;
     /// Takes the text over and leaves the other string empty.
     CVekString(CVekString && other) noexcept : m_text(other.m_text) { other.m_text = nullptr; }
@@ -199,9 +209,11 @@ public:
     /// be formatted. An argument may be this string's own text.
     VEK_API void AppendFormat(T const * format, ...) noexcept;
 
+    /// The number of characters.
     int GetLength() const noexcept { return m_text ? Header()[0] : 0; }
     /// The number of characters the block was made for.
     int GetCapacity() const noexcept { return m_text ? Header()[1] : 0; }
+    /// Whether there is no character.
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     /// The characters, never null; valid until the string is changed or destroyed.
     operator T const *() const noexcept { return m_text ? m_text : NoText(); }
@@ -383,6 +395,7 @@ VEK_API bool VekMakePathAbsolute(CVekString<wchar_t> & path, CVekString<wchar_t>
 /// library's own runtime, and only for functions of that.
 VEK_API _iobuf * VekFileOpenA(char const * name, char const * mode);
 VEK_API _iobuf * VekFileOpenW(wchar_t const * name, wchar_t const * mode);
+/// Closes what VekFileOpenA or VekFileOpenW opened.
 VEK_API void VekFileCloseA(_iobuf * file);
 VEK_API void VekFileCloseW(_iobuf * file);
 

@@ -1,5 +1,17 @@
 /// @file
 /// Synchronisation objects, scoped locks, worker threads and their commands, wait cursor and current directory.
+///
+/// @code
+/// struct Load final : CVekThreadCommand
+/// {
+///     void Execute() override { VekLogOutput(0, L"on thread %u", VekGetCurrentThreadID()); }
+/// };
+/// IVekKernel * const kernel = getVekLibKernel();
+/// CVekRef<IVekThread> const worker{kernel->CreateThread(L"loader", nullptr, false, 0, 0)};
+/// worker->Start();
+/// kernel->ExecuteThreadCommand(new Load, worker.Get()); // waits; the command is released then
+/// worker->Stop();
+/// @endcode
 #ifndef VEK_THREAD_H
 #define VEK_THREAD_H
 
@@ -17,6 +29,7 @@ class VEK_API CVekSyncObject
 {
 public:
     CVekSyncObject() = default;
+    /// Nothing is copied here.
     CVekSyncObject(CVekSyncObject const &) {}
     CVekSyncObject & operator=(CVekSyncObject const &) { return *this; }
     virtual ~CVekSyncObject();
@@ -112,6 +125,7 @@ private:
 class VEK_API CVekSingleLock
 {
 public:
+    /// Locks the object at once if wanted.
     CVekSingleLock(CVekSyncObject * object, bool initialLock);
     CVekSingleLock(CVekSingleLock const &) = default;
     CVekSingleLock & operator=(CVekSingleLock const &) = default;
@@ -234,6 +248,7 @@ protected:
 class VEK_API CVekThreadCommand : public CVekRefCounted<IVekObject>
 {
 public:
+    /// A command that is released once it has run, unless autoDelete is false.
     explicit CVekThreadCommand(bool autoDelete = true);
     /// Copy every field as it is, the count and the links included.
     CVekThreadCommand(CVekThreadCommand const &) = default;
@@ -257,6 +272,7 @@ public:
     /// The signal to be set once the command has run, not owned; null for none.
     void SetEndSignal(CVekSignal * signal) { m_endSignal = signal; }
     CVekSignal * GetEndSignal() const { return m_endSignal; }
+    /// Whether it is released once it has run.
     bool IsAutoDelete() const { return m_autoDelete; }
 
 protected:

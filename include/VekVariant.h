@@ -1,5 +1,12 @@
 /// @file
 /// The types of values, and the variant that holds a value of any of them.
+///
+/// @code
+/// VEK_VARIANT const width(800);
+/// VEK_VARIANT const title(L"Untitled");
+/// if (width.GetType() == VEK_DT_INT)
+///     VekLogOutput(0, L"%d", static_cast<int const &>(width));
+/// @endcode
 #ifndef VEK_VARIANT_H
 #define VEK_VARIANT_H
 
@@ -157,11 +164,13 @@ public:
     VEK_VARIANT(unsigned char * buffer, int size);
     /// A variant of that type without a value; the types 13 to 19 get an object.
     VEK_VARIANT(VEK_DATATYPE type);
+    /// Shallow, as told above.
     VEK_VARIANT(VEK_VARIANT const & other);
     VEK_VARIANT & operator=(VEK_VARIANT const & other);
 
     virtual ~VEK_VARIANT();
 
+    /// The type that the constructor has set.
     VEK_DATATYPE GetType() const;
 
     /// The inline value, read as that type whatever the variant's type is.

@@ -1,10 +1,17 @@
 /// @file
-/// Trees and lists for range-based loops:
+/// Trees and lists for range-based loops.
 ///
-///     for (IVekXMLElement & child : VekChildren(element))
-///     for (IVekXMLElement const & mesh : VekFindAll(root, L"mesh"))
-///     for (auto const & [name, value, index] : VekAttributes(element))
-///     for (IVekTokenizer::IToken & token : VekTokens(tokenizer))
+/// @code
+/// if (CVekRef<IVekXMLDocument> const document = VekLoadXMLDocument(L"scene.xml"))
+/// {
+///     IVekXMLElement & root = *document->GetRootElement();
+///     for (IVekXMLElement & child : VekChildren(root))
+///         for (auto const & [name, value, index] : VekAttributes(child))
+///             fputws(value, stdout);
+///     for (IVekXMLElement & mesh : VekFindAll(root, L"mesh")) // at any depth
+///         mesh.SetAttributeValue(L"visible", true, true);
+/// }
+/// @endcode
 ///
 /// Elements and packets of resource files have children alike, and so have the entries of a document type's rules;
 /// those of a const one are const. No references are added, and null entries are left out. A loop over children may
@@ -167,8 +174,10 @@ inline auto VekTokens(IVekTokenizer const & tokenizer) noexcept
 /// escaped (IVekXMLElement::GetAttributeValue by name undoes that), and its index.
 struct VekAttribute
 {
+    /// The element's own.
     CVekString<wchar_t> const & name;
     CVekString<wchar_t> const & value;
+    /// From 0.
     int index;
 };
 
@@ -176,6 +185,7 @@ struct VekAttribute
 class VekAttributes
 {
 public:
+    /// @cond internal
     class Iterator
     {
     public:
@@ -195,8 +205,11 @@ public:
         IVekXMLElement const * m_element;
         int m_index = 0;
     };
+    /// @endcond
 
+    /// The element must last as long as the loop.
     explicit VekAttributes(IVekXMLElement const & element) noexcept : m_element(element) {}
+    /// For range-based loops.
     Iterator begin() const noexcept { return Iterator(m_element); }
     static vek::WalkEnd end() noexcept { return {}; }
 
@@ -218,6 +231,7 @@ template <class Node>
 class VekDescendants
 {
 public:
+    /// @cond internal
     class Iterator
     {
     public:
@@ -233,7 +247,9 @@ public:
     private:
         VekDescendants * m_walk;
     };
+    /// @endcond
 
+    /// All entries below the root, which is not among them.
     explicit VekDescendants(Node & root) noexcept : m_root(&root) {}
     /// Only the entries of that name, without regard to the case of ASCII letters; the text must last as long as the
     /// walk.
@@ -251,6 +267,7 @@ public:
         Advance();
         return Iterator(*this);
     }
+    /// Where a range-based loop ends.
     vek::WalkEnd end() const noexcept { return {}; }
 
     /// Leaves out what is below the current entry.

@@ -5,6 +5,18 @@
 /// Names are matched everywhere without regard to the case of ASCII letters, and the first match wins. A null name
 /// matches only an empty one. A tree of elements is used by one thread at a time; different trees by any number of
 /// threads.
+///
+/// @code
+/// CVekRef<IVekXMLDocument> const document{getVekLibKernel()->GetXMLManager()->CreateXMLDocument()};
+/// CVekXMLParser parser;
+/// if (!parser.ParseXMLFile(L"scene.xml", document.Get()) || !parser.IsComplete())
+///     VekLogOutput(0, L"line %u: %s", parser.GetError().line, parser.GetError().text);
+/// else if (IVekXMLElement const * const light = document->FindElementFromPath(L"room/light", false))
+/// {
+///     CVekVector4D<double> position;
+///     light->GetAttributeValue(L"position", position, CVekVector4D<double>());
+/// }
+/// @endcode
 #ifndef VEK_XML_H
 #define VEK_XML_H
 
@@ -32,8 +44,10 @@ public:
 
     /// Copies the name; null empties it.
     virtual void SetName(wchar_t const * name) = 0;
+    /// The name, which stays the element's.
     virtual CVekString<wchar_t> const & GetName() const = 0;
 
+    /// The children, null entries included.
     virtual int GetNumChildren() const = 0;
     /// Adds a reference to the child and inserts it before the index; a negative index, or one of the last position or
     /// beyond, appends. Returns the child's index. Duplicates and parents are not checked, and no cycle may be built.
@@ -47,6 +61,7 @@ public:
     /// implementation, means the first null entry.
     VEK_OVERLOADS3(virtual void RemoveChild(IVekXMLElement * child) = 0,
                    virtual void RemoveChild(wchar_t const * name) = 0, virtual void RemoveChild(int index) = 0)
+    /// Removes and releases all children.
     virtual void RemoveAllChildren() = 0;
 
     /// The child at an index, no reference added; null, with a message, for a bad index.
@@ -59,6 +74,7 @@ public:
     VEK_OVERLOADS2(virtual IVekXMLElement const * FindChild(wchar_t const * name) const = 0,
                    virtual IVekXMLElement * FindChild(wchar_t const * name, bool create) = 0)
 
+    /// The number of attributes.
     virtual int GetNumAttributes() const = 0;
     /// Adds an attribute with the value converted to text and escaped; before the index when it names an attribute,
     /// else at the end. Returns the attribute's index, or -1 when the name is taken (silently), the value's type has no
@@ -78,6 +94,7 @@ public:
     /// Both forms refuse to remove an existing attribute, with a message and false; the form by index does nothing and
     /// returns true for an index beyond the list. RemoveAllAttributes removes.
     VEK_OVERLOADS2(virtual bool RemoveAttribute(wchar_t const * name) = 0, virtual bool RemoveAttribute(int index) = 0)
+    /// Removes every attribute.
     virtual void RemoveAllAttributes() = 0;
 
     /// The index of the first attribute of that name, or -1.
@@ -128,7 +145,9 @@ public:
     virtual bool AddCDATASection(unsigned char const * bytes, int size) = 0;
     /// In bytes; 0 without a section.
     virtual int GetCDATASectionSize() const = 0;
+    /// Frees the section; nothing without one.
     virtual void RemoveCDATASection() = 0;
+    /// Whether there is a section; it may be empty.
     virtual bool HasCDATASection() const = 0;
     /// The section's bytes, owned by the element; null without a section.
     virtual unsigned char const * GetCDATASection() const = 0;
@@ -156,10 +175,13 @@ public:
     class RuleEntry : public IVekObject
     {
     public:
+        /// The name of the element that it stands for; empty for a group.
         virtual CVekString<wchar_t> const & GetName() const = 0;
+        /// What it stands for.
         virtual VEK_XML_DTD_ENTRYTYPE GetType() const = 0;
         /// 0 exactly once, 1 optional, 2 zero or more, 3 one or more.
         virtual int GetOccurrence() const = 0;
+        /// The number of children.
         virtual int GetNumChildren() const = 0;
         /// The child at an index, no reference added; null for a bad index.
         VEK_OVERLOADS2(virtual RuleEntry * GetChild(int index) = 0,
@@ -169,14 +191,18 @@ public:
         virtual int AddChild(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type, int occurrence) = 0;
         /// Removes and releases the child; a bad index is logged.
         virtual void RemoveChild(int index) = 0;
+        /// Removes and releases all children.
         virtual void RemoveAllChildren() = 0;
 
     protected:
         ~RuleEntry() = default;
     };
 
+    /// The name of the element that is declared.
     virtual CVekString<wchar_t> const & GetName() const = 0;
+    /// What the element may contain.
     virtual VEK_XML_DTD_ENTRYTYPE GetType() const = 0;
+    /// The entries of the outermost level.
     virtual int GetNumRuleEntries() const = 0;
     /// Appends an entry (a null name makes a group) and returns its index; -1, with a message, when an entry of that
     /// name exists or memory is exhausted.
@@ -186,6 +212,7 @@ public:
                    virtual RuleEntry const * GetRuleEntry(int index) const = 0)
     /// Removes and releases the entry; a bad index is logged.
     virtual void RemoveRuleEntry(int index) = 0;
+    /// Removes and releases all entries.
     virtual void RemoveAllRuleEntries() = 0;
 
 protected:
@@ -200,21 +227,26 @@ public:
     class AttributeEntry : public IVekObject
     {
     public:
+        /// The name of the attribute.
         virtual CVekString<wchar_t> const & GetName() const = 0;
         /// The declared type's text, such as "CDATA".
         virtual CVekString<wchar_t> const & GetType() const = 0;
+        /// Whether it is declared "#REQUIRED".
         virtual bool IsRequired() const = 0;
 
     protected:
         ~AttributeEntry() = default;
     };
 
+    /// The name of the element whose attributes are declared.
     virtual CVekString<wchar_t> const & GetName() const = 0;
+    /// The number of declared attributes.
     virtual int GetNumAttributeEntries() const = 0;
     /// Appends an entry and returns its index; -1, with a message, when the name is taken or memory is exhausted.
     virtual int AddAttributeEntry(wchar_t const * name, wchar_t const * type, bool required) = 0;
     /// Removes and releases the entry; a bad index is logged.
     virtual void RemoveAttributeEntry(int index) = 0;
+    /// Removes and releases all entries.
     virtual void RemoveAllAttributeEntries() = 0;
     /// The entry at an index, no reference added; null for a bad index.
     VEK_OVERLOADS2(virtual AttributeEntry * GetAttributeEntry(int index) = 0,
@@ -230,9 +262,11 @@ class IVekXMLDocument : public IVekObject
 public:
     /// Copies the name of the document type; always true.
     virtual bool SetDocumentType(wchar_t const * name) = 0;
+    /// The name of the document type, which stays the document's.
     virtual CVekString<wchar_t> const & GetDocumentType() const = 0;
     /// Returns true and stores nothing: a document of this library is always "UTF-8".
     virtual bool SetEncoding(wchar_t const * name) = 0;
+    /// The name of the encoding, which stays the document's.
     virtual CVekString<wchar_t> const & GetEncoding() const = 0;
     /// Takes a reference to the new root and releases the old one; null leaves the document without a root. Always
     /// true.
@@ -246,6 +280,7 @@ public:
     /// can't be made.
     virtual IVekXMLElement * FindElementFromPath(wchar_t const * path, bool create) = 0;
 
+    /// The number of rules.
     virtual int GetNumDTDRules() const = 0;
     /// The rule at an index or of a name, no reference added; null when there is none.
     VEK_OVERLOADS2(virtual IVekXMLDTDRule * GetDTDRule(int index) = 0,
@@ -256,8 +291,10 @@ public:
     virtual int AddDTDRule(wchar_t const * name, VEK_XML_DTD_ENTRYTYPE type) = 0;
     /// Removes and releases the rule; a bad index is logged.
     virtual void RemoveDTDRule(int index) = 0;
+    /// Removes and releases all rules.
     virtual void RemoveAllDTDRules() = 0;
 
+    /// The number of attribute lists.
     virtual int GetNumDTDAttributeLists() const = 0;
     /// The attribute list at an index or of an element's name, no reference added; null when there is none.
     VEK_OVERLOADS2(virtual IVekXMLDTDAttributeList * GetDTDAttributeList(int index) = 0,
@@ -269,6 +306,7 @@ public:
     virtual int AddDTDAttributeList(wchar_t const * name) = 0;
     /// Removes and releases the list; a bad index is logged.
     virtual void RemoveDTDAttributeList(int index) = 0;
+    /// Removes and releases all lists.
     virtual void RemoveAllDTDAttributeLists() = 0;
 
 protected:
@@ -296,6 +334,7 @@ class IVekXMLWriter : public IVekObject
 public:
     /// The spaces for each level of depth, 3 at first; a negative number is refused with a message.
     virtual void SetIndentation(int spaces) = 0;
+    /// The spaces for each level.
     virtual int GetIndentation() const = 0;
     /// Writes the document to a new file; false, with messages, when the document has no root or the file can't be
     /// written whole.
@@ -312,6 +351,7 @@ protected:
 class IVekXMLManager : public IVekObject
 {
 public:
+    /// A new object without contents, which the caller releases; null, with a message, when memory is exhausted.
     virtual IVekXMLElement * CreateXMLElement() = 0;
     virtual IVekXMLDocument * CreateXMLDocument() = 0;
     virtual IVekXMLParser * CreateXMLParser() = 0;
@@ -334,7 +374,9 @@ public:
     CVekXMLAttribute & operator=(CVekXMLAttribute const & other);
     ~CVekXMLAttribute() override;
 
+    /// Copies the name; null empties it.
     void SetName(wchar_t const * name);
+    /// The name and the stored text, which stay the attribute's.
     CVekString<wchar_t> const & GetName() const { return m_name; }
     CVekString<wchar_t> const & GetValue() const { return m_value; }
 
@@ -356,14 +398,12 @@ public:
     bool GetValue(bool & value) const;
     bool GetValue(int & value) const;
     bool GetValue(float & value) const;
-    /// Read with the precision of a float.
-    bool GetValue(double & value) const;
+    bool GetValue(double & value) const; ///< Read with the precision of a float.
     bool GetValue(CVekRGBA<unsigned char> & value) const;
     bool GetValue(CVekRGBA<float> & value) const;
     bool GetValue(CVekVector4D<int> & value) const;
     bool GetValue(CVekVector4D<float> & value) const;
-    /// Read with the precision of floats.
-    bool GetValue(CVekVector4D<double> & value) const;
+    bool GetValue(CVekVector4D<double> & value) const; ///< Read with that of floats.
 
 private:
     friend class CVekXMLElement;
@@ -516,8 +556,9 @@ enum VEK_XML_KEEP : unsigned int
     VEK_XML_KEEP_CDATA = 16,
     /// What stands in front of the outermost element and behind it: see VekGetXMLProlog.
     VEK_XML_KEEP_PROLOG = 32,
-    VEK_XML_KEEP_ALL = 63
+    VEK_XML_KEEP_ALL = 63 ///< All of that.
 };
+/// Both.
 constexpr VEK_XML_KEEP operator|(VEK_XML_KEEP left, VEK_XML_KEEP right) noexcept
 {
     return static_cast<VEK_XML_KEEP>(static_cast<unsigned int>(left) | static_cast<unsigned int>(right));
@@ -562,6 +603,7 @@ enum VEK_XML_ERROR : unsigned int
 /// What CVekXMLParser::GetError tells.
 struct VekXMLError
 {
+    /// What was wrong.
     VEK_XML_ERROR code = VEK_XML_ERROR_NONE;
     unsigned int line = 0;       ///< From 1; 0 when there is no place to name, as when a file can't be opened.
     unsigned int column = 0;     ///< In characters, from 1.
@@ -631,8 +673,8 @@ enum VEK_XML_ENCODING : unsigned int
     /// What the document was read from; UTF-8 for a new document, and for one with a character that this encoding
     /// lacks where no reference can stand, as in a name or a comment.
     VEK_XML_ENCODING_AS_SOURCE = 0,
-    VEK_XML_ENCODING_UTF8 = 1,
-    /// With a byte order mark.
+    VEK_XML_ENCODING_UTF8 = 1, ///< Without a byte order mark.
+                               /// With a byte order mark.
     VEK_XML_ENCODING_UTF8_MARK = 2,
     /// Little- and big-endian, with a byte order mark.
     VEK_XML_ENCODING_UTF16 = 3,
@@ -660,6 +702,7 @@ enum VEK_XML_WRITE_ERROR : unsigned int
 /// What CVekXMLWriter::GetError tells.
 struct VekXMLWriteError
 {
+    /// What was wrong.
     VEK_XML_WRITE_ERROR code = VEK_XML_WRITE_ERROR_NONE;
     unsigned int systemCode = 0; ///< What GetLastError gives for it, where a file failed and the system told; else 0.
     wchar_t const * text = L"";  ///< In words, such as "name can not be written". It stays the library's, for good.

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Static checks of the library's own code: clang-tidy with the root's .clang-tidy, cppcheck, and clang-format. Every
-# finding is fixed, or justified where it stands.
+# Static checks of the library's own code: clang-tidy with the root's .clang-tidy, cppcheck, clang-format, and
+# Doxygen, which tells what is public and has no text. Every finding is fixed, or justified where it stands.
 #   tools/check-static.sh [FILE.cpp...]     all of the library without a file
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 shopt -s nullglob
@@ -46,4 +46,5 @@ cppcheck --quiet --error-exitcode=1 --enable=warning,performance,portability --i
 
 find include base text math thread xml io lexer core apps bench examples tests -name '*.cpp' -o -name '*.h' |
     xargs clang-format --dry-run --Werror || { echo "clang-format would change files"; status=1; }
+[ $# -gt 0 ] || tools/build-docs.sh || { echo "the reference has gaps"; status=1; }
 exit $status

@@ -53,6 +53,7 @@ clang                       clang++
 clang-tidy                  clang-tidy
 clang-format                clang-format
 cppcheck                    cppcheck
+doxygen                     doxygen
 libxml2-utils               xmllint
 expat                       xmlwf
 libc6-i386                  /lib/ld-linux.so.2
