@@ -30,7 +30,7 @@ build_gnu() {
 build_msvc() {
     local targets=VekLib
     build "$1" -DVEKLIB_APPS=OFF \
-        -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG /Z7 -gno-codeview-command-line /clang:-ffile-prefix-map=$PWD=." \
+        -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG /Z7 -gno-codeview-command-line -fdebug-compilation-dir=. /clang:-ffile-prefix-map=$PWD=." \
         -DCMAKE_SHARED_LINKER_FLAGS_RELEASE="/INCREMENTAL:NO /DEBUG /OPT:REF /OPT:ICF /PDBALTPATH:%_PDB% /PDBSOURCEPATH:/VekLib"
 }
 

@@ -43,10 +43,10 @@ for file in README.md CHANGELOG.md THIRD-PARTY-NOTICES.txt licences/expat.txt li
     include/VekLib.natvis share/VekLib/gdb/veklib.py docs/building.md bin/win32-gnu/vek{,view}.exe bin/win64-gnu/vek{,view}.exe; do
     [ -s "$root/$file" ] || fail "$file is missing"
 done
-# Nor is there a path of the machine it was made on in what is run, nor a symbol in a program.
+# There is no path of the repository's folder in anything, and no symbol in a program.
 ! grep -rlF "$repository" "$root" || fail "these have paths of this folder"
 for program in "$root"/bin/*-gnu/*.exe; do
-    i686-w64-mingw32-objdump -t "$program" | grep -q 'no symbols' || fail "$program has symbols"
+    x86_64-w64-mingw32-objdump -t "$program" | grep -q 'no symbols' || fail "$program has symbols"
 done
 for flavour in win32-gnu:win32:msvc32 win64-gnu:win64:msvc64 win32-msvc:msvc32:win32 win64-msvc:msvc64:win64; do
     IFS=: read -r flavour own other <<< "$flavour"
@@ -63,7 +63,7 @@ for flavour in win32-gnu:win32:msvc32 win64-gnu:win64:msvc64 win32-msvc:msvc32:w
     else
         address=$("$arch-w64-mingw32-objdump" -p "$dll" | awk '
             /Export Address Table/ { table = 1 } /Ordinal\/Name Pointer/ { table = 0 }
-            table && match($0, /\[ *[0-9]+\] \+base/) { split($0, part, /[][]/); rva[part[2] + 0] = $(NF - 3) }
+            table && match($0, /\[ *[0-9]+\] \+base/) { split($0, part, /[][]/); rva[part[2] + 0] = $(NF - 2) }
             / VekLibVersion$/ { split($0, part, /[][]/); print rva[part[2] + 0] }' )
         line=$(/usr/lib/llvm-19/bin/llvm-symbolizer --relative-address --obj="$dll" "0x$address" 2>&1)
     fi
@@ -117,7 +117,7 @@ run "the host of pkg-config" pkg-config ./host.exe
 # The command line of docs/building.md as it stands, with its prefix and source.
 ln -s "$root" plain/prefix
 cp "$minimal" plain/
-line=$(sed -nE 's/^    (i686-w64-mingw32-g\+\+-posix .*-o host\.exe)$/\1/p' "$root/docs/building.md")
+line=$(sed -nE 's/^    (i686-w64-mingw32-g\+\+-posix .*prefix\/lib.* -o host\.exe)$/\1/p' "$root/docs/building.md")
 (cd plain && eval "$line" && cp prefix/bin/win32-gnu/VekLib.dll .) || fail "a host is not built as docs/building.md says: $line"
 run "the host of docs/building.md" plain ./host.exe
 
@@ -126,6 +126,6 @@ mv "$root/lib/win64-gnu" "$root/lib/gone"
 if configure win64-gnu host refused -DCMAKE_PREFIX_PATH="$root" -DMINIMAL="$minimal" > refused.log 2>&1; then
     fail "find_package has found a library that is not there"
 fi
-grep -q 'has no VekLib for this' refused.log || { cat refused.log; fail "find_package does not tell what is missing"; }
+grep -q 'has no VekLib' refused.log || { cat refused.log; fail "find_package does not tell what is missing"; }
 mv "$root/lib/gone" "$root/lib/win64-gnu"
 exit $status
