@@ -35,7 +35,7 @@
 #define VEK_API_INLINE inline
 #endif
 
-/// Linkage and calling convention of the three entry points, so that GetProcAddress finds them by their plain names.
+/// Linkage and calling convention of the entry points, so that GetProcAddress finds them by their plain names.
 #define VEK_ENTRY extern "C" VEK_API
 
 /// @cond internal

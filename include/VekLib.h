@@ -27,6 +27,7 @@
 #include "VekText.h"
 #include "VekThread.h"
 #include "VekVariant.h"
+#include "VekVersion.h"
 #include "VekWalk.h"
 #include "VekXML.h"
 

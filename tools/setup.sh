@@ -62,6 +62,10 @@ xvfb                        Xvfb
 xdotool                     xdotool
 gdb-mingw-w64               i686-w64-mingw32-gdb
 gdb-mingw-w64-target        /usr/share/win32/gdbserver.exe
+python3                     python3
+zip                         zip
+unzip                       unzip
+pkgconf                     pkg-config
 '
 llvm=/usr/lib/llvm-19
 [ -z "$msvc" ] || packages+="

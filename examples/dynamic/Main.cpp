@@ -1,6 +1,6 @@
 // Loads VekLib.dll at run time, without its import library, and looks at a scene:
 //     example_dynamic scene.xml
-// The three entry points have plain names for GetProcAddress. Everything behind the kernel is called through
+// The entry points have plain names for GetProcAddress. Everything behind the kernel is called through
 // interfaces, which need no import; text objects and VEK_VARIANT do, so that a host that wants those links the import
 // library.
 #include <VekLib.h>

@@ -84,6 +84,11 @@ TEST(EntryPoints, WorkBeforeMainAndAProcessMayExitWithoutDeinit)
     SetEnvironmentVariableW(L"VEKLIB_LEAKS", nullptr);
 }
 
+TEST(EntryPoints, TheVersionIsTheHeaders)
+{
+    EXPECT_EQ(VekLibVersion(), VEKLIB_VERSION);
+}
+
 #ifndef VEKLIB_GUARD // which is no DLL
 // A host may load and unload the library as often as it likes: what was freed doesn't stay behind.
 TEST(EntryPoints, UnloadingGivesMemoryBack)

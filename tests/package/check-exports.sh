@@ -12,4 +12,4 @@ if ! difference=$(diff --label "$(basename "$3")" --label "$(basename "$2")" -U0
     exit 1
 fi
 common=$(LC_ALL=C comm -12 <(LC_ALL=C sort "$3") <(LC_ALL=C sort "$4") | tr '\n' ' ')
-[ "$common" = 'VekLibDeinit VekLibInit getVekLibKernel ' ] || { echo "exported for both ABIs: $common"; exit 1; }
+[ "$common" = 'VekLibDeinit VekLibInit VekLibVersion getVekLibKernel ' ] || { echo "exported for both ABIs: $common"; exit 1; }

@@ -36,7 +36,7 @@ cd "$folder" || exit 1
 } > build.log 2>&1 || { grep -E -A5 'error|Error' build.log | head -n 40; tail -n 10 build.log; exit 1; }
 ! grep -i -A5 'warning' build.log || exit 1
 # An installed DLL has to be put beside the host.
-[ -e build/bin/VekLib.dll ] || cp ../package_prefix/bin/VekLib.dll build/bin/ || exit 1
+[ -e build/bin/VekLib.dll ] || cp ../package_prefix/bin/*/VekLib.dll build/bin/ || exit 1
 cp "$repository/examples/data/scene.xml" .
 "$emulator" build/bin/host.exe scene.xml changed.xml > run.log 2>&1 || { cat run.log; exit 1; }
 grep -q 'position="0, 0, 50, 1"\|0, 0, 50, 1' changed.xml || { echo "the host has not changed the scene"; cat run.log; exit 1; }

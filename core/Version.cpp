@@ -1,0 +1,6 @@
+#include "VekVersion.h"
+
+unsigned int VekLibVersion()
+{
+    return VEKLIB_VERSION;
+}
