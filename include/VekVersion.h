@@ -10,9 +10,12 @@
 
 #include "VekExport.h"
 
-#define VEKLIB_VERSION_MAJOR 0 ///< The first part.
-#define VEKLIB_VERSION_MINOR 2 ///< The second.
-#define VEKLIB_VERSION_PATCH 0 ///< The third.
+/// The first part.
+#define VEKLIB_VERSION_MAJOR 0
+/// The second.
+#define VEKLIB_VERSION_MINOR 2
+/// The third.
+#define VEKLIB_VERSION_PATCH 0
 
 /// As one number to compare: 1.2.3 is 10203.
 #define VEKLIB_VERSION (VEKLIB_VERSION_MAJOR * 10000U + VEKLIB_VERSION_MINOR * 100U + VEKLIB_VERSION_PATCH)
